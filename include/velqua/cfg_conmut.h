@@ -1,0 +1,261 @@
+// clsCfgConmut, the switch configuration (Parts 2.1, 2.2, 3.1-3.3, 5.1-5.3).
+//
+// One object describes how one telephone switch prints its call records:
+// brand, model, handling case, call separator, comments, the data-field and
+// constant tables, and the SMDR cable wiring. The class is defined across
+// src/model (2.1, 2.2), src/files (3.1-3.3) and src/wiring (5.1-5.3).
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "velqua/enums.h"
+
+namespace velqua {
+
+class Superficie;
+
+// Widths, in 16-bit characters, of the fixed-width texts (Part 2.1, 2.2).
+constexpr int16_t kTamMarca = 50;
+constexpr int16_t kTamModelo = 50;
+constexpr int16_t kTamComentarios = 250;
+constexpr int16_t kTamSeparador = 10;
+constexpr int16_t kTamTextoCte = 20;
+
+// The configuration record (Part 2.1); also the 660-byte header of the
+// version-3 file (Part 3.1). Texts always hold exactly their width,
+// padded with U+0000.
+struct RegCfg {
+  emVersionConfiguracion emVersionCfg = emNoVersion;
+  std::u16string cadMarca = std::u16string(kTamMarca, u'\0');
+  std::u16string cadModelo = std::u16string(kTamModelo, u'\0');
+  std::u16string cadComentarios = std::u16string(kTamComentarios, u'\0');
+  std::u16string cadSeparador = std::u16string(kTamSeparador, u'\0');
+  emCasos emCasoCfg = emNoCaso;
+  std::array<int32_t, 10> lnPinesRJ45{};     // Part 5.1
+  std::array<int32_t, 10> lnPinesDB9{};      // Part 5.1
+  std::array<int32_t, 26> lnPinesDB25{};     // Part 5.1
+  std::array<int32_t, 26> lnPinesReserva{};  // carried, never used
+  int16_t intDATOCompletos = 0;              // set by the file operations
+  int16_t intCTECompletos = 0;               // set by the file operations
+};
+
+// One record of the data-field table (Part 2.2).
+struct RegDATO {
+  emParamDato emParam = emNoParamDato;
+  emTipoDato emTipo = emValorNoDefinido;  // emValorNoDefinido marks a free record
+  uint8_t btPos = 0;                      // 1-based start column; 0 = not set
+  uint8_t btTam = 0;                      // width in characters; 0 = not set
+};
+
+// One record of the constant table (Part 2.2).
+struct RegCTE {
+  emParamDatoConstante emParam = emNoParamDatoConstante;
+  emTipoDato emTipo = emValorNoDefinido;  // derived: emValorConstante when complete
+  uint8_t btPos = 0;
+  uint8_t btTam = 0;
+  std::u16string cadTexto = std::u16string(kTamTextoCte, u'\0');
+};
+
+// The notification interface (the spec's __clsCfgConmut, Part 2.1). Delivered
+// synchronously, in registration order, after the new value is in place.
+class EventosCfgConmut {
+ public:
+  virtual ~EventosCfgConmut() = default;
+  virtual void CambioNombreConmutador() {}
+  virtual void ConfiguracionCargada() {}
+  virtual void Cambios() {}
+};
+
+class clsCfgConmut {
+ public:
+  // Part 2.1: every member zero, then the reset (which notifies nothing here).
+  clsCfgConmut();
+  clsCfgConmut(const clsCfgConmut&) = delete;
+  clsCfgConmut& operator=(const clsCfgConmut&) = delete;
+
+  // ---- Part 2.1: configuration object ----
+  // Runs the reset EstableceValoresIniciales (which notifies per effective text
+  // change), then notifies ConfiguracionCargada. IDCfg is kept.
+  void Iniciar();
+  // The change flag; writing it notifies nothing.
+  bool Modificado() const;
+  void Modificado(bool bolM);
+  // True when Caso != emNoCaso, Version != emNoVersion, Marca and Modelo non-empty.
+  bool HayConfig() const;
+  // Host identifier; any value; no notification, Modificado unchanged. Default 0.
+  int32_t IDCfg() const;
+  void IDCfg(int32_t lnID);
+  // Layout version; only the reset and the file operations change it. Default 3.
+  emVersionConfiguracion Version() const;
+  // "2.0", "3.0", or "No hay versión" for any other version.
+  std::u16string NombreVersion() const;
+  // Handling case; any 32-bit value is stored. An effective change sets
+  // Modificado and notifies Cambios. Default emCasoEstandar.
+  emCasos Caso() const;
+  void Caso(emCasos emC);
+  // Case name of Caso() (empty text for values without a name).
+  std::u16string NombreCaso() const;
+  // Case name of emC; changes nothing.
+  std::u16string ObtNombreCaso(emCasos emC) const;
+  // Fixed-width texts (50, 50, 250, 10 characters): cut silently, read with
+  // every U+0000 removed. An effective write sets Modificado and notifies
+  // (Marca, Modelo: CambioNombreConmutador then Cambios; others: Cambios).
+  std::u16string Marca() const;
+  void Marca(const std::u16string& cadM);
+  std::u16string Modelo() const;
+  void Modelo(const std::u16string& cadM);
+  // "Marca, Modelo", or "Desconocido" unless both are non-empty.
+  std::u16string NombreConmutador() const;
+  std::u16string Comentarios() const;
+  void Comentarios(const std::u16string& cadC);
+  std::u16string Separador() const;
+  void Separador(const std::u16string& cadSep);
+  // ListaCodigos of Separador with count 10: ten comma-terminated ANSI codes.
+  std::u16string ListaSeparador() const;
+  int16_t TamMaxSeparador() const;    // 10
+  int16_t TamMaxComentarios() const;  // 250
+
+  // ---- Part 2.2: data-field and constant tables (active-key protocol) ----
+  // Active keys: any value; no notification, Modificado unchanged.
+  emParamDato DATOActivo() const;
+  void DATOActivo(emParamDato emCual);
+  emParamDatoConstante CTEActivo() const;
+  void CTEActivo(emParamDatoConstante emCual);
+  // True when the active key has a complete record (ValidaDATO / ValidaCTE).
+  bool HayDATO() const;
+  bool HayCTE() const;
+  // Reads give the active record's value whatever its type (0 / empty when
+  // there is none). Writes take a record when the key has none (AgregaDATO /
+  // AgregaCTE; error 6 when 32767 records are full) and, on an effective
+  // change, set Modificado and notify Cambios. A constant's type is derived.
+  emTipoDato TipoDatoDATO() const;
+  void TipoDatoDATO(emTipoDato emCual);
+  emTipoDato TipoDatoCTE() const;
+  uint8_t DATOPos() const;
+  void DATOPos(uint8_t btPos);
+  uint8_t CTEPos() const;
+  void CTEPos(uint8_t btPos);
+  uint8_t DATOTam() const;
+  void DATOTam(uint8_t btTam);
+  uint8_t CTETam() const;
+  void CTETam(uint8_t btTam);
+  std::u16string Constante() const;
+  void Constante(const std::u16string& cadCte);
+
+  // ---- Part 5.1: cable pin model ----
+  // Joins / separates computer pin intPinConectar to switch pin intPinVector.
+  // Errors, in this order: 6 (computer pin >= 32 or -32768), 0x800404B5
+  // (DB25 switch pin 1), 9 (switch pin outside the port's array). An
+  // effective change sets Modificado and notifies Cambios once.
+  void ActivaPin(emPuertoSerial iemPuerto, int16_t intPinVector, int16_t intPinConectar);
+  void DesactivaPin(emPuertoSerial iemPuerto, int16_t intPinVector, int16_t intPinDesconectar);
+  // True when switch pin intPinConmut is joined to computer pin intPinPC.
+  // Errors 9 (switch pin outside the array) and 6 (element positive and
+  // computer pin >= 32 or -32768).
+  bool PinesConectados(emPuertoSerial iemPuerto, int16_t intPinConmut, int16_t intPinPC) const;
+  // True when a switch pin of the port (1-8 RJ45, 1-9 DB9, 1-25 DB25) is wired.
+  bool HayConfiguracionSMDR(emPuertoSerial iemPuerto) const;
+  // Clears those pins; Modificado unchanged, nothing notified.
+  void LimpiaConfiguracionSMDR(emPuertoSerial iemPuerto);
+
+  // ---- Parts 5.2, 5.3: drawings onto the host's surface ----
+  // Draws the cable diagram of one port; exceptions of the surface propagate.
+  void DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib, float sglPosX = 0,
+                               float sglPosY = 0) const;
+  // Draws the fixed DB9-to-DB25 conversion table (1350 x 1900 units).
+  void DibujaTablaConversionDB9DB25(Superficie& picDib, float sglPosX = 0, float sglPosY = 0) const;
+
+  // ---- Parts 3.1, 3.2: files (errors: Part 3.3) ----
+  // Loads a version-3 or version-2 binary file; errors 0, 1501, 1505 with
+  // source "clsConfigConmut.Abrir". Success: Modificado false, then
+  // ConfiguracionCargada.
+  void Abrir(const std::u16string& cadArch);
+  // Writes the version-3 layout; errors 1501, 1502; Modificado false after.
+  void GuardarComo(const std::u16string& cadArch);
+  // Reads a profile file; error 1504. Success: Modificado false, then
+  // ConfiguracionCargada.
+  void Importar(const std::u16string& cadArch);
+  // Replaces the profile file by the configuration; errors 1501, 1503.
+  void Exportar(const std::u16string& cadArch);
+
+  // ---- Notifications (not owned; delivered in registration order) ----
+  void AgregaOyente(EventosCfgConmut* oyente);
+  void QuitaOyente(EventosCfgConmut* oyente);
+
+ private:
+  // ---- Part 2.1 (src/model/cfg_conmut.cpp, texto_fijo.cpp) ----
+  void EstableceValoresIniciales();
+  static void RellenaConNulos(std::u16string& cadDestino, const std::u16string& cadOrigen,
+                              int16_t intTam);
+  static std::u16string QuitaNulos(const std::u16string& cadOrigen);
+  static std::u16string ListaCodigos(const std::u16string& cadOrigen, int16_t intCuantos);
+  // Writes a fixed-width text property (Part 2.1, Algorithms); true when changed.
+  bool EscribeTextoFijo(std::u16string& cadMiembro, const std::u16string& cadValor, int16_t intTam);
+  void NotificaCambioNombreConmutador();
+  void NotificaConfiguracionCargada();
+  void NotificaCambios();
+
+  // ---- Part 2.2 (src/model/tablas.cpp) ----
+  int16_t BuscaDATO(int32_t emCual) const;
+  int16_t BuscaCTE(int32_t emCual) const;
+  int16_t AgregaDATO();
+  int16_t AgregaCTE();
+  static bool ValidaDATO(const RegDATO& udtD);
+  static bool ValidaCTE(const RegCTE& udtC);
+  // Index of the active record, taken when the key has none (write
+  // properties). An index, not a reference: a listener may grow the table.
+  int16_t DATOParaEscribir();
+  int16_t CTEParaEscribir();
+  // Position or width write of the constant table (Part 2.2, Algorithms).
+  void EscribeByteCTE(uint8_t RegCTE::*campo, uint8_t btValor);
+  // Step 3 of the constant position write: the derived constant type.
+  static void DerivaTipoCTE(RegCTE& udtC);
+  // Keeps the key -> index maps exact when a record changes key.
+  void CambiaClaveDATO(int16_t intIndice, int32_t emNueva);
+  void CambiaClaveCTE(int16_t intIndice, int32_t emNueva);
+  // Counts of complete records into udtCfg (GuardarComo step 3, Exportar step 6).
+  void CuentaCompletos();
+
+  // ---- Part 3.1 (src/files/archivo_cfg.cpp) ----
+  void LeeArchivoV3(const std::u16string& cadArch, bool& bolLeido);
+  void LeeArchivoV2(const std::u16string& cadArch, bool& bolLeido);
+
+  // ---- Part 3.2 (src/files/perfil.cpp) ----
+  static std::u16string DecodificaCodigos(const std::u16string& cadLista);
+  static void LeeListaPines(int32_t* lnPines, int16_t intCuantos, const std::u16string& cadLista);
+  static void InterpretaDato(const std::u16string& cadValor, RegDATO& udtD, bool& bolOk);
+  static void InterpretaConstante(const std::u16string& cadValor, RegCTE& udtC, bool& bolOk);
+  static std::u16string ListaPines(const int32_t* lnPines, int16_t intCuantos);
+  static std::u16string TextoDato(const RegDATO& udtD);
+  static std::u16string TextoConstante(const RegCTE& udtC);
+
+  // ---- Part 3.3 (src/files/errores_archivo.cpp) ----
+  static std::u16string ObtMensajeError(int32_t lnCodigo);
+
+  // ---- Part 5.1 (src/wiring/pines.cpp) ----
+  void EstableceEstadoPin(emPuertoSerial iemPuerto, int16_t intPinVector, int16_t intPinConectar,
+                          bool bolEstado);
+
+  // ---- Members (Part 2.1 declaration order) ----
+  int32_t lnIDCfg = 0;
+  RegCfg udtCfg;
+  bool bolModificado = false;
+  emParamDato emDATOActivo = emNoParamDato;
+  std::vector<RegDATO> udtDATO;  // udtDATO[i - 1] is the spec's record i
+  int16_t intNumDATO = 0;
+  emParamDatoConstante emCTEActivo = emNoParamDatoConstante;
+  std::vector<RegCTE> udtCTE;  // udtCTE[i - 1] is the spec's record i
+  int16_t intNumCTE = 0;
+  std::u16string cadDetalleImportar;
+
+  // Not in the spec: an exact index from valid key to record (0 = none), so
+  // BuscaDATO / BuscaCTE do no linear scan. A valid key has at most one record.
+  std::array<int16_t, emUltimoParamDato> intIndiceDATO{};
+  std::array<int16_t, emUltimoParamDatoConstante> intIndiceCTE{};
+  std::vector<EventosCfgConmut*> oyentes;
+};
+
+}  // namespace velqua

@@ -1,0 +1,106 @@
+// clsTraductor, the call record translator (Parts 4.1-4.5).
+//
+// Bind a configuration with Conmutador, write each captured record to
+// LlamadaActual, then read TipoLlamadaDetectada, Atributo and the field
+// properties, which cut their fields out of the record on demand.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <string>
+
+#include "velqua/cfg_conmut.h"
+#include "velqua/enums.h"
+
+namespace velqua {
+
+class clsTraductor {
+ public:
+  clsTraductor() = default;
+
+  // ---- Part 4.1 ----
+  // The extension list of cases 10 and 11 (Part 4.5); no check, no file access.
+  std::u16string ArchivoListaExtensionesKXTDA() const;
+  void ArchivoListaExtensionesKXTDA(const std::u16string& cadArch);
+  // The unrecognised-call log (Part 4.5); the empty text turns logging off.
+  std::u16string ArchivoLlamadasError() const;
+  void ArchivoLlamadasError(const std::u16string& cadArch);
+  // The multi-line buffer; a write triggers nothing.
+  std::u16string BufferMultiplesLineas() const;
+  void BufferMultiplesLineas(const std::u16string& cadB);
+  // Read: the empty text when unbound; the buffer in case 4; else the line.
+  std::u16string LlamadaActual() const;
+  // Write: the intake sequence (store, detect type and attribute, duration
+  // test, log). Unbound: only sets the type to emTradNoIdentificada.
+  // Errors 6 (overflow while reading the duration) and those of the
+  // configuration pass through.
+  void LlamadaActual(const std::u16string& cadL);
+  // Binds (or, with nullptr, unbinds) a configuration. Cases 10 and 11 seed
+  // the random generator from the system timer.
+  void Conmutador(std::shared_ptr<clsCfgConmut> iclsCmt);
+  // True when the current line is not empty.
+  bool HayLlamada() const;
+  // True when the multi-line buffer is not empty.
+  bool HayBufferMultiplesLineas() const;
+  // The type and attribute of the record written last.
+  emTipoLlamadaTraductor TipoLlamadaDetectada() const;
+  emAtributoTraductor Atributo() const;
+
+  // ---- Part 4.3: field properties (error 91 when unbound, 6 on overflow) ----
+  int16_t Dia();
+  int16_t Mes();
+  int16_t Anio();
+  int32_t Hora();
+  int32_t Duracion();
+  int32_t Ring();
+  std::u16string Marcacion();
+  std::u16string Extension();
+  std::u16string Troncal();
+  std::u16string ExtensionReceptor();
+  std::u16string TroncalReceptor();
+  std::u16string CodigoCuenta();
+
+  // ---- Part 4.2 ----
+  // Does the current line carry constant emParamCte at its column (case
+  // ignored)? False on an empty line; error 91 when unbound, 6 on overflow.
+  bool HayConstanteLlamada(emParamDatoConstante emParamCte);
+  // Selects the first line of the buffer containing cadVal (case ignored);
+  // returns the position just past its separator, or 0.
+  int16_t BuscaLinea(const std::u16string& cadVal);
+
+ private:
+  // Part 4.2
+  emTipoLlamadaTraductor TipoSegunConstante(emParamDatoConstante emParamCte);
+  void DetectaTipoLlamada();
+  void DetectaAtributo();
+  // Part 4.3
+  void ExtraeDato(emParamDato emParamDat);
+  int32_t DuracionRestaFechas();
+  int16_t ObtDia(emParamDato emParamDat);
+  int16_t ObtMes(emParamDato emParamDat);
+  int16_t ObtAnio(emParamDato emParamDat);
+  int16_t ObtHoras(emParamDato emParamDat, bool bolHoraActual);
+  int16_t ObtMinutos(emParamDato emParamDat, bool bolHoraActual);
+  int16_t ObtSegundos(emParamDato emParamDat, bool bolHoraActual);
+  // Part 4.5
+  void BuscaExtensionKXTDA(const std::u16string& cadCodigo);
+  void RegistraLlamadaError();
+
+  // The bound configuration; error 91 when none.
+  clsCfgConmut& Cfg() const;
+
+  // Members (Part 4.1 declaration order).
+  std::shared_ptr<clsCfgConmut> clsCmt;
+  std::u16string cadLinea;
+  std::u16string cadBuffer;
+  std::u16string cadDato;
+  emTipoLlamadaTraductor emTipoLlamada = emTradNoIdentificada;
+  emAtributoTraductor emAtributoLlamada = emATRNoAtributo;
+  std::u16string cadArchListaExtensiones;
+  std::u16string cadArchLlamadasError;
+  // Part 4.5: the generator seeded at binding in cases 10 and 11.
+  std::mt19937 rndGenerador;
+};
+
+}  // namespace velqua

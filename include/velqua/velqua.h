@@ -1,0 +1,9 @@
+// Velqua: the whole public API (DESIGN.md).
+#pragma once
+
+#include "velqua/cfg_conmut.h"
+#include "velqua/enums.h"
+#include "velqua/error.h"
+#include "velqua/superficie.h"
+#include "velqua/texto.h"
+#include "velqua/traductor.h"

@@ -1,0 +1,240 @@
+// Part 2.2: the data-field and constant tables and the active-key protocol.
+//
+// Records are never removed or reordered; intIndiceDATO / intIndiceCTE map
+// each valid key to its one record (0 = none), so a lookup is O(1). The maps
+// are updated whenever a record changes key (CambiaClaveDATO / CambiaClaveCTE),
+// which happens only when a record is taken (AgregaDATO / AgregaCTE).
+#include <cstdint>
+
+#include "platform/errores_runtime.h"
+#include "velqua/cfg_conmut.h"
+
+namespace velqua {
+namespace {
+
+constexpr int16_t kMaxRegistros = INT16_MAX;  // 16-bit count and indices
+
+bool EsClaveDATO(int32_t k) { return k > emPrimerParamDato && k < emUltimoParamDato; }
+bool EsClaveCTE(int32_t k) {
+  return k > emPrimerParamDatoConstante && k < emUltimoParamDatoConstante;
+}
+
+}  // namespace
+
+// ---- lookups ----
+
+int16_t clsCfgConmut::BuscaDATO(int32_t emCual) const {
+  return EsClaveDATO(emCual) ? intIndiceDATO[static_cast<size_t>(emCual)] : int16_t{0};
+}
+
+int16_t clsCfgConmut::BuscaCTE(int32_t emCual) const {
+  return EsClaveCTE(emCual) ? intIndiceCTE[static_cast<size_t>(emCual)] : int16_t{0};
+}
+
+bool clsCfgConmut::ValidaDATO(const RegDATO& udtD) {
+  return udtD.btPos != 0 && udtD.btTam != 0 && EsClaveDATO(udtD.emParam) &&
+         udtD.emTipo != emValorNoDefinido;
+}
+
+bool clsCfgConmut::ValidaCTE(const RegCTE& udtC) {
+  if (udtC.btPos == 0 || !EsClaveCTE(udtC.emParam) || udtC.emTipo == emValorNoDefinido) {
+    return false;
+  }
+  for (char16_t c : udtC.cadTexto) {
+    if (c != u'\0') return true;  // text not empty once U+0000 are removed
+  }
+  return false;
+}
+
+// ---- taking records ----
+
+void clsCfgConmut::CambiaClaveDATO(int16_t intIndice, int32_t emNueva) {
+  RegDATO& r = udtDATO[static_cast<size_t>(intIndice - 1)];
+  if (EsClaveDATO(r.emParam) && intIndiceDATO[static_cast<size_t>(r.emParam)] == intIndice) {
+    intIndiceDATO[static_cast<size_t>(r.emParam)] = 0;
+  }
+  r.emParam = static_cast<emParamDato>(emNueva);
+  if (EsClaveDATO(emNueva)) intIndiceDATO[static_cast<size_t>(emNueva)] = intIndice;
+}
+
+void clsCfgConmut::CambiaClaveCTE(int16_t intIndice, int32_t emNueva) {
+  RegCTE& r = udtCTE[static_cast<size_t>(intIndice - 1)];
+  if (EsClaveCTE(r.emParam) && intIndiceCTE[static_cast<size_t>(r.emParam)] == intIndice) {
+    intIndiceCTE[static_cast<size_t>(r.emParam)] = 0;
+  }
+  r.emParam = static_cast<emParamDatoConstante>(emNueva);
+  if (EsClaveCTE(emNueva)) intIndiceCTE[static_cast<size_t>(emNueva)] = intIndice;
+}
+
+int16_t clsCfgConmut::AgregaDATO() {
+  int16_t elegido = 0;
+  for (int16_t i = 1; i <= intNumDATO; ++i) {
+    const RegDATO& r = udtDATO[static_cast<size_t>(i - 1)];
+    if (r.emParam == emDATOActivo || r.emTipo == emValorNoDefinido) {
+      elegido = i;
+      break;
+    }
+  }
+  if (elegido == 0) {
+    if (intNumDATO == kMaxRegistros) LanzaDesbordamiento();  // nothing changed yet
+    udtDATO.emplace_back();
+    elegido = ++intNumDATO;
+  }
+  CambiaClaveDATO(elegido, emDATOActivo);
+  udtDATO[static_cast<size_t>(elegido - 1)].emTipo = emValorNumerico;
+  return elegido;
+}
+
+int16_t clsCfgConmut::AgregaCTE() {
+  int16_t elegido = 0;
+  for (int16_t i = 1; i <= intNumCTE; ++i) {
+    const RegCTE& r = udtCTE[static_cast<size_t>(i - 1)];
+    if (r.emParam == emCTEActivo || r.emTipo == emValorNoDefinido) {
+      elegido = i;
+      break;
+    }
+  }
+  if (elegido == 0) {
+    if (intNumCTE == kMaxRegistros) LanzaDesbordamiento();
+    udtCTE.emplace_back();
+    elegido = ++intNumCTE;
+  }
+  CambiaClaveCTE(elegido, emCTEActivo);
+  udtCTE[static_cast<size_t>(elegido - 1)].emTipo = emValorConstante;
+  return elegido;
+}
+
+int16_t clsCfgConmut::DATOParaEscribir() {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 ? i : AgregaDATO();
+}
+
+int16_t clsCfgConmut::CTEParaEscribir() {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? i : AgregaCTE();
+}
+
+void clsCfgConmut::CuentaCompletos() {
+  int16_t d = 0;
+  int16_t c = 0;
+  for (const RegDATO& r : udtDATO) d = static_cast<int16_t>(d + (ValidaDATO(r) ? 1 : 0));
+  for (const RegCTE& r : udtCTE) c = static_cast<int16_t>(c + (ValidaCTE(r) ? 1 : 0));
+  udtCfg.intDATOCompletos = d;
+  udtCfg.intCTECompletos = c;
+}
+
+// ---- data-field properties ----
+
+emParamDato clsCfgConmut::DATOActivo() const { return emDATOActivo; }
+void clsCfgConmut::DATOActivo(emParamDato emCual) { emDATOActivo = emCual; }
+
+bool clsCfgConmut::HayDATO() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 && ValidaDATO(udtDATO[static_cast<size_t>(i - 1)]);
+}
+
+emTipoDato clsCfgConmut::TipoDatoDATO() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].emTipo : emValorNoDefinido;
+}
+
+void clsCfgConmut::TipoDatoDATO(emTipoDato emCual) {
+  RegDATO& r = udtDATO[static_cast<size_t>(DATOParaEscribir() - 1)];
+  if (r.emTipo == emCual) return;
+  r.emTipo = emCual;  // emValorNoDefinido frees the record
+  bolModificado = true;
+  NotificaCambios();
+}
+
+uint8_t clsCfgConmut::DATOPos() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].btPos : uint8_t{0};
+}
+
+uint8_t clsCfgConmut::DATOTam() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
+}
+
+void clsCfgConmut::DATOPos(uint8_t btPos) {
+  RegDATO& r = udtDATO[static_cast<size_t>(DATOParaEscribir() - 1)];
+  if (r.btPos == btPos) return;  // a free record stays free
+  r.btPos = btPos;
+  if (r.emTipo == emValorNoDefinido) r.emTipo = emValorNumerico;
+  bolModificado = true;
+  NotificaCambios();
+}
+
+void clsCfgConmut::DATOTam(uint8_t btTam) {
+  RegDATO& r = udtDATO[static_cast<size_t>(DATOParaEscribir() - 1)];
+  if (r.btTam == btTam) return;
+  r.btTam = btTam;
+  if (r.emTipo == emValorNoDefinido) r.emTipo = emValorNumerico;
+  bolModificado = true;
+  NotificaCambios();
+}
+
+// ---- constant properties ----
+
+emParamDatoConstante clsCfgConmut::CTEActivo() const { return emCTEActivo; }
+void clsCfgConmut::CTEActivo(emParamDatoConstante emCual) { emCTEActivo = emCual; }
+
+bool clsCfgConmut::HayCTE() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 && ValidaCTE(udtCTE[static_cast<size_t>(i - 1)]);
+}
+
+emTipoDato clsCfgConmut::TipoDatoCTE() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].emTipo : emValorNoDefinido;
+}
+
+uint8_t clsCfgConmut::CTEPos() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btPos : uint8_t{0};
+}
+
+uint8_t clsCfgConmut::CTETam() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
+}
+
+std::u16string clsCfgConmut::Constante() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? QuitaNulos(udtCTE[static_cast<size_t>(i - 1)].cadTexto) : std::u16string();
+}
+
+void clsCfgConmut::DerivaTipoCTE(RegCTE& udtC) {
+  udtC.emTipo = emValorConstante;
+  if (!ValidaCTE(udtC)) udtC.emTipo = emValorNoDefinido;
+}
+
+void clsCfgConmut::EscribeByteCTE(uint8_t RegCTE::*campo, uint8_t btValor) {
+  const int16_t i = CTEParaEscribir();
+  RegCTE& r = udtCTE[static_cast<size_t>(i - 1)];
+  if (r.*campo != btValor) {
+    r.*campo = btValor;
+    bolModificado = true;
+    NotificaCambios();  // sent before the type is derived (Part 2.2, Concurrency)
+  }
+  DerivaTipoCTE(udtCTE[static_cast<size_t>(i - 1)]);
+}
+
+void clsCfgConmut::CTEPos(uint8_t btPos) { EscribeByteCTE(&RegCTE::btPos, btPos); }
+void clsCfgConmut::CTETam(uint8_t btTam) { EscribeByteCTE(&RegCTE::btTam, btTam); }
+
+void clsCfgConmut::Constante(const std::u16string& cadCte) {
+  const int16_t i = CTEParaEscribir();
+  std::u16string p;
+  RellenaConNulos(p, cadCte, kTamTextoCte);
+  if (p != udtCTE[static_cast<size_t>(i - 1)].cadTexto) {
+    udtCTE[static_cast<size_t>(i - 1)].cadTexto = p;
+    bolModificado = true;
+    NotificaCambios();
+  }
+  RegCTE& r = udtCTE[static_cast<size_t>(i - 1)];
+  r.btTam = static_cast<uint8_t>(QuitaNulos(r.cadTexto).size());  // 0 to 20; no change signal
+  DerivaTipoCTE(r);
+}
+
+}  // namespace velqua

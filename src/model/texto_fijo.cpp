@@ -1,0 +1,50 @@
+// Part 2.1: the fixed-width text rule and its three helpers.
+#include <cstdint>
+#include <string>
+
+#include "velqua/cfg_conmut.h"
+#include "velqua/texto.h"
+
+namespace velqua {
+
+void clsCfgConmut::RellenaConNulos(std::u16string& cadDestino, const std::u16string& cadOrigen,
+                                   int16_t intTam) {
+  if (intTam <= 0) return;  // width 0 or less: destination unchanged
+  const size_t tam = static_cast<size_t>(intTam);
+  std::u16string p(tam, u'\0');
+  p.replace(0, std::min(tam, cadOrigen.size()), cadOrigen, 0, tam);
+  cadDestino.swap(p);
+}
+
+std::u16string clsCfgConmut::QuitaNulos(const std::u16string& cadOrigen) {
+  std::u16string out;
+  out.reserve(cadOrigen.size());
+  for (char16_t c : cadOrigen) {
+    if (c != u'\0') out.push_back(c);
+  }
+  return out;
+}
+
+std::u16string clsCfgConmut::ListaCodigos(const std::u16string& cadOrigen, int16_t intCuantos) {
+  std::u16string out;
+  for (int16_t i = 1; i <= intCuantos && i > 0; ++i) {
+    const size_t k = static_cast<size_t>(i);
+    const unsigned codigo = k <= cadOrigen.size() ? CodigoAnsi(cadOrigen[k - 1]) : 0u;
+    for (char c : std::to_string(codigo)) out.push_back(static_cast<char16_t>(c));
+    out.push_back(u',');
+    if (i == INT16_MAX) break;
+  }
+  return out;
+}
+
+bool clsCfgConmut::EscribeTextoFijo(std::u16string& cadMiembro, const std::u16string& cadValor,
+                                    int16_t intTam) {
+  std::u16string p;
+  RellenaConNulos(p, cadValor, intTam);
+  if (p == cadMiembro) return false;  // exact, case-sensitive comparison
+  cadMiembro.swap(p);
+  bolModificado = true;
+  return true;
+}
+
+}  // namespace velqua

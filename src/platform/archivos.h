@@ -1,0 +1,25 @@
+// Files by name (DESIGN.md, stand-ins): names are UTF-16 in the library and
+// UTF-8 for the operating system.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace velqua {
+namespace plataforma {
+
+// The operating system's name of a file: UTF-8 of cadArch.
+std::string NombreSistema(const std::u16string& cadArch);
+
+// The archive attribute stand-in: true for an existing regular file; a
+// directory or a missing path has not (Part 3.1, step 2 of Abrir).
+bool TieneAtributoArchivo(const std::u16string& cadArch);
+
+// Length in bytes of an existing regular file, -1 when it cannot be read.
+int64_t LongitudArchivo(const std::u16string& cadArch);
+
+// Deletes a file; false when it could not be deleted (missing, among others).
+bool BorraArchivo(const std::u16string& cadArch);
+
+}  // namespace plataforma
+}  // namespace velqua
