@@ -68,10 +68,11 @@ void clsCfgConmut::CambiaClaveCTE(int16_t intIndice, int32_t emNueva) {
 
 int16_t clsCfgConmut::AgregaDATO() {
   int16_t elegido = 0;
-  for (int16_t i = 1; i <= intNumDATO; ++i) {
+  // A 32-bit counter: a 16-bit one would wrap past 32767 and never end.
+  for (int32_t i = 1; i <= intNumDATO; ++i) {
     const RegDATO& r = udtDATO[static_cast<size_t>(i - 1)];
     if (r.emParam == emDATOActivo || r.emTipo == emValorNoDefinido) {
-      elegido = i;
+      elegido = static_cast<int16_t>(i);
       break;
     }
   }
@@ -87,10 +88,10 @@ int16_t clsCfgConmut::AgregaDATO() {
 
 int16_t clsCfgConmut::AgregaCTE() {
   int16_t elegido = 0;
-  for (int16_t i = 1; i <= intNumCTE; ++i) {
+  for (int32_t i = 1; i <= intNumCTE; ++i) {
     const RegCTE& r = udtCTE[static_cast<size_t>(i - 1)];
     if (r.emParam == emCTEActivo || r.emTipo == emValorNoDefinido) {
-      elegido = i;
+      elegido = static_cast<int16_t>(i);
       break;
     }
   }

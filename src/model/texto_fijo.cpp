@@ -27,12 +27,11 @@ std::u16string clsCfgConmut::QuitaNulos(const std::u16string& cadOrigen) {
 
 std::u16string clsCfgConmut::ListaCodigos(const std::u16string& cadOrigen, int16_t intCuantos) {
   std::u16string out;
-  for (int16_t i = 1; i <= intCuantos && i > 0; ++i) {
+  for (int32_t i = 1; i <= intCuantos; ++i) {
     const size_t k = static_cast<size_t>(i);
     const unsigned codigo = k <= cadOrigen.size() ? CodigoAnsi(cadOrigen[k - 1]) : 0u;
     for (char c : std::to_string(codigo)) out.push_back(static_cast<char16_t>(c));
     out.push_back(u',');
-    if (i == INT16_MAX) break;
   }
   return out;
 }
