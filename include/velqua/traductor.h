@@ -17,7 +17,11 @@ namespace velqua {
 
 class clsTraductor {
  public:
-  clsTraductor() = default;
+  // Unbound, all texts empty, type emTradNoIdentificada, attribute
+  // emATRNoAtributo (Part 4.1). The random generator gets a first seed from
+  // the system timer here too, so that even a generator never reseeded at
+  // binding does not repeat from run to run (Part 4.1, Left to the implementer).
+  clsTraductor();
 
   // ---- Part 4.1 ----
   // The extension list of cases 10 and 11 (Part 4.5); no check, no file access.
@@ -83,9 +87,23 @@ class clsTraductor {
   int16_t ObtHoras(emParamDato emParamDat, bool bolHoraActual);
   int16_t ObtMinutos(emParamDato emParamDat, bool bolHoraActual);
   int16_t ObtSegundos(emParamDato emParamDat, bool bolHoraActual);
+  int16_t ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual, int32_t intActual);
+  int16_t AplicaMatutino(int16_t intHoras, emParamDatoConstante emMarca);
+  int32_t TiempoEnSegundos(emParamDato emHoras, emParamDato emMinutos, emParamDato emSegundos);
+  std::u16string CampoTexto(emParamDato emParamDat);
+  // Part 4.4
+  bool EsCasoNorstar() const;
+  bool EsCasoKXTDA() const;
+  void DetectaTipoNorstar();
+  void DetectaAtributoNorstar();
+  void DireccionNorstar(int16_t intCabecera);
+  bool SeleccionaLineaNorstar(emParamDato emParamDat);
+  void ExtensionKXTDA();
+  void CodigoCuentaKXTDA();
   // Part 4.5
   void BuscaExtensionKXTDA(const std::u16string& cadCodigo);
   void RegistraLlamadaError();
+  double NumeroAleatorio();
 
   // The bound configuration; error 91 when none.
   clsCfgConmut& Cfg() const;

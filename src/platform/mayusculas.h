@@ -1,0 +1,34 @@
+// Case-insensitive comparison and search, the stand-in for the system
+// locale's text comparison that every comparison of the translator uses
+// (Overview, Conventions; Part 4.2).
+//
+// Letters are folded one 16-bit character to one (the simple upper-case
+// mapping), so a folded text keeps its length: ASCII, Latin-1 (á/Á, ñ/Ñ,
+// ü/Ü, ÿ/Ÿ), Latin Extended-A (œ/Œ, š/Š, ž/Ž, ...), basic Greek and
+// Cyrillic. Other characters compare exactly.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace velqua {
+namespace plataforma {
+
+// The upper-case form of one character, or the character itself.
+char16_t PliegaMayuscula(char16_t c);
+
+// True when a and b have the same length and match letter for letter,
+// letter case ignored.
+bool IgualesSinMayusculas(std::u16string_view a, std::u16string_view b);
+
+// True when texto begins with prefijo, letter case ignored.
+bool EmpiezaSinMayusculas(std::u16string_view texto, std::u16string_view prefijo);
+
+// Index (0-based) of the first occurrence of buscado in texto at or after
+// desde, letter case ignored; npos when there is none. An empty buscado is
+// found at desde when desde is not past the end.
+std::size_t BuscaSinMayusculas(std::u16string_view texto, std::u16string_view buscado,
+                               std::size_t desde = 0);
+
+}  // namespace plataforma
+}  // namespace velqua

@@ -1,0 +1,109 @@
+// Part 4.5: the unrecognised-call log and the KX-TDA extension list. Both
+// files are opened and closed within one operation, and no failure of
+// theirs ever leaves the translator.
+#include <cmath>
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+#include "platform/archivos.h"
+#include "platform/mayusculas.h"
+#include "platform/reloj.h"
+#include "translator/texto_traductor.h"
+#include "velqua/texto.h"
+#include "velqua/traductor.h"
+
+namespace velqua {
+namespace {
+
+// "yyyy Mmm dd hh:mm:ss" from the clock seam, e.g. "2026 Nov 18 09:05:03".
+std::u16string MarcaDeTiempo() {
+  const plataforma::FechaHora f = plataforma::RelojActual().Ahora();
+  char cifras[32];
+  std::snprintf(cifras, sizeof cifras, "%04d", static_cast<int>(f.intAnio));
+  std::u16string cad = DesdeAnsi(cifras);
+  cad += u' ';
+  cad += plataforma::NombreMesAbreviado(f.intMes);
+  std::snprintf(cifras, sizeof cifras, " %02d %02d:%02d:%02d", static_cast<int>(f.intDia),
+                static_cast<int>(f.intHora), static_cast<int>(f.intMinuto),
+                static_cast<int>(f.intSegundo));
+  return cad + DesdeAnsi(cifras);
+}
+
+// Reads one line ending in CR LF, a lone CR or a lone LF (doc/translator.md);
+// false at the end of the file.
+bool LeeLinea(std::istream& in, std::string& linea) {
+  linea.clear();
+  int c = in.get();
+  if (c == std::char_traits<char>::eof()) return false;
+  while (c != std::char_traits<char>::eof() && c != '\r' && c != '\n') {
+    linea.push_back(static_cast<char>(c));
+    c = in.get();
+  }
+  if (c == '\r' && in.peek() == '\n') in.get();
+  return true;
+}
+
+// Round half to even, whatever the floating-point rounding mode.
+int32_t RedondeoBancario(double v) {
+  const double piso = std::floor(v);
+  const double resto = v - piso;
+  int64_t n = static_cast<int64_t>(piso);
+  if (resto > 0.5 || (resto == 0.5 && n % 2 != 0)) ++n;
+  return static_cast<int32_t>(n);
+}
+
+}  // namespace
+
+void clsTraductor::RegistraLlamadaError() {
+  if (cadArchLlamadasError.empty()) return;
+  try {
+    std::ofstream out(plataforma::NombreSistema(cadArchLlamadasError),
+                      std::ios::binary | std::ios::app);
+    if (!out) return;  // the entry is lost silently
+    std::u16string entrada = u"\r\n\r\nLlamada no reconocida (";
+    entrada += MarcaDeTiempo();
+    entrada += u"): \r\n";
+    entrada += EsCasoNorstar() ? cadBuffer : cadLinea;
+    entrada += u"\r\n";
+    const std::string bytes = AAnsi(entrada);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  } catch (const std::exception&) {
+    // Part 4.5: every failure after the name check is swallowed.
+  }
+}
+
+void clsTraductor::BuscaExtensionKXTDA(const std::u16string& cadCodigo) {
+  cadDato.clear();
+  if (!cadArchListaExtensiones.empty()) {
+    try {
+      std::ifstream in(plataforma::NombreSistema(cadArchListaExtensiones), std::ios::binary);
+      std::string bytes;
+      while (in && cadDato.empty() && LeeLinea(in, bytes)) {
+        if (bytes.empty()) continue;
+        const std::u16string linea = DesdeAnsi(bytes);
+        std::size_t p = linea.find(u';');
+        if (p == std::u16string::npos) p = linea.find(u',');
+        if (p == std::u16string::npos || p == 0) continue;
+        const std::u16string_view vista(linea);
+        if (plataforma::IgualesSinMayusculas(traductor::SinBlancos(vista.substr(0, p)),
+                                             cadCodigo)) {
+          cadDato.assign(traductor::SinBlancos(vista.substr(p + 1)));
+        }
+      }
+    } catch (const std::exception&) {
+      cadDato.clear();  // an unreadable list counts as no list
+    }
+  }
+  if (!cadDato.empty()) return;
+  const int32_t n = RedondeoBancario(9999.0 * NumeroAleatorio() + 1.0);
+  cadDato = traductor::FormatoCuatroCifras(n);
+}
+
+// A number in [0, 1) with 24 random bits, like the single-precision
+// generator of the original platform.
+double clsTraductor::NumeroAleatorio() {
+  return static_cast<double>(rndGenerador() >> 8) / 16777216.0;
+}
+
+}  // namespace velqua

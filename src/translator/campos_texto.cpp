@@ -1,0 +1,166 @@
+// Part 4.3: the text properties and their key tables.
+#include "platform/mayusculas.h"
+#include "translator/texto_traductor.h"
+#include "velqua/traductor.h"
+
+namespace velqua {
+namespace {
+
+constexpr emParamDato N = emNoParamDato;  // a dash of the key tables: no key
+
+// Key tables of Part 4.3: one row per call type 0 to 6, one column per
+// attribute 0 to 4 (none, start, in transfer, end, unanswered).
+using TablaClaves = emParamDato[7][5];
+
+constexpr TablaClaves kMarcacion = {
+    {N, N, N, N, N},
+    {emParamTelefonoEntrante, emParamTelefonoEntranteInicioTransferida,
+     emParamTelefonoEntranteEnTransferencia, emParamTelefonoEntranteFinTransferida,
+     emParamTelefonoEntrante},
+    {emParamTelefonoSaliente, emParamTelefonoSalienteInicioTransferida,
+     emParamTelefonoSalienteEnTransferencia, emParamTelefonoSalienteFinTransferida, N},
+    {emParamTelefonoInterExtension, emParamTelefonoInterExtensionInicioTransferida,
+     emParamTelefonoInterExtensionEnTransferencia, emParamTelefonoInterExtensionFinTransferida, N},
+    {emParamTelefonoInterTroncal, emParamTelefonoInterTroncalInicioTransferida,
+     emParamTelefonoInterTroncalEnTransferencia, emParamTelefonoInterTroncalFinTransferida, N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+};
+
+constexpr TablaClaves kExtension = {
+    {N, N, N, N, N},
+    {emParamExtensionEntrante, emParamExtensionEntranteInicioTransferida,
+     emParamExtensionEntranteEnTransferencia, emParamExtensionEntranteFinTransferida,
+     emParamExtensionEntrante},
+    {emParamExtensionSaliente, emParamExtensionSalienteInicioTransferida,
+     emParamExtensionSalienteEnTransferencia, emParamExtensionSalienteFinTransferida, N},
+    {emParamExtension1InterExtension, emParamExtension1InterExtensionInicioTransferida,
+     emParamExtension1InterExtensionEnTransferencia, emParamExtension1InterExtensionFinTransferida,
+     N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+};
+
+constexpr TablaClaves kTroncal = {
+    {N, N, N, N, N},
+    {emParamTroncalEntrante, emParamTroncalEntranteInicioTransferida,
+     emParamTroncalEntranteEnTransferencia, emParamTroncalEntranteFinTransferida,
+     emParamTroncalEntrante},
+    {emParamTroncalSaliente, emParamTroncalSalienteInicioTransferida,
+     emParamTroncalSalienteEnTransferencia, emParamTroncalSalienteFinTransferida, N},
+    {N, N, N, N, N},
+    {emParamTroncal1InterTroncal, emParamTroncal1InterTroncalInicioTransferida,
+     emParamTroncal1InterTroncalEnTransferencia, emParamTroncal1InterTroncalFinTransferida, N},
+    {emParamTroncalCodigoCuenta, emParamTroncalCodigoCuenta, emParamTroncalCodigoCuenta,
+     emParamTroncalCodigoCuenta, emParamTroncalCodigoCuenta},
+    {N, N, N, N, N},
+};
+
+constexpr TablaClaves kExtensionReceptor = {
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+    {emParamExtension2InterExtension, emParamExtension2InterExtensionInicioTransferida,
+     emParamExtension2InterExtensionEnTransferencia, emParamExtension2InterExtensionFinTransferida,
+     N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+};
+
+constexpr TablaClaves kTroncalReceptor = {
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+    {emParamTroncal2InterTroncal, emParamTroncal2InterTroncalInicioTransferida,
+     emParamTroncal2InterTroncalEnTransferencia, emParamTroncal2InterTroncalFinTransferida, N},
+    {N, N, N, N, N},
+    {N, N, N, N, N},
+};
+
+// The key of a table for a type and attribute; none for values outside it.
+emParamDato Clave(const TablaClaves& tabla, emTipoLlamadaTraductor emT, emAtributoTraductor emA) {
+  if (emT < 0 || emT > 6 || emA < 0 || emA > 4) return N;
+  return tabla[emT][emA];
+}
+
+}  // namespace
+
+// ExtraeDato with a key of a table, or the empty text when there is none.
+std::u16string clsTraductor::CampoTexto(emParamDato emParamDat) {
+  cadDato.clear();
+  if (emParamDat != N) ExtraeDato(emParamDat);
+  traductor::QuitaBlancos(cadDato);
+  return cadDato;
+}
+
+std::u16string clsTraductor::Marcacion() {
+  cadDato.clear();
+  if (EsCasoNorstar()) {
+    BuscaLinea(u"DIGITS DIALED");
+    ExtraeDato(emParamTelefonoEntrante);
+    if (cadDato.empty()) ExtraeDato(emParamTelefonoSaliente);
+  } else {
+    const emParamDato emK = Clave(kMarcacion, emTipoLlamada, emAtributoLlamada);
+    if (emK != N) ExtraeDato(emK);
+  }
+  traductor::QuitaBlancos(cadDato);
+  clsCfgConmut& cfg = Cfg();
+  cfg.CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
+  const std::u16string cadPrefijo = cfg.Constante();  // HayCTE is not asked
+  if (!cadPrefijo.empty() && plataforma::EmpiezaSinMayusculas(cadDato, cadPrefijo)) {
+    cadDato.erase(0, cadPrefijo.size());
+  }
+  return cadDato;
+}
+
+std::u16string clsTraductor::Extension() {
+  cadDato.clear();
+  if (EsCasoNorstar()) {
+    BuscaLinea(u"--------");
+    ExtraeDato(emParamExtensionEntrante);
+  } else {
+    const emParamDato emK = Clave(kExtension, emTipoLlamada, emAtributoLlamada);
+    if (emK != N) ExtraeDato(emK);
+    if (emTipoLlamada == emTradSaliente && EsCasoKXTDA()) ExtensionKXTDA();
+  }
+  traductor::QuitaBlancos(cadDato);
+  return cadDato;
+}
+
+std::u16string clsTraductor::Troncal() {
+  if (EsCasoNorstar()) {
+    BuscaLinea(u"--------");
+    return CampoTexto(emParamTroncalEntrante);
+  }
+  return CampoTexto(Clave(kTroncal, emTipoLlamada, emAtributoLlamada));
+}
+
+// No case rule, and no configuration access when no key applies.
+std::u16string clsTraductor::ExtensionReceptor() {
+  return CampoTexto(Clave(kExtensionReceptor, emTipoLlamada, emAtributoLlamada));
+}
+
+std::u16string clsTraductor::TroncalReceptor() {
+  return CampoTexto(Clave(kTroncalReceptor, emTipoLlamada, emAtributoLlamada));
+}
+
+std::u16string clsTraductor::CodigoCuenta() {
+  if (EsCasoNorstar()) BuscaLinea(u"RESTRICTION PASSWORD");
+  ExtraeDato(emParamCodigoCuenta);
+  clsCfgConmut& cfg = Cfg();
+  if (emTipoLlamada != emTradCodigoCuenta) {
+    cfg.CTEActivo(emDatoCteIdentCodigoCuenta);
+    if (!cfg.Constante().empty()) cadDato.clear();  // marked switches: on marked records only
+  }
+  if (!cadDato.empty() && EsCasoKXTDA()) {
+    CodigoCuentaKXTDA();
+    return cadDato;
+  }
+  traductor::QuitaBlancos(cadDato);
+  return cadDato;
+}
+
+}  // namespace velqua

@@ -1,0 +1,116 @@
+// Part 4.4: switch-specific rules: the multi-line record of the Nortel
+// Norstar (case 4) and the account-code extension of the KX-TDA (cases 10, 11).
+#include "translator/texto_traductor.h"
+#include "velqua/traductor.h"
+
+namespace velqua {
+namespace {
+
+// Keywords of the multi-line record (Part 4.4, Data model).
+constexpr char16_t kCabecera[] = u"--------";
+constexpr char16_t kLiberada[] = u"CALL RELEASED";
+constexpr char16_t kTransferida[] = u"TRANSFERRED";
+constexpr char16_t kNoContesta[] = u"NO ANSWER";
+constexpr char16_t kSaliente[] = u"OUTGOING CALL";
+constexpr char16_t kEntrante[] = u"INCOMING CALL";
+constexpr char16_t kDesdeTransferencia[] = u"FROM TRANSFER";
+
+}  // namespace
+
+bool clsTraductor::EsCasoNorstar() const { return Cfg().Caso() == emCasoNortelNorstar0x32SMDR6; }
+
+bool clsTraductor::EsCasoKXTDA() const {
+  const emCasos emC = Cfg().Caso();
+  return emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100 ||
+         emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto;
+}
+
+// Type, step 2: every keyword other than the header must lie after it (a
+// greater BuscaLinea place is a later line).
+void clsTraductor::DetectaTipoNorstar() {
+  emTipoLlamada = emTradNoIdentificada;
+  const int16_t h = BuscaLinea(kCabecera);
+  if (h == 0) return;
+  const int16_t intLiberada = BuscaLinea(kLiberada);
+  if (intLiberada != 0) {
+    if (h < intLiberada) DireccionNorstar(h);
+    return;
+  }
+  const int16_t intTransferida = BuscaLinea(kTransferida);
+  if (intTransferida != 0) {
+    if (h < intTransferida) DireccionNorstar(h);
+    return;
+  }
+  const int16_t intNoContesta = BuscaLinea(kNoContesta);
+  if (intNoContesta != 0 && h < intNoContesta) emTipoLlamada = emTradEntrante;
+}
+
+// Type, step 2.5: the direction test.
+void clsTraductor::DireccionNorstar(int16_t intCabecera) {
+  const int16_t intSaliente = BuscaLinea(kSaliente);
+  if (intSaliente != 0) {
+    if (intCabecera < intSaliente) emTipoLlamada = emTradSaliente;
+    return;
+  }
+  const int16_t intEntrante = BuscaLinea(kEntrante);
+  if (intEntrante != 0) {
+    if (intCabecera < intEntrante) emTipoLlamada = emTradEntrante;
+    return;
+  }
+  const int16_t intDesde = BuscaLinea(kDesdeTransferencia);
+  if (intDesde != 0 && intCabecera < intDesde) emTipoLlamada = emTradTransferida;
+}
+
+// Attribute, step 3, whatever the type.
+void clsTraductor::DetectaAtributoNorstar() {
+  if (BuscaLinea(kDesdeTransferencia) != 0) {
+    emAtributoLlamada = BuscaLinea(kTransferida) != 0 ? emATREnTR : emATRFinTR;
+  } else if (BuscaLinea(kTransferida) != 0) {
+    emAtributoLlamada = emATRIniTR;
+  } else {
+    emAtributoLlamada = emATRNoAtributo;
+  }
+}
+
+// Field lines, step 4, for the time components. Selects the line of the
+// component's key in case 4 and tells whether the component is 0 without
+// reading a field (a duration of an unanswered call). Other cases: false.
+bool clsTraductor::SeleccionaLineaNorstar(emParamDato emParamDat) {
+  if (!EsCasoNorstar()) return false;
+  switch (emParamDat) {
+    case emParamFechaHoras:
+    case emParamFechaMinutos:
+    case emParamFechaSegundos:
+      BuscaLinea(kCabecera);
+      return false;
+    case emParamDuracionHoras:
+    case emParamDuracionMinutos:
+    case emParamDuracionSegundos:
+      if (BuscaLinea(kNoContesta) != 0) return true;
+      if (BuscaLinea(kLiberada) == 0) BuscaLinea(kTransferida);
+      return false;
+    default:
+      return false;  // ring time: the line left by the previous search
+  }
+}
+
+// Extension of an outgoing call in cases 10 and 11: a leading "*" marks an
+// account code, mapped back to an extension through the list (Part 4.5).
+void clsTraductor::ExtensionKXTDA() {
+  traductor::QuitaBlancos(cadDato);
+  if (cadDato.empty() || cadDato[0] != u'*') return;
+  BuscaExtensionKXTDA(cadDato.substr(1));
+}
+
+// CodigoCuenta in cases 10 and 11 (cadDato not empty): the code after a
+// leading "*", not trimmed again; the empty text without the star.
+void clsTraductor::CodigoCuentaKXTDA() {
+  traductor::QuitaBlancos(cadDato);
+  if (!cadDato.empty() && cadDato[0] == u'*') {
+    cadDato.erase(0, 1);
+  } else {
+    cadDato.clear();
+  }
+}
+
+}  // namespace velqua

@@ -1,0 +1,174 @@
+// Part 4.2: constant test, line search, call type and attribute detection.
+#include <algorithm>
+#include <string_view>
+
+#include "platform/errores_runtime.h"
+#include "platform/mayusculas.h"
+#include "velqua/traductor.h"
+
+namespace velqua {
+namespace {
+
+// The identifying constants of one role: plain, AND, OR (Part 4.2, Data model).
+struct MarcasRol {
+  emParamDatoConstante emPlana;
+  emParamDatoConstante emY;
+  emParamDatoConstante emO;
+};
+
+// Detection order: incoming, outgoing, extension to extension, trunk to trunk.
+constexpr MarcasRol kRoles[] = {
+    {emDatoCteIdentEntrante, emDatoCteIdentEntranteAND, emDatoCteIdentEntranteOR},
+    {emDatoCteIdentSaliente, emDatoCteIdentSalienteAND, emDatoCteIdentSalienteOR},
+    {emDatoCteIdentInterExtension, emDatoCteIdentInterExtensionAND, emDatoCteIdentInterExtensionOR},
+    {emDatoCteIdentInterTroncal, emDatoCteIdentInterTroncalAND, emDatoCteIdentInterTroncalOR},
+};
+
+// Attribute constants per call type 1 to 4, in the order they are tested:
+// start, end, in transfer, unanswered (Part 4.2, attribute table).
+struct MarcaAtributo {
+  emParamDatoConstante emCte;
+  emAtributoTraductor emAtr;
+};
+
+constexpr MarcaAtributo kAtributos[4][4] = {
+    {{emDatoCteIdentEntranteInicioTransferida, emATRIniTR},
+     {emDatoCteIdentEntranteFinTransferida, emATRFinTR},
+     {emDatoCteIdentEntranteEnTransferencia, emATREnTR},
+     {emDatoCteIdentNoContestada, emATRNoContestada}},
+    {{emDatoCteIdentSalienteInicioTransferida, emATRIniTR},
+     {emDatoCteIdentSalienteFinTransferida, emATRFinTR},
+     {emDatoCteIdentSalienteEnTransferencia, emATREnTR},
+     {emNoParamDatoConstante, emATRNoAtributo}},
+    {{emDatoCteIdentInterExtensionInicioTransferida, emATRIniTR},
+     {emDatoCteIdentInterExtensionFinTransferida, emATRFinTR},
+     {emDatoCteIdentInterExtensionEnTransferencia, emATREnTR},
+     {emNoParamDatoConstante, emATRNoAtributo}},
+    {{emDatoCteIdentInterTroncalInicioTransferida, emATRIniTR},
+     {emDatoCteIdentInterTroncalFinTransferida, emATRFinTR},
+     {emDatoCteIdentInterTroncalEnTransferencia, emATREnTR},
+     {emNoParamDatoConstante, emATRNoAtributo}},
+};
+
+bool TieneDigito(std::u16string_view cad) {
+  return std::any_of(cad.begin(), cad.end(), [](char16_t c) { return c >= u'0' && c <= u'9'; });
+}
+
+bool EsCasoSalienteDefecto(emCasos emC) {
+  return emC == emCasoEstandarConSalienteDefecto ||
+         emC == emCasoEstandarRestaFechasDuracionConSalienteDefecto ||
+         emC == emCasoEstandarDecimasMinutoConSalienteDefecto ||
+         emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto;
+}
+
+}  // namespace
+
+bool clsTraductor::HayConstanteLlamada(emParamDatoConstante emParamCte) {
+  if (cadLinea.empty()) return false;
+  clsCfgConmut& cfg = Cfg();
+  cfg.CTEActivo(emParamCte);
+  if (!cfg.HayCTE()) return false;
+  const uint8_t btPos = cfg.CTEPos();
+  const uint8_t btTam = cfg.CTETam();
+  const std::size_t fin = SumaByte(btPos, btTam);  // error 6 above 255
+  if (fin - 1 > cadLinea.size()) return false;     // never a cut-off slice
+  const std::u16string_view trozo = std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
+  return plataforma::IgualesSinMayusculas(trozo, cfg.Constante());
+}
+
+emTipoLlamadaTraductor clsTraductor::TipoSegunConstante(emParamDatoConstante emParamCte) {
+  if (!HayConstanteLlamada(emParamCte)) return emTradNoIdentificada;
+  if (emParamCte >= emDatoCteIdentEntrante && emParamCte <= emDatoCteIdentEntranteOR) {
+    return emTradEntrante;
+  }
+  if (emParamCte >= emDatoCteIdentSaliente && emParamCte <= emDatoCteIdentSalienteOR) {
+    return emTradSaliente;
+  }
+  if (emParamCte >= emDatoCteIdentInterExtension && emParamCte <= emDatoCteIdentInterExtensionOR) {
+    return emTradInterExtension;
+  }
+  if (emParamCte >= emDatoCteIdentInterTroncal && emParamCte <= emDatoCteIdentInterTroncalOR) {
+    return emTradInterTroncal;
+  }
+  if (emParamCte == emDatoCteIdentCodigoCuenta) return emTradCodigoCuenta;
+  return emTradNoIdentificada;
+}
+
+void clsTraductor::DetectaTipoLlamada() {
+  if (EsCasoNorstar()) {
+    DetectaTipoNorstar();
+    return;
+  }
+  emTipoLlamada = emTradNoIdentificada;
+  if (!TieneDigito(cadLinea)) return;
+  clsCfgConmut& cfg = Cfg();
+  for (const MarcasRol& rol : kRoles) {
+    emTipoLlamadaTraductor t = TipoSegunConstante(rol.emPlana);
+    if (t != emTradNoIdentificada) {
+      cfg.CTEActivo(rol.emY);
+      if (cfg.HayCTE()) t = TipoSegunConstante(rol.emY);  // the AND mark must accompany it
+    } else {
+      t = TipoSegunConstante(rol.emO);  // tried only when the plain mark is absent
+    }
+    emTipoLlamada = t;
+    if (t != emTradNoIdentificada) break;
+  }
+  if (emTipoLlamada == emTradNoIdentificada && EsCasoSalienteDefecto(cfg.Caso())) {
+    ExtraeDato(emParamTelefonoSaliente);
+    if (!cadDato.empty()) ExtraeDato(emParamExtensionSaliente);
+    if (!cadDato.empty()) ExtraeDato(emParamTroncalSaliente);
+    if (!cadDato.empty()) emTipoLlamada = emTradSaliente;
+  }
+  if (TipoSegunConstante(emDatoCteIdentCodigoCuenta) == emTradCodigoCuenta) {
+    emTipoLlamada = emTradCodigoCuenta;
+  }
+}
+
+void clsTraductor::DetectaAtributo() {
+  if (EsCasoNorstar()) {
+    DetectaAtributoNorstar();
+    return;
+  }
+  emAtributoLlamada = emATRNoAtributo;
+  if (emTipoLlamada < emTradEntrante || emTipoLlamada > emTradInterTroncal) return;
+  for (const MarcaAtributo& m : kAtributos[emTipoLlamada - 1]) {
+    if (m.emCte == emNoParamDatoConstante) break;
+    if (HayConstanteLlamada(m.emCte)) {
+      emAtributoLlamada = m.emAtr;
+      return;
+    }
+  }
+}
+
+// Positions are 1-based and 16-bit: any position of the scan beyond 32767
+// fails with error 6. An empty separator is treated as absent, so the rest
+// of the buffer is one line and the scan always ends (doc/translator.md).
+int16_t clsTraductor::BuscaLinea(const std::u16string& cadVal) {
+  int16_t intResultado = 0;
+  cadLinea.clear();
+  if (!clsCmt) return 0;
+  const std::u16string cadSep = clsCmt->Separador();
+  const std::u16string_view buffer(cadBuffer);
+  int64_t p = 1;
+  while (p <= static_cast<int64_t>(buffer.size())) {
+    std::size_t e0 = cadSep.empty() ? std::u16string_view::npos
+                                    : plataforma::BuscaSinMayusculas(
+                                          buffer, cadSep, static_cast<std::size_t>(p - 1));
+    const bool bolSepHallado = e0 != std::u16string_view::npos;
+    const int64_t e = AEntero16(bolSepHallado ? static_cast<int64_t>(e0) + 1
+                                              : static_cast<int64_t>(buffer.size()) + 1);
+    const std::u16string_view linea =
+        buffer.substr(static_cast<std::size_t>(p - 1), static_cast<std::size_t>(e - p));
+    p = AEntero16(e + static_cast<int64_t>(cadSep.size()));
+    if (!linea.empty() && plataforma::BuscaSinMayusculas(linea, cadVal) != std::u16string::npos) {
+      cadLinea.assign(linea);
+      intResultado = static_cast<int16_t>(p);
+    } else {
+      cadLinea.clear();
+    }
+    if (bolSepHallado && !cadLinea.empty()) break;
+  }
+  return intResultado;
+}
+
+}  // namespace velqua

@@ -1,0 +1,184 @@
+// Part 4.3: the field cutter and the numeric properties (date, time of day,
+// duration, ring time).
+#include <algorithm>
+
+#include "platform/errores_runtime.h"
+#include "platform/reloj.h"
+#include "translator/texto_traductor.h"
+#include "velqua/traductor.h"
+
+namespace velqua {
+namespace {
+
+using traductor::EsDigito;
+
+// Days from 1970-01-01 to the civil date y-m-d, for any m and d (Howard
+// Hinnant's days_from_civil, extended so that a day beyond the month's end
+// runs into the next month).
+int64_t DiasDesdeCivil(int64_t y, int64_t m, int64_t d) {
+  y -= m <= 2 ? 1 : 0;
+  const int64_t era = (y >= 0 ? y : y - 399) / 400;
+  const int64_t yoe = y - era * 400;
+  const int64_t doy = (153 * (m + (m > 2 ? -3 : 9)) + 2) / 5;
+  const int64_t doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
+  return era * 146097 + doe - 719468 + (d - 1);
+}
+
+// Seconds from 1970-01-01 00:00:00 to the date-time, with carry in every part.
+int64_t Instante(int64_t y, int64_t mo, int64_t d, int64_t h, int64_t mi, int64_t s) {
+  return DiasDesdeCivil(y, mo, d) * 86400 + h * 3600 + mi * 60 + s;
+}
+
+}  // namespace
+
+void clsTraductor::ExtraeDato(emParamDato emParamDat) {
+  cadDato.clear();
+  clsCfgConmut& cfg = Cfg();
+  cfg.DATOActivo(emParamDat);
+  if (!cfg.HayDATO()) return;
+  const uint8_t btPos = cfg.DATOPos();
+  const uint8_t btTam = cfg.DATOTam();
+  SumaByte(btPos, btTam);  // error 6 above 255
+  if (btPos <= cadLinea.size()) cadDato.assign(cadLinea, btPos - 1u, btTam);
+  if (cfg.TipoDatoDATO() == emValorNumerico) {
+    cadDato.erase(
+        std::remove_if(cadDato.begin(), cadDato.end(), [](char16_t c) { return !EsDigito(c); }),
+        cadDato.end());
+  }
+}
+
+int16_t clsTraductor::ObtDia(emParamDato emParamDat) {
+  if (EsCasoNorstar()) BuscaLinea(u"--------");
+  ExtraeDato(emParamDat);
+  if (traductor::EsNumeroTexto(cadDato)) {
+    const int32_t v = traductor::ValorNumeroTexto(cadDato);
+    if (v >= 1 && v <= 31) return static_cast<int16_t>(v);
+  }
+  return AEntero16(plataforma::RelojActual().Ahora().intDia);
+}
+
+int16_t clsTraductor::ObtMes(emParamDato emParamDat) {
+  if (EsCasoNorstar()) BuscaLinea(u"--------");
+  ExtraeDato(emParamDat);
+  if (traductor::EsNumeroTexto(cadDato)) {
+    const int32_t v = traductor::ValorNumeroTexto(cadDato);
+    if (v >= 1 && v <= 12) return static_cast<int16_t>(v);
+  }
+  return AEntero16(plataforma::RelojActual().Ahora().intMes);
+}
+
+int16_t clsTraductor::ObtAnio(emParamDato emParamDat) {
+  if (EsCasoNorstar()) BuscaLinea(u"--------");
+  ExtraeDato(emParamDat);
+  const int32_t intAnioActual = plataforma::RelojActual().Ahora().intAnio;
+  if (traductor::EsNumeroTexto(cadDato)) {
+    const std::size_t largo = std::min<std::size_t>(cadDato.size(), 4);
+    const int32_t v = traductor::ValorNumeroTexto(cadDato);
+    if (v >= 0 && largo <= 2) return AEntero16(v + intAnioActual - intAnioActual % 100);
+    if (v >= 0 && largo == 4) return static_cast<int16_t>(v);
+  }
+  return AEntero16(intAnioActual);
+}
+
+// Steps 2 to 5 of ObtHoras, ObtMinutos and ObtSegundos; intActual is the
+// component of the current time used when bolHoraActual is true.
+int16_t clsTraductor::ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
+                                        int32_t intActual) {
+  ExtraeDato(emParamDat);
+  if (traductor::EsNumeroTexto(cadDato)) {
+    const int32_t v = traductor::ValorNumeroTexto(cadDato);
+    if (v >= 0) return static_cast<int16_t>(v);
+  }
+  return bolHoraActual ? AEntero16(intActual) : int16_t{-1};
+}
+
+int16_t clsTraductor::ObtHoras(emParamDato emParamDat, bool bolHoraActual) {
+  if (SeleccionaLineaNorstar(emParamDat)) return 0;
+  return ObtComponenteHora(emParamDat, bolHoraActual, plataforma::RelojActual().Ahora().intHora);
+}
+
+int16_t clsTraductor::ObtMinutos(emParamDato emParamDat, bool bolHoraActual) {
+  if (SeleccionaLineaNorstar(emParamDat)) return 0;
+  return ObtComponenteHora(emParamDat, bolHoraActual, plataforma::RelojActual().Ahora().intMinuto);
+}
+
+int16_t clsTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) {
+  if (SeleccionaLineaNorstar(emParamDat)) return 0;
+  ExtraeDato(emParamDat);
+  if (traductor::EsNumeroTexto(cadDato)) {
+    const int32_t v = traductor::ValorNumeroTexto(cadDato);
+    if (v >= 0) {
+      // Case 6 prints tenths of a minute in the seconds column; case 9 does not.
+      const bool bolDecimas =
+          emParamDat == emParamDuracionSegundos && Cfg().Caso() == emCasoEstandarDecimasMinuto;
+      return AEntero16(bolDecimas ? int64_t{v} * 6 : v);
+    }
+  }
+  return bolHoraActual ? AEntero16(plataforma::RelojActual().Ahora().intSegundo) : int16_t{-1};
+}
+
+// The morning rule of Hora, step 2: a 12-hour clock with a morning mark.
+int16_t clsTraductor::AplicaMatutino(int16_t intHoras, emParamDatoConstante emMarca) {
+  clsCfgConmut& cfg = Cfg();
+  cfg.CTEActivo(emMarca);
+  if (!cfg.HayCTE()) return intHoras;
+  const bool bolManana = HayConstanteLlamada(emMarca);
+  if (!bolManana && intHoras < 12) return static_cast<int16_t>(intHoras + 12);
+  if (bolManana && intHoras == 12) return 0;
+  return intHoras;
+}
+
+int32_t clsTraductor::Hora() {
+  int16_t h = ObtHoras(emParamFechaHoras, true);
+  const int16_t m = ObtMinutos(emParamFechaMinutos, true);
+  const int16_t s = ObtSegundos(emParamFechaSegundos, true);
+  h = AplicaMatutino(h, emDatoCteIdentificadorHorarioMatutinoFecha);
+  return AEntero32(int64_t{h} * 3600 + int64_t{m} * 60 + s);
+}
+
+// Duracion and Ring: the hours column is optional, minutes and seconds not.
+int32_t clsTraductor::TiempoEnSegundos(emParamDato emHoras, emParamDato emMinutos,
+                                       emParamDato emSegundos) {
+  int16_t h = ObtHoras(emHoras, false);
+  const int16_t m = ObtMinutos(emMinutos, false);
+  const int16_t s = ObtSegundos(emSegundos, false);
+  if (h < 0) h = 0;
+  if (m < 0 || s < 0) return -1;
+  return AEntero32(int64_t{h} * 3600 + int64_t{m} * 60 + s);
+}
+
+int32_t clsTraductor::Duracion() {
+  const emCasos emC = Cfg().Caso();
+  if (emC == emCasoEstandarRestaFechasDuracion ||
+      emC == emCasoEstandarRestaFechasDuracionConSalienteDefecto) {
+    return DuracionRestaFechas();
+  }
+  return TiempoEnSegundos(emParamDuracionHoras, emParamDuracionMinutos, emParamDuracionSegundos);
+}
+
+int32_t clsTraductor::Ring() {
+  return TiempoEnSegundos(emParamRingHoras, emParamRingMinutos, emParamRingSegundos);
+}
+
+int32_t clsTraductor::DuracionRestaFechas() {
+  const int16_t d = ObtDia(emParamFechaDia);
+  const int16_t mo = ObtMes(emParamFechaMes);
+  const int16_t y = ObtAnio(emParamFechaAnio);
+  int16_t h = ObtHoras(emParamFechaHoras, true);
+  const int16_t mi = ObtMinutos(emParamFechaMinutos, true);
+  const int16_t s = ObtSegundos(emParamFechaSegundos, true);
+  h = AplicaMatutino(h, emDatoCteIdentificadorHorarioMatutinoFecha);
+  const int16_t d2 = ObtDia(emParamDuracionDia);
+  const int16_t mo2 = ObtMes(emParamDuracionMes);
+  const int16_t y2 = ObtAnio(emParamDuracionAnio);  // read, then replaced by y
+  int16_t h2 = ObtHoras(emParamDuracionHoras, true);
+  const int16_t mi2 = ObtMinutos(emParamDuracionMinutos, true);
+  const int16_t s2 = ObtSegundos(emParamDuracionSegundos, true);
+  h2 = AplicaMatutino(h2, emDatoCteIdentificadorHorarioMatutinoDuracion);
+  static_cast<void>(y2);  // the end is always taken in the start's year
+  const int64_t inicio = Instante(y, mo, d, h, mi, s);
+  const int64_t fin = Instante(y, mo2, d2, h2, mi2, s2);
+  return AEntero32(fin - inicio);
+}
+
+}  // namespace velqua

@@ -1,0 +1,34 @@
+// Small text helpers shared by the translator's files (Parts 4.3 to 4.5).
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace velqua {
+namespace traductor {
+
+// The text without its blanks (U+0020) at both ends; other white space is
+// kept, as the Trim of the original platform does.
+std::u16string_view SinBlancos(std::u16string_view cad);
+
+// Removes the blanks at both ends of cad, in place.
+void QuitaBlancos(std::u16string& cad);
+
+// True for the decimal digits 0 to 9.
+inline bool EsDigito(char16_t c) { return c >= u'0' && c <= u'9'; }
+
+// A number text of Part 4.3: digits, with optional blanks around them. No
+// sign, no decimal separator, no exponent (Left to the implementer, doc/translator.md).
+bool EsNumeroTexto(std::u16string_view cad);
+
+// The value of a number text cut to its first 4 characters, or -1 when the
+// cut text is no longer a number text (only blanks are left). A value outside
+// the 16-bit range fails with error 6 (it cannot arise from 4 characters).
+int32_t ValorNumeroTexto(std::u16string_view cad);
+
+// n written in decimal with at least four digits (format "0000").
+std::u16string FormatoCuatroCifras(int32_t n);
+
+}  // namespace traductor
+}  // namespace velqua

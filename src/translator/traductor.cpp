@@ -1,0 +1,83 @@
+// Part 4.1: translator state, binding and line intake.
+#include "velqua/traductor.h"
+
+#include "platform/errores_runtime.h"
+#include "platform/reloj.h"
+
+namespace velqua {
+
+clsTraductor::clsTraductor() : rndGenerador(plataforma::RelojActual().SemillaTemporizador()) {}
+
+clsCfgConmut& clsTraductor::Cfg() const {
+  if (!clsCmt) LanzaObjetoNoEstablecido();
+  return *clsCmt;
+}
+
+std::u16string clsTraductor::ArchivoListaExtensionesKXTDA() const {
+  return cadArchListaExtensiones;
+}
+
+void clsTraductor::ArchivoListaExtensionesKXTDA(const std::u16string& cadArch) {
+  cadArchListaExtensiones = cadArch;
+}
+
+std::u16string clsTraductor::ArchivoLlamadasError() const { return cadArchLlamadasError; }
+
+void clsTraductor::ArchivoLlamadasError(const std::u16string& cadArch) {
+  cadArchLlamadasError = cadArch;
+}
+
+std::u16string clsTraductor::BufferMultiplesLineas() const { return cadBuffer; }
+
+void clsTraductor::BufferMultiplesLineas(const std::u16string& cadB) { cadBuffer = cadB; }
+
+std::u16string clsTraductor::LlamadaActual() const {
+  if (!clsCmt) return std::u16string();
+  return EsCasoNorstar() ? cadBuffer : cadLinea;
+}
+
+bool clsTraductor::HayLlamada() const { return !cadLinea.empty(); }
+
+bool clsTraductor::HayBufferMultiplesLineas() const { return !cadBuffer.empty(); }
+
+emTipoLlamadaTraductor clsTraductor::TipoLlamadaDetectada() const { return emTipoLlamada; }
+
+emAtributoTraductor clsTraductor::Atributo() const { return emAtributoLlamada; }
+
+void clsTraductor::Conmutador(std::shared_ptr<clsCfgConmut> iclsCmt) {
+  clsCmt.reset();
+  if (!iclsCmt) return;
+  clsCmt = std::move(iclsCmt);
+  const emCasos emC = clsCmt->Caso();
+  if (emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100 ||
+      emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto) {
+    rndGenerador.seed(plataforma::RelojActual().SemillaTemporizador());
+  }
+}
+
+// The intake sequence, steps 1 to 7 of Part 4.1.
+void clsTraductor::LlamadaActual(const std::u16string& cadL) {
+  if (!clsCmt) {
+    emTipoLlamada = emTradNoIdentificada;
+    return;
+  }
+  if (EsCasoNorstar()) {
+    cadBuffer = cadL;
+  } else {
+    cadLinea = cadL;
+  }
+  DetectaTipoLlamada();
+  DetectaAtributo();
+  if (emTipoLlamada == emTradCodigoCuenta) return;
+  if (Duracion() < 0) {
+    const bool bolMeridian = clsCmt->Caso() == emCasoNortelMeridian01;
+    const bool bolNoContestada =
+        emTipoLlamada == emTradEntrante && emAtributoLlamada == emATRNoContestada;
+    if (!bolMeridian && !bolNoContestada) emTipoLlamada = emTradNoIdentificada;
+  }
+  if (emTipoLlamada == emTradNoIdentificada && (!cadLinea.empty() || !cadBuffer.empty())) {
+    RegistraLlamadaError();
+  }
+}
+
+}  // namespace velqua
