@@ -1,0 +1,261 @@
+// Part 5.2: DibujaConfiguracionSMDR, the cable diagram of one switch port.
+//
+// The steps follow the spec's Algorithms one by one. Every offset written
+// "n px" / "n py" reads TwipsPerPixelX / TwipsPerPixelY afresh from the
+// surface; the working values A, h8 and h are measured once each, with one
+// TextHeight("M") at their first use (doc/drawing.md).
+#include <cstdint>
+#include <string>
+
+#include "velqua/cfg_conmut.h"
+#include "velqua/superficie.h"
+
+namespace velqua {
+namespace {
+
+// Line flags (Part 5.2, table of flags).
+constexpr int16_t kSegmento = 6;
+constexpr int16_t kContinuacion = 2;
+constexpr int16_t kMarco = 22;
+constexpr int16_t kRelleno = 38;
+// Colours, 0x00BBGGRR.
+constexpr int32_t kAzulMarino = 0x800000;
+constexpr int32_t kBlanco = 0xFFFFFF;
+constexpr int32_t kNegro = 0;
+// The diagram width, in surface units, not scaled.
+constexpr float kAncho = 3200;
+
+// The DB25 pin of each DB9 computer pin, index 1 to 9 (emTablaConversionDB9DB25).
+constexpr int32_t kDB25DeDB9[10] = {0,         emDB9Pin1, emDB9Pin2, emDB9Pin3, emDB9Pin4,
+                                    emDB9Pin5, emDB9Pin6, emDB9Pin7, emDB9Pin8, emDB9Pin9};
+
+// The working values of one drawing (Part 5.2, Data model).
+struct Diagrama {
+  const clsCfgConmut& cfg;
+  Superficie& pic;
+  emPuertoSerial puerto;
+  float X, Y;
+  float A = 0, h8 = 0, h = 0;
+  float cS = 0, c9 = 0, c25 = 0;
+  float y = 0, w = 0;
+  int16_t N = 0;
+  int32_t lnUnicos = 0, lnMultiples = 0;
+
+  float Px(float n) const { return n * pic.TwipsPerPixelX(); }
+  float Py(float n) const { return n * pic.TwipsPerPixelY(); }
+  bool Conectados(int16_t intPinConmut, int16_t intPinPC) const {
+    return cfg.PinesConectados(puerto, intPinConmut, intPinPC);
+  }
+};
+
+// Decimal text without blanks or sign.
+std::u16string Numero(int32_t lnValor) {
+  const std::string ascii = std::to_string(lnValor);
+  return std::u16string(ascii.begin(), ascii.end());
+}
+
+void Escribe(Superficie& pic, float x, float y, const std::u16string& cadTexto) {
+  pic.CurrentX(x);
+  pic.CurrentY(y);
+  pic.Print(cadTexto);
+}
+
+int16_t UltimoPin(emPuertoSerial iemPuerto) {
+  switch (iemPuerto) {
+    case emPuertoRJ45:
+      return 8;
+    case emPuertoDB9:
+      return 9;
+    default:
+      return 25;  // only emPuertoDB25 has wiring to draw here
+  }
+}
+
+// Steps 1-5, drawn in every case.
+void DibujaTitulo(Diagrama& d) {
+  Superficie& pic = d.pic;
+  pic.FontName(u"MS Sans Serif");
+  pic.FontSize(10);
+  pic.FontBold(false);
+  d.A = 2 * pic.TextHeight(u"M");
+  pic.Line(kRelleno, d.X, d.Y, d.X + kAncho, d.Y + d.A, kAzulMarino);
+  pic.ForeColor(kBlanco);
+  Escribe(pic, d.X + d.Px(10), d.Y + d.Py(1), u"Confguración del cable SMDR");
+  pic.FontSize(8);
+  Escribe(pic, d.X + d.Px(4), d.Y + d.Py(18), u"Conmutador");
+  Escribe(pic, d.X + d.Px(115), d.Y + d.Py(18), u"PC (Computadora)");
+  pic.ForeColor(kNegro);
+  d.h8 = pic.TextHeight(u"M");
+  pic.Line(kRelleno, d.X, d.Y + d.A, d.X + kAncho, d.Y + d.A + d.h8, kBlanco);
+}
+
+// Step 6: the port has no wiring.
+void DibujaSinConfiguracion(Diagrama& d) {
+  Escribe(d.pic, d.X + d.Px(20), d.Y + d.A - d.Py(1), u"-- No hay configuración realizada --");
+  d.pic.Line(kMarco, d.X, d.Y, d.X + kAncho, d.Y + d.A + d.h8, kNegro);
+}
+
+// Steps 7-10.
+void DibujaEncabezado(Diagrama& d) {
+  Superficie& pic = d.pic;
+  d.cS = d.X + d.Px(20);
+  d.c9 = d.X + d.Px(120);
+  d.c25 = d.X + d.Px(170);
+  const char16_t* cadPuerto =
+      d.puerto == emPuertoDB25 ? u"DB25" : (d.puerto == emPuertoDB9 ? u"DB9" : u"RJ45");
+  Escribe(pic, d.cS, d.Y + d.A, cadPuerto);
+  Escribe(pic, d.c9, d.Y + d.A, u"DB9");
+  Escribe(pic, d.c25, d.Y + d.A, u"DB25");
+  pic.Line(kRelleno, d.X, d.Y + d.A + d.h8, d.X + kAncho, d.Y + d.A + d.h8 + d.Py(2), kBlanco);
+  d.cS = d.X + d.Px(26);
+  d.c9 = d.X + d.Px(126);
+  d.c25 = d.X + d.Px(182);
+  d.y = d.Y + d.A + d.h8 + d.Py(2);
+  d.w = d.y + d.Py(6);
+  pic.FontName(u"MS Serif");
+  pic.FontSize(8);
+  d.h = pic.TextHeight(u"M");
+}
+
+// ---- Row pieces ----
+
+void FondoFila(Diagrama& d) { d.pic.Line(kRelleno, d.X, d.y, d.X + kAncho, d.y + d.h, kBlanco); }
+
+void CableConmutadorDB9(Diagrama& d) {
+  d.pic.Line(kSegmento, d.cS + d.Px(20), d.w, d.c9 - d.Px(10), d.w, kNegro);
+}
+
+void CableDB9DB25(Diagrama& d) {
+  d.pic.Line(kSegmento, d.c9 + d.Px(17), d.w, d.c25 - d.Px(10), d.w, kNegro);
+}
+
+// Computer pin i at c9 and its DB25 number at c25.
+void EscribePinPC(Diagrama& d, int16_t i) {
+  Escribe(d.pic, d.c9, d.y, Numero(i));
+  Escribe(d.pic, d.c25, d.y, Numero(kDB25DeDB9[i]));
+}
+
+// A vertical segment at x joining the previous row, then on to (xFin, w).
+void UneConFilaAnterior(Diagrama& d, float x, float xFin) {
+  d.pic.Line(kSegmento, x, d.w - d.h, x, d.w, kNegro);
+  d.pic.Line(kContinuacion, 0, 0, xFin, d.w, kNegro);
+}
+
+void Avanza(Diagrama& d) {
+  d.w = d.w + d.h;
+  d.y = d.y + d.h;
+}
+
+// Step 11: the DB25 ground row.
+void DibujaFilaTierra(Diagrama& d) {
+  FondoFila(d);
+  Escribe(d.pic, d.cS, d.y, u"1");
+  Escribe(d.pic, d.c9 - d.Px(6), d.y, u"Gnd");
+  Escribe(d.pic, d.c25, d.y, u"1");
+  CableConmutadorDB9(d);
+  CableDB9DB25(d);
+  Avanza(d);
+}
+
+// Step 12: lnUnicos and lnMultiples from computer pins 1 to 9.
+void Clasifica(Diagrama& d) {
+  for (int16_t i = 1; i <= 9; ++i) {
+    int32_t lnPines = 0;
+    int cuenta = 0;
+    for (int16_t k = 1; k <= d.N; ++k) {
+      if (!d.Conectados(k, i)) continue;
+      lnPines |= int32_t{1} << (k - 1);
+      ++cuenta;
+    }
+    if (cuenta == 1) d.lnUnicos |= lnPines;
+    if (cuenta >= 2) d.lnMultiples |= lnPines;
+  }
+}
+
+// The fan-out group of switch pin j: one row per computer pin of j.
+void DibujaAbanico(Diagrama& d, int16_t j) {
+  int filas = 0;
+  for (int16_t i = 1; i <= 9; ++i) {
+    if (!d.Conectados(j, i)) continue;
+    FondoFila(d);
+    if (filas == 0) Escribe(d.pic, d.cS, d.y, Numero(j));
+    EscribePinPC(d, i);
+    if (filas == 0) {
+      CableConmutadorDB9(d);
+    } else {
+      UneConFilaAnterior(d, d.c9 - d.Px(20), d.c9 - d.Px(10));
+    }
+    CableDB9DB25(d);
+    Avanza(d);
+    ++filas;
+  }
+}
+
+// The bridged group of switch pin j: one row per switch pin wired to the
+// first computer pin of j; ends as soon as lnMultiples is empty.
+void DibujaPuente(Diagrama& d, int16_t j) {
+  int16_t i = 1;
+  while (i <= 9 && !d.Conectados(j, i)) ++i;
+  if (i > 9) return;
+  int filas = 0;
+  int32_t b = 1;
+  for (int16_t k = 1; k <= d.N; ++k, b <<= 1) {
+    if (d.Conectados(k, i)) {
+      FondoFila(d);
+      Escribe(d.pic, d.cS, d.y, Numero(k));
+      if (filas == 0) {
+        EscribePinPC(d, i);
+        CableConmutadorDB9(d);
+        CableDB9DB25(d);
+      } else {
+        UneConFilaAnterior(d, d.cS + d.Px(30), d.cS + d.Px(20));
+      }
+      Avanza(d);
+      d.lnMultiples &= ~b;
+      ++filas;
+    }
+    if (d.lnMultiples == 0) return;
+  }
+}
+
+// Step 13: the main pass, started again after every bridged group.
+void PasadaPrincipal(Diagrama& d) {
+  int16_t j = 1;
+  int32_t m = 1;
+  while (j <= d.N) {
+    if ((d.lnUnicos & m) != 0) {
+      DibujaAbanico(d, j);
+      d.lnUnicos &= ~m;
+    } else if ((d.lnMultiples & m) != 0) {
+      DibujaPuente(d, j);
+      // The group has removed pin j already, unless the wiring changed under
+      // the drawing (a host reacting to a surface call): never loop forever.
+      d.lnMultiples &= ~m;
+      j = 1;
+      m = 1;
+      continue;
+    }
+    ++j;
+    m <<= 1;
+  }
+}
+
+}  // namespace
+
+void clsCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib,
+                                           float sglPosX, float sglPosY) const {
+  Diagrama d{*this, picDib, iemPuerto, sglPosX, sglPosY};
+  DibujaTitulo(d);
+  if (!HayConfiguracionSMDR(iemPuerto)) {
+    DibujaSinConfiguracion(d);
+    return;
+  }
+  DibujaEncabezado(d);
+  d.N = UltimoPin(iemPuerto);
+  if (iemPuerto == emPuertoDB25) DibujaFilaTierra(d);
+  Clasifica(d);
+  PasadaPrincipal(d);
+  picDib.Line(kMarco, d.X, d.Y, d.X + kAncho, d.y, kNegro);  // step 14
+}
+
+}  // namespace velqua
