@@ -1,0 +1,22 @@
+// Blank trimming as the file operations use it (Parts 3.1, 3.2): a blank is
+// the space character U+0020 only, as in the original's Trim / RTrim.
+#pragma once
+
+#include <string>
+
+namespace velqua {
+namespace archivos {
+
+inline std::u16string RecortaDerecha(const std::u16string& cad) {
+  const size_t fin = cad.find_last_not_of(u' ');
+  return fin == std::u16string::npos ? std::u16string() : cad.substr(0, fin + 1);
+}
+
+inline std::u16string Recorta(const std::u16string& cad) {
+  const size_t ini = cad.find_first_not_of(u' ');
+  if (ini == std::u16string::npos) return std::u16string();
+  return cad.substr(ini, cad.find_last_not_of(u' ') - ini + 1);
+}
+
+}  // namespace archivos
+}  // namespace velqua
