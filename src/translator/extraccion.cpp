@@ -80,6 +80,12 @@ int16_t clsTraductor::ObtAnio(emParamDato emParamDat) {
   return AEntero16(intAnioActual);
 }
 
+int16_t clsTraductor::Dia() { return ObtDia(emParamFechaDia); }
+
+int16_t clsTraductor::Mes() { return ObtMes(emParamFechaMes); }
+
+int16_t clsTraductor::Anio() { return ObtAnio(emParamFechaAnio); }
+
 // Steps 2 to 5 of ObtHoras, ObtMinutos and ObtSegundos; intActual is the
 // component of the current time used when bolHoraActual is true.
 int16_t clsTraductor::ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
