@@ -1,0 +1,75 @@
+// velqua_cairo: a drawing surface (Parts 5.2, 5.3) on Cairo that writes the
+// drawing as PNG, SVG or PDF.
+//
+// It stands for a picture box on a 96-dpi screen: surface units are twips,
+// 15 to the pixel in both directions (TwipsPerPixelX/Y), 1,440 to the inch.
+// The spec's fonts are mapped through fontconfig to fonts Debian installs:
+// "MS Sans Serif" to Liberation Sans and "MS Serif" / "Ms Serif" to
+// Liberation Serif (fonts-liberation; fontconfig falls back to its default
+// sans or serif, e.g. DejaVu, when they are missing). Other names go to
+// fontconfig as they are. Points are converted at 96 dpi (8 pt = 10.67 px).
+//
+// Meaning of the operations:
+// - Print draws the text with its top-left corner at (CurrentX, CurrentY), in
+//   ForeColor and the current font; CurrentX and CurrentY are left as they were.
+// - ForeColor is the text colour only. Line always draws in its own colour
+//   argument (the library always passes one), whatever ForeColor is.
+// - Line flags: 6 segment, 2 segment from the end point of the previous Line
+//   ((0, 0) before any), 22 rectangle outline, 38 filled rectangle; any other
+//   value draws a segment. Every Line leaves its (x2, y2) as the end point.
+//   Segments and outlines are 1 pixel wide on whole pixels (square caps, so a
+//   segment covers both end pixels); a filled rectangle covers both corners.
+// - TextHeight is the line height of the current font from its real metrics
+//   (ascent + descent + line gap), in twips; the text argument is not used.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "velqua/superficie.h"
+
+namespace velqua {
+
+class SuperficieCairo : public Superficie {
+ public:
+  // A canvas of lnAnchoPx by lnAltoPx pixels. A size of 0 (the default)
+  // follows the drawing: the written image reaches from pixel 0 to the last
+  // pixel drawn on, in that direction. Drawing outside the canvas is clipped.
+  explicit SuperficieCairo(int32_t lnAnchoPx = 0, int32_t lnAltoPx = 0);
+  ~SuperficieCairo() override;
+  SuperficieCairo(const SuperficieCairo&) = delete;
+  SuperficieCairo& operator=(const SuperficieCairo&) = delete;
+
+  // Writes everything drawn so far; the format follows the extension of
+  // cadArchivo (UTF-8 path), ignoring letter case: ".png", ".svg", ".pdf".
+  // PNG is 1 image pixel per pixel; SVG is in px; PDF at 72 points per inch
+  // (1 pixel = 0.75 pt). Can be called several times; the drawing is kept.
+  // Throws velqua::Error 5 (source "SuperficieCairo.Guarda") for another
+  // extension or a format this Cairo lacks, and 75 when the file cannot be
+  // written.
+  void Guarda(const std::string& cadArchivo) const;
+  // The size, in pixels, that Guarda writes now.
+  int32_t AnchoPx() const;
+  int32_t AltoPx() const;
+  // The background of the written image, 0x00BBGGRR. Default white.
+  void ColorFondo(int32_t lnColor);
+
+  void FontName(const std::u16string& cadNombre) override;
+  void FontSize(int16_t intPuntos) override;
+  void FontBold(bool bolNegrita) override;
+  void ForeColor(int32_t lnColor) override;
+  void CurrentX(float sglX) override;
+  void CurrentY(float sglY) override;
+  float TextHeight(const std::u16string& cadTexto) override;
+  void Line(int16_t intFlags, float x1, float y1, float x2, float y2, int32_t lnColor) override;
+  void Print(const std::u16string& cadTexto) override;
+  float TwipsPerPixelX() const override;  // 15
+  float TwipsPerPixelY() const override;  // 15
+
+ private:
+  struct Estado;
+  std::unique_ptr<Estado> estado;
+};
+
+}  // namespace velqua
