@@ -1,0 +1,91 @@
+#include "cli_common.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstring>
+#include <memory>
+
+#include "velqua/texto.h"
+
+namespace velqua_cli {
+
+std::u16string U16(std::string_view utf8) { return velqua::DesdeUtf8(utf8); }
+
+std::string U8(std::u16string_view text) { return velqua::AUtf8(text); }
+
+void AppendUtf8(std::string& out, std::u16string_view text) {
+  // Plain ASCII, by far the common case in call records, is copied directly.
+  size_t i = 0;
+  for (; i < text.size(); ++i) {
+    if (text[i] >= 0x80) break;
+    out.push_back(static_cast<char>(text[i]));
+  }
+  if (i < text.size()) out += velqua::AUtf8(text.substr(i));
+}
+
+std::string DescribeError(const velqua::Error& error) {
+  char number[64];
+  std::snprintf(number, sizeof number, "error %" PRId32 " (0x%08" PRIX32 ")", error.Number(),
+                static_cast<uint32_t>(error.Number()));
+  std::string line = number;
+  line += " in ";
+  line += U8(error.Source());
+  line += ": ";
+  // A description may hold CR LF (Part 3.3); the program reports one line.
+  const std::string description = U8(error.Description());
+  bool in_break = false;
+  for (char c : description) {
+    if (c == '\r' || c == '\n') {
+      if (!in_break) line += " / ";
+      in_break = true;
+    } else {
+      line += c;
+      in_break = false;
+    }
+  }
+  return line;
+}
+
+std::string LowerExtension(const std::string& path) {
+  const size_t slash = path.find_last_of('/');
+  const size_t dot = path.find_last_of('.');
+  if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return "";
+  std::string ext = path.substr(dot);
+  for (char& c : ext) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return ext;
+}
+
+void RequireReadableFile(const std::string& path, const std::string& what) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0) {
+    throw CliError(what + " '" + path + "': " + std::strerror(errno));
+  }
+  if (!S_ISREG(st.st_mode)) throw CliError(what + " '" + path + "': not a regular file");
+  std::unique_ptr<std::FILE, FileCloser> f(std::fopen(path.c_str(), "rb"));
+  if (!f) throw CliError(what + " '" + path + "': " + std::strerror(errno));
+}
+
+std::FILE* OpenFile(const std::string& path, const char* mode, const std::string& what) {
+  std::FILE* f = std::fopen(path.c_str(), mode);
+  if (f == nullptr) {
+    throw CliError("cannot open " + what + " '" + path + "': " + std::strerror(errno));
+  }
+  return f;
+}
+
+std::string ReadWholeFile(const std::string& path, const std::string& what) {
+  RequireReadableFile(path, what);
+  std::unique_ptr<std::FILE, FileCloser> f(OpenFile(path, "rb", what));
+  std::string text;
+  char buffer[65536];
+  size_t n;
+  while ((n = std::fread(buffer, 1, sizeof buffer, f.get())) > 0) text.append(buffer, n);
+  if (std::ferror(f.get())) throw CliError("cannot read " + what + " '" + path + "'");
+  return text;
+}
+
+}  // namespace velqua_cli

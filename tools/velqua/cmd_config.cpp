@@ -1,0 +1,259 @@
+#include "cmd_config.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <vector>
+
+#include "cli_common.h"
+#include "config_io.h"
+#include "names.h"
+#include "record_reader.h"
+#include "velqua/cfg_conmut.h"
+#include "velqua/texto.h"
+#include "velqua/traductor.h"
+
+namespace velqua_cli {
+namespace {
+
+using velqua::clsCfgConmut;
+
+// One complete field or constant of a configuration, for listing.
+struct Entry {
+  bool constant = false;
+  int32_t key = 0;
+  std::string name;
+  int pos = 0;
+  int size = 0;
+  std::string detail;  // type of a field, text of a constant
+};
+
+const char* TypeWord(velqua::emTipoDato type) {
+  switch (type) {
+    case velqua::emValorNumerico:
+      return "numeric";
+    case velqua::emValorConstante:
+      return "constant";
+    case velqua::emValorCadena:
+      return "string";
+    default:
+      return "undefined";
+  }
+}
+
+// The complete fields, then the complete constants, in key order. Restores
+// the active keys.
+std::vector<Entry> CompleteEntries(clsCfgConmut& cfg) {
+  const velqua::emParamDato dato = cfg.DATOActivo();
+  const velqua::emParamDatoConstante cte = cfg.CTEActivo();
+  std::vector<Entry> entries;
+  for (int32_t key = velqua::emPrimerParamDato + 1; key < velqua::emUltimoParamDato; ++key) {
+    cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
+    if (!cfg.HayDATO()) continue;
+    entries.push_back({false, key, EnumNameOf(EnumKind::kParamDato, key), cfg.DATOPos(),
+                       cfg.DATOTam(), TypeWord(cfg.TipoDatoDATO())});
+  }
+  for (int32_t key = velqua::emPrimerParamDatoConstante + 1;
+       key < velqua::emUltimoParamDatoConstante; ++key) {
+    cfg.CTEActivo(static_cast<velqua::emParamDatoConstante>(key));
+    if (!cfg.HayCTE()) continue;
+    entries.push_back({true, key, EnumNameOf(EnumKind::kParamDatoConstante, key), cfg.CTEPos(),
+                       cfg.CTETam(), U8(cfg.Constante())});
+  }
+  cfg.DATOActivo(dato);
+  cfg.CTEActivo(cte);
+  return entries;
+}
+
+std::string Columns(int pos, int size) {
+  return size <= 1 ? std::to_string(pos)
+                   : std::to_string(pos) + "-" + std::to_string(pos + size - 1);
+}
+
+// "13 10 (\r\n)": the Windows-1252 codes and a readable escape form.
+std::string SeparatorCodes(const std::u16string& separator) {
+  if (separator.empty()) return "(none)";
+  std::string codes, escaped;
+  for (char16_t c : separator) {
+    if (!codes.empty()) codes += ' ';
+    codes += std::to_string(velqua::CodigoAnsi(c));
+    switch (c) {
+      case u'\r':
+        escaped += "\\r";
+        break;
+      case u'\n':
+        escaped += "\\n";
+        break;
+      case u'\t':
+        escaped += "\\t";
+        break;
+      default:
+        if (c < 0x20) {
+          char esc[8];
+          std::snprintf(esc, sizeof esc, "\\x%02X", static_cast<unsigned>(c));
+          escaped += esc;
+        } else {
+          AppendUtf8(escaped, std::u16string(1, c));
+        }
+    }
+  }
+  return codes + " (\"" + escaped + "\")";
+}
+
+void ShowWiring(const clsCfgConmut& cfg) {
+  struct Port {
+    const char* name;
+    velqua::emPuertoSerial port;
+    int16_t last;
+  };
+  const Port ports[] = {{"RJ45", velqua::emPuertoRJ45, 9},
+                        {"DB9", velqua::emPuertoDB9, 9},
+                        {"DB25", velqua::emPuertoDB25, 25}};
+  std::printf("Wiring (switch pin -> computer DB9 pin):\n");
+  for (const Port& port : ports) {
+    std::string pairs;
+    for (int16_t pin = 1; pin <= port.last; ++pin) {
+      for (int16_t pc = 1; pc <= 31; ++pc) {
+        if (!cfg.PinesConectados(port.port, pin, pc)) continue;
+        pairs += "  " + std::to_string(pin) + "->" + std::to_string(pc);
+      }
+    }
+    std::printf("  %-5s%s\n", port.name, pairs.empty() ? "  (none)" : pairs.c_str());
+  }
+}
+
+std::string Quoted(const std::u16string& text) {
+  std::string out = "\"";
+  AppendUtf8(out, text);
+  return out + "\"";
+}
+
+// Prints the ruler, the record, and one marker line per field or constant.
+void CheckRecord(const std::u16string& record, const std::vector<Entry>& entries,
+                 velqua::clsTraductor* traductor) {
+  const size_t width = std::max<size_t>(record.size(), 10);
+  std::string tens, units;
+  for (size_t col = 1; col <= width; ++col) {
+    tens += col % 10 == 0 ? static_cast<char>('0' + col / 10 % 10) : ' ';
+    units += static_cast<char>('0' + col % 10);
+  }
+  std::printf("    %s\n    %s\n    ", tens.c_str(), units.c_str());
+  std::string line;
+  AppendUtf8(line, record);
+  std::printf("%s\n", line.c_str());
+  for (const Entry& e : entries) {
+    const size_t start = static_cast<size_t>(e.pos - 1);
+    std::string marks(start, ' ');
+    marks.append(static_cast<size_t>(e.size), e.constant ? '~' : '^');
+    std::string cut = start < record.size()
+                          ? Quoted(record.substr(start, static_cast<size_t>(e.size)))
+                          : "(beyond the end of the line)";
+    std::string note;
+    if (e.constant) {
+      const bool match =
+          traductor != nullptr &&
+          traductor->HayConstanteLlamada(static_cast<velqua::emParamDatoConstante>(e.key));
+      note = std::string(match ? "  matches " : "  no match for ") + "\"" + e.detail + "\"";
+    }
+    std::printf("    %-*s  %s [%s] %s%s\n", static_cast<int>(width), marks.c_str(), e.name.c_str(),
+                Columns(e.pos, e.size).c_str(), cut.c_str(), note.c_str());
+  }
+  if (traductor != nullptr) {
+    std::printf("    => type %d %s, attribute %d %s\n", traductor->TipoLlamadaDetectada(),
+                EnumNameOf(EnumKind::kTipoLlamada, traductor->TipoLlamadaDetectada()),
+                traductor->Atributo(), EnumNameOf(EnumKind::kAtributo, traductor->Atributo()));
+  }
+}
+
+}  // namespace
+
+void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
+  CLI::App* config = app.add_subcommand("config", "Show, convert or check a configuration");
+  config->require_subcommand(1);
+  CLI::App* show = config->add_subcommand("show", "Print a configuration");
+  show->add_option("CONFIG", options.config, "Configuration (.cfg, .ini or .json)")->required();
+  CLI::App* convert = config->add_subcommand(
+      "convert", "Convert a configuration between .cfg, .ini and .json (by extension)");
+  convert->add_option("IN", options.input, "Configuration to read")->required();
+  convert->add_option("OUT", options.output, "Configuration to write")->required();
+  CLI::App* check = config->add_subcommand(
+      "check", "Show which columns each field and constant cuts from sample records");
+  check->add_option("CONFIG", options.config, "Configuration (.cfg, .ini or .json)")->required();
+  check->add_option("RECORDS", options.records, "Sample records, one a line")->required();
+  check->add_option("--encoding", options.encoding, "Encoding of the records")
+      ->check(CLI::IsMember({"windows-1252", "utf-8"}))
+      ->capture_default_str();
+}
+
+int RunConfigShow(const ConfigOptions& options) {
+  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.config);
+  const char* case_name = EnumNameOf(EnumKind::kCaso, cfg->Caso());
+  std::printf("Brand:      %s\n", U8(cfg->Marca()).c_str());
+  std::printf("Model:      %s\n", U8(cfg->Modelo()).c_str());
+  std::printf("Version:    %s\n", U8(cfg->NombreVersion()).c_str());
+  std::printf("Case:       %d %s\n", cfg->Caso(), case_name != nullptr ? case_name : "");
+  const std::string spanish = U8(cfg->NombreCaso());
+  std::printf("            %s\n",
+              spanish.empty() ? "(the library gives this case no name)" : spanish.c_str());
+  std::printf("Separator:  %s\n", SeparatorCodes(cfg->Separador()).c_str());
+  std::printf("Comments:   %s\n", U8(cfg->Comentarios()).c_str());
+  const std::vector<Entry> entries = CompleteEntries(*cfg);
+  const auto fields =
+      std::count_if(entries.begin(), entries.end(), [](const Entry& e) { return !e.constant; });
+  std::printf("Fields (%ld):\n", static_cast<long>(fields));
+  for (const Entry& e : entries) {
+    if (e.constant) continue;
+    std::printf("  %2d %-48s pos %3d size %3d  [%s] %s\n", e.key, e.name.c_str(), e.pos, e.size,
+                Columns(e.pos, e.size).c_str(), e.detail.c_str());
+  }
+  std::printf("Constants (%ld):\n", static_cast<long>(entries.size()) - static_cast<long>(fields));
+  for (const Entry& e : entries) {
+    if (!e.constant) continue;
+    std::printf("  %2d %-48s pos %3d size %3d  [%s] \"%s\"\n", e.key, e.name.c_str(), e.pos, e.size,
+                Columns(e.pos, e.size).c_str(), e.detail.c_str());
+  }
+  ShowWiring(*cfg);
+  return 0;
+}
+
+int RunConfigConvert(const ConfigOptions& options) {
+  ConfigFormatOf(options.output);  // refuse a bad output name before reading
+  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.input);
+  SaveConfig(*cfg, options.output);
+  return 0;
+}
+
+int RunConfigCheck(const ConfigOptions& options) {
+  RequireReadableFile(options.records, "records");
+  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.config);
+  const std::vector<Entry> entries = CompleteEntries(*cfg);
+  // Detection is shown for single-line switches; a multi-line call's fields
+  // lie on different lines (Part 4.4), so its lines are only measured.
+  std::unique_ptr<velqua::clsTraductor> traductor;
+  if (cfg->Caso() != velqua::emCasoNortelNorstar0x32SMDR6) {
+    traductor = std::make_unique<velqua::clsTraductor>();
+    traductor->Conmutador(cfg);
+  }
+  std::unique_ptr<std::FILE, FileCloser> f(OpenFile(options.records, "rb", "records"));
+  LineReader reader(f.get());
+  std::string line;
+  int64_t number = 0;
+  while (reader.Next(&line)) {
+    ++number;
+    if (line.empty()) continue;
+    const std::u16string record =
+        options.encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);
+    std::printf("line %lld:\n", static_cast<long long>(number));
+    try {
+      if (traductor) traductor->LlamadaActual(record);
+      CheckRecord(record, entries, traductor.get());
+    } catch (const velqua::Error& e) {
+      throw CliError("line " + std::to_string(number) + ": " + DescribeError(e));
+    }
+    std::printf("\n");
+  }
+  return 0;
+}
+
+}  // namespace velqua_cli

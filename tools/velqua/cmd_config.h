@@ -1,0 +1,28 @@
+// `velqua config show|convert|check`: look at, convert and try out a switch
+// configuration.
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace velqua_cli {
+
+struct ConfigOptions {
+  std::string config;   // show, check
+  std::string input;    // convert
+  std::string output;   // convert
+  std::string records;  // check
+  std::string encoding = "windows-1252";
+};
+
+// Adds "config" with its three subcommands.
+void AddConfigCommand(CLI::App& app, ConfigOptions& options);
+
+int RunConfigShow(const ConfigOptions& options);
+int RunConfigConvert(const ConfigOptions& options);
+int RunConfigCheck(const ConfigOptions& options);
+
+}  // namespace velqua_cli

@@ -1,0 +1,28 @@
+// `velqua translate`: call records in, one row of call data per record out.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace velqua_cli {
+
+struct TranslateOptions {
+  std::string config;
+  std::vector<std::string> inputs;  // empty or "-": standard input
+  std::string format;               // "table", "csv", "jsonl" or "" (by terminal)
+  std::string encoding = "windows-1252";
+  std::string errors_log;  // ArchivoLlamadasError
+  std::string extensions;  // ArchivoListaExtensionesKXTDA
+};
+
+// Adds the subcommand; `run` is set to the code to execute when chosen.
+void AddTranslateCommand(CLI::App& app, TranslateOptions& options);
+
+// Runs it; returns the exit status. Throws CliError / velqua::Error.
+int RunTranslate(const TranslateOptions& options);
+
+}  // namespace velqua_cli

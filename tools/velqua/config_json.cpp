@@ -1,0 +1,296 @@
+#include "config_json.h"
+
+#include <array>
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <utility>
+#include <vector>
+
+#include "cli_common.h"
+#include "names.h"
+#include "velqua/enums.h"
+
+namespace velqua_cli {
+namespace {
+
+using nlohmann::json;
+using velqua::clsCfgConmut;
+
+struct PortInfo {
+  const char* name;
+  velqua::emPuertoSerial port;
+  int16_t first_pin;  // DB25 pin 1 cannot be wired (Part 5.1)
+  int16_t last_pin;   // the pins import and export carry (Part 3.2)
+};
+
+constexpr std::array<PortInfo, 3> kPorts = {{
+    {"rj45", velqua::emPuertoRJ45, 1, 9},
+    {"db9", velqua::emPuertoDB9, 1, 9},
+    {"db25", velqua::emPuertoDB25, 1, 25},
+}};
+constexpr int16_t kLastComputerPin = 31;
+
+const char* TypeWord(velqua::emTipoDato type) {
+  switch (type) {
+    case velqua::emValorNumerico:
+      return "numeric";
+    case velqua::emValorConstante:
+      return "constant";
+    case velqua::emValorCadena:
+      return "string";
+    default:
+      return nullptr;
+  }
+}
+
+std::string Quote(const std::string& utf8) { return json(utf8).dump(); }
+
+// ---- writing ----
+
+void WriteFields(clsCfgConmut& cfg, std::string& out) {
+  out += "  \"fields\": {";
+  bool first = true;
+  for (int32_t key = velqua::emPrimerParamDato + 1; key < velqua::emUltimoParamDato; ++key) {
+    cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
+    if (!cfg.HayDATO()) continue;
+    out += first ? "\n" : ",\n";
+    first = false;
+    out += "    " + Quote(EnumNameOf(EnumKind::kParamDato, key)) + ": {\"pos\": ";
+    out += std::to_string(cfg.DATOPos()) + ", \"size\": " + std::to_string(cfg.DATOTam());
+    const char* word = TypeWord(cfg.TipoDatoDATO());
+    out += ", \"type\": ";
+    out += word != nullptr ? Quote(word) : std::to_string(cfg.TipoDatoDATO());
+    out += "}";
+  }
+  out += first ? "},\n" : "\n  },\n";
+}
+
+void WriteConstants(clsCfgConmut& cfg, std::string& out) {
+  out += "  \"constants\": {";
+  bool first = true;
+  for (int32_t key = velqua::emPrimerParamDatoConstante + 1;
+       key < velqua::emUltimoParamDatoConstante; ++key) {
+    cfg.CTEActivo(static_cast<velqua::emParamDatoConstante>(key));
+    if (!cfg.HayCTE()) continue;
+    out += first ? "\n" : ",\n";
+    first = false;
+    const std::u16string text = cfg.Constante();
+    out += "    " + Quote(EnumNameOf(EnumKind::kParamDatoConstante, key)) + ": {\"pos\": ";
+    out += std::to_string(cfg.CTEPos()) + ", \"text\": " + Quote(U8(text));
+    // The width follows the text unless it was set apart from it.
+    if (cfg.CTETam() != text.size()) out += ", \"size\": " + std::to_string(cfg.CTETam());
+    out += "}";
+  }
+  out += first ? "},\n" : "\n  },\n";
+}
+
+void WriteWiring(const clsCfgConmut& cfg, std::string& out) {
+  out += "  \"wiring\": {\n";
+  for (size_t p = 0; p < kPorts.size(); ++p) {
+    out += "    " + Quote(kPorts[p].name) + ": [";
+    bool first = true;
+    for (int16_t pin = kPorts[p].first_pin; pin <= kPorts[p].last_pin; ++pin) {
+      for (int16_t pc = 1; pc <= kLastComputerPin; ++pc) {
+        if (!cfg.PinesConectados(kPorts[p].port, pin, pc)) continue;
+        if (!first) out += ", ";
+        first = false;
+        out += "[" + std::to_string(pin) + ", " + std::to_string(pc) + "]";
+      }
+    }
+    out += p + 1 < kPorts.size() ? "],\n" : "]\n";
+  }
+  out += "  }\n";
+}
+
+// ---- reading ----
+
+[[noreturn]] void Fail(const std::string& where, const std::string& what) {
+  throw CliError(where + ": " + what);
+}
+
+void CheckMembers(const json& object, const std::string& where,
+                  std::initializer_list<const char*> allowed) {
+  if (!object.is_object()) Fail(where, "must be an object");
+  for (auto it = object.begin(); it != object.end(); ++it) {
+    bool known = false;
+    for (const char* name : allowed) known = known || it.key() == name;
+    if (!known) Fail(where.empty() ? it.key() : where + "." + it.key(), "unknown member");
+  }
+}
+
+std::u16string Text(const json& object, const char* name, const std::string& where,
+                    size_t max_size) {
+  if (!object.contains(name)) return u"";
+  const json& value = object.at(name);
+  if (!value.is_string()) Fail(where + name, "must be a string");
+  std::u16string text = U16(value.get<std::string>());
+  if (text.size() > max_size) {
+    Fail(where + name,
+         std::to_string(text.size()) + " characters, at most " + std::to_string(max_size));
+  }
+  return text;
+}
+
+int64_t Integer(const json& object, const char* name, const std::string& where, int64_t low,
+                int64_t high) {
+  if (!object.contains(name)) Fail(where + "." + name, "missing");
+  const json& value = object.at(name);
+  if (!value.is_number_integer()) Fail(where + "." + name, "must be an integer");
+  const int64_t number = value.get<int64_t>();
+  if (number < low || number > high) {
+    Fail(where + "." + name, "must be " + std::to_string(low) + " to " + std::to_string(high));
+  }
+  return number;
+}
+
+int32_t EnumValue(const json& value, EnumKind kind, const std::string& where) {
+  int32_t result = 0;
+  if (value.is_number_integer()) {
+    const int64_t number = value.get<int64_t>();
+    if (number < INT32_MIN || number > INT32_MAX) Fail(where, "out of range");
+    return static_cast<int32_t>(number);
+  }
+  if (!value.is_string() || !EnumValueOf(kind, value.get<std::string>(), &result)) {
+    Fail(where, "unknown name " + value.dump());
+  }
+  return result;
+}
+
+velqua::emTipoDato FieldType(const json& value, const std::string& where) {
+  if (value.is_string()) {
+    const std::string word = value.get<std::string>();
+    if (word == "numeric") return velqua::emValorNumerico;
+    if (word == "constant") return velqua::emValorConstante;
+    if (word == "string") return velqua::emValorCadena;
+  }
+  const int32_t type = EnumValue(value, EnumKind::kTipoDato, where);
+  if (type < velqua::emValorNumerico || type > velqua::emValorCadena) {
+    Fail(where, "must be \"numeric\", \"constant\" or \"string\"");
+  }
+  return static_cast<velqua::emTipoDato>(type);
+}
+
+void ReadField(const std::string& key_name, const json& field, clsCfgConmut& cfg) {
+  const std::string where = "fields." + key_name;
+  int32_t key = 0;
+  if (!EnumValueOf(EnumKind::kParamDato, key_name, &key) || key <= velqua::emPrimerParamDato ||
+      key >= velqua::emUltimoParamDato) {
+    Fail(where, "not a data-field key (emParamFechaDia ... emParamExtensionTransferida)");
+  }
+  CheckMembers(field, where, {"pos", "size", "type"});
+  if (!field.contains("type")) Fail(where + ".type", "missing");
+  cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
+  cfg.TipoDatoDATO(FieldType(field.at("type"), where + ".type"));
+  cfg.DATOPos(static_cast<uint8_t>(Integer(field, "pos", where, 1, 255)));
+  cfg.DATOTam(static_cast<uint8_t>(Integer(field, "size", where, 1, 255)));
+}
+
+void ReadConstant(const std::string& key_name, const json& constant, clsCfgConmut& cfg) {
+  const std::string where = "constants." + key_name;
+  int32_t key = 0;
+  if (!EnumValueOf(EnumKind::kParamDatoConstante, key_name, &key) ||
+      key <= velqua::emPrimerParamDatoConstante || key >= velqua::emUltimoParamDatoConstante) {
+    Fail(where,
+         "not a constant key (emDatoCteIdentificadorHorarioMatutinoFecha ... "
+         "emDatoCteIdentNoContestada)");
+  }
+  CheckMembers(constant, where, {"pos", "text", "size"});
+  const std::u16string text = Text(constant, "text", where + ".", velqua::kTamTextoCte);
+  if (text.empty()) Fail(where + ".text", "missing or empty");
+  cfg.CTEActivo(static_cast<velqua::emParamDatoConstante>(key));
+  cfg.CTEPos(static_cast<uint8_t>(Integer(constant, "pos", where, 1, 255)));
+  cfg.Constante(text);
+  if (constant.contains("size")) {
+    cfg.CTETam(static_cast<uint8_t>(Integer(constant, "size", where, 1, 255)));
+  }
+}
+
+void ReadWiring(const json& wiring, clsCfgConmut& cfg) {
+  CheckMembers(wiring, "wiring", {"rj45", "db9", "db25"});
+  for (const PortInfo& port : kPorts) {
+    if (!wiring.contains(port.name)) continue;
+    const std::string where = std::string("wiring.") + port.name;
+    const json& pairs = wiring.at(port.name);
+    if (!pairs.is_array()) Fail(where, "must be a list of [switchPin, computerPin]");
+    const int16_t first = port.port == velqua::emPuertoDB25 ? 2 : port.first_pin;
+    for (size_t i = 0; i < pairs.size(); ++i) {
+      const std::string at = where + "[" + std::to_string(i) + "]";
+      const json& pair = pairs[i];
+      if (!pair.is_array() || pair.size() != 2 || !pair[0].is_number_integer() ||
+          !pair[1].is_number_integer()) {
+        Fail(at, "must be [switchPin, computerPin]");
+      }
+      const int64_t pin = pair[0].get<int64_t>();
+      const int64_t pc = pair[1].get<int64_t>();
+      if (pin < first || pin > port.last_pin) {
+        Fail(at, "switch pin must be " + std::to_string(first) + " to " +
+                     std::to_string(port.last_pin));
+      }
+      if (pc < 1 || pc > kLastComputerPin) Fail(at, "computer pin must be 1 to 31");
+      cfg.ActivaPin(port.port, static_cast<int16_t>(pin), static_cast<int16_t>(pc));
+    }
+  }
+}
+
+}  // namespace
+
+std::string ConfigToJson(clsCfgConmut& cfg) {
+  const velqua::emParamDato dato = cfg.DATOActivo();
+  const velqua::emParamDatoConstante cte = cfg.CTEActivo();
+  std::string out = "{\n";
+  out += "  \"brand\": " + Quote(U8(cfg.Marca())) + ",\n";
+  out += "  \"model\": " + Quote(U8(cfg.Modelo())) + ",\n";
+  const char* case_name = EnumNameOf(EnumKind::kCaso, cfg.Caso());
+  out += "  \"case\": " + (case_name != nullptr ? Quote(case_name) : std::to_string(cfg.Caso())) +
+         ",\n";
+  out += "  \"separator\": " + Quote(U8(cfg.Separador())) + ",\n";
+  out += "  \"comments\": " + Quote(U8(cfg.Comentarios())) + ",\n";
+  WriteFields(cfg, out);
+  WriteConstants(cfg, out);
+  WriteWiring(cfg, out);
+  out += "}\n";
+  cfg.DATOActivo(dato);
+  cfg.CTEActivo(cte);
+  return out;
+}
+
+void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
+  json root;
+  try {
+    root = json::parse(json_text.begin(), json_text.end());
+  } catch (const json::parse_error& e) {
+    // nlohmann's message ends with the position; keep only its last clause.
+    std::string message = e.what();
+    const size_t colon = message.find("parse error");
+    throw CliError("not valid JSON: " +
+                   (colon == std::string::npos ? message : message.substr(colon)));
+  }
+  CheckMembers(
+      root, "",
+      {"brand", "model", "case", "separator", "comments", "fields", "constants", "wiring"});
+  cfg.Marca(Text(root, "brand", "", static_cast<size_t>(velqua::kTamMarca)));
+  cfg.Modelo(Text(root, "model", "", static_cast<size_t>(velqua::kTamModelo)));
+  if (root.contains("case")) {
+    cfg.Caso(static_cast<velqua::emCasos>(EnumValue(root.at("case"), EnumKind::kCaso, "case")));
+  }
+  cfg.Separador(Text(root, "separator", "", static_cast<size_t>(cfg.TamMaxSeparador())));
+  cfg.Comentarios(Text(root, "comments", "", static_cast<size_t>(cfg.TamMaxComentarios())));
+  if (root.contains("fields")) {
+    const json& fields = root.at("fields");
+    if (!fields.is_object()) Fail("fields", "must be an object");
+    for (auto it = fields.begin(); it != fields.end(); ++it) ReadField(it.key(), *it, cfg);
+  }
+  if (root.contains("constants")) {
+    const json& constants = root.at("constants");
+    if (!constants.is_object()) Fail("constants", "must be an object");
+    for (auto it = constants.begin(); it != constants.end(); ++it) {
+      ReadConstant(it.key(), *it, cfg);
+    }
+  }
+  if (root.contains("wiring")) ReadWiring(root.at("wiring"), cfg);
+  cfg.DATOActivo(velqua::emNoParamDato);
+  cfg.CTEActivo(velqua::emNoParamDatoConstante);
+  cfg.Modificado(false);
+}
+
+}  // namespace velqua_cli

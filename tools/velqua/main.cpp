@@ -1,0 +1,90 @@
+// velqua: the command-line program around the Velqua library. It parses the
+// arguments (CLI11) and hands the work to the library; see doc/cli.md.
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "cli_common.h"
+#include "cmd_config.h"
+#include "cmd_draw.h"
+#include "cmd_translate.h"
+#include "platform/reloj.h"
+#include "velqua/error.h"
+
+namespace {
+
+using velqua_cli::CliError;
+
+// The hidden --now option: a fixed clock for reproducible output (the
+// library falls back to the current date and time for fields a switch does
+// not print, Part 4.3, and stamps its log with it, Part 4.5).
+void InstallFixedClock(const std::string& text) {
+  velqua::plataforma::FechaHora now;
+  char extra = 0;
+  if (std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d%c", &now.intAnio, &now.intMes, &now.intDia,
+                  &now.intHora, &now.intMinuto, &now.intSegundo, &extra) != 6 ||
+      now.intMes < 1 || now.intMes > 12 || now.intDia < 1 || now.intDia > 31 || now.intHora < 0 ||
+      now.intHora > 23 || now.intMinuto < 0 || now.intMinuto > 59 || now.intSegundo < 0 ||
+      now.intSegundo > 59) {
+    throw CliError("--now: expected \"YYYY-MM-DD HH:MM:SS\", got \"" + text + "\"");
+  }
+  static velqua::plataforma::RelojFijo clock(now);
+  clock.Establece(now);
+  velqua::plataforma::EstableceReloj(&clock);
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app{"velqua: translate the call records a telephone switch prints on its SMDR port"};
+  app.name("velqua");
+  app.set_version_flag("--version", "velqua " VELQUA_VERSION);
+  app.require_subcommand(1);
+  std::string now;
+  app.add_option("--now", now, "Fixed current date and time (for tests)")->group("");
+
+  velqua_cli::TranslateOptions translate;
+  velqua_cli::AddTranslateCommand(app, translate);
+  velqua_cli::ConfigOptions config;
+  velqua_cli::AddConfigCommand(app, config);
+  velqua_cli::DrawOptions draw;
+  velqua_cli::AddDrawCommand(app, draw);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForAllHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForVersion& e) {
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    // One line, naming what is wrong; help stays one --help away.
+    std::fprintf(stderr, "velqua: %s (see velqua --help)\n", e.what());
+    return 2;
+  }
+
+  if (!now.empty()) InstallFixedClock(now);
+  if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
+  if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
+    if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
+    if (cmd->got_subcommand("convert")) return velqua_cli::RunConfigConvert(config);
+    return velqua_cli::RunConfigCheck(config);
+  }
+  return velqua_cli::RunDraw(app, draw);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Run(argc, argv);
+  } catch (const velqua::Error& e) {
+    std::fprintf(stderr, "velqua: %s\n", velqua_cli::DescribeError(e).c_str());
+  } catch (const CliError& e) {
+    std::fprintf(stderr, "velqua: %s\n", e.what());
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "velqua: unexpected error: %s\n", e.what());
+  }
+  return 1;
+}

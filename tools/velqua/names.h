@@ -1,0 +1,32 @@
+// Names of the library's enumerations (include/velqua/enums.h), spelled
+// exactly as their members: the JSON form of a configuration and the output
+// of the program use them.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace velqua_cli {
+
+struct EnumName {
+  int32_t value;
+  const char* name;
+};
+
+enum class EnumKind {
+  kCaso,                // emCasos
+  kParamDato,           // emParamDato
+  kParamDatoConstante,  // emParamDatoConstante
+  kTipoLlamada,         // emTipoLlamadaTraductor
+  kAtributo,            // emAtributoTraductor
+  kTipoDato,            // emTipoDato
+};
+
+// The member name of `value`, e.g. "emParamFechaDia"; nullptr when the
+// enumeration has no member of that value.
+const char* EnumNameOf(EnumKind kind, int32_t value);
+
+// The value of the member spelled `name` (exact spelling); false when none.
+bool EnumValueOf(EnumKind kind, std::string_view name, int32_t* value);
+
+}  // namespace velqua_cli

@@ -1,0 +1,63 @@
+// Streaming input of call records: lines ended by CR LF, LF or CR, read
+// through a fixed buffer (memory stays flat whatever the file's size), and
+// the gathering of multi-line calls for case 4 (Nortel Norstar).
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace velqua_cli {
+
+// Splits a byte stream into lines. CR LF, LF and a lone CR each end a line;
+// a CR LF split across two reads still counts once. The last line needs no
+// line end. The stream is not owned.
+class LineReader {
+ public:
+  explicit LineReader(std::FILE* stream);
+  LineReader(const LineReader&) = delete;
+  LineReader& operator=(const LineReader&) = delete;
+
+  // The next line without its line end; false at the end of the stream.
+  // Throws CliError on a read error.
+  bool Next(std::string* line);
+
+ private:
+  bool Refill();
+
+  std::FILE* stream_;
+  std::string buffer_;
+  size_t begin_ = 0;
+  size_t end_ = 0;
+  bool eof_ = false;
+  bool skip_lf_ = false;  // the previous line ended with CR: a leading LF belongs to it
+};
+
+// Gathers the lines of one multi-line call (case 4, Part 4.4): a call starts
+// at each header line (one that begins, after blanks, with "--------") and
+// ends before the next header or at the end of the input. Lines before the
+// first header form a call of their own, so nothing is dropped. The lines of
+// a call are joined with `separator` (the configuration's Separador).
+class CallGatherer {
+ public:
+  // BuscaLinea positions are 16-bit (Part 4.2): a call never grows past
+  // this many characters; the excess starts a new (headless) call.
+  static constexpr size_t kMaxCallSize = 32000;
+
+  explicit CallGatherer(std::u16string separator) : separator_(std::move(separator)) {}
+
+  // Adds one line. When it closes the call gathered so far, that call is
+  // moved into *call and true is returned.
+  bool Add(std::u16string_view line, std::u16string* call);
+  // The call still open at the end of the input, if any.
+  bool Finish(std::u16string* call);
+
+  static bool IsHeader(std::u16string_view line);
+
+ private:
+  std::u16string separator_;
+  std::u16string current_;
+  bool open_ = false;
+};
+
+}  // namespace velqua_cli

@@ -1,0 +1,345 @@
+#include "row_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "cli_common.h"
+#include "names.h"
+
+namespace velqua_cli {
+
+Output::~Output() {
+  // Errors have been reported by the explicit Flush of the normal path.
+  if (!buffer_.empty()) std::fwrite(buffer_.data(), 1, buffer_.size(), stream_);
+  std::fflush(stream_);
+}
+
+void Output::Flush() {
+  if (!buffer_.empty() &&
+      std::fwrite(buffer_.data(), 1, buffer_.size(), stream_) != buffer_.size()) {
+    buffer_.clear();
+    throw CliError("cannot write the output");
+  }
+  buffer_.clear();
+  if (std::fflush(stream_) != 0) throw CliError("cannot write the output");
+}
+
+namespace {
+
+std::string StripPrefix(const char* name, const char* prefix) {
+  if (name == nullptr) return "";
+  const size_t n = std::strlen(prefix);
+  return std::strncmp(name, prefix, n) == 0 ? std::string(name + n) : std::string(name);
+}
+
+void AppendInt(std::string& out, int64_t value) {
+  char digits[24];
+  const int n = std::snprintf(digits, sizeof digits, "%lld", static_cast<long long>(value));
+  out.append(digits, static_cast<size_t>(n));
+}
+
+void Append2(std::string& out, int32_t value) {
+  if (value >= 0 && value < 10) out += '0';
+  AppendInt(out, value);
+}
+
+constexpr std::array<const char*, 15> kColumns = {"record",
+                                                  "type",
+                                                  "type_name",
+                                                  "attribute",
+                                                  "attribute_name",
+                                                  "date",
+                                                  "time",
+                                                  "duration",
+                                                  "ring",
+                                                  "dialled",
+                                                  "extension",
+                                                  "trunk",
+                                                  "receiving_extension",
+                                                  "receiving_trunk",
+                                                  "account_code"};
+
+// ---- CSV (RFC 4180: CR LF line ends, fields quoted when they hold a
+// comma, a quote, CR or LF; quotes doubled) ----
+
+void AppendCsvText(std::string& out, std::u16string_view text) {
+  const size_t start = out.size();
+  AppendUtf8(out, text);
+  if (out.find_first_of(",\"\r\n", start) == std::string::npos) return;
+  std::string field = out.substr(start);
+  out.resize(start);
+  out += '"';
+  for (char c : field) {
+    if (c == '"') out += '"';
+    out += c;
+  }
+  out += '"';
+}
+
+class CsvWriter : public RowWriter {
+ public:
+  explicit CsvWriter(Output& out) : out_(out) {
+    std::string& b = out_.buffer();
+    for (size_t i = 0; i < kColumns.size(); ++i) {
+      if (i > 0) b += ',';
+      b += kColumns[i];
+    }
+    b += "\r\n";
+  }
+  void Write(const Row& row) override {
+    std::string& b = out_.buffer();
+    AppendInt(b, row.number);
+    b += ',';
+    AppendInt(b, row.type);
+    b += ',';
+    b += ShortTypeName(row.type);
+    b += ',';
+    AppendInt(b, row.attribute);
+    b += ',';
+    b += ShortAttributeName(row.attribute);
+    b += ',';
+    if (row.has_fields) {
+      AppendDate(b, row);
+      b += ',';
+      AppendTime(b, row.time);
+      b += ',';
+      if (row.duration >= 0) AppendInt(b, row.duration);
+      b += ',';
+      if (row.ring >= 0) AppendInt(b, row.ring);
+      for (const std::u16string* text :
+           {&row.dialled, &row.extension, &row.trunk, &row.receiving_extension,
+            &row.receiving_trunk, &row.account_code}) {
+        b += ',';
+        AppendCsvText(b, *text);
+      }
+    } else {
+      b += ",,,,,,,,,";
+    }
+    b += "\r\n";
+    out_.MaybeFlush();
+  }
+  void Finish() override { out_.Flush(); }
+
+ private:
+  Output& out_;
+};
+
+// ---- JSON Lines: one object a line; absent values are null ----
+
+void AppendJsonString(std::string& out, std::u16string_view text) {
+  out += '"';
+  const size_t start = out.size();
+  AppendUtf8(out, text);
+  // Escape in place only when needed (rare in call records).
+  if (std::find_if(out.begin() + static_cast<std::ptrdiff_t>(start), out.end(), [](char c) {
+        return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
+      }) != out.end()) {
+    std::string raw = out.substr(start);
+    out.resize(start);
+    for (char c : raw) {
+      const auto u = static_cast<unsigned char>(c);
+      if (c == '"' || c == '\\') {
+        out += '\\';
+        out += c;
+      } else if (u < 0x20) {
+        char esc[8];
+        std::snprintf(esc, sizeof esc, "\\u%04x", u);
+        out += esc;
+      } else {
+        out += c;
+      }
+    }
+  }
+  out += '"';
+}
+
+class JsonlWriter : public RowWriter {
+ public:
+  explicit JsonlWriter(Output& out) : out_(out) {}
+  void Write(const Row& row) override {
+    std::string& b = out_.buffer();
+    b += "{\"record\":";
+    AppendInt(b, row.number);
+    b += ",\"type\":";
+    AppendInt(b, row.type);
+    b += ",\"type_name\":\"" + ShortTypeName(row.type) + "\",\"attribute\":";
+    AppendInt(b, row.attribute);
+    b += ",\"attribute_name\":\"" + ShortAttributeName(row.attribute) + "\"";
+    if (row.has_fields) {
+      b += ",\"date\":\"";
+      AppendDate(b, row);
+      b += "\",\"time\":\"";
+      AppendTime(b, row.time);
+      b += "\",\"duration\":";
+      if (row.duration >= 0)
+        AppendInt(b, row.duration);
+      else
+        b += "null";
+      b += ",\"ring\":";
+      if (row.ring >= 0)
+        AppendInt(b, row.ring);
+      else
+        b += "null";
+      const std::u16string* texts[] = {&row.dialled,         &row.extension,
+                                       &row.trunk,           &row.receiving_extension,
+                                       &row.receiving_trunk, &row.account_code};
+      for (size_t i = 0; i < 6; ++i) {
+        b += ",\"";
+        b += kColumns[9 + i];
+        b += "\":";
+        AppendJsonString(b, *texts[i]);
+      }
+    } else {
+      for (size_t i = 5; i < kColumns.size(); ++i) {
+        b += ",\"";
+        b += kColumns[i];
+        b += "\":null";
+      }
+    }
+    b += "}\n";
+    out_.MaybeFlush();
+  }
+  void Finish() override { out_.Flush(); }
+
+ private:
+  Output& out_;
+};
+
+// ---- Table: the first rows are held back to size the columns; later rows
+// reuse those widths (a longer value simply pushes its line wider) ----
+
+class TableWriter : public RowWriter {
+ public:
+  static constexpr size_t kSizingRows = 200;
+  static constexpr size_t kCells = 13;
+
+  explicit TableWriter(Output& out) : out_(out) {}
+
+  void Write(const Row& row) override {
+    Cells cells = Format(row);
+    if (!sized_) {
+      held_.push_back(std::move(cells));
+      if (held_.size() >= kSizingRows) Release();
+      return;
+    }
+    Emit(cells);
+    out_.MaybeFlush();
+  }
+
+  void Finish() override {
+    if (!sized_) Release();
+    out_.Flush();
+  }
+
+ private:
+  using Cells = std::array<std::string, kCells>;
+  static constexpr std::array<const char*, kCells> kHeads = {
+      "#",       "type", "attribute", "date",   "time",     "dur",    "ring",
+      "dialled", "ext",  "trunk",     "rx ext", "rx trunk", "account"};
+  // Numbers are right-aligned.
+  static constexpr std::array<bool, kCells> kRight = {true,  false, false, false, false, true, true,
+                                                      false, false, false, false, false, false};
+
+  static Cells Format(const Row& row) {
+    Cells c;
+    AppendInt(c[0], row.number);
+    AppendInt(c[1], row.type);
+    c[1] += ' ' + ShortTypeName(row.type);
+    AppendInt(c[2], row.attribute);
+    c[2] += ' ' + ShortAttributeName(row.attribute);
+    if (!row.has_fields) return c;
+    AppendDate(c[3], row);
+    AppendTime(c[4], row.time);
+    if (row.duration >= 0) AppendInt(c[5], row.duration);
+    if (row.ring >= 0) AppendInt(c[6], row.ring);
+    AppendUtf8(c[7], row.dialled);
+    AppendUtf8(c[8], row.extension);
+    AppendUtf8(c[9], row.trunk);
+    AppendUtf8(c[10], row.receiving_extension);
+    AppendUtf8(c[11], row.receiving_trunk);
+    AppendUtf8(c[12], row.account_code);
+    return c;
+  }
+
+  static size_t Width(const std::string& utf8) {
+    size_t n = 0;
+    for (char c : utf8) n += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    return n;
+  }
+
+  void Release() {
+    for (size_t i = 0; i < kCells; ++i) widths_[i] = std::strlen(kHeads[i]);
+    for (const Cells& cells : held_) {
+      for (size_t i = 0; i < kCells; ++i) widths_[i] = std::max(widths_[i], Width(cells[i]));
+    }
+    Cells heads;
+    for (size_t i = 0; i < kCells; ++i) heads[i] = kHeads[i];
+    Emit(heads);
+    Cells rule;
+    for (size_t i = 0; i < kCells; ++i) rule[i] = std::string(widths_[i], '-');
+    Emit(rule);
+    for (const Cells& cells : held_) Emit(cells);
+    held_.clear();
+    held_.shrink_to_fit();
+    sized_ = true;
+  }
+
+  void Emit(const Cells& cells) {
+    std::string& b = out_.buffer();
+    // Trailing blank cells are not padded, so no line ends in blanks.
+    size_t last = kCells;
+    while (last > 0 && cells[last - 1].empty()) --last;
+    for (size_t i = 0; i < last; ++i) {
+      if (i > 0) b += "  ";
+      const size_t pad = widths_[i] > Width(cells[i]) ? widths_[i] - Width(cells[i]) : 0;
+      if (kRight[i]) b.append(pad, ' ');
+      b += cells[i];
+      if (!kRight[i] && i + 1 < last) b.append(pad, ' ');
+    }
+    b += '\n';
+  }
+
+  Output& out_;
+  std::vector<Cells> held_;
+  std::array<size_t, kCells> widths_{};
+  bool sized_ = false;
+};
+
+}  // namespace
+
+std::string ShortTypeName(int32_t type) {
+  return StripPrefix(EnumNameOf(EnumKind::kTipoLlamada, type), "emTrad");
+}
+
+std::string ShortAttributeName(int32_t attribute) {
+  return StripPrefix(EnumNameOf(EnumKind::kAtributo, attribute), "emATR");
+}
+
+void AppendDate(std::string& out, const Row& row) {
+  char text[32];
+  const int n = std::snprintf(text, sizeof text, "%04d-%02d-%02d", row.year, row.month, row.day);
+  out.append(text, static_cast<size_t>(n));
+}
+
+void AppendTime(std::string& out, int32_t seconds) {
+  Append2(out, seconds / 3600);
+  out += ':';
+  Append2(out, seconds / 60 % 60);
+  out += ':';
+  Append2(out, seconds % 60);
+}
+
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out) {
+  switch (format) {
+    case RowFormat::kCsv:
+      return std::make_unique<CsvWriter>(out);
+    case RowFormat::kJsonl:
+      return std::make_unique<JsonlWriter>(out);
+    case RowFormat::kTable:
+      break;
+  }
+  return std::make_unique<TableWriter>(out);
+}
+
+}  // namespace velqua_cli
