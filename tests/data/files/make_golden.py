@@ -9,6 +9,8 @@ spec, independently of the C++ code (struct offsets written out by hand).
   v2_estandar.cfg   a version-2 file, case byte 0 (emCasoEstandar)
   v2_samsung.cfg    a version-2 file, case byte 1 (emCasoSamsungNX_820)
   v2_sin_comillas.cfg  a version-2 file whose separator is not quoted
+  export_golden.ini what Exportar must write for MakeGoldenConfig() (Part 3.2),
+                    compared as sections, keys and values
 
 Run from this folder:  python3 make_golden.py
 """
@@ -103,11 +105,45 @@ CONSTS_V2 = [(20, "'AM'"), (45, "FIN"), (1, "E"), (2, "X"), (3, "S"),
              (4, "Y"), (5, "I"), (0, ""), (6, "T"), (7, "Z")]
 
 
+def codes(s, n):
+    b = s.encode("cp1252")
+    return "".join("%d," % (b[i] if i < len(b) else 0) for i in range(n))
+
+
+def export_golden():
+    lines = [
+        "[Conmutador]",
+        "Version=3",
+        "Marca=Panasonic",
+        "Modelo=KX-TDA200",
+        "Caso=10",
+        "Separador=" + codes("\r\n", 10),
+        "Comentarios=L\u00ednea 1",
+        "",
+        "[Puertos]",
+        "RJ45=" + "".join("%d," % v for v in [0, 0, 2, 0, 0, 0, 0, 0, 0]),
+        "DB9=" + "".join("%d," % v for v in [0, 4, 0, 0, 0, 0, 0, 0, 256]),
+        "DB25=" + "0," * 24 + "%d," % (1 << 30),
+        "",
+        "[Datos]",
+        "Dato1=2,1,1,2,",
+        "Dato2=5,1,11,2,",
+        "Dato3=19,3,30,20,",
+        "",
+        "[Constantes]",
+        "Constante1=4,2,30,1,$(" + codes("E", 20) + ")",
+        "Constante2=7,2,30,1,$(" + codes("S", 20) + ")",
+    ]
+    return ("\r\n".join(lines) + "\r\n").encode("cp1252")
+
+
 def main():
     with open("v3_golden.cfg", "wb") as f:
         f.write(golden_v3())
     with open("v3_reserva.cfg", "wb") as f:
         f.write(reserva_v3())
+    with open("export_golden.ini", "wb") as f:
+        f.write(export_golden())
     with open("v2_estandar.cfg", "wb") as f:
         f.write(v2(0, "  Siemens", "Hicom 150  ", "C" * 255, "'|'", pairs_v2(), CONSTS_V2))
     with open("v2_samsung.cfg", "wb") as f:
