@@ -129,35 +129,46 @@ std::string Quoted(const std::u16string& text) {
   return out + "\"";
 }
 
-// Prints the ruler, the record, and one marker line per field or constant.
-void CheckRecord(const std::u16string& record, const std::vector<Entry>& entries,
+// Prints `text` without trailing blanks, then a line end.
+void PrintLine(std::string text) {
+  while (!text.empty() && text.back() == ' ') text.pop_back();
+  std::printf("%s\n", text.c_str());
+}
+
+// Prints the ruler, the record, and one marker line per field or constant,
+// in column order.
+void CheckRecord(const std::u16string& record, std::vector<Entry> entries,
                  velqua::clsTraductor* traductor) {
-  const size_t width = std::max<size_t>(record.size(), 10);
-  std::string tens, units;
+  std::stable_sort(entries.begin(), entries.end(),
+                   [](const Entry& a, const Entry& b) { return a.pos < b.pos; });
+  size_t width = std::max<size_t>(record.size(), 10);
+  for (const Entry& e : entries) width = std::max(width, static_cast<size_t>(e.pos + e.size - 1));
+  std::string tens = "    ", units = "    ";
   for (size_t col = 1; col <= width; ++col) {
     tens += col % 10 == 0 ? static_cast<char>('0' + col / 10 % 10) : ' ';
     units += static_cast<char>('0' + col % 10);
   }
-  std::printf("    %s\n    %s\n    ", tens.c_str(), units.c_str());
-  std::string line;
+  PrintLine(tens);
+  PrintLine(units);
+  std::string line = "    ";
   AppendUtf8(line, record);
-  std::printf("%s\n", line.c_str());
+  PrintLine(line);
   for (const Entry& e : entries) {
     const size_t start = static_cast<size_t>(e.pos - 1);
-    std::string marks(start, ' ');
+    std::string marks = "    " + std::string(start, ' ');
     marks.append(static_cast<size_t>(e.size), e.constant ? '~' : '^');
+    marks.resize(width + 6, ' ');
     std::string cut = start < record.size()
                           ? Quoted(record.substr(start, static_cast<size_t>(e.size)))
                           : "(beyond the end of the line)";
-    std::string note;
+    marks += e.name + " [" + Columns(e.pos, e.size) + "] " + cut;
     if (e.constant) {
       const bool match =
           traductor != nullptr &&
           traductor->HayConstanteLlamada(static_cast<velqua::emParamDatoConstante>(e.key));
-      note = std::string(match ? "  matches " : "  no match for ") + "\"" + e.detail + "\"";
+      marks += std::string(match ? "  matches " : "  no match for ") + "\"" + e.detail + "\"";
     }
-    std::printf("    %-*s  %s [%s] %s%s\n", static_cast<int>(width), marks.c_str(), e.name.c_str(),
-                Columns(e.pos, e.size).c_str(), cut.c_str(), note.c_str());
+    PrintLine(marks);
   }
   if (traductor != nullptr) {
     std::printf("    => type %d %s, attribute %d %s\n", traductor->TipoLlamadaDetectada(),

@@ -39,7 +39,7 @@ int Run(int argc, char** argv) {
   CLI::App app{"velqua: translate the call records a telephone switch prints on its SMDR port"};
   app.name("velqua");
   app.set_version_flag("--version", "velqua " VELQUA_VERSION);
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);
   std::string now;
   app.add_option("--now", now, "Fixed current date and time (for tests)")->group("");
 
@@ -64,6 +64,11 @@ int Run(int argc, char** argv) {
     return 2;
   }
 
+  if (app.get_subcommands().empty()) {
+    std::fprintf(stderr,
+                 "velqua: a command is required: translate, config or draw (see velqua --help)\n");
+    return 2;
+  }
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {

@@ -1,1 +1,127 @@
-# placeholder
+# Tests of the velqua program, included from tools/velqua/CMakeLists.txt.
+# This directory is added before the top level enables testing.
+enable_testing()
+find_package(GTest REQUIRED)
+include(GoogleTest)
+
+# Unit tests of the program's own parts (JSON form, record reader, writers).
+add_executable(test_cli_units
+  ${CMAKE_CURRENT_LIST_DIR}/test_config_json.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/test_names.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/test_record_reader.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/test_row_writer.cpp)
+target_link_libraries(test_cli_units PRIVATE velqua_cli_core GTest::gtest_main)
+target_compile_definitions(test_cli_units PRIVATE
+  VELQUA_CLI_TEST_TMP="${CMAKE_CURRENT_BINARY_DIR}/tmp")
+velqua_warnings(test_cli_units)
+gtest_discover_tests(test_cli_units TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
+
+# End-to-end: the built program on examples/ and tests/e2e/data/, against
+# tests/e2e/golden/. Every run fixes the clock (--now) because the library
+# falls back to the current date and time for what a switch does not print.
+set(VELQUA_E2E_TMP ${CMAKE_CURRENT_BINARY_DIR}/e2e)
+file(MAKE_DIRECTORY ${VELQUA_E2E_TMP})
+
+# velqua_e2e(NAME EXIT_STATUS ARGS... [INPUT file] [PRODUCED file GOLDEN file])
+function(velqua_e2e name rc)
+  cmake_parse_arguments(E "" "INPUT;PRODUCED;GOLDEN" "" ${ARGN})
+  string(REPLACE ";" "|" args "${E_UNPARSED_ARGUMENTS}")
+  add_test(NAME cli.e2e.${name}
+    COMMAND ${CMAKE_COMMAND} -DVELQUA=$<TARGET_FILE:velqua_cli>
+            -DSOURCE_DIR=${PROJECT_SOURCE_DIR} -DNAME=${name} -DEXPECT_RC=${rc}
+            "-DARGS=${args}" -DINPUT=${E_INPUT} -DPRODUCED=${E_PRODUCED}
+            -DPRODUCED_GOLDEN=${E_GOLDEN} -DTMP_DIR=${VELQUA_E2E_TMP}
+            -P ${PROJECT_SOURCE_DIR}/tests/e2e/run_case.cmake)
+endfunction()
+
+set(KX --now "2026-01-20 09:00:00" translate -c examples/kx-tda/kx-tda.json
+       --extensions examples/kx-tda/extensions.txt)
+set(KX_RECORDS examples/kx-tda/records.txt)
+
+# translate: the four examples, every output form, every configuration form
+velqua_e2e(kx_tda_table 0 ${KX} --format table ${KX_RECORDS})
+velqua_e2e(kx_tda_csv 0 ${KX} --format csv ${KX_RECORDS})
+velqua_e2e(kx_tda_jsonl 0 ${KX} --format jsonl ${KX_RECORDS})
+velqua_e2e(kx_tda_from_cfg 0 --now "2026-01-20 09:00:00" translate -c examples/kx-tda/kx-tda.cfg
+           --extensions examples/kx-tda/extensions.txt --format csv ${KX_RECORDS})
+velqua_e2e(kx_tda_default_is_csv_off_terminal 0 ${KX} ${KX_RECORDS})
+velqua_e2e(kx_tda_errors_log 0 ${KX} --format csv --errors ${VELQUA_E2E_TMP}/kx-errors.log
+           ${KX_RECORDS} PRODUCED ${VELQUA_E2E_TMP}/kx-errors.log
+           GOLDEN tests/e2e/golden/kx_tda_errors_log.log)
+velqua_e2e(kx_tda_no_extension_list 0 --now "2026-01-20 09:00:00" translate
+           -c examples/kx-tda/kx-tda.json --format csv ${KX_RECORDS})
+velqua_e2e(norstar_table 0 --now "2026-02-04 09:00:00" translate -c examples/norstar/norstar.json
+           --format table examples/norstar/records.txt)
+velqua_e2e(norstar_stdin_jsonl 0 --now "2026-02-04 09:00:00" translate
+           -c examples/norstar/norstar.cfg --format jsonl INPUT examples/norstar/records.txt)
+velqua_e2e(hicom_ini_table 0 --now "2026-03-10 09:00:00" translate -c examples/hicom/hicom.ini
+           --format table examples/hicom/records.txt)
+velqua_e2e(definity_table 0 --now "2026-03-10 18:00:00" translate
+           -c examples/definity/definity.json --format table examples/definity/records.txt)
+velqua_e2e(two_files_in_order 0 ${KX} --format csv tests/e2e/data/endings-lf.txt
+           tests/e2e/data/endings-cr.txt)
+# line ends: LF, lone CR (no final line end), a mix with empty lines
+velqua_e2e(endings_lf 0 ${KX} --format csv tests/e2e/data/endings-lf.txt)
+velqua_e2e(endings_cr 0 ${KX} --format csv tests/e2e/data/endings-cr.txt)
+velqua_e2e(endings_mixed 0 ${KX} --format csv tests/e2e/data/endings-mixed.txt)
+# encodings: the same record in Windows-1252 and in UTF-8
+velqua_e2e(encoding_windows_1252 0 --now "2026-03-10 09:00:00" translate
+           -c examples/hicom/hicom.json --format jsonl tests/e2e/data/hicom-latin1.txt)
+velqua_e2e(encoding_utf8 0 --now "2026-03-10 09:00:00" translate -c examples/hicom/hicom.json
+           --format jsonl --encoding utf-8 tests/e2e/data/hicom-utf8.txt)
+
+# config show / convert / check
+velqua_e2e(show_kx_tda 0 config show examples/kx-tda/kx-tda.cfg)
+velqua_e2e(show_norstar 0 config show examples/norstar/norstar.json)
+velqua_e2e(show_hicom_ini 0 config show examples/hicom/hicom.ini)
+velqua_e2e(show_definity 0 config show examples/definity/definity.json)
+velqua_e2e(convert_json_to_cfg 0 config convert examples/kx-tda/kx-tda.json
+           ${VELQUA_E2E_TMP}/kx.cfg PRODUCED ${VELQUA_E2E_TMP}/kx.cfg
+           GOLDEN examples/kx-tda/kx-tda.cfg)
+velqua_e2e(convert_cfg_to_json 0 config convert examples/norstar/norstar.cfg
+           ${VELQUA_E2E_TMP}/norstar.json PRODUCED ${VELQUA_E2E_TMP}/norstar.json
+           GOLDEN examples/norstar/norstar.json)
+velqua_e2e(convert_json_to_ini 0 config convert examples/hicom/hicom.json
+           ${VELQUA_E2E_TMP}/hicom.ini PRODUCED ${VELQUA_E2E_TMP}/hicom.ini
+           GOLDEN examples/hicom/hicom.ini)
+velqua_e2e(convert_ini_to_json 0 config convert examples/hicom/hicom.ini
+           ${VELQUA_E2E_TMP}/hicom.json PRODUCED ${VELQUA_E2E_TMP}/hicom.json
+           GOLDEN examples/hicom/hicom.json)
+velqua_e2e(check_kx_tda 0 --now "2026-01-20 09:00:00" config check examples/kx-tda/kx-tda.json
+           tests/e2e/data/kx-tda-check.txt)
+velqua_e2e(check_utf8 0 config check --encoding utf-8 examples/hicom/hicom.json
+           tests/e2e/data/hicom-utf8.txt)
+
+# errors: one line on stderr naming what is wrong, non-zero exit
+velqua_e2e(error_missing_config 1 translate -c examples/none.json ${KX_RECORDS})
+velqua_e2e(error_config_extension 1 translate -c examples/kx-tda/records.txt ${KX_RECORDS})
+velqua_e2e(error_missing_input 1 ${KX} examples/kx-tda/nothing.txt)
+velqua_e2e(error_missing_extension_list 1 translate -c examples/kx-tda/kx-tda.json
+           --extensions examples/kx-tda/none.txt ${KX_RECORDS})
+velqua_e2e(error_json_syntax 1 config show tests/e2e/data/bad-syntax.json)
+velqua_e2e(error_json_unknown_key 1 config show tests/e2e/data/bad-key.json)
+velqua_e2e(error_json_range 1 config show tests/e2e/data/bad-range.json)
+velqua_e2e(error_json_wiring 1 config show tests/e2e/data/bad-wiring.json)
+velqua_e2e(error_json_member 1 config show tests/e2e/data/bad-member.json)
+velqua_e2e(error_cfg_unreadable 1 config show tests/e2e/data/garbage.cfg)
+velqua_e2e(error_ini_case 1 config show tests/e2e/data/case2.ini)
+velqua_e2e(error_convert_output_extension 1 config convert examples/kx-tda/kx-tda.json
+           nowhere/out.txt)
+velqua_e2e(error_bad_format 2 translate -c examples/kx-tda/kx-tda.json --format xml)
+velqua_e2e(error_bad_encoding 2 translate -c examples/kx-tda/kx-tda.json --encoding latin9)
+velqua_e2e(error_config_required 2 translate ${KX_RECORDS})
+velqua_e2e(error_unknown_command 2 transmogrify)
+velqua_e2e(error_no_command 2)
+velqua_e2e(error_bad_now 1 --now yesterday config show examples/kx-tda/kx-tda.json)
+
+if(VELQUA_CLI_HAS_DRAW)
+  velqua_e2e(draw_cable_png 0 draw cable -c examples/kx-tda/kx-tda.json --port db9
+             -o ${VELQUA_E2E_TMP}/cable.png PRODUCED ${VELQUA_E2E_TMP}/cable.png)
+  velqua_e2e(draw_cable_svg 0 draw cable -c examples/definity/definity.cfg --port db25
+             -o ${VELQUA_E2E_TMP}/cable.svg PRODUCED ${VELQUA_E2E_TMP}/cable.svg)
+  velqua_e2e(draw_table_pdf 0 draw table -o ${VELQUA_E2E_TMP}/table.pdf
+             PRODUCED ${VELQUA_E2E_TMP}/table.pdf)
+  velqua_e2e(error_draw_extension 1 draw table -o nowhere/table.bmp)
+  velqua_e2e(error_draw_port 2 draw cable -c examples/kx-tda/kx-tda.json --port usb
+             -o ${VELQUA_E2E_TMP}/x.png)
+endif()

@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "cli_common.h"
+#include "config_json.h"
+#include "velqua/cfg_conmut.h"
+#include "velqua/error.h"
+
+namespace velqua_cli {
+namespace {
+
+using velqua::clsCfgConmut;
+
+const char* const kSample = R"({
+  "brand": "Panasonic",
+  "model": "KX-TDA100/200",
+  "case": "emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100",
+  "separator": "\r\n",
+  "comments": "Señal",
+  "fields": {
+    "emParamFechaDia": {"pos": 4, "size": 2, "type": "numeric"},
+    "emParamTelefonoSaliente": {"pos": 27, "size": 25, "type": "string"}
+  },
+  "constants": {
+    "emDatoCteIdentEntrante": {"pos": 27, "text": "<I>"},
+    "emDatoCteIdentSaliente": {"pos": 30, "text": "O", "size": 3}
+  },
+  "wiring": {
+    "rj45": [],
+    "db9": [[2, 3], [3, 2], [5, 5]],
+    "db25": [[2, 3]]
+  }
+}
+)";
+
+std::string ErrorOf(const std::string& json) {
+  clsCfgConmut cfg;
+  try {
+    ConfigFromJson(json, cfg);
+  } catch (const CliError& e) {
+    return e.what();
+  }
+  return "(no error)";
+}
+
+TEST(ConfigJson, ReadsEveryPart) {
+  clsCfgConmut cfg;
+  ConfigFromJson(kSample, cfg);
+  EXPECT_EQ(cfg.Marca(), u"Panasonic");
+  EXPECT_EQ(cfg.Caso(), velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100);
+  EXPECT_EQ(cfg.Separador(), u"\r\n");
+  EXPECT_EQ(cfg.Comentarios(), u"Señal");
+  cfg.DATOActivo(velqua::emParamFechaDia);
+  EXPECT_TRUE(cfg.HayDATO());
+  EXPECT_EQ(cfg.DATOPos(), 4);
+  EXPECT_EQ(cfg.DATOTam(), 2);
+  EXPECT_EQ(cfg.TipoDatoDATO(), velqua::emValorNumerico);
+  cfg.CTEActivo(velqua::emDatoCteIdentSaliente);
+  EXPECT_EQ(cfg.Constante(), u"O");
+  EXPECT_EQ(cfg.CTETam(), 3);
+  EXPECT_TRUE(cfg.PinesConectados(velqua::emPuertoDB9, 2, 3));
+  EXPECT_TRUE(cfg.PinesConectados(velqua::emPuertoDB25, 2, 3));
+  EXPECT_FALSE(cfg.PinesConectados(velqua::emPuertoDB9, 2, 2));
+  EXPECT_FALSE(cfg.Modificado());
+}
+
+TEST(ConfigJson, WritesWhatItReads) {
+  clsCfgConmut cfg;
+  ConfigFromJson(kSample, cfg);
+  const std::string text = ConfigToJson(cfg);
+  EXPECT_EQ(text, kSample);
+  clsCfgConmut again;
+  ConfigFromJson(text, again);
+  EXPECT_EQ(ConfigToJson(again), text);
+}
+
+TEST(ConfigJson, CaseMayBeANumber) {
+  clsCfgConmut cfg;
+  ConfigFromJson(R"({"case": 4})", cfg);
+  EXPECT_EQ(cfg.Caso(), velqua::emCasoNortelNorstar0x32SMDR6);
+}
+
+TEST(ConfigJson, WritingRestoresTheActiveKeys) {
+  clsCfgConmut cfg;
+  ConfigFromJson(kSample, cfg);
+  cfg.DATOActivo(velqua::emParamCodigoCuenta);
+  cfg.CTEActivo(velqua::emDatoCteIdentCodigoCuenta);
+  ConfigToJson(cfg);
+  EXPECT_EQ(cfg.DATOActivo(), velqua::emParamCodigoCuenta);
+  EXPECT_EQ(cfg.CTEActivo(), velqua::emDatoCteIdentCodigoCuenta);
+}
+
+TEST(ConfigJson, ErrorsNameTheMemberAtFault) {
+  EXPECT_EQ(ErrorOf(R"({"colour": 1})"), "colour: unknown member");
+  EXPECT_EQ(ErrorOf(R"({"case": "emCasoRaro"})"), "case: unknown name \"emCasoRaro\"");
+  EXPECT_EQ(ErrorOf(R"({"fields": {"emParamFechaDia": {"pos": 0, "size": 2, "type": 1}}})"),
+            "fields.emParamFechaDia.pos: must be 1 to 255");
+  EXPECT_EQ(ErrorOf(R"({"fields": {"emParamFechaDia": {"pos": 1, "size": 2}}})"),
+            "fields.emParamFechaDia.type: missing");
+  EXPECT_EQ(ErrorOf(R"({"fields": {"emParamFechaDia": {"pos": 1, "size": 2, "type": "date"}}})"),
+            "fields.emParamFechaDia.type: unknown name \"date\"");
+  EXPECT_EQ(ErrorOf(R"({"fields": {"emNoParamDato": {"pos": 1, "size": 2, "type": 1}}})"),
+            "fields.emNoParamDato: not a data-field key (emParamFechaDia ... "
+            "emParamExtensionTransferida)");
+  EXPECT_EQ(ErrorOf(R"({"constants": {"emDatoCteIdentEntrante": {"pos": 1, "text": ""}}})"),
+            "constants.emDatoCteIdentEntrante.text: missing or empty");
+  EXPECT_EQ(ErrorOf(R"({"constants": {"emDatoCteIdentEntrante": {"pos": 1,
+            "text": "123456789012345678901"}}})"),
+            "constants.emDatoCteIdentEntrante.text: 21 characters, at most 20");
+  EXPECT_EQ(ErrorOf(R"({"separator": "12345678901"})"), "separator: 11 characters, at most 10");
+  EXPECT_EQ(ErrorOf(R"({"wiring": {"db25": [[1, 2]]}})"),
+            "wiring.db25[0]: switch pin must be 2 to 25");
+  EXPECT_EQ(ErrorOf(R"({"wiring": {"db9": [[2, 32]]}})"),
+            "wiring.db9[0]: computer pin must be 1 to 31");
+  EXPECT_EQ(ErrorOf(R"({"wiring": {"db9": [2, 3]}})"),
+            "wiring.db9[0]: must be [switchPin, computerPin]");
+  EXPECT_EQ(ErrorOf("[1]"), ": must be an object");
+}
+
+TEST(ConfigJson, SyntaxErrorIsReported) {
+  const std::string error = ErrorOf("{\"brand\": }");
+  EXPECT_EQ(error.rfind("not valid JSON: parse error", 0), 0u) << error;
+}
+
+TEST(DescribeError, ShowsNumberInDecimalAndHexSourceAndOneLine) {
+  const velqua::Error error(velqua::NumeroErrorObjeto(1501), u"clsConfigConmut.Abrir",
+                            u"No es posible encontrar el archivo deseado.\r\n Archivo :x.cfg");
+  EXPECT_EQ(DescribeError(error),
+            "error -2147220003 (0x800405DD) in clsConfigConmut.Abrir: No es posible encontrar el "
+            "archivo deseado. /  Archivo :x.cfg");
+}
+
+}  // namespace
+}  // namespace velqua_cli
