@@ -26,9 +26,9 @@ std::shared_ptr<clsCfgConmut> SmallConfig(velqua::emCasos caso = velqua::emCasoE
   return cfg;
 }
 
-class IntakeTest : public ::testing::Test {
+class Part4_1Intake : public ::testing::Test {
  protected:
-  IntakeTest() : clock_(TestNow()) { tr_.ArchivoLlamadasError(dir_.Path16("log.txt")); }
+  Part4_1Intake() : clock_(TestNow()) { tr_.ArchivoLlamadasError(dir_.Path16("log.txt")); }
   std::string Log() const { return ReadFile(dir_.Path("log.txt")); }
   bool LogExists() const { return std::filesystem::exists(dir_.Path("log.txt")); }
 
@@ -37,7 +37,7 @@ class IntakeTest : public ::testing::Test {
   clsTraductor tr_;
 };
 
-TEST(TranslatorStateTest, NewTranslatorIsUnboundWithEmptyTexts) {
+TEST(Part4_1State, NewTranslatorIsUnboundWithEmptyTexts) {
   clsTraductor tr;
   EXPECT_EQ(tr.ArchivoListaExtensionesKXTDA(), u"");
   EXPECT_EQ(tr.ArchivoLlamadasError(), u"");
@@ -49,7 +49,7 @@ TEST(TranslatorStateTest, NewTranslatorIsUnboundWithEmptyTexts) {
   EXPECT_EQ(tr.Atributo(), velqua::emATRNoAtributo);
 }
 
-TEST(TranslatorStateTest, FileNamesAreStoredAsGivenWithoutTouchingFiles) {
+TEST(Part4_1State, FileNamesAreStoredAsGivenWithoutTouchingFiles) {
   TempDir dir;
   clsTraductor tr;
   const std::u16string list = dir.Path16("no/such/lista.txt");
@@ -61,7 +61,7 @@ TEST(TranslatorStateTest, FileNamesAreStoredAsGivenWithoutTouchingFiles) {
   EXPECT_TRUE(std::filesystem::is_empty(dir.dir()));
 }
 
-TEST(TranslatorStateTest, BufferWriteTriggersNothing) {
+TEST(Part4_1State, BufferWriteTriggersNothing) {
   auto cfg = SmallConfig();
   clsTraductor tr;
   tr.Conmutador(cfg);
@@ -73,7 +73,7 @@ TEST(TranslatorStateTest, BufferWriteTriggersNothing) {
   EXPECT_EQ(tr.LlamadaActual(), u"I 02:30");
 }
 
-TEST(TranslatorStateTest, BindingHoldsOneReferenceUntilUnbound) {
+TEST(Part4_1State, BindingHoldsOneReferenceUntilUnbound) {
   auto cfg = SmallConfig();
   clsTraductor tr;
   tr.Conmutador(cfg);
@@ -86,7 +86,7 @@ TEST(TranslatorStateTest, BindingHoldsOneReferenceUntilUnbound) {
   EXPECT_EQ(tr.LlamadaActual(), u"");
 }
 
-TEST(TranslatorStateTest, ReleasesReferenceOnDestruction) {
+TEST(Part4_1State, ReleasesReferenceOnDestruction) {
   auto cfg = SmallConfig();
   {
     clsTraductor tr;
@@ -96,7 +96,7 @@ TEST(TranslatorStateTest, ReleasesReferenceOnDestruction) {
   EXPECT_EQ(cfg.use_count(), 1);
 }
 
-TEST_F(IntakeTest, RecordBeforeAnyBindingOnlySetsTypeToUnidentified) {
+TEST_F(Part4_1Intake, RecordBeforeAnyBindingOnlySetsTypeToUnidentified) {
   tr_.LlamadaActual(u"I 02:30");
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradNoIdentificada);
   EXPECT_EQ(tr_.LlamadaActual(), u"");
@@ -104,7 +104,7 @@ TEST_F(IntakeTest, RecordBeforeAnyBindingOnlySetsTypeToUnidentified) {
   EXPECT_FALSE(LogExists());
 }
 
-TEST_F(IntakeTest, RecordAfterUnbindingKeepsLineAndAttribute) {
+TEST_F(Part4_1Intake, RecordAfterUnbindingKeepsLineAndAttribute) {
   tr_.Conmutador(SmallConfig());
   tr_.LlamadaActual(u"I 02:30 S");
   ASSERT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradEntrante);
@@ -120,7 +120,7 @@ TEST_F(IntakeTest, RecordAfterUnbindingKeepsLineAndAttribute) {
   EXPECT_FALSE(LogExists());
 }
 
-TEST_F(IntakeTest, RebindingKeepsRecordTypeAndAttribute) {
+TEST_F(Part4_1Intake, RebindingKeepsRecordTypeAndAttribute) {
   tr_.Conmutador(SmallConfig());
   tr_.LlamadaActual(u"I 02:30 S");
   tr_.Conmutador(SmallConfig(velqua::emCasoNortelMeridian01));
@@ -129,7 +129,7 @@ TEST_F(IntakeTest, RebindingKeepsRecordTypeAndAttribute) {
   EXPECT_EQ(tr_.LlamadaActual(), u"I 02:30 S");
 }
 
-TEST_F(IntakeTest, EmptyRecordIsUnidentifiedAndNotLoggedWithEmptyBuffer) {
+TEST_F(Part4_1Intake, EmptyRecordIsUnidentifiedAndNotLoggedWithEmptyBuffer) {
   tr_.Conmutador(SmallConfig());
   tr_.LlamadaActual(u"I 02:30");
   tr_.LlamadaActual(u"");
@@ -138,7 +138,7 @@ TEST_F(IntakeTest, EmptyRecordIsUnidentifiedAndNotLoggedWithEmptyBuffer) {
   EXPECT_FALSE(LogExists());
 }
 
-TEST_F(IntakeTest, EmptyRecordIsLoggedWhenBufferHoldsText) {
+TEST_F(Part4_1Intake, EmptyRecordIsLoggedWhenBufferHoldsText) {
   tr_.Conmutador(SmallConfig());
   tr_.BufferMultiplesLineas(u"algo");
   tr_.LlamadaActual(u"");
@@ -146,7 +146,7 @@ TEST_F(IntakeTest, EmptyRecordIsLoggedWhenBufferHoldsText) {
   EXPECT_EQ(Log(), LogEntry(""));  // the line, not the buffer, in a single-line case
 }
 
-TEST_F(IntakeTest, SingleLineRecordGoesToLineAndLeavesBuffer) {
+TEST_F(Part4_1Intake, SingleLineRecordGoesToLineAndLeavesBuffer) {
   tr_.Conmutador(SmallConfig());
   tr_.BufferMultiplesLineas(u"buffer");
   tr_.LlamadaActual(u"O 01:00");
@@ -155,7 +155,7 @@ TEST_F(IntakeTest, SingleLineRecordGoesToLineAndLeavesBuffer) {
   EXPECT_TRUE(tr_.HayLlamada());
 }
 
-TEST_F(IntakeTest, NorstarRecordGoesToBufferAndReadsBackWhole) {
+TEST_F(Part4_1Intake, NorstarRecordGoesToBufferAndReadsBackWhole) {
   auto cfg = MakeConfig(velqua::emCasoNortelNorstar0x32SMDR6, u"|");
   SetField(*cfg, velqua::emParamDuracionMinutos, 4, 2);
   SetField(*cfg, velqua::emParamDuracionSegundos, 7, 2);
@@ -171,7 +171,7 @@ TEST_F(IntakeTest, NorstarRecordGoesToBufferAndReadsBackWhole) {
   EXPECT_EQ(tr_.LlamadaActual(), record);
 }
 
-TEST_F(IntakeTest, LlamadaActualReadFollowsTheCurrentCase) {
+TEST_F(Part4_1Intake, LlamadaActualReadFollowsTheCurrentCase) {
   auto cfg = SmallConfig();
   tr_.Conmutador(cfg);
   tr_.BufferMultiplesLineas(u"buffer");
@@ -182,14 +182,14 @@ TEST_F(IntakeTest, LlamadaActualReadFollowsTheCurrentCase) {
   EXPECT_EQ(tr_.LlamadaActual(), u"O 01:00");
 }
 
-TEST_F(IntakeTest, TypedRecordWithoutReadableDurationIsUnidentifiedAndLogged) {
+TEST_F(Part4_1Intake, TypedRecordWithoutReadableDurationIsUnidentifiedAndLogged) {
   tr_.Conmutador(SmallConfig());
   tr_.LlamadaActual(u"O --:-- 7");
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradNoIdentificada);
   EXPECT_EQ(Log(), LogEntry("O --:-- 7"));
 }
 
-TEST_F(IntakeTest, MissingSecondsFieldAloneMakesRecordUnidentified) {
+TEST_F(Part4_1Intake, MissingSecondsFieldAloneMakesRecordUnidentified) {
   auto cfg = SmallConfig();
   tr_.Conmutador(cfg);
   tr_.LlamadaActual(u"O 01:");
@@ -197,7 +197,7 @@ TEST_F(IntakeTest, MissingSecondsFieldAloneMakesRecordUnidentified) {
   EXPECT_EQ(Log(), LogEntry("O 01:"));
 }
 
-TEST_F(IntakeTest, MeridianCaseKeepsTypeOfRecordWithUnreadableDuration) {
+TEST_F(Part4_1Intake, MeridianCaseKeepsTypeOfRecordWithUnreadableDuration) {
   tr_.Conmutador(SmallConfig(velqua::emCasoNortelMeridian01));
   tr_.LlamadaActual(u"O --:-- 7");
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradSaliente);
@@ -205,7 +205,7 @@ TEST_F(IntakeTest, MeridianCaseKeepsTypeOfRecordWithUnreadableDuration) {
   EXPECT_FALSE(LogExists());
 }
 
-TEST_F(IntakeTest, UnansweredIncomingCallKeepsTypeWithUnreadableDuration) {
+TEST_F(Part4_1Intake, UnansweredIncomingCallKeepsTypeWithUnreadableDuration) {
   tr_.Conmutador(SmallConfig());
   tr_.LlamadaActual(u"I --:-- N 5");
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradEntrante);
@@ -213,7 +213,7 @@ TEST_F(IntakeTest, UnansweredIncomingCallKeepsTypeWithUnreadableDuration) {
   EXPECT_FALSE(LogExists());
 }
 
-TEST_F(IntakeTest, RejectedRecordKeepsItsAttribute) {
+TEST_F(Part4_1Intake, RejectedRecordKeepsItsAttribute) {
   tr_.Conmutador(SmallConfig());
   tr_.LlamadaActual(u"I --:-- S 5");
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradNoIdentificada);
@@ -221,7 +221,7 @@ TEST_F(IntakeTest, RejectedRecordKeepsItsAttribute) {
   EXPECT_EQ(Log(), LogEntry("I --:-- S 5"));
 }
 
-TEST_F(IntakeTest, AccountCodeRecordIsNeverLogged) {
+TEST_F(Part4_1Intake, AccountCodeRecordIsNeverLogged) {
   tr_.Conmutador(SmallConfig());
   tr_.LlamadaActual(u"A --:-- 1");
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradCodigoCuenta);
@@ -229,7 +229,7 @@ TEST_F(IntakeTest, AccountCodeRecordIsNeverLogged) {
   EXPECT_FALSE(LogExists());
 }
 
-TEST_F(IntakeTest, AccountCodeRecordSkipsTheDurationOverflow) {
+TEST_F(Part4_1Intake, AccountCodeRecordSkipsTheDurationOverflow) {
   auto cfg = SmallConfig();
   SetField(*cfg, velqua::emParamDuracionHoras, 250, 10);  // 260 > 255
   tr_.Conmutador(cfg);
@@ -238,7 +238,7 @@ TEST_F(IntakeTest, AccountCodeRecordSkipsTheDurationOverflow) {
   EXPECT_VELQUA_ERROR_NUMBER(tr_.LlamadaActual(u"O 01:00"), velqua::kErrDesbordamiento);
 }
 
-TEST_F(IntakeTest, RecordWithReadableDurationIsNotLogged) {
+TEST_F(Part4_1Intake, RecordWithReadableDurationIsNotLogged) {
   tr_.Conmutador(SmallConfig());
   tr_.LlamadaActual(u"O 01:05");
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradSaliente);
@@ -246,7 +246,7 @@ TEST_F(IntakeTest, RecordWithReadableDurationIsNotLogged) {
   EXPECT_FALSE(LogExists());
 }
 
-TEST_F(IntakeTest, CaseChangeOnBoundConfigurationTakesEffectAtNextRecord) {
+TEST_F(Part4_1Intake, CaseChangeOnBoundConfigurationTakesEffectAtNextRecord) {
   auto cfg = SmallConfig();
   tr_.Conmutador(cfg);
   tr_.LlamadaActual(u"O --:-- 7");
@@ -256,7 +256,7 @@ TEST_F(IntakeTest, CaseChangeOnBoundConfigurationTakesEffectAtNextRecord) {
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradSaliente);
 }
 
-TEST_F(IntakeTest, FieldChangeOnBoundConfigurationTakesEffectAtNextRead) {
+TEST_F(Part4_1Intake, FieldChangeOnBoundConfigurationTakesEffectAtNextRead) {
   auto cfg = SmallConfig();
   tr_.Conmutador(cfg);
   tr_.LlamadaActual(u"O 01:05");
@@ -265,7 +265,7 @@ TEST_F(IntakeTest, FieldChangeOnBoundConfigurationTakesEffectAtNextRead) {
   EXPECT_EQ(tr_.Duracion(), 61);
 }
 
-TEST(TranslatorUnboundTest, FieldPropertiesFailWithObjectNotSet) {
+TEST(Part4_1Unbound, FieldPropertiesFailWithObjectNotSet) {
   clsTraductor tr;
   EXPECT_VELQUA_ERROR_NUMBER(tr.Dia(), velqua::kErrObjetoNoEstablecido);
   EXPECT_VELQUA_ERROR_NUMBER(tr.Mes(), velqua::kErrObjetoNoEstablecido);
@@ -280,7 +280,7 @@ TEST(TranslatorUnboundTest, FieldPropertiesFailWithObjectNotSet) {
   EXPECT_VELQUA_ERROR(tr.Dia(), 91, u"Velqua", u"Variable de objeto o bloque With no establecido");
 }
 
-TEST(TranslatorUnboundTest, BuscaLineaGivesZeroAndHayConstanteFalseOnEmptyLine) {
+TEST(Part4_1Unbound, BuscaLineaGivesZeroAndHayConstanteFalseOnEmptyLine) {
   clsTraductor tr;
   tr.BufferMultiplesLineas(u"abc");
   EXPECT_EQ(tr.BuscaLinea(u"b"), 0);
@@ -303,7 +303,7 @@ std::u16string Draw(clsTraductor& tr) {
   return tr.Extension();
 }
 
-TEST(TranslatorSeedTest, BindingInCase10SeedsFromTheTimer) {
+TEST(Part4_1Seed, BindingInCase10SeedsFromTheTimer) {
   std::u16string first_seed1;
   std::u16string first_seed2;
   {
@@ -321,7 +321,7 @@ TEST(TranslatorSeedTest, BindingInCase10SeedsFromTheTimer) {
   EXPECT_NE(first_seed1, first_seed2);
 }
 
-TEST(TranslatorSeedTest, RebindingInCase10OrCase11RestartsTheSequence) {
+TEST(Part4_1Seed, RebindingInCase10OrCase11RestartsTheSequence) {
   FixedClock clock(TestNow(), 77);
   clsTraductor tr;
   tr.Conmutador(RandomConfig(velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100));
@@ -333,7 +333,7 @@ TEST(TranslatorSeedTest, RebindingInCase10OrCase11RestartsTheSequence) {
   EXPECT_EQ(Draw(tr), a2);
 }
 
-TEST(TranslatorSeedTest, RebindingInAnotherCaseDoesNotReseed) {
+TEST(Part4_1Seed, RebindingInAnotherCaseDoesNotReseed) {
   FixedClock clock(TestNow(), 77);
   clsTraductor reference;
   reference.Conmutador(RandomConfig(velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100));

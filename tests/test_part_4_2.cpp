@@ -14,9 +14,9 @@ using velqua::clsTraductor;
 
 // Every record here has a readable duration (minutes 21-22, seconds 24-25),
 // so the intake keeps the detected type.
-class DetectionTest : public ::testing::Test {
+class Part4_2Detection : public ::testing::Test {
  protected:
-  DetectionTest() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoEstandar)) {
+  Part4_2Detection() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoEstandar)) {
     SetField(*cfg_, velqua::emParamDuracionMinutos, 21, 2);
     SetField(*cfg_, velqua::emParamDuracionSegundos, 24, 2);
   }
@@ -36,33 +36,33 @@ class DetectionTest : public ::testing::Test {
 
 // ---- HayConstanteLlamada ----
 
-TEST_F(DetectionTest, ConstantMatchesIgnoringLetterCase) {
+TEST_F(Part4_2Detection, ConstantMatchesIgnoringLetterCase) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 10, u"E");
   Write("         e");
   EXPECT_TRUE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
   EXPECT_EQ(Type(), velqua::emTradEntrante);
 }
 
-TEST_F(DetectionTest, ConstantMatchesAccentedLettersIgnoringCase) {
+TEST_F(Part4_2Detection, ConstantMatchesAccentedLettersIgnoringCase) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, U("AÑO É"));
   Write("año é");
   EXPECT_TRUE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
 }
 
-TEST_F(DetectionTest, ConstantAtOtherColumnDoesNotMatch) {
+TEST_F(Part4_2Detection, ConstantAtOtherColumnDoesNotMatch) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 10, u"E");
   Write("        E");
   EXPECT_FALSE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
 }
 
-TEST_F(DetectionTest, ConstantBeyondEndOfShortLineIsNotFound) {
+TEST_F(Part4_2Detection, ConstantBeyondEndOfShortLineIsNotFound) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 40, u"E");
   Write("E");
   EXPECT_FALSE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
 }
 
-TEST_F(DetectionTest, ConstantCutOffByLineEndIsNotMatched) {
+TEST_F(Part4_2Detection, ConstantCutOffByLineEndIsNotMatched) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 25, u"0X");
   Write("");  // the line ends at column 25 with "0"
   EXPECT_FALSE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
@@ -70,7 +70,7 @@ TEST_F(DetectionTest, ConstantCutOffByLineEndIsNotMatched) {
   EXPECT_TRUE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
 }
 
-TEST_F(DetectionTest, BlanksCountInTheComparedSlice) {
+TEST_F(Part4_2Detection, BlanksCountInTheComparedSlice) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, u"AB ");
   Write("ABC");
   EXPECT_FALSE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
@@ -78,7 +78,7 @@ TEST_F(DetectionTest, BlanksCountInTheComparedSlice) {
   EXPECT_TRUE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
 }
 
-TEST_F(DetectionTest, TextWhoseLengthDiffersFromSizeNeverMatches) {
+TEST_F(Part4_2Detection, TextWhoseLengthDiffersFromSizeNeverMatches) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, u"AB");
   cfg_->CTETam(3);
   Write("ABC");
@@ -87,7 +87,7 @@ TEST_F(DetectionTest, TextWhoseLengthDiffersFromSizeNeverMatches) {
   EXPECT_FALSE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante));
 }
 
-TEST_F(DetectionTest, UndefinedConstantIsNotFound) {
+TEST_F(Part4_2Detection, UndefinedConstantIsNotFound) {
   cfg_->CTEActivo(velqua::emDatoCteIdentEntrante);
   cfg_->Constante(u"E");  // no position: incomplete
   Write("E");
@@ -95,13 +95,13 @@ TEST_F(DetectionTest, UndefinedConstantIsNotFound) {
   EXPECT_FALSE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentSaliente));
 }
 
-TEST_F(DetectionTest, HayConstanteLeavesTheActiveConstantKey) {
+TEST_F(Part4_2Detection, HayConstanteLeavesTheActiveConstantKey) {
   Write("x");
   tr_.HayConstanteLlamada(velqua::emDatoCteIdentInterTroncalOR);
   EXPECT_EQ(cfg_->CTEActivo(), velqua::emDatoCteIdentInterTroncalOR);
 }
 
-TEST_F(DetectionTest, ConstantEndingAtColumn255IsTested) {
+TEST_F(Part4_2Detection, ConstantEndingAtColumn255IsTested) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 250, u"ABCDE");
   tr_.Conmutador(cfg_);
   std::u16string line(249, u' ');
@@ -111,7 +111,7 @@ TEST_F(DetectionTest, ConstantEndingAtColumn255IsTested) {
   EXPECT_EQ(Type(), velqua::emTradEntrante);
 }
 
-TEST_F(DetectionTest, ConstantPastColumn255OverflowsInTestAndIntake) {
+TEST_F(Part4_2Detection, ConstantPastColumn255OverflowsInTestAndIntake) {
   Write("1");
   SetConstant(*cfg_, velqua::emDatoCteIdentSaliente, 250, u"ABCDEF");  // 250 + 6 = 256
   EXPECT_VELQUA_ERROR_NUMBER(tr_.HayConstanteLlamada(velqua::emDatoCteIdentSaliente),
@@ -119,7 +119,7 @@ TEST_F(DetectionTest, ConstantPastColumn255OverflowsInTestAndIntake) {
   EXPECT_VELQUA_ERROR_NUMBER(Write("2"), velqua::kErrDesbordamiento);
 }
 
-TEST_F(DetectionTest, HayConstanteOnLineAfterUnbindingFailsWithObjectNotSet) {
+TEST_F(Part4_2Detection, HayConstanteOnLineAfterUnbindingFailsWithObjectNotSet) {
   Write("1");
   tr_.Conmutador(nullptr);
   EXPECT_VELQUA_ERROR_NUMBER(tr_.HayConstanteLlamada(velqua::emDatoCteIdentEntrante),
@@ -128,7 +128,7 @@ TEST_F(DetectionTest, HayConstanteOnLineAfterUnbindingFailsWithObjectNotSet) {
 
 // ---- DetectaTipoLlamada ----
 
-TEST_F(DetectionTest, LineOfLettersIsNeverClassifiedEvenWithAccountMark) {
+TEST_F(Part4_2Detection, LineOfLettersIsNeverClassifiedEvenWithAccountMark) {
   SetConstant(*cfg_, velqua::emDatoCteIdentCodigoCuenta, 1, u"A");
   tr_.Conmutador(cfg_);
   tr_.LlamadaActual(u"A CUENTA SIN NUMEROS");
@@ -137,7 +137,7 @@ TEST_F(DetectionTest, LineOfLettersIsNeverClassifiedEvenWithAccountMark) {
   EXPECT_TRUE(tr_.HayConstanteLlamada(velqua::emDatoCteIdentCodigoCuenta));
 }
 
-TEST_F(DetectionTest, EachRoleIsDetectedByItsPlainMark) {
+TEST_F(Part4_2Detection, EachRoleIsDetectedByItsPlainMark) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, u"I");
   SetConstant(*cfg_, velqua::emDatoCteIdentSaliente, 1, u"O");
   SetConstant(*cfg_, velqua::emDatoCteIdentInterExtension, 1, u"X");
@@ -157,7 +157,7 @@ TEST_F(DetectionTest, EachRoleIsDetectedByItsPlainMark) {
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
 }
 
-TEST_F(DetectionTest, EachRoleIsDetectedByItsOrMark) {
+TEST_F(Part4_2Detection, EachRoleIsDetectedByItsOrMark) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteOR, 2, u"i");
   SetConstant(*cfg_, velqua::emDatoCteIdentSalienteOR, 2, u"o");
   SetConstant(*cfg_, velqua::emDatoCteIdentInterExtensionOR, 2, u"x");
@@ -172,7 +172,7 @@ TEST_F(DetectionTest, EachRoleIsDetectedByItsOrMark) {
   EXPECT_EQ(Type(), velqua::emTradInterTroncal);
 }
 
-TEST_F(DetectionTest, AndMarkMustAccompanyThePlainMark) {
+TEST_F(Part4_2Detection, AndMarkMustAccompanyThePlainMark) {
   SetConstant(*cfg_, velqua::emDatoCteIdentInterTroncal, 1, u"T");
   SetConstant(*cfg_, velqua::emDatoCteIdentInterTroncalAND, 3, u"T");
   Write("T T");
@@ -181,7 +181,7 @@ TEST_F(DetectionTest, AndMarkMustAccompanyThePlainMark) {
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
 }
 
-TEST_F(DetectionTest, IncomingWithDefinedButAbsentAndMarkFallsToOutgoing) {
+TEST_F(Part4_2Detection, IncomingWithDefinedButAbsentAndMarkFallsToOutgoing) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, u"T");
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteAND, 3, u"D");
   SetConstant(*cfg_, velqua::emDatoCteIdentSaliente, 3, u"T");
@@ -191,7 +191,7 @@ TEST_F(DetectionTest, IncomingWithDefinedButAbsentAndMarkFallsToOutgoing) {
   EXPECT_EQ(Type(), velqua::emTradEntrante);
 }
 
-TEST_F(DetectionTest, PlainMarkWithAbsentAndMarkDoesNotTryTheOrMark) {
+TEST_F(Part4_2Detection, PlainMarkWithAbsentAndMarkDoesNotTryTheOrMark) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, u"I");
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteAND, 2, u"&");
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteOR, 3, u"|");
@@ -201,14 +201,14 @@ TEST_F(DetectionTest, PlainMarkWithAbsentAndMarkDoesNotTryTheOrMark) {
   EXPECT_EQ(Type(), velqua::emTradEntrante);
 }
 
-TEST_F(DetectionTest, IncomingOrMarkAloneGivesIncoming) {
+TEST_F(Part4_2Detection, IncomingOrMarkAloneGivesIncoming) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, u"I");
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteOR, 3, u"R");
   Write("  R");
   EXPECT_EQ(Type(), velqua::emTradEntrante);
 }
 
-TEST_F(DetectionTest, FirstRolePresentWinsInDetectionOrder) {
+TEST_F(Part4_2Detection, FirstRolePresentWinsInDetectionOrder) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 4, u"I");
   SetConstant(*cfg_, velqua::emDatoCteIdentSaliente, 3, u"O");
   SetConstant(*cfg_, velqua::emDatoCteIdentInterExtension, 2, u"X");
@@ -221,7 +221,7 @@ TEST_F(DetectionTest, FirstRolePresentWinsInDetectionOrder) {
   EXPECT_EQ(Type(), velqua::emTradInterExtension);
 }
 
-TEST_F(DetectionTest, AccountCodeMarkBeatsOutgoingMark) {
+TEST_F(Part4_2Detection, AccountCodeMarkBeatsOutgoingMark) {
   SetConstant(*cfg_, velqua::emDatoCteIdentSaliente, 1, u"O");
   SetConstant(*cfg_, velqua::emDatoCteIdentCodigoCuenta, 2, u"A");
   Write("OA");
@@ -230,16 +230,16 @@ TEST_F(DetectionTest, AccountCodeMarkBeatsOutgoingMark) {
 }
 
 // Outgoing number 1-3 (text), extension 5-6, trunk 8-9, no identifying mark.
-class DefaultOutgoingTest : public DetectionTest {
+class Part4_2DefaultOutgoing : public Part4_2Detection {
  protected:
-  DefaultOutgoingTest() {
+  Part4_2DefaultOutgoing() {
     SetText(*cfg_, velqua::emParamTelefonoSaliente, 1, 3);
     SetField(*cfg_, velqua::emParamExtensionSaliente, 5, 2);
     SetField(*cfg_, velqua::emParamTroncalSaliente, 8, 2);
   }
 };
 
-TEST_F(DefaultOutgoingTest, CasesWithDefaultGiveOutgoingWhenNumberExtensionAndTrunkPresent) {
+TEST_F(Part4_2DefaultOutgoing, CasesWithDefaultGiveOutgoingWhenNumberExtensionAndTrunkPresent) {
   for (velqua::emCasos caso :
        {velqua::emCasoEstandarConSalienteDefecto,
         velqua::emCasoEstandarRestaFechasDuracionConSalienteDefecto,
@@ -254,7 +254,7 @@ TEST_F(DefaultOutgoingTest, CasesWithDefaultGiveOutgoingWhenNumberExtensionAndTr
   }
 }
 
-TEST_F(DefaultOutgoingTest, CaseWithoutDefaultStaysUnidentified) {
+TEST_F(Part4_2DefaultOutgoing, CaseWithoutDefaultStaysUnidentified) {
   for (velqua::emCasos caso :
        {velqua::emCasoEstandar, velqua::emCasoEstandarDecimasMinuto,
         velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100, velqua::emCasoAD_TES}) {
@@ -264,7 +264,7 @@ TEST_F(DefaultOutgoingTest, CaseWithoutDefaultStaysUnidentified) {
   }
 }
 
-TEST_F(DefaultOutgoingTest, MissingTrunkOrExtensionGivesNoDefault) {
+TEST_F(Part4_2DefaultOutgoing, MissingTrunkOrExtensionGivesNoDefault) {
   cfg_->Caso(velqua::emCasoEstandarConSalienteDefecto);
   Write("555 20   ");
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
@@ -272,7 +272,7 @@ TEST_F(DefaultOutgoingTest, MissingTrunkOrExtensionGivesNoDefault) {
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
 }
 
-TEST_F(DefaultOutgoingTest, TextFieldOfBlanksCountsAsPresentNumericDoesNot) {
+TEST_F(Part4_2DefaultOutgoing, TextFieldOfBlanksCountsAsPresentNumericDoesNot) {
   cfg_->Caso(velqua::emCasoEstandarConSalienteDefecto);
   Write("    20 01");  // the text-typed number is three blanks: not empty
   EXPECT_EQ(Type(), velqua::emTradSaliente);
@@ -280,7 +280,7 @@ TEST_F(DefaultOutgoingTest, TextFieldOfBlanksCountsAsPresentNumericDoesNot) {
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
 }
 
-TEST_F(DefaultOutgoingTest, AccountMarkOverridesDefaultOutgoing) {
+TEST_F(Part4_2DefaultOutgoing, AccountMarkOverridesDefaultOutgoing) {
   cfg_->Caso(velqua::emCasoEstandarConSalienteDefecto);
   SetConstant(*cfg_, velqua::emDatoCteIdentCodigoCuenta, 11, u"A");
   Write("555 20 01 A");
@@ -289,9 +289,9 @@ TEST_F(DefaultOutgoingTest, AccountMarkOverridesDefaultOutgoing) {
 
 // ---- DetectaAtributo ----
 
-class AttributeTest : public DetectionTest {
+class Part4_2Attribute : public Part4_2Detection {
  protected:
-  AttributeTest() {
+  Part4_2Attribute() {
     SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, u"I");
     SetConstant(*cfg_, velqua::emDatoCteIdentSaliente, 1, u"O");
     SetConstant(*cfg_, velqua::emDatoCteIdentInterExtension, 1, u"X");
@@ -300,7 +300,7 @@ class AttributeTest : public DetectionTest {
   }
 };
 
-TEST_F(AttributeTest, IncomingWithStartAndUnansweredMarksIsStartOfTransfer) {
+TEST_F(Part4_2Attribute, IncomingWithStartAndUnansweredMarksIsStartOfTransfer) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteInicioTransferida, 3, u"S");
   SetConstant(*cfg_, velqua::emDatoCteIdentNoContestada, 5, u"N");
   Write("I S N");
@@ -309,7 +309,7 @@ TEST_F(AttributeTest, IncomingWithStartAndUnansweredMarksIsStartOfTransfer) {
   EXPECT_EQ(tr_.Atributo(), velqua::emATRNoContestada);
 }
 
-TEST_F(AttributeTest, ColumnsAreTestedStartEndInTransferUnanswered) {
+TEST_F(Part4_2Attribute, ColumnsAreTestedStartEndInTransferUnanswered) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteInicioTransferida, 3, u"S");
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteFinTransferida, 4, u"E");
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteEnTransferencia, 5, u"T");
@@ -326,7 +326,7 @@ TEST_F(AttributeTest, ColumnsAreTestedStartEndInTransferUnanswered) {
   EXPECT_EQ(tr_.Atributo(), velqua::emATRNoAtributo);
 }
 
-TEST_F(AttributeTest, EachTypeTestsItsOwnRow) {
+TEST_F(Part4_2Attribute, EachTypeTestsItsOwnRow) {
   SetConstant(*cfg_, velqua::emDatoCteIdentSalienteFinTransferida, 3, u"s");
   SetConstant(*cfg_, velqua::emDatoCteIdentInterExtensionEnTransferencia, 4, u"x");
   SetConstant(*cfg_, velqua::emDatoCteIdentInterTroncalInicioTransferida, 5, u"t");
@@ -341,7 +341,7 @@ TEST_F(AttributeTest, EachTypeTestsItsOwnRow) {
   EXPECT_EQ(tr_.Atributo(), velqua::emATRNoAtributo);
 }
 
-TEST_F(AttributeTest, UnidentifiedAndAccountCodeRecordsHaveNoAttribute) {
+TEST_F(Part4_2Attribute, UnidentifiedAndAccountCodeRecordsHaveNoAttribute) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntranteInicioTransferida, 3, u"S");
   Write("A S");
   EXPECT_EQ(tr_.Atributo(), velqua::emATRNoAtributo);
@@ -351,59 +351,59 @@ TEST_F(AttributeTest, UnidentifiedAndAccountCodeRecordsHaveNoAttribute) {
 
 // ---- BuscaLinea ----
 
-class LineSearchTest : public ::testing::Test {
+class Part4_2LineSearch : public ::testing::Test {
  protected:
-  LineSearchTest() : cfg_(MakeConfig(velqua::emCasoEstandar, u"|")) { tr_.Conmutador(cfg_); }
+  Part4_2LineSearch() : cfg_(MakeConfig(velqua::emCasoEstandar, u"|")) { tr_.Conmutador(cfg_); }
   std::shared_ptr<clsCfgConmut> cfg_;
   clsTraductor tr_;
 };
 
-TEST_F(LineSearchTest, EmptyBufferGivesZeroAndEmptyLine) {
+TEST_F(Part4_2LineSearch, EmptyBufferGivesZeroAndEmptyLine) {
   tr_.LlamadaActual(u"previous line 1");
   EXPECT_EQ(tr_.BuscaLinea(u"x"), 0);
   EXPECT_FALSE(tr_.HayLlamada());
   EXPECT_EQ(tr_.LlamadaActual(), u"");
 }
 
-TEST_F(LineSearchTest, SelectsLineContainingValueIgnoringCase) {
+TEST_F(Part4_2LineSearch, SelectsLineContainingValueIgnoringCase) {
   tr_.BufferMultiplesLineas(u"A|B X|C");
   EXPECT_EQ(tr_.BuscaLinea(u"x"), 7);
   EXPECT_EQ(tr_.LlamadaActual(), u"B X");  // the line, in a single-line case
   EXPECT_TRUE(tr_.HayLlamada());
 }
 
-TEST_F(LineSearchTest, LastLineWithoutSeparatorGivesLengthPlusOnePlusSeparator) {
+TEST_F(Part4_2LineSearch, LastLineWithoutSeparatorGivesLengthPlusOnePlusSeparator) {
   tr_.BufferMultiplesLineas(u"A|B|CX");
   EXPECT_EQ(tr_.BuscaLinea(u"cx"), 8);
   EXPECT_EQ(tr_.LlamadaActual(), u"CX");
 }
 
-TEST_F(LineSearchTest, FirstMatchingLineWins) {
+TEST_F(Part4_2LineSearch, FirstMatchingLineWins) {
   tr_.BufferMultiplesLineas(u"uno|dos 1|dos 2|");
   EXPECT_EQ(tr_.BuscaLinea(u"DOS"), 11);
   EXPECT_EQ(tr_.LlamadaActual(), u"dos 1");
 }
 
-TEST_F(LineSearchTest, LaterLineGivesGreaterPlace) {
+TEST_F(Part4_2LineSearch, LaterLineGivesGreaterPlace) {
   tr_.BufferMultiplesLineas(u"hdr|one|two");
   EXPECT_LT(tr_.BuscaLinea(u"hdr"), tr_.BuscaLinea(u"one"));
   EXPECT_LT(tr_.BuscaLinea(u"one"), tr_.BuscaLinea(u"two"));
 }
 
-TEST_F(LineSearchTest, NoMatchingLineGivesZeroAndEmptyLine) {
+TEST_F(Part4_2LineSearch, NoMatchingLineGivesZeroAndEmptyLine) {
   tr_.BufferMultiplesLineas(u"A|B|C");
   EXPECT_EQ(tr_.BuscaLinea(u"Z"), 0);
   EXPECT_FALSE(tr_.HayLlamada());
 }
 
-TEST_F(LineSearchTest, MultiCharacterSeparatorAndEmptyLines) {
+TEST_F(Part4_2LineSearch, MultiCharacterSeparatorAndEmptyLines) {
   cfg_->Separador(u"\r\n");
   tr_.BufferMultiplesLineas(u"A\r\n\r\nBQ\r\n");
   EXPECT_EQ(tr_.BuscaLinea(u"q"), 10);
   EXPECT_EQ(tr_.LlamadaActual(), u"BQ");
 }
 
-TEST_F(LineSearchTest, EmptySeparatorTreatsBufferAsOneLine) {
+TEST_F(Part4_2LineSearch, EmptySeparatorTreatsBufferAsOneLine) {
   cfg_->Separador(u"");
   tr_.BufferMultiplesLineas(u"A|B X|C");
   EXPECT_EQ(tr_.BuscaLinea(u"x"), 8);
@@ -411,7 +411,7 @@ TEST_F(LineSearchTest, EmptySeparatorTreatsBufferAsOneLine) {
   EXPECT_EQ(tr_.BuscaLinea(u"z"), 0);
 }
 
-TEST_F(LineSearchTest, SeparatorIsReadAtEverySearch) {
+TEST_F(Part4_2LineSearch, SeparatorIsReadAtEverySearch) {
   tr_.BufferMultiplesLineas(u"A;B X|C");
   EXPECT_EQ(tr_.BuscaLinea(u"x"), 7);
   cfg_->Separador(u";");
@@ -419,7 +419,7 @@ TEST_F(LineSearchTest, SeparatorIsReadAtEverySearch) {
   EXPECT_EQ(tr_.LlamadaActual(), u"B X|C");
 }
 
-TEST_F(LineSearchTest, PositionBeyond32767Overflows) {
+TEST_F(Part4_2LineSearch, PositionBeyond32767Overflows) {
   std::u16string buffer = u"first line|";
   buffer += std::u16string(40000, u'a');
   tr_.BufferMultiplesLineas(buffer);
@@ -427,7 +427,7 @@ TEST_F(LineSearchTest, PositionBeyond32767Overflows) {
   EXPECT_VELQUA_ERROR_NUMBER(tr_.BuscaLinea(u"zzz"), velqua::kErrDesbordamiento);
 }
 
-TEST_F(LineSearchTest, LastLineEndingAt32765IsFound) {
+TEST_F(Part4_2LineSearch, LastLineEndingAt32765IsFound) {
   std::u16string buffer(32764, u'a');
   buffer += u"X";  // length 32765: result 32765 + 1 + 1
   tr_.BufferMultiplesLineas(buffer);
@@ -437,7 +437,7 @@ TEST_F(LineSearchTest, LastLineEndingAt32765IsFound) {
   EXPECT_VELQUA_ERROR_NUMBER(tr_.BuscaLinea(u"x"), velqua::kErrDesbordamiento);
 }
 
-TEST(LineSearchUnboundTest, UnboundGivesZeroAndEmptiesLine) {
+TEST(Part4_2LineSearchUnbound, UnboundGivesZeroAndEmptiesLine) {
   auto cfg = MakeConfig(velqua::emCasoEstandar, u"|");
   SetConstant(*cfg, velqua::emDatoCteIdentEntrante, 1, u"I");
   clsTraductor tr;
@@ -451,7 +451,7 @@ TEST(LineSearchUnboundTest, UnboundGivesZeroAndEmptiesLine) {
 
 // ---- the case-folding comparison (src/platform/mayusculas.h) ----
 
-TEST(CaseFoldingTest, FoldsAsciiLatin1AndLatinExtendedLetters) {
+TEST(Part4_2CaseFolding, FoldsAsciiLatin1AndLatinExtendedLetters) {
   using velqua::plataforma::IgualesSinMayusculas;
   EXPECT_TRUE(IgualesSinMayusculas(u"incoming call", u"INCOMING CALL"));
   EXPECT_TRUE(IgualesSinMayusculas(U("áéíóúñüç"), U("ÁÉÍÓÚÑÜÇ")));
@@ -465,7 +465,7 @@ TEST(CaseFoldingTest, FoldsAsciiLatin1AndLatinExtendedLetters) {
   EXPECT_FALSE(IgualesSinMayusculas(u"@", u"`"));
 }
 
-TEST(CaseFoldingTest, SearchFindsFirstOccurrenceFromStart) {
+TEST(Part4_2CaseFolding, SearchFindsFirstOccurrenceFromStart) {
   using velqua::plataforma::BuscaSinMayusculas;
   EXPECT_EQ(BuscaSinMayusculas(u"abcABC", u"bc"), 1u);
   EXPECT_EQ(BuscaSinMayusculas(u"abcABC", u"BC", 2), 4u);

@@ -17,9 +17,9 @@ using velqua::clsTraductor;
 // Key k lies at column 3k-2, three characters "Knn"; constant c at column
 // 205 + c holds "X" when present. Keys 2 to 16 are numeric, so that "K05"
 // reads 05; the others are text.
-class KeyTableTest : public ::testing::Test {
+class Part4_3KeyTable : public ::testing::Test {
  protected:
-  KeyTableTest() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoEstandar)) {
+  Part4_3KeyTable() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoEstandar)) {
     for (int k = 2; k <= 68; ++k) {
       SetField(*cfg_, static_cast<velqua::emParamDato>(k), 3 * k - 2, 3,
                k <= 16 ? velqua::emValorNumerico : velqua::emValorCadena);
@@ -53,7 +53,7 @@ struct KeyRow {
   std::u16string marcacion, extension, troncal, ext_receptor, troncal_receptor, codigo;
 };
 
-TEST_F(KeyTableTest, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
+TEST_F(Part4_3KeyTable, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
   using namespace velqua;
   const KeyRow rows[] = {
       {{4}, emTradEntrante, emATRNoAtributo, u"K18", u"K31", u"K30", u"", u"", u""},
@@ -98,7 +98,7 @@ TEST_F(KeyTableTest, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
   }
 }
 
-TEST_F(KeyTableTest, ReadsLeaveActiveKeysAtTheKeysUsedLast) {
+TEST_F(Part4_3KeyTable, ReadsLeaveActiveKeysAtTheKeysUsedLast) {
   Write({7});
   tr_.Extension();
   EXPECT_EQ(cfg_->DATOActivo(), velqua::emParamExtensionSaliente);
@@ -109,7 +109,7 @@ TEST_F(KeyTableTest, ReadsLeaveActiveKeysAtTheKeysUsedLast) {
   EXPECT_EQ(cfg_->CTEActivo(), velqua::emDatoCteIdentCodigoCuenta);
 }
 
-TEST_F(KeyTableTest, ReadingTwiceGivesTheSameValueAndKeepsTypeAndAttribute) {
+TEST_F(Part4_3KeyTable, ReadingTwiceGivesTheSameValueAndKeepsTypeAndAttribute) {
   Write({13, 27});
   EXPECT_EQ(tr_.TroncalReceptor(), u"K65");
   EXPECT_EQ(tr_.TroncalReceptor(), u"K65");
@@ -120,9 +120,9 @@ TEST_F(KeyTableTest, ReadingTwiceGivesTheSameValueAndKeepsTypeAndAttribute) {
 
 // ---- ExtraeDato, seen through CodigoCuenta (key 17, no account mark) ----
 
-class FieldTest : public ::testing::Test {
+class Part4_3Field : public ::testing::Test {
  protected:
-  FieldTest() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoEstandar)) {
+  Part4_3Field() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoEstandar)) {
     tr_.Conmutador(cfg_);
   }
   void Write(const std::u16string& line) { tr_.LlamadaActual(line); }
@@ -132,7 +132,7 @@ class FieldTest : public ::testing::Test {
   clsTraductor tr_;
 };
 
-TEST_F(FieldTest, NumericFieldRunningPastLineEndKeepsTheDigitsThere) {
+TEST_F(Part4_3Field, NumericFieldRunningPastLineEndKeepsTheDigitsThere) {
   SetField(*cfg_, velqua::emParamCodigoCuenta, 20, 5);
   Write(
       u"1234567890123456789"
@@ -140,7 +140,7 @@ TEST_F(FieldTest, NumericFieldRunningPastLineEndKeepsTheDigitsThere) {
   EXPECT_EQ(tr_.CodigoCuenta(), u"42");
 }
 
-TEST_F(FieldTest, TextFieldRunningPastLineEndIsCutAtTheEnd) {
+TEST_F(Part4_3Field, TextFieldRunningPastLineEndIsCutAtTheEnd) {
   SetText(*cfg_, velqua::emParamCodigoCuenta, 20, 5);
   Write(
       u"1234567890123456789"
@@ -148,7 +148,7 @@ TEST_F(FieldTest, TextFieldRunningPastLineEndIsCutAtTheEnd) {
   EXPECT_EQ(tr_.CodigoCuenta(), u"4x2");
 }
 
-TEST_F(FieldTest, FieldStartingBeyondLineEndIsEmpty) {
+TEST_F(Part4_3Field, FieldStartingBeyondLineEndIsEmpty) {
   SetText(*cfg_, velqua::emParamCodigoCuenta, 23, 2);
   Write(
       u"1234567890123456789"
@@ -156,7 +156,7 @@ TEST_F(FieldTest, FieldStartingBeyondLineEndIsEmpty) {
   EXPECT_EQ(tr_.CodigoCuenta(), u"");
 }
 
-TEST_F(FieldTest, FieldPastColumn255Overflows) {
+TEST_F(Part4_3Field, FieldPastColumn255Overflows) {
   Write(u"1");
   SetText(*cfg_, velqua::emParamCodigoCuenta, 200, 56);
   EXPECT_VELQUA_ERROR_NUMBER(tr_.CodigoCuenta(), velqua::kErrDesbordamiento);
@@ -164,7 +164,7 @@ TEST_F(FieldTest, FieldPastColumn255Overflows) {
   EXPECT_EQ(tr_.CodigoCuenta(), u"");
 }
 
-TEST_F(FieldTest, NumericFieldKeepsOnlyItsDigits) {
+TEST_F(Part4_3Field, NumericFieldKeepsOnlyItsDigits) {
   SetField(*cfg_, velqua::emParamCodigoCuenta, 1, 4);
   Write(u" 1:2");
   EXPECT_EQ(tr_.CodigoCuenta(), u"12");
@@ -172,7 +172,7 @@ TEST_F(FieldTest, NumericFieldKeepsOnlyItsDigits) {
   EXPECT_EQ(tr_.CodigoCuenta(), u"");
 }
 
-TEST_F(FieldTest, TextFieldKeepsItsCharactersAndMarcacionDropsOnlyLeadingBlank) {
+TEST_F(Part4_3Field, TextFieldKeepsItsCharactersAndMarcacionDropsOnlyLeadingBlank) {
   SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 6, u"I");
   SetText(*cfg_, velqua::emParamTelefonoEntrante, 1, 4);
   SetField(*cfg_, velqua::emParamDuracionMinutos, 8, 1);
@@ -184,7 +184,7 @@ TEST_F(FieldTest, TextFieldKeepsItsCharactersAndMarcacionDropsOnlyLeadingBlank) 
   EXPECT_EQ(tr_.Marcacion(), u"12");
 }
 
-TEST_F(FieldTest, UndefinedFieldGivesEmptyText) {
+TEST_F(Part4_3Field, UndefinedFieldGivesEmptyText) {
   SetText(*cfg_, velqua::emParamCodigoCuenta, 1, 4);
   cfg_->TipoDatoDATO(velqua::emValorNoDefinido);  // free: not defined
   Write(u"1234");
@@ -193,7 +193,7 @@ TEST_F(FieldTest, UndefinedFieldGivesEmptyText) {
 
 // ---- Dia, Mes, Anio ----
 
-TEST_F(FieldTest, YearOfTwoDigitsTakesTheCurrentCentury) {
+TEST_F(Part4_3Field, YearOfTwoDigitsTakesTheCurrentCentury) {
   SetField(*cfg_, velqua::emParamFechaAnio, 1, 5);
   Write(u"07");
   EXPECT_EQ(tr_.Anio(), 2007);
@@ -203,7 +203,7 @@ TEST_F(FieldTest, YearOfTwoDigitsTakesTheCurrentCentury) {
   EXPECT_EQ(tr_.Anio(), 2099);
 }
 
-TEST_F(FieldTest, YearOfFourDigitsIsTakenAsIsAndFiveAreCutToFour) {
+TEST_F(Part4_3Field, YearOfFourDigitsIsTakenAsIsAndFiveAreCutToFour) {
   SetField(*cfg_, velqua::emParamFechaAnio, 1, 5);
   Write(u"2007");
   EXPECT_EQ(tr_.Anio(), 2007);
@@ -211,20 +211,20 @@ TEST_F(FieldTest, YearOfFourDigitsIsTakenAsIsAndFiveAreCutToFour) {
   EXPECT_EQ(tr_.Anio(), 2007);
 }
 
-TEST_F(FieldTest, YearOfThreeDigitsGivesTheCurrentYear) {
+TEST_F(Part4_3Field, YearOfThreeDigitsGivesTheCurrentYear) {
   SetField(*cfg_, velqua::emParamFechaAnio, 1, 5);
   Write(u"207");
   EXPECT_EQ(tr_.Anio(), 2026);
 }
 
-TEST_F(FieldTest, YearCenturyFollowsTheClock) {
+TEST_F(Part4_3Field, YearCenturyFollowsTheClock) {
   clock_.Set(At(1999, 1, 1, 0, 0, 0));
   SetField(*cfg_, velqua::emParamFechaAnio, 1, 2);
   Write(u"07");
   EXPECT_EQ(tr_.Anio(), 1907);
 }
 
-TEST_F(FieldTest, TextYearCountsBlanksInItsLength) {
+TEST_F(Part4_3Field, TextYearCountsBlanksInItsLength) {
   SetText(*cfg_, velqua::emParamFechaAnio, 1, 3);
   Write(u" 7 ");
   EXPECT_EQ(tr_.Anio(), 2026);  // three characters
@@ -232,7 +232,7 @@ TEST_F(FieldTest, TextYearCountsBlanksInItsLength) {
   EXPECT_EQ(tr_.Anio(), 2007);  // " 7"
 }
 
-TEST_F(FieldTest, DayOutOfRangeGivesToday) {
+TEST_F(Part4_3Field, DayOutOfRangeGivesToday) {
   SetField(*cfg_, velqua::emParamFechaDia, 1, 2);
   Write(u"00");
   EXPECT_EQ(tr_.Dia(), 18);
@@ -244,7 +244,7 @@ TEST_F(FieldTest, DayOutOfRangeGivesToday) {
   EXPECT_EQ(tr_.Dia(), 1);
 }
 
-TEST_F(FieldTest, MonthOutOfRangeGivesCurrentMonth) {
+TEST_F(Part4_3Field, MonthOutOfRangeGivesCurrentMonth) {
   SetField(*cfg_, velqua::emParamFechaMes, 1, 2);
   Write(u"13");
   EXPECT_EQ(tr_.Mes(), 11);
@@ -254,14 +254,14 @@ TEST_F(FieldTest, MonthOutOfRangeGivesCurrentMonth) {
   EXPECT_EQ(tr_.Mes(), 11);
 }
 
-TEST_F(FieldTest, UndefinedDateFieldsGiveTheCurrentDate) {
+TEST_F(Part4_3Field, UndefinedDateFieldsGiveTheCurrentDate) {
   Write(u"1");
   EXPECT_EQ(tr_.Dia(), 18);
   EXPECT_EQ(tr_.Mes(), 11);
   EXPECT_EQ(tr_.Anio(), 2026);
 }
 
-TEST_F(FieldTest, TextDayWithBlanksAroundIsANumberOtherTextIsNot) {
+TEST_F(Part4_3Field, TextDayWithBlanksAroundIsANumberOtherTextIsNot) {
   SetText(*cfg_, velqua::emParamFechaDia, 1, 3);
   Write(u" 5 ");
   EXPECT_EQ(tr_.Dia(), 5);
@@ -273,7 +273,7 @@ TEST_F(FieldTest, TextDayWithBlanksAroundIsANumberOtherTextIsNot) {
   EXPECT_EQ(tr_.Dia(), 18);
 }
 
-TEST_F(FieldTest, LongTextCutToFourCharactersOfBlanksIsNotANumber) {
+TEST_F(Part4_3Field, LongTextCutToFourCharactersOfBlanksIsNotANumber) {
   SetText(*cfg_, velqua::emParamFechaDia, 1, 6);
   Write(u"     7");
   EXPECT_EQ(tr_.Dia(), 18);
@@ -283,7 +283,7 @@ TEST_F(FieldTest, LongTextCutToFourCharactersOfBlanksIsNotANumber) {
 
 // ---- Hora ----
 
-TEST_F(FieldTest, HoraComposesHoursMinutesSeconds) {
+TEST_F(Part4_3Field, HoraComposesHoursMinutesSeconds) {
   SetField(*cfg_, velqua::emParamFechaHoras, 1, 2);
   SetField(*cfg_, velqua::emParamFechaMinutos, 4, 2);
   SetField(*cfg_, velqua::emParamFechaSegundos, 7, 2);
@@ -291,7 +291,7 @@ TEST_F(FieldTest, HoraComposesHoursMinutesSeconds) {
   EXPECT_EQ(tr_.Hora(), Hms(14, 3, 27));
 }
 
-TEST_F(FieldTest, HoraTakesMissingComponentsFromTheClock) {
+TEST_F(Part4_3Field, HoraTakesMissingComponentsFromTheClock) {
   SetField(*cfg_, velqua::emParamFechaHoras, 1, 2);
   SetField(*cfg_, velqua::emParamFechaMinutos, 4, 2);
   Write(u"14:03");
@@ -300,12 +300,12 @@ TEST_F(FieldTest, HoraTakesMissingComponentsFromTheClock) {
   EXPECT_EQ(tr_.Hora(), Hms(9, 3, 3));
 }
 
-TEST_F(FieldTest, HoraWithoutFieldsIsTheCurrentTime) {
+TEST_F(Part4_3Field, HoraWithoutFieldsIsTheCurrentTime) {
   Write(u"1");
   EXPECT_EQ(tr_.Hora(), Hms(9, 5, 3));
 }
 
-TEST_F(FieldTest, HoraDoesNotCheckRanges) {
+TEST_F(Part4_3Field, HoraDoesNotCheckRanges) {
   SetField(*cfg_, velqua::emParamFechaHoras, 1, 2);
   SetField(*cfg_, velqua::emParamFechaMinutos, 4, 2);
   SetField(*cfg_, velqua::emParamFechaSegundos, 7, 2);
@@ -313,9 +313,9 @@ TEST_F(FieldTest, HoraDoesNotCheckRanges) {
   EXPECT_EQ(tr_.Hora(), 25 * 3600 + 75 * 60 + 99);
 }
 
-class MorningMarkTest : public FieldTest {
+class Part4_3MorningMark : public Part4_3Field {
  protected:
-  MorningMarkTest() {
+  Part4_3MorningMark() {
     SetField(*cfg_, velqua::emParamFechaHoras, 1, 2);
     SetField(*cfg_, velqua::emParamFechaMinutos, 4, 2);
     SetField(*cfg_, velqua::emParamFechaSegundos, 7, 2);
@@ -323,21 +323,21 @@ class MorningMarkTest : public FieldTest {
   }
 };
 
-TEST_F(MorningMarkTest, MarkDefinedButAbsentMakesEarlyHoursAfternoon) {
+TEST_F(Part4_3MorningMark, MarkDefinedButAbsentMakesEarlyHoursAfternoon) {
   Write(u"03:10:00PM");
   EXPECT_EQ(tr_.Hora(), Hms(15, 10, 0));
   Write(u"12:10:00PM");
   EXPECT_EQ(tr_.Hora(), Hms(12, 10, 0));
 }
 
-TEST_F(MorningMarkTest, MarkPresentMakesTwelveMidnight) {
+TEST_F(Part4_3MorningMark, MarkPresentMakesTwelveMidnight) {
   Write(u"12:10:00am");
   EXPECT_EQ(tr_.Hora(), Hms(0, 10, 0));
   Write(u"03:10:00AM");
   EXPECT_EQ(tr_.Hora(), Hms(3, 10, 0));
 }
 
-TEST_F(FieldTest, NoMorningMarkMeansTwentyFourHourClock) {
+TEST_F(Part4_3Field, NoMorningMarkMeansTwentyFourHourClock) {
   SetField(*cfg_, velqua::emParamFechaHoras, 1, 2);
   Write(u"03");
   EXPECT_EQ(tr_.Hora(), Hms(3, 5, 3));
@@ -345,15 +345,15 @@ TEST_F(FieldTest, NoMorningMarkMeansTwentyFourHourClock) {
 
 // ---- Duracion and Ring ----
 
-class DurationTest : public FieldTest {
+class Part4_3Duration : public Part4_3Field {
  protected:
-  DurationTest() {
+  Part4_3Duration() {
     SetField(*cfg_, velqua::emParamDuracionMinutos, 4, 2);
     SetField(*cfg_, velqua::emParamDuracionSegundos, 7, 4);
   }
 };
 
-TEST_F(DurationTest, MissingHoursCountAsZero) {
+TEST_F(Part4_3Duration, MissingHoursCountAsZero) {
   Write(u"   02:30");
   EXPECT_EQ(tr_.Duracion(), 150);
   SetField(*cfg_, velqua::emParamDuracionHoras, 1, 2);
@@ -362,7 +362,7 @@ TEST_F(DurationTest, MissingHoursCountAsZero) {
   EXPECT_EQ(tr_.Duracion(), 3750);
 }
 
-TEST_F(DurationTest, MissingMinutesOrSecondsGiveMinusOne) {
+TEST_F(Part4_3Duration, MissingMinutesOrSecondsGiveMinusOne) {
   Write(u"   --:30");
   EXPECT_EQ(tr_.Duracion(), -1);
   Write(u"   02:");
@@ -373,30 +373,30 @@ TEST_F(DurationTest, MissingMinutesOrSecondsGiveMinusOne) {
   EXPECT_EQ(tr_.Duracion(), -1);
 }
 
-TEST_F(DurationTest, MinutesAreNotRangeChecked) {
+TEST_F(Part4_3Duration, MinutesAreNotRangeChecked) {
   Write(u"   75:00");
   EXPECT_EQ(tr_.Duracion(), 4500);
 }
 
-TEST_F(DurationTest, SignedTextIsNotANumber) {
+TEST_F(Part4_3Duration, SignedTextIsNotANumber) {
   SetText(*cfg_, velqua::emParamDuracionMinutos, 3, 3);
   Write(u"  -5:00");
   EXPECT_EQ(tr_.Duracion(), -1);
 }
 
-TEST_F(DurationTest, Case6MultipliesSecondsBySix) {
+TEST_F(Part4_3Duration, Case6MultipliesSecondsBySix) {
   cfg_->Caso(velqua::emCasoEstandarDecimasMinuto);
   Write(u"   01:5");
   EXPECT_EQ(tr_.Duracion(), 90);
 }
 
-TEST_F(DurationTest, Case9TakesSecondsAsPrinted) {
+TEST_F(Part4_3Duration, Case9TakesSecondsAsPrinted) {
   cfg_->Caso(velqua::emCasoEstandarDecimasMinutoConSalienteDefecto);
   Write(u"   01:5");
   EXPECT_EQ(tr_.Duracion(), 65);
 }
 
-TEST_F(DurationTest, Case6SecondsAbove5461Overflow) {
+TEST_F(Part4_3Duration, Case6SecondsAbove5461Overflow) {
   cfg_->Caso(velqua::emCasoEstandarDecimasMinuto);
   Write(u"   00:5461");
   EXPECT_EQ(tr_.Duracion(), 32766);
@@ -404,7 +404,7 @@ TEST_F(DurationTest, Case6SecondsAbove5461Overflow) {
   EXPECT_VELQUA_ERROR_NUMBER(tr_.Duracion(), velqua::kErrDesbordamiento);
 }
 
-TEST_F(DurationTest, Case6LeavesRingAndTimeSecondsAlone) {
+TEST_F(Part4_3Duration, Case6LeavesRingAndTimeSecondsAlone) {
   cfg_->Caso(velqua::emCasoEstandarDecimasMinuto);
   SetField(*cfg_, velqua::emParamRingMinutos, 4, 2);
   SetField(*cfg_, velqua::emParamRingSegundos, 7, 1);
@@ -414,7 +414,7 @@ TEST_F(DurationTest, Case6LeavesRingAndTimeSecondsAlone) {
   EXPECT_EQ(tr_.Hora(), Hms(9, 5, 5));
 }
 
-TEST_F(FieldTest, RingFollowsTheDurationRules) {
+TEST_F(Part4_3Field, RingFollowsTheDurationRules) {
   SetField(*cfg_, velqua::emParamRingHoras, 1, 1);
   SetField(*cfg_, velqua::emParamRingMinutos, 3, 2);
   SetField(*cfg_, velqua::emParamRingSegundos, 6, 2);
@@ -430,9 +430,9 @@ TEST_F(FieldTest, RingFollowsTheDurationRules) {
 
 // ---- DuracionRestaFechas (cases 5 and 8) ----
 
-class DateSubtractionTest : public FieldTest {
+class Part4_3DateSubtraction : public Part4_3Field {
  protected:
-  DateSubtractionTest() {
+  Part4_3DateSubtraction() {
     using namespace velqua;
     cfg_->Caso(emCasoEstandarRestaFechasDuracion);
     const emParamDato keys[] = {
@@ -449,19 +449,19 @@ class DateSubtractionTest : public FieldTest {
   }
 };
 
-TEST_F(DateSubtractionTest, DurationRunsAcrossMidnight) {
+TEST_F(Part4_3DateSubtraction, DurationRunsAcrossMidnight) {
   Write("10/03/26 23:59:50", "11/03/26 00:00:10");
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradSaliente);
   EXPECT_EQ(tr_.Duracion(), 20);
 }
 
-TEST_F(DateSubtractionTest, Case8SubtractsDatesToo) {
+TEST_F(Part4_3DateSubtraction, Case8SubtractsDatesToo) {
   cfg_->Caso(velqua::emCasoEstandarRestaFechasDuracionConSalienteDefecto);
   Write("10/03/26 10:00:00", "10/03/26 10:01:05");
   EXPECT_EQ(tr_.Duracion(), 65);
 }
 
-TEST_F(DateSubtractionTest, EndIsTakenInTheStartYearSoDecemberToJanuaryIsRejected) {
+TEST_F(Part4_3DateSubtraction, EndIsTakenInTheStartYearSoDecemberToJanuaryIsRejected) {
   TempDir dir;
   tr_.ArchivoLlamadasError(dir.Path16("log.txt"));
   Write("31/12/26 23:59:50", "01/01/27 00:00:10");
@@ -470,17 +470,17 @@ TEST_F(DateSubtractionTest, EndIsTakenInTheStartYearSoDecemberToJanuaryIsRejecte
   EXPECT_EQ(ReadFile(dir.Path("log.txt")), LogEntry("31/12/26 23:59:50 01/01/27 00:00:10       O"));
 }
 
-TEST_F(DateSubtractionTest, DayPastMonthEndCarriesIntoNextMonth) {
+TEST_F(Part4_3DateSubtraction, DayPastMonthEndCarriesIntoNextMonth) {
   Write("30/04/26 23:00:00", "31/04/26 00:00:00");  // 31 April is 1 May
   EXPECT_EQ(tr_.Duracion(), 3600);
 }
 
-TEST_F(DateSubtractionTest, HoursOf24OrMoreCarryIntoNextDay) {
+TEST_F(Part4_3DateSubtraction, HoursOf24OrMoreCarryIntoNextDay) {
   Write("10/03/26 23:00:00", "10/03/26 25:00:00");
   EXPECT_EQ(tr_.Duracion(), 7200);
 }
 
-TEST_F(DateSubtractionTest, EachEndUsesItsOwnMorningMark) {
+TEST_F(Part4_3DateSubtraction, EachEndUsesItsOwnMorningMark) {
   SetConstant(*cfg_, velqua::emDatoCteIdentificadorHorarioMatutinoFecha, 37, u"AM");
   SetConstant(*cfg_, velqua::emDatoCteIdentificadorHorarioMatutinoDuracion, 40, u"AM");
   Write("10/03/26 11:59:50", "10/03/26 12:00:10", "AM", "PM");
@@ -489,16 +489,16 @@ TEST_F(DateSubtractionTest, EachEndUsesItsOwnMorningMark) {
   EXPECT_EQ(tr_.Duracion(), 45000);  // 00:30 to 13:00
 }
 
-TEST_F(DateSubtractionTest, MissingDateFieldsComeFromTheClock) {
+TEST_F(Part4_3DateSubtraction, MissingDateFieldsComeFromTheClock) {
   Write("", "");
   EXPECT_EQ(tr_.Duracion(), 0);  // both ends are the current instant
 }
 
 // ---- Marcacion prefix, text properties ----
 
-class TextPropertyTest : public FieldTest {
+class Part4_3TextProperty : public Part4_3Field {
  protected:
-  TextPropertyTest() {
+  Part4_3TextProperty() {
     SetConstant(*cfg_, velqua::emDatoCteIdentEntrante, 1, u"I");
     SetConstant(*cfg_, velqua::emDatoCteIdentInterExtension, 1, u"X");
     SetField(*cfg_, velqua::emParamDuracionMinutos, 3, 1);
@@ -509,7 +509,7 @@ class TextPropertyTest : public FieldTest {
   }
 };
 
-TEST_F(TextPropertyTest, PrefixIsRemovedAfterTrimmingLeavingTheBlank) {
+TEST_F(Part4_3TextProperty, PrefixIsRemovedAfterTrimmingLeavingTheBlank) {
   cfg_->CTEActivo(velqua::emDatoCteIdentInterExtensionEnTransferencia);
   cfg_->Constante(u"9");  // no position: still the prefix
   Write(u"I 00 9 555");
@@ -518,7 +518,7 @@ TEST_F(TextPropertyTest, PrefixIsRemovedAfterTrimmingLeavingTheBlank) {
   EXPECT_EQ(tr_.Marcacion(), u"555");
 }
 
-TEST_F(TextPropertyTest, PrefixIgnoresLetterCaseAndNeedsTheWholePrefix) {
+TEST_F(Part4_3TextProperty, PrefixIgnoresLetterCaseAndNeedsTheWholePrefix) {
   cfg_->CTEActivo(velqua::emDatoCteIdentInterExtensionEnTransferencia);
   cfg_->Constante(u"<i>");
   Write(u"I 00 <I>555");
@@ -529,13 +529,13 @@ TEST_F(TextPropertyTest, PrefixIgnoresLetterCaseAndNeedsTheWholePrefix) {
   EXPECT_EQ(tr_.Marcacion(), u"5<I>");
 }
 
-TEST_F(TextPropertyTest, ExtensionAndTroncalAreTrimmed) {
+TEST_F(Part4_3TextProperty, ExtensionAndTroncalAreTrimmed) {
   Write(Cols({{1, "I 00"}, {6, "555"}, {13, "  201 "}, {20, " T1 "}}));
   EXPECT_EQ(tr_.Extension(), u"201");
   EXPECT_EQ(tr_.Troncal(), u"T1");
 }
 
-TEST_F(TextPropertyTest, AccountCodeMarkEmptiesCodeOfOtherTypes) {
+TEST_F(Part4_3TextProperty, AccountCodeMarkEmptiesCodeOfOtherTypes) {
   SetText(*cfg_, velqua::emParamCodigoCuenta, 6, 6);
   Write(u"I 00  1234 ");
   EXPECT_EQ(tr_.CodigoCuenta(), u"1234");
@@ -544,7 +544,7 @@ TEST_F(TextPropertyTest, AccountCodeMarkEmptiesCodeOfOtherTypes) {
   EXPECT_EQ(tr_.CodigoCuenta(), u"");
 }
 
-TEST_F(TextPropertyTest, TroncalReceptorOfIncomingCallNeedsNoConfiguration) {
+TEST_F(Part4_3TextProperty, TroncalReceptorOfIncomingCallNeedsNoConfiguration) {
   Write(u"I 00 555");
   ASSERT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradEntrante);
   tr_.Conmutador(nullptr);
@@ -553,7 +553,7 @@ TEST_F(TextPropertyTest, TroncalReceptorOfIncomingCallNeedsNoConfiguration) {
   EXPECT_VELQUA_ERROR_NUMBER(tr_.Marcacion(), velqua::kErrObjetoNoEstablecido);
 }
 
-TEST_F(TextPropertyTest, ExtensionReceptorOfInterExtensionCallNeedsConfiguration) {
+TEST_F(Part4_3TextProperty, ExtensionReceptorOfInterExtensionCallNeedsConfiguration) {
   SetText(*cfg_, velqua::emParamExtension2InterExtension, 6, 4);
   Write(u"X 00 202");
   ASSERT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradInterExtension);

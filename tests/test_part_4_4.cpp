@@ -17,9 +17,10 @@ using velqua::clsTraductor;
 
 const std::string kHeader = "-------- 11/17/26 10:20:30 LINE = 0003 STN = 7425";
 
-class NorstarTest : public ::testing::Test {
+class Part4_4Norstar : public ::testing::Test {
  protected:
-  NorstarTest() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoNortelNorstar0x32SMDR6, u"|")) {
+  Part4_4Norstar()
+      : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoNortelNorstar0x32SMDR6, u"|")) {
     using namespace velqua;
     SetField(*cfg_, emParamFechaMes, 10, 2);
     SetField(*cfg_, emParamFechaDia, 13, 2);
@@ -47,7 +48,7 @@ class NorstarTest : public ::testing::Test {
   clsTraductor tr_;
 };
 
-TEST_F(NorstarTest, HeaderOutgoingReleasedInOrderIsOutgoing) {
+TEST_F(Part4_4Norstar, HeaderOutgoingReleasedInOrderIsOutgoing) {
   Write(kHeader + "|00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED");
   EXPECT_EQ(Type(), velqua::emTradSaliente);
   EXPECT_EQ(tr_.Atributo(), velqua::emATRNoAtributo);
@@ -55,7 +56,7 @@ TEST_F(NorstarTest, HeaderOutgoingReleasedInOrderIsOutgoing) {
   EXPECT_EQ(Log(), "");
 }
 
-TEST_F(NorstarTest, OutgoingLineBeforeHeaderIsUnidentifiedEvenWithIncomingAfter) {
+TEST_F(Part4_4Norstar, OutgoingLineBeforeHeaderIsUnidentifiedEvenWithIncomingAfter) {
   const std::string record =
       "00:00:00 OUTGOING CALL|" + kHeader + "|00:00:01 INCOMING CALL|00:01:30 CALL RELEASED";
   Write(record);
@@ -63,80 +64,80 @@ TEST_F(NorstarTest, OutgoingLineBeforeHeaderIsUnidentifiedEvenWithIncomingAfter)
   EXPECT_EQ(Log(), LogEntry(record));  // the whole buffer, separators included
 }
 
-TEST_F(NorstarTest, HeaderAndReleasedWithoutDirectionIsUnidentifiedAndLogged) {
+TEST_F(Part4_4Norstar, HeaderAndReleasedWithoutDirectionIsUnidentifiedAndLogged) {
   const std::string record = kHeader + "|00:01:30 CALL RELEASED";
   Write(record);
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
   EXPECT_EQ(Log(), LogEntry(record));
 }
 
-TEST_F(NorstarTest, HeaderAndNoAnswerOnlyIsIncomingWithZeroDuration) {
+TEST_F(Part4_4Norstar, HeaderAndNoAnswerOnlyIsIncomingWithZeroDuration) {
   Write(kHeader + "|00:00:20 NO ANSWER RINGING 0:20");
   EXPECT_EQ(Type(), velqua::emTradEntrante);
   EXPECT_EQ(tr_.Duracion(), 0);
   EXPECT_EQ(Log(), "");
 }
 
-TEST_F(NorstarTest, NoAnswerBeforeHeaderIsUnidentified) {
+TEST_F(Part4_4Norstar, NoAnswerBeforeHeaderIsUnidentified) {
   Write("00:00:20 NO ANSWER|" + kHeader);
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
 }
 
-TEST_F(NorstarTest, ReleasedBeforeHeaderIsUnidentifiedEvenWithTransferredAfter) {
+TEST_F(Part4_4Norstar, ReleasedBeforeHeaderIsUnidentifiedEvenWithTransferredAfter) {
   Write("00:01:30 CALL RELEASED|" + kHeader + "|00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED");
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
 }
 
-TEST_F(NorstarTest, RecordWithoutHeaderIsUnidentified) {
+TEST_F(Part4_4Norstar, RecordWithoutHeaderIsUnidentified) {
   Write("00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED");
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
 }
 
-TEST_F(NorstarTest, IncomingLineGivesIncoming) {
+TEST_F(Part4_4Norstar, IncomingLineGivesIncoming) {
   Write(kHeader + "|00:00:00 INCOMING CALL RINGING 0:05|00:02:00 CALL RELEASED");
   EXPECT_EQ(Type(), velqua::emTradEntrante);
   EXPECT_EQ(tr_.Duracion(), 120);
 }
 
-TEST_F(NorstarTest, FromTransferAndTransferredGiveInTransfer) {
+TEST_F(Part4_4Norstar, FromTransferAndTransferredGiveInTransfer) {
   Write(kHeader + "|00:00:00 FROM TRANSFER|00:00:30 TRANSFERRED");
   EXPECT_EQ(Type(), velqua::emTradTransferida);
   EXPECT_EQ(tr_.Atributo(), velqua::emATREnTR);
   EXPECT_EQ(tr_.Duracion(), 30);  // from the TRANSFERRED line
 }
 
-TEST_F(NorstarTest, FromTransferAloneGivesEndOfTransfer) {
+TEST_F(Part4_4Norstar, FromTransferAloneGivesEndOfTransfer) {
   Write(kHeader + "|00:00:00 FROM TRANSFER|00:03:05 CALL RELEASED");
   EXPECT_EQ(Type(), velqua::emTradTransferida);
   EXPECT_EQ(tr_.Atributo(), velqua::emATRFinTR);
   EXPECT_EQ(tr_.Duracion(), 185);
 }
 
-TEST_F(NorstarTest, TransferredAloneGivesStartOfTransfer) {
+TEST_F(Part4_4Norstar, TransferredAloneGivesStartOfTransfer) {
   Write(kHeader + "|00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED");
   EXPECT_EQ(Type(), velqua::emTradSaliente);
   EXPECT_EQ(tr_.Atributo(), velqua::emATRIniTR);
   EXPECT_EQ(tr_.Duracion(), 40);
 }
 
-TEST_F(NorstarTest, ReleasedLineIsPreferredToTransferredForDuration) {
+TEST_F(Part4_4Norstar, ReleasedLineIsPreferredToTransferredForDuration) {
   Write(kHeader + "|00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED|00:02:00 CALL RELEASED");
   EXPECT_EQ(tr_.Duracion(), 120);
 }
 
-TEST_F(NorstarTest, KeywordsInLowerCaseAreFound) {
+TEST_F(Part4_4Norstar, KeywordsInLowerCaseAreFound) {
   Write(kHeader + "|00:00:00 outgoing call|00:01:30 call released");
   EXPECT_EQ(Type(), velqua::emTradSaliente);
 }
 
-TEST_F(NorstarTest, AnsweredCallWithoutReadableDurationIsRejected) {
+TEST_F(Part4_4Norstar, AnsweredCallWithoutReadableDurationIsRejected) {
   const std::string record = kHeader + "|00:00:00 OUTGOING CALL|xx:xx:xx CALL RELEASED";
   Write(record);
   EXPECT_EQ(Type(), velqua::emTradNoIdentificada);
   EXPECT_EQ(Log(), LogEntry(record));
 }
 
-TEST_F(NorstarTest, DateTimeExtensionAndTrunkComeFromTheHeaderLine) {
+TEST_F(Part4_4Norstar, DateTimeExtensionAndTrunkComeFromTheHeaderLine) {
   Write(kHeader + "|00:00:00 INCOMING CALL|00:01:30 CALL RELEASED");
   EXPECT_EQ(tr_.Dia(), 17);
   EXPECT_EQ(tr_.Mes(), 11);
@@ -148,7 +149,7 @@ TEST_F(NorstarTest, DateTimeExtensionAndTrunkComeFromTheHeaderLine) {
   EXPECT_EQ(tr_.LlamadaActual(), U(kHeader + "|00:00:00 INCOMING CALL|00:01:30 CALL RELEASED"));
 }
 
-TEST_F(NorstarTest, ExtensionAndTrunkUseIncomingKeysWhateverTheType) {
+TEST_F(Part4_4Norstar, ExtensionAndTrunkUseIncomingKeysWhateverTheType) {
   SetText(*cfg_, velqua::emParamExtensionSaliente, 1, 8);
   SetText(*cfg_, velqua::emParamTroncalSaliente, 1, 8);
   Write(kHeader + "|00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED");
@@ -159,7 +160,7 @@ TEST_F(NorstarTest, ExtensionAndTrunkUseIncomingKeysWhateverTheType) {
   EXPECT_EQ(tr_.TroncalReceptor(), u"");
 }
 
-TEST_F(NorstarTest, MarcacionComesFromDigitsDialedWithOutgoingKeyAsFallback) {
+TEST_F(Part4_4Norstar, MarcacionComesFromDigitsDialedWithOutgoingKeyAsFallback) {
   Write(kHeader + "|00:00:00 OUTGOING CALL|00:00:02 DIGITS DIALED 5551212|00:01:30 CALL RELEASED");
   EXPECT_EQ(tr_.Marcacion(), u"5551212");
   cfg_->DATOActivo(velqua::emParamTelefonoEntrante);
@@ -169,20 +170,20 @@ TEST_F(NorstarTest, MarcacionComesFromDigitsDialedWithOutgoingKeyAsFallback) {
   EXPECT_EQ(tr_.Marcacion(), u"5551");
 }
 
-TEST_F(NorstarTest, MarcacionAppliesThePrefixRule) {
+TEST_F(Part4_4Norstar, MarcacionAppliesThePrefixRule) {
   cfg_->CTEActivo(velqua::emDatoCteIdentInterExtensionEnTransferencia);
   cfg_->Constante(u"9");
   Write(kHeader + "|00:00:00 OUTGOING CALL|00:00:02 DIGITS DIALED 95551212|00:01:30 CALL RELEASED");
   EXPECT_EQ(tr_.Marcacion(), u"5551212");
 }
 
-TEST_F(NorstarTest, CodigoCuentaComesFromRestrictionPasswordLine) {
+TEST_F(Part4_4Norstar, CodigoCuentaComesFromRestrictionPasswordLine) {
   Write(kHeader +
         "|00:00:00 OUTGOING CALL|00:00:05 RESTRICTION PASSWORD 4321|00:01:30 CALL RELEASED");
   EXPECT_EQ(tr_.CodigoCuenta(), u"4321");
 }
 
-TEST_F(NorstarTest, MissingFieldLinesGiveUndefinedValues) {
+TEST_F(Part4_4Norstar, MissingFieldLinesGiveUndefinedValues) {
   Write("00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED");
   EXPECT_EQ(tr_.Dia(), 18);
   EXPECT_EQ(tr_.Hora(), Hms(9, 5, 3));
@@ -193,7 +194,7 @@ TEST_F(NorstarTest, MissingFieldLinesGiveUndefinedValues) {
   EXPECT_FALSE(tr_.HayLlamada());
 }
 
-TEST_F(NorstarTest, RingReadsTheLineLeftByThePreviousSearch) {
+TEST_F(Part4_4Norstar, RingReadsTheLineLeftByThePreviousSearch) {
   SetField(*cfg_, velqua::emParamRingMinutos, 4, 2);
   SetField(*cfg_, velqua::emParamRingSegundos, 7, 2);
   Write(kHeader + "|00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED");
@@ -203,7 +204,7 @@ TEST_F(NorstarTest, RingReadsTheLineLeftByThePreviousSearch) {
   EXPECT_EQ(tr_.Ring(), -1);
 }
 
-TEST_F(NorstarTest, RecordIsTheWholeBufferAndLineOnlyTheLastSearch) {
+TEST_F(Part4_4Norstar, RecordIsTheWholeBufferAndLineOnlyTheLastSearch) {
   tr_.BufferMultiplesLineas(u"old");
   Write(kHeader + "|00:00:20 NO ANSWER");
   EXPECT_EQ(tr_.BufferMultiplesLineas(), U(kHeader + "|00:00:20 NO ANSWER"));
@@ -213,9 +214,9 @@ TEST_F(NorstarTest, RecordIsTheWholeBufferAndLineOnlyTheLastSearch) {
 
 // ---- cases 10 and 11, KX-TDA account codes ----
 
-class KxTdaTest : public ::testing::Test {
+class Part4_4KxTda : public ::testing::Test {
  protected:
-  KxTdaTest()
+  Part4_4KxTda()
       : clock_(TestNow(), 4242),
         cfg_(MakeConfig(velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100)) {
     using namespace velqua;
@@ -238,37 +239,37 @@ class KxTdaTest : public ::testing::Test {
   clsTraductor tr_;
 };
 
-TEST_F(KxTdaTest, StarCodeOfOutgoingCallMapsToListedExtension) {
+TEST_F(Part4_4KxTda, StarCodeOfOutgoingCallMapsToListedExtension) {
   Write("O *1234 01:00");
   ASSERT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradSaliente);
   EXPECT_EQ(tr_.Extension(), u"201");
   EXPECT_EQ(tr_.CodigoCuenta(), u"1234");
 }
 
-TEST_F(KxTdaTest, ExtensionWithoutStarIsTheExtensionAndHasNoCode) {
+TEST_F(Part4_4KxTda, ExtensionWithoutStarIsTheExtensionAndHasNoCode) {
   Write("O   205 01:00");
   EXPECT_EQ(tr_.Extension(), u"205");
   EXPECT_EQ(tr_.CodigoCuenta(), u"");
 }
 
-TEST_F(KxTdaTest, BlanksBeforeTheStarAreTrimmedFirst) {
+TEST_F(Part4_4KxTda, BlanksBeforeTheStarAreTrimmedFirst) {
   Write("O  *12  01:00");  // the field holds " *12 "
   EXPECT_EQ(tr_.Extension(), u"203");
 }
 
-TEST_F(KxTdaTest, CodeAfterStarIsNotTrimmedAgain) {
+TEST_F(Part4_4KxTda, CodeAfterStarIsNotTrimmedAgain) {
   Write("O * 77 01:00");
   EXPECT_EQ(tr_.CodigoCuenta(), u" 77");
 }
 
-TEST_F(KxTdaTest, IncomingCallKeepsTheStarInItsExtension) {
+TEST_F(Part4_4KxTda, IncomingCallKeepsTheStarInItsExtension) {
   Write("I *1234 01:00");
   ASSERT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradEntrante);
   EXPECT_EQ(tr_.Extension(), u"*1234");
   EXPECT_EQ(tr_.CodigoCuenta(), u"1234");  // the code rule holds for any type
 }
 
-TEST_F(KxTdaTest, UnlistedCodeGivesARandomFourDigitExtension) {
+TEST_F(Part4_4KxTda, UnlistedCodeGivesARandomFourDigitExtension) {
   Write("O *9999 01:00");
   const std::u16string ext = tr_.Extension();
   ASSERT_GE(ext.size(), 4u);
@@ -280,14 +281,14 @@ TEST_F(KxTdaTest, UnlistedCodeGivesARandomFourDigitExtension) {
   EXPECT_LE(n, 10000);
 }
 
-TEST_F(KxTdaTest, AccountMarkDefinedEmptiesCodeOfOutgoingCalls) {
+TEST_F(Part4_4KxTda, AccountMarkDefinedEmptiesCodeOfOutgoingCalls) {
   SetConstant(*cfg_, velqua::emDatoCteIdentCodigoCuenta, 20, u"A");
   Write("O *1234 01:00");
   EXPECT_EQ(tr_.CodigoCuenta(), u"");
   EXPECT_EQ(tr_.Extension(), u"201");
 }
 
-TEST_F(KxTdaTest, Case11GivesDefaultOutgoingThenMapsTheCode) {
+TEST_F(Part4_4KxTda, Case11GivesDefaultOutgoingThenMapsTheCode) {
   cfg_->Caso(velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto);
   SetText(*cfg_, velqua::emParamTelefonoSaliente, 15, 5);
   SetText(*cfg_, velqua::emParamTroncalSaliente, 21, 2);
@@ -299,14 +300,14 @@ TEST_F(KxTdaTest, Case11GivesDefaultOutgoingThenMapsTheCode) {
   EXPECT_EQ(tr_.Troncal(), u"07");
 }
 
-TEST_F(KxTdaTest, OtherCasesKeepTheStar) {
+TEST_F(Part4_4KxTda, OtherCasesKeepTheStar) {
   cfg_->Caso(velqua::emCasoEstandar);
   Write("O *1234 01:00");
   EXPECT_EQ(tr_.Extension(), u"*1234");
   EXPECT_EQ(tr_.CodigoCuenta(), u"*1234");
 }
 
-TEST(CaseTableTest, Case9DurationSecondsAreNotMultiplied) {
+TEST(Part4_4CaseTable, Case9DurationSecondsAreNotMultiplied) {
   auto cfg = MakeConfig(velqua::emCasoEstandarDecimasMinutoConSalienteDefecto);
   SetConstant(*cfg, velqua::emDatoCteIdentSaliente, 1, u"O");
   SetField(*cfg, velqua::emParamDuracionMinutos, 3, 2);

@@ -14,9 +14,9 @@ using velqua::clsTraductor;
 
 // ---- the log ----
 
-class LogTest : public ::testing::Test {
+class Part4_5Log : public ::testing::Test {
  protected:
-  LogTest() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoEstandar, u"|")) {
+  Part4_5Log() : clock_(TestNow()), cfg_(MakeConfig(velqua::emCasoEstandar, u"|")) {
     tr_.Conmutador(cfg_);
     tr_.ArchivoLlamadasError(dir_.Path16("log.txt"));
   }
@@ -28,7 +28,7 @@ class LogTest : public ::testing::Test {
   clsTraductor tr_;
 };
 
-TEST_F(LogTest, TwoEntriesInARowAreSeparatedByTwoEmptyLines) {
+TEST_F(Part4_5Log, TwoEntriesInARowAreSeparatedByTwoEmptyLines) {
   tr_.LlamadaActual(u"registro 1");
   clock_.Set(At(2027, 1, 5, 7, 8, 9));
   tr_.LlamadaActual(u"registro 2");
@@ -37,7 +37,7 @@ TEST_F(LogTest, TwoEntriesInARowAreSeparatedByTwoEmptyLines) {
             "\r\n\r\nLlamada no reconocida (2027 Jan 05 07:08:09): \r\nregistro 2\r\n");
 }
 
-TEST_F(LogTest, HeadingEndsWithColonAndBlank) {
+TEST_F(Part4_5Log, HeadingEndsWithColonAndBlank) {
   tr_.LlamadaActual(u"x 1");
   const std::string log = Log();
   const size_t heading_end = log.find("\r\n", 4);
@@ -45,30 +45,30 @@ TEST_F(LogTest, HeadingEndsWithColonAndBlank) {
   EXPECT_EQ(log.substr(heading_end - 2, 2), ": ");
 }
 
-TEST_F(LogTest, EntriesAreAppendedToAnExistingFile) {
+TEST_F(Part4_5Log, EntriesAreAppendedToAnExistingFile) {
   WriteFile(dir_.Path("log.txt"), "antes");
   tr_.LlamadaActual(u"x 1");
   EXPECT_EQ(Log(), "antes" + LogEntry("x 1"));
 }
 
-TEST_F(LogTest, RecordIsWrittenInWindows1252AsStored) {
+TEST_F(Part4_5Log, RecordIsWrittenInWindows1252AsStored) {
   tr_.LlamadaActual(U("línea ñ € 1\r\nsigue ✓"));
   EXPECT_EQ(Log(), LogEntry("l\xEDnea \xF1 \x80 1\r\nsigue ?"));
 }
 
-TEST_F(LogTest, MultiLineEntryIsTheWholeBufferWithSeparators) {
+TEST_F(Part4_5Log, MultiLineEntryIsTheWholeBufferWithSeparators) {
   cfg_->Caso(velqua::emCasoNortelNorstar0x32SMDR6);
   tr_.LlamadaActual(u"sin cabecera|00:00:00 OUTGOING CALL");
   EXPECT_EQ(Log(), LogEntry("sin cabecera|00:00:00 OUTGOING CALL"));
 }
 
-TEST_F(LogTest, EmptyNameTurnsLoggingOff) {
+TEST_F(Part4_5Log, EmptyNameTurnsLoggingOff) {
   tr_.ArchivoLlamadasError(u"");
   tr_.LlamadaActual(u"x 1");
   EXPECT_TRUE(std::filesystem::is_empty(dir_.dir()));
 }
 
-TEST_F(LogTest, UnopenableLogIsIgnored) {
+TEST_F(Part4_5Log, UnopenableLogIsIgnored) {
   tr_.ArchivoLlamadasError(dir_.Path16("no/such/folder/log.txt"));
   EXPECT_NO_THROW(tr_.LlamadaActual(u"x 1"));
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), velqua::emTradNoIdentificada);
@@ -76,7 +76,7 @@ TEST_F(LogTest, UnopenableLogIsIgnored) {
   EXPECT_NO_THROW(tr_.LlamadaActual(u"x 1"));
 }
 
-TEST_F(LogTest, RecognisedRecordIsNotLogged) {
+TEST_F(Part4_5Log, RecognisedRecordIsNotLogged) {
   SetConstant(*cfg_, velqua::emDatoCteIdentSaliente, 1, u"O");
   SetField(*cfg_, velqua::emParamDuracionMinutos, 3, 1);
   SetField(*cfg_, velqua::emParamDuracionSegundos, 5, 1);
@@ -87,9 +87,9 @@ TEST_F(LogTest, RecognisedRecordIsNotLogged) {
 
 // ---- the extension list, seen through Extension in case 10 ----
 
-class ListTest : public ::testing::Test {
+class Part4_5List : public ::testing::Test {
  protected:
-  ListTest()
+  Part4_5List()
       : clock_(TestNow(), 99),
         cfg_(MakeConfig(velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100)) {
     SetConstant(*cfg_, velqua::emDatoCteIdentSaliente, 1, u"O");
@@ -114,56 +114,56 @@ class ListTest : public ::testing::Test {
   clsTraductor tr_;
 };
 
-TEST_F(ListTest, SemicolonLineWinsOverLaterCommaLine) {
+TEST_F(Part4_5List, SemicolonLineWinsOverLaterCommaLine) {
   List("1234;201\r\n1234,305\r\n");
   EXPECT_EQ(Lookup("1234"), u"201");
 }
 
-TEST_F(ListTest, CommaSeparatesWhenLineHasNoSemicolon) {
+TEST_F(Part4_5List, CommaSeparatesWhenLineHasNoSemicolon) {
   List("1234,305\r\n1234;201\r\n");
   EXPECT_EQ(Lookup("1234"), u"305");
 }
 
-TEST_F(ListTest, EmptyExtensionIsPassedOver) {
+TEST_F(Part4_5List, EmptyExtensionIsPassedOver) {
   List("1234;\r\n1234;202\r\n");
   EXPECT_EQ(Lookup("1234"), u"202");
 }
 
-TEST_F(ListTest, BlanksAndLetterCaseAreIgnored) {
+TEST_F(Part4_5List, BlanksAndLetterCaseAreIgnored) {
   List("AB12 ; 207\r\n");
   EXPECT_EQ(Lookup("ab12"), u"207");
 }
 
-TEST_F(ListTest, AccentedCodesCompareIgnoringCase) {
+TEST_F(Part4_5List, AccentedCodesCompareIgnoringCase) {
   List(
       "\xD1\xC1"
       "1;209\r\n");  // "ÑÁ1" in Windows-1252
   EXPECT_EQ(Lookup("ñá1"), u"209");
 }
 
-TEST_F(ListTest, SemicolonAfterCommaMakesTheCommaPartOfTheCode) {
+TEST_F(Part4_5List, SemicolonAfterCommaMakesTheCommaPartOfTheCode) {
   List("1,234;208\r\n");
   EXPECT_EQ(Lookup("1,234"), u"208");
 }
 
-TEST_F(ListTest, LinesWithoutSeparatorOrStartingWithOneAreIgnored) {
+TEST_F(Part4_5List, LinesWithoutSeparatorOrStartingWithOneAreIgnored) {
   List("\r\n1234 201\r\n;1234\r\n,1234\r\n\r\n1234;210\r\n");
   EXPECT_EQ(Lookup("1234"), u"210");
 }
 
-TEST_F(ListTest, LoneLineFeedAndCarriageReturnEndLines) {
+TEST_F(Part4_5List, LoneLineFeedAndCarriageReturnEndLines) {
   List("1;211\n2;212\r3;213");
   EXPECT_EQ(Lookup("2"), u"212");
   EXPECT_EQ(Lookup("3"), u"213");
   EXPECT_EQ(Lookup("1"), u"211");
 }
 
-TEST_F(ListTest, ExtensionKeepsItsInnerCharacters) {
+TEST_F(Part4_5List, ExtensionKeepsItsInnerCharacters) {
   List("77; 2 01 \r\n");
   EXPECT_EQ(Lookup("77"), u"2 01");
 }
 
-TEST_F(ListTest, ChangedListTakesEffectAtNextLookup) {
+TEST_F(Part4_5List, ChangedListTakesEffectAtNextLookup) {
   List("1234;201\r\n");
   EXPECT_EQ(Lookup("1234"), u"201");
   List("1234;299\r\n");
@@ -182,7 +182,7 @@ bool IsRandomExtension(const std::u16string& ext) {
   return n >= 1 && n <= 10000 && (ext.size() == 4 || n == 10000);
 }
 
-TEST_F(ListTest, MissingListGivesRandomFourDigitNumbers) {
+TEST_F(Part4_5List, MissingListGivesRandomFourDigitNumbers) {
   std::set<std::u16string> seen;
   for (int i = 0; i < 200; ++i) {
     const std::u16string ext = Lookup("1234");
@@ -192,14 +192,14 @@ TEST_F(ListTest, MissingListGivesRandomFourDigitNumbers) {
   EXPECT_GT(seen.size(), 150u);
 }
 
-TEST_F(ListTest, EmptyListNameAndUnlistedCodeGiveRandomNumbers) {
+TEST_F(Part4_5List, EmptyListNameAndUnlistedCodeGiveRandomNumbers) {
   List("1234;201\r\n");
   EXPECT_TRUE(IsRandomExtension(Lookup("4321")));
   tr_.ArchivoListaExtensionesKXTDA(u"");
   EXPECT_TRUE(IsRandomExtension(Lookup("1234")));
 }
 
-TEST_F(ListTest, RandomNumbersDifferFromRunToRun) {
+TEST_F(Part4_5List, RandomNumbersDifferFromRunToRun) {
   // Two "runs": the timer gives another seed at binding.
   const std::u16string run1 = Lookup("1") + Lookup("1") + Lookup("1");
   FixedClock other(TestNow(), 100);
@@ -208,7 +208,7 @@ TEST_F(ListTest, RandomNumbersDifferFromRunToRun) {
   EXPECT_NE(run1, run2);
 }
 
-TEST_F(ListTest, SameSeedRepeatsTheSequence) {
+TEST_F(Part4_5List, SameSeedRepeatsTheSequence) {
   const std::u16string run1 = Lookup("1") + Lookup("1") + Lookup("1");
   tr_.Conmutador(cfg_);  // seed 99 again
   EXPECT_EQ(Lookup("1") + Lookup("1") + Lookup("1"), run1);

@@ -154,7 +154,7 @@ std::u16string Mer(const std::string& t, const std::string& num, const std::stri
                {46, digits}});
 }
 
-TEST(SampleTest, Case1MeridianStyleRecords) {
+TEST(Part4_Samples, Case1MeridianStyleRecords) {
   FixedClock clock(TestNow());
   TempDir dir;
   clsTraductor tr;
@@ -242,7 +242,7 @@ std::u16string Block(std::initializer_list<std::string> lines) {
   return U(joined);
 }
 
-TEST(SampleTest, Case4NorstarMultiLineRecords) {
+TEST(Part4_Samples, Case4NorstarMultiLineRecords) {
   FixedClock clock(TestNow());
   TempDir dir;
   clsTraductor tr;
@@ -382,7 +382,7 @@ std::u16string Tda(const std::string& date, const std::string& time, const std::
                {78, cd}});
 }
 
-TEST(SampleTest, Case10PanasonicKxTdaRecords) {
+TEST(Part4_Samples, Case10PanasonicKxTdaRecords) {
   FixedClock clock(TestNow());
   TempDir dir;
   WriteFile(dir.Path("lista.txt"), "1234;201\r\n5678 ; 202\r\n0042;7425\r\n");
