@@ -5,5 +5,6 @@
 #include "velqua/enums.h"
 #include "velqua/error.h"
 #include "velqua/superficie.h"
+#include "velqua/superficie_grabadora.h"
 #include "velqua/texto.h"
 #include "velqua/traductor.h"
