@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstring>
 
 #include "cli_common.h"
@@ -33,16 +34,22 @@ std::string StripPrefix(const char* name, const char* prefix) {
   return std::strncmp(name, prefix, n) == 0 ? std::string(name + n) : std::string(name);
 }
 
+// std::to_chars rather than snprintf: it is a fifth of the cost of a row.
 void AppendInt(std::string& out, int64_t value) {
   char digits[24];
-  const int n = std::snprintf(digits, sizeof digits, "%lld", static_cast<long long>(value));
-  out.append(digits, static_cast<size_t>(n));
+  const std::to_chars_result r = std::to_chars(digits, digits + sizeof digits, value);
+  out.append(digits, r.ptr);
 }
 
-void Append2(std::string& out, int32_t value) {
-  if (value >= 0 && value < 10) out += '0';
-  AppendInt(out, value);
+void AppendPadded(std::string& out, int32_t value, size_t width) {
+  char digits[16];
+  const std::to_chars_result r = std::to_chars(digits, digits + sizeof digits, value);
+  const size_t n = static_cast<size_t>(r.ptr - digits);
+  if (value >= 0 && n < width) out.append(width - n, '0');
+  out.append(digits, r.ptr);
 }
+
+void Append2(std::string& out, int32_t value) { AppendPadded(out, value, 2); }
 
 constexpr std::array<const char*, 15> kColumns = {"record",
                                                   "type",
@@ -317,9 +324,11 @@ std::string ShortAttributeName(int32_t attribute) {
 }
 
 void AppendDate(std::string& out, const Row& row) {
-  char text[32];
-  const int n = std::snprintf(text, sizeof text, "%04d-%02d-%02d", row.year, row.month, row.day);
-  out.append(text, static_cast<size_t>(n));
+  AppendPadded(out, row.year, 4);
+  out += '-';
+  AppendPadded(out, row.month, 2);
+  out += '-';
+  AppendPadded(out, row.day, 2);
 }
 
 void AppendTime(std::string& out, int32_t seconds) {
