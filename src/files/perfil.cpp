@@ -176,9 +176,9 @@ void clsCfgConmut::Exportar(const std::u16string& cadArch) {
     archivos::LanzaErrorConfig(emErrorNoHayArchivo, archivos::kFuenteExportar,
                                ObtMensajeError(emErrorNoHayArchivo));
   }
-  // The name as the platform functions see it (Windows-1252), so the file
-  // deleted is the file then written.
-  plataforma::BorraArchivo(DesdeAnsi(AAnsi(cadArch)));  // a failure is ignored
+  // The name as the platform functions see it (Windows-1252, ended by a
+  // U+0000 as a C string), so the file deleted is the file then written.
+  plataforma::BorraArchivo(DesdeAnsi(AAnsi(basConmuta::CortaEnNulo(cadArch))));  // failure ignored
 
   bool bolFallo = false;
   try {
