@@ -1,0 +1,105 @@
+// Fuzz target (4): the velqua program's record reader (tools/velqua/
+// record_reader.h): LineReader splits a byte stream on CR LF, LF and a lone
+// CR; CallGatherer gathers the lines of Norstar multi-line calls (case 4).
+// Invariants checked against a plain reference:
+//  - the lines equal those of a one-pass split of the whole input;
+//  - joining the gathered calls with the separator gives the lines joined
+//    with the separator (nothing dropped, reordered or duplicated);
+//  - a call of more than one line never exceeds CallGatherer::kMaxCallSize.
+// The first byte chooses the separator and whether the input is preceded by
+// a line of padding that puts the rest across the reader's 64 KiB refill.
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "../tools/velqua/record_reader.h"
+#include "fuzz_support.h"
+
+namespace velqua_fuzz_lector {
+
+// The reference split: CR LF, LF or CR end a line; no line after a final end.
+inline std::vector<std::string> Referencia(const std::string& s) {
+  std::vector<std::string> lineas;
+  std::string actual;
+  bool bolAbierta = false;
+  for (size_t i = 0; i < s.size(); ++i) {
+    if (s[i] == '\r' || s[i] == '\n') {
+      lineas.push_back(actual);
+      actual.clear();
+      bolAbierta = false;
+      if (s[i] == '\r' && i + 1 < s.size() && s[i + 1] == '\n') ++i;
+    } else {
+      actual.push_back(s[i]);
+      bolAbierta = true;
+    }
+  }
+  if (bolAbierta) lineas.push_back(actual);
+  return lineas;
+}
+
+inline std::vector<std::string> Lineas(std::string& s) {
+  std::vector<std::string> lineas;
+  std::FILE* f = s.empty() ? std::fopen("/dev/null", "rb") : fmemopen(&s[0], s.size(), "rb");
+  if (f == nullptr) std::abort();
+  velqua_cli::LineReader lector(f);
+  std::string linea;
+  while (lector.Next(&linea)) lineas.push_back(linea);
+  std::fclose(f);
+  return lineas;
+}
+
+inline void Reune(const std::vector<std::string>& lineas, const std::u16string& sep) {
+  velqua_cli::CallGatherer reunidor(sep);
+  std::u16string esperado;
+  std::u16string obtenido;
+  std::u16string llamada;
+  size_t intLlamadas = 0;
+  auto Agrega = [&](size_t intLineasLlamada) {
+    if (intLineasLlamada > 1 && llamada.size() > velqua_cli::CallGatherer::kMaxCallSize) {
+      velqua_fuzz::Hallazgo("a gathered call of several lines exceeds kMaxCallSize");
+    }
+    if (intLlamadas++ > 0) obtenido += sep;
+    obtenido += llamada;
+  };
+  size_t intLineasAbiertas = 0;
+  for (size_t i = 0; i < lineas.size(); ++i) {
+    const std::u16string linea = velqua::DesdeAnsi(lineas[i]);
+    if (i > 0) esperado += sep;
+    esperado += linea;
+    if (reunidor.Add(linea, &llamada)) {
+      Agrega(intLineasAbiertas);
+      intLineasAbiertas = 0;
+    }
+    ++intLineasAbiertas;
+  }
+  if (reunidor.Finish(&llamada)) Agrega(intLineasAbiertas);
+  if (obtenido != esperado) velqua_fuzz::Hallazgo("gathered calls lost or changed lines");
+}
+
+inline int Ejecuta(const uint8_t* datos, size_t tam) {
+  if (tam == 0) {
+    std::string vacio;
+    if (!Lineas(vacio).empty()) velqua_fuzz::Hallazgo("lines from an empty input");
+    return 0;
+  }
+  const uint8_t btOpciones = datos[0];
+  std::string entrada;
+  if (btOpciones & 1) {
+    // A padding line whose end falls near the 65536-byte refill boundary.
+    entrada.assign(65536 - 64 + (btOpciones >> 1), 'p');
+    entrada += (btOpciones & 2) ? "\r" : "\n";
+  }
+  entrada.append(reinterpret_cast<const char*>(datos + 1), tam - 1);
+  const std::vector<std::string> esperadas = Referencia(entrada);
+  const std::vector<std::string> lineas = Lineas(entrada);
+  if (lineas != esperadas) velqua_fuzz::Hallazgo("LineReader split differs from the reference");
+  static const char16_t* const kSeparadores[] = {u"|", u"\r\n", u"", u"--------"};
+  Reune(lineas, kSeparadores[(btOpciones >> 2) & 3]);
+  return 0;
+}
+
+}  // namespace velqua_fuzz_lector
+
+VELQUA_FUZZ_ENTRADA(velqua_fuzz_lector::Ejecuta)

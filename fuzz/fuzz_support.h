@@ -1,0 +1,97 @@
+// Shared helpers of the libFuzzer targets (STYLE.md, Tests): a fixed clock so
+// that every run is deterministic, and a private temporary folder for the
+// files the targets hand to the library. Header-only, so that the replay test
+// (tests/test_fuzz_replay.cpp) can compile the targets into one program.
+#pragma once
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "platform/reloj.h"
+#include "velqua/texto.h"
+
+namespace velqua_fuzz {
+
+// Installs one fixed clock (2026-03-10 09:05:03, seed 1) for the whole
+// process; called at the start of every input.
+inline void InstalaRelojFijo() {
+  static velqua::plataforma::RelojFijo reloj(
+      [] {
+        velqua::plataforma::FechaHora f;
+        f.intAnio = 2026;
+        f.intMes = 3;
+        f.intDia = 10;
+        f.intHora = 9;
+        f.intMinuto = 5;
+        f.intSegundo = 3;
+        return f;
+      }(),
+      1);
+  velqua::plataforma::EstableceReloj(&reloj);
+}
+
+// A folder of this process under $TMPDIR (or /tmp), removed at exit.
+class CarpetaTemporal {
+ public:
+  static const std::string& Ruta() {
+    static CarpetaTemporal carpeta;
+    return carpeta.ruta_;
+  }
+  CarpetaTemporal(const CarpetaTemporal&) = delete;
+  CarpetaTemporal& operator=(const CarpetaTemporal&) = delete;
+
+ private:
+  CarpetaTemporal() {
+    const char* base = std::getenv("TMPDIR");
+    std::string plantilla =
+        std::string(base != nullptr && *base != '\0' ? base : "/tmp") + "/velqua-fuzz-XXXXXX";
+    if (mkdtemp(plantilla.data()) == nullptr) std::abort();
+    ruta_ = plantilla;
+  }
+  ~CarpetaTemporal() {
+    std::error_code ec;
+    std::filesystem::remove_all(ruta_, ec);
+  }
+  std::string ruta_;
+};
+
+// Path of a file in the temporary folder.
+inline std::string RutaTemporal(const std::string& nombre) {
+  return CarpetaTemporal::Ruta() + "/" + nombre;
+}
+
+// The same as a library file name.
+inline std::u16string RutaTemporal16(const std::string& nombre) {
+  return velqua::DesdeUtf8(RutaTemporal(nombre));
+}
+
+// Writes bytes to a file, replacing it.
+inline void EscribeArchivo(const std::string& ruta, const uint8_t* datos, size_t tam) {
+  std::ofstream out(ruta, std::ios::binary | std::ios::trunc);
+  out.write(reinterpret_cast<const char*>(datos), static_cast<std::streamsize>(tam));
+}
+
+// Stops the run with a message: a broken invariant the sanitizers cannot see.
+[[noreturn]] inline void Hallazgo(const char* mensaje) {
+  std::fprintf(stderr, "velqua fuzz finding: %s\n", mensaje);
+  std::abort();
+}
+
+}  // namespace velqua_fuzz
+
+// Each target defines its entry point through this macro; the replay test
+// defines VELQUA_FUZZ_SIN_ENTRADA and calls the namespaced function instead.
+#ifdef VELQUA_FUZZ_SIN_ENTRADA
+#define VELQUA_FUZZ_ENTRADA(funcion)
+#else
+#define VELQUA_FUZZ_ENTRADA(funcion)                                        \
+  extern "C" int LLVMFuzzerTestOneInput(const uint8_t* datos, size_t tam) { \
+    return funcion(datos, tam);                                             \
+  }
+#endif
