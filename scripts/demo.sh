@@ -5,7 +5,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh build
+# The program and the drawing surface are on by default in a top-level build;
+# said explicitly so that an older build/ configured without them is fixed.
+scripts/setup.sh build -DVELQUA_BUILD_CLI=ON -DVELQUA_BUILD_CAIRO=ON
 
 echo
 echo "== velqua translate: Panasonic KX-TDA100/200, examples/kx-tda/records.txt"
