@@ -14,6 +14,9 @@
 #include "velqua/enums.h"
 
 namespace velqua {
+namespace plataforma {
+struct FechaHora;
+}  // namespace plataforma
 
 class clsTraductor {
  public:
@@ -87,7 +90,8 @@ class clsTraductor {
   int16_t ObtHoras(emParamDato emParamDat, bool bolHoraActual);
   int16_t ObtMinutos(emParamDato emParamDat, bool bolHoraActual);
   int16_t ObtSegundos(emParamDato emParamDat, bool bolHoraActual);
-  int16_t ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual, int32_t intActual);
+  int16_t ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
+                            int32_t plataforma::FechaHora::*emActual);
   int16_t AplicaMatutino(int16_t intHoras, emParamDatoConstante emMarca);
   int32_t TiempoEnSegundos(emParamDato emHoras, emParamDato emMinutos, emParamDato emSegundos);
   std::u16string CampoTexto(emParamDato emParamDat);

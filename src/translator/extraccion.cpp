@@ -70,14 +70,16 @@ int16_t clsTraductor::ObtMes(emParamDato emParamDat) {
 int16_t clsTraductor::ObtAnio(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLinea(u"--------");
   ExtraeDato(emParamDat);
-  const int32_t intAnioActual = plataforma::RelojActual().Ahora().intAnio;
   if (traductor::EsNumeroTexto(cadDato)) {
     const std::size_t largo = std::min<std::size_t>(cadDato.size(), 4);
     const int32_t v = traductor::ValorNumeroTexto(cadDato);
-    if (v >= 0 && largo <= 2) return AEntero16(v + intAnioActual - intAnioActual % 100);
     if (v >= 0 && largo == 4) return static_cast<int16_t>(v);
+    if (v >= 0 && largo <= 2) {
+      const int32_t intAnioActual = plataforma::RelojActual().Ahora().intAnio;
+      return AEntero16(v + intAnioActual - intAnioActual % 100);
+    }
   }
-  return AEntero16(intAnioActual);
+  return AEntero16(plataforma::RelojActual().Ahora().intAnio);
 }
 
 int16_t clsTraductor::Dia() { return ObtDia(emParamFechaDia); }
@@ -86,26 +88,27 @@ int16_t clsTraductor::Mes() { return ObtMes(emParamFechaMes); }
 
 int16_t clsTraductor::Anio() { return ObtAnio(emParamFechaAnio); }
 
-// Steps 2 to 5 of ObtHoras, ObtMinutos and ObtSegundos; intActual is the
-// component of the current time used when bolHoraActual is true.
+// Steps 2 to 5 of ObtHoras and ObtMinutos; emActual names the component of
+// the current time used when bolHoraActual is true. The clock is read only
+// then: it is the costly part of a read.
 int16_t clsTraductor::ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
-                                        int32_t intActual) {
+                                        int32_t plataforma::FechaHora::*emActual) {
   ExtraeDato(emParamDat);
   if (traductor::EsNumeroTexto(cadDato)) {
     const int32_t v = traductor::ValorNumeroTexto(cadDato);
     if (v >= 0) return static_cast<int16_t>(v);
   }
-  return bolHoraActual ? AEntero16(intActual) : int16_t{-1};
+  return bolHoraActual ? AEntero16(plataforma::RelojActual().Ahora().*emActual) : int16_t{-1};
 }
 
 int16_t clsTraductor::ObtHoras(emParamDato emParamDat, bool bolHoraActual) {
   if (SeleccionaLineaNorstar(emParamDat)) return 0;
-  return ObtComponenteHora(emParamDat, bolHoraActual, plataforma::RelojActual().Ahora().intHora);
+  return ObtComponenteHora(emParamDat, bolHoraActual, &plataforma::FechaHora::intHora);
 }
 
 int16_t clsTraductor::ObtMinutos(emParamDato emParamDat, bool bolHoraActual) {
   if (SeleccionaLineaNorstar(emParamDat)) return 0;
-  return ObtComponenteHora(emParamDat, bolHoraActual, plataforma::RelojActual().Ahora().intMinuto);
+  return ObtComponenteHora(emParamDat, bolHoraActual, &plataforma::FechaHora::intMinuto);
 }
 
 int16_t clsTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) {
