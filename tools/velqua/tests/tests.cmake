@@ -124,4 +124,7 @@ if(VELQUA_CLI_HAS_DRAW)
   velqua_e2e(error_draw_extension 1 draw table -o nowhere/table.bmp)
   velqua_e2e(error_draw_port 2 draw cable -c examples/kx-tda/kx-tda.json --port usb
              -o ${VELQUA_E2E_TMP}/x.png)
+  set_tests_properties(cli.e2e.draw_cable_png cli.e2e.draw_cable_svg cli.e2e.draw_table_pdf
+    PROPERTIES ENVIRONMENT
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/e2e/lsan.supp:print_suppressions=0")
 endif()
