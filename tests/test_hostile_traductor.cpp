@@ -41,6 +41,11 @@ constexpr bool kUnderAsan = false;
 constexpr bool kUnderAsan = false;
 #endif
 
+// A time limit, four times longer under AddressSanitizer (a Debug build).
+std::chrono::seconds Budget(int seconds) {
+  return std::chrono::seconds(kUnderAsan ? 4 * seconds : seconds);
+}
+
 class HostileTranslator : public ::testing::Test {
  protected:
   FixedClock clock_{velqua_test::TestNow()};
@@ -92,7 +97,7 @@ TEST_F(HostileTranslator, LinesFromEmptyToAMillionCharacters) {
     }
     EXPECT_EQ(tr_.Dia(), 18);  // no day field: today
     EXPECT_EQ(tr_.LlamadaActual().size(), length);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, Budget(5));
   }
   // Logged: the one-character line (a digit, no mark); the empty line is not.
   EXPECT_EQ(ReadFile(dir_.Path("log.txt")), velqua_test::LogEntry("7"));
@@ -318,19 +323,19 @@ long MaxRssKb() {
 TEST_F(HostileTranslator, ListOfAMillionLinesIsSearchedQuicklyInBoundedMemory) {
   {
     std::ofstream out(dir_.Path("list.txt"), std::ios::binary);
-    const std::string filler(30, 'f');
+    const std::string filler(10, 'f');
     for (int i = 0; i < 999999; ++i) out << "C" << i << filler << ";" << i << "\r\n";
     out << "9999;4321\r\n";
   }
-  ASSERT_GT(std::filesystem::file_size(dir_.Path("list.txt")), 40000000u);
+  ASSERT_GT(std::filesystem::file_size(dir_.Path("list.txt")), 20000000u);
   tr_.Conmutador(AccountConfig());
   tr_.ArchivoListaExtensionesKXTDA(dir_.Path16("list.txt"));
   tr_.LlamadaActual(u" *9999 S 01:05");
   const long rss_before = MaxRssKb();
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(tr_.Extension(), u"4321");
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
-  // Read line by line: the 40 MB file never sits in memory (not measurable
+  EXPECT_LT(std::chrono::steady_clock::now() - start, Budget(15));
+  // Read line by line: the 20 MB file never sits in memory (not measurable
   // under ASan, whose quarantine keeps freed lines).
   if (!kUnderAsan) {
     EXPECT_LT(MaxRssKb() - rss_before, 16 * 1024);
