@@ -9,25 +9,24 @@
 
 #include "velqua/cfg_conmut.h"
 #include "velqua/superficie.h"
+#include "wiring/dibujo_comun.h"
 
 namespace velqua {
 namespace {
 
-// Line flags (Part 5.2, table of flags).
-constexpr int16_t kSegmento = 6;
-constexpr int16_t kContinuacion = 2;
-constexpr int16_t kMarco = 22;
-constexpr int16_t kRelleno = 38;
-// Colours, 0x00BBGGRR.
-constexpr int32_t kAzulMarino = 0x800000;
-constexpr int32_t kBlanco = 0xFFFFFF;
-constexpr int32_t kNegro = 0;
+using dibujo::DB25DeDB9;
+using dibujo::Escribe;
+using dibujo::kAzulMarino;
+using dibujo::kBlanco;
+using dibujo::kContinuacion;
+using dibujo::kMarco;
+using dibujo::kNegro;
+using dibujo::kRelleno;
+using dibujo::kSegmento;
+using dibujo::Numero;
+
 // The diagram width, in surface units, not scaled.
 constexpr float kAncho = 3200;
-
-// The DB25 pin of each DB9 computer pin, index 1 to 9 (emTablaConversionDB9DB25).
-constexpr int32_t kDB25DeDB9[10] = {0,         emDB9Pin1, emDB9Pin2, emDB9Pin3, emDB9Pin4,
-                                    emDB9Pin5, emDB9Pin6, emDB9Pin7, emDB9Pin8, emDB9Pin9};
 
 // The working values of one drawing (Part 5.2, Data model).
 struct Diagrama {
@@ -47,18 +46,6 @@ struct Diagrama {
     return cfg.PinesConectados(puerto, intPinConmut, intPinPC);
   }
 };
-
-// Decimal text without blanks or sign.
-std::u16string Numero(int32_t lnValor) {
-  const std::string ascii = std::to_string(lnValor);
-  return std::u16string(ascii.begin(), ascii.end());
-}
-
-void Escribe(Superficie& pic, float x, float y, const std::u16string& cadTexto) {
-  pic.CurrentX(x);
-  pic.CurrentY(y);
-  pic.Print(cadTexto);
-}
 
 int16_t UltimoPin(emPuertoSerial iemPuerto) {
   switch (iemPuerto) {
@@ -132,7 +119,7 @@ void CableDB9DB25(Diagrama& d) {
 // Computer pin i at c9 and its DB25 number at c25.
 void EscribePinPC(Diagrama& d, int16_t i) {
   Escribe(d.pic, d.c9, d.y, Numero(i));
-  Escribe(d.pic, d.c25, d.y, Numero(kDB25DeDB9[i]));
+  Escribe(d.pic, d.c25, d.y, Numero(DB25DeDB9(i)));
 }
 
 // A vertical segment at x joining the previous row, then on to (xFin, w).

@@ -8,35 +8,25 @@
 
 #include "velqua/cfg_conmut.h"
 #include "velqua/superficie.h"
+#include "wiring/dibujo_comun.h"
 
 namespace velqua {
 namespace {
 
-constexpr int16_t kSegmento = 6;
-constexpr int16_t kMarco = 22;
-constexpr int16_t kRelleno = 38;
-constexpr int32_t kAzulMarino = 0x800000;
-constexpr int32_t kBlanco = 0xFFFFFF;
-constexpr int32_t kNegro = 0;
-constexpr int32_t kGrisClaro = 0xC8C8C8;
+using dibujo::DB25DeDB9;
+using dibujo::Escribe;
+using dibujo::kAzulMarino;
+using dibujo::kBlanco;
+using dibujo::kGrisClaro;
+using dibujo::kMarco;
+using dibujo::kNegro;
+using dibujo::kRelleno;
+using dibujo::kSegmento;
+using dibujo::Numero;
+
 // The panel, in surface units, not scaled.
 constexpr float kAncho = 1350;
 constexpr float kAlto = 1900;
-
-// The DB25 pin of DB9 pins 1 to 9 (emTablaConversionDB9DB25).
-constexpr int32_t kDB25DeDB9[9] = {emDB9Pin1, emDB9Pin2, emDB9Pin3, emDB9Pin4, emDB9Pin5,
-                                   emDB9Pin6, emDB9Pin7, emDB9Pin8, emDB9Pin9};
-
-std::u16string Numero(int32_t lnValor) {
-  const std::string ascii = std::to_string(lnValor);
-  return std::u16string(ascii.begin(), ascii.end());
-}
-
-void Escribe(Superficie& pic, float x, float y, const std::u16string& cadTexto) {
-  pic.CurrentX(x);
-  pic.CurrentY(y);
-  pic.Print(cadTexto);
-}
 
 float Px(const Superficie& pic, float n) { return n * pic.TwipsPerPixelX(); }
 float Py(const Superficie& pic, float n) { return n * pic.TwipsPerPixelY(); }
@@ -66,7 +56,7 @@ void DibujaFilas(Superficie& pic, float X, float M, float y) {
       pic.Line(kRelleno, X + Px(pic, 1), y, X + kAncho - Px(pic, 2), y + t7, kGrisClaro);
     }
     Escribe(pic, X + Px(pic, 18), y, Numero(lnPin));
-    Escribe(pic, M + Px(pic, 18), y, Numero(kDB25DeDB9[lnPin - 1]));
+    Escribe(pic, M + Px(pic, 18), y, Numero(DB25DeDB9(lnPin)));
     y = y + t7;
   }
 }
