@@ -9,6 +9,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "velqua/enums.h"
@@ -16,6 +17,7 @@
 namespace velqua {
 
 class Superficie;
+class clsTraductor;
 
 // Widths, in 16-bit characters, of the fixed-width texts (Part 2.1, 2.2).
 constexpr int16_t kTamMarca = 50;
@@ -186,6 +188,19 @@ class clsCfgConmut {
   void QuitaOyente(EventosCfgConmut* oyente);
 
  private:
+  // ---- Not in the spec: the translator's reads without allocation ----
+  // The translator reads Constante and Separador at almost every decision
+  // (Parts 4.2, 4.3). These give exactly the text those properties return,
+  // as a view: of the stored text when its U+0000 are all at the end (the
+  // stored form RellenaConNulos makes), otherwise of cadTrabajo, where the
+  // text is built. The view lives until the next change of the
+  // configuration or of cadTrabajo.
+  friend class clsTraductor;
+  std::u16string_view VistaConstante(std::u16string& cadTrabajo) const;
+  std::u16string_view VistaSeparador(std::u16string& cadTrabajo) const;
+  static std::u16string_view VistaSinNulos(const std::u16string& cadOrigen,
+                                           std::u16string& cadTrabajo);
+
   // ---- Part 2.1 (src/model/cfg_conmut.cpp, texto_fijo.cpp) ----
   void EstableceValoresIniciales();
   static void RellenaConNulos(std::u16string& cadDestino, const std::u16string& cadOrigen,
@@ -205,6 +220,12 @@ class clsCfgConmut {
   int16_t AgregaCTE();
   static bool ValidaDATO(const RegDATO& udtD);
   static bool ValidaCTE(const RegCTE& udtC);
+  static bool EsClaveDATO(int32_t emCual) {
+    return emCual > emPrimerParamDato && emCual < emUltimoParamDato;
+  }
+  static bool EsClaveCTE(int32_t emCual) {
+    return emCual > emPrimerParamDatoConstante && emCual < emUltimoParamDatoConstante;
+  }
   // Index of the active record, taken when the key has none (write
   // properties). An index, not a reference: a listener may grow the table.
   int16_t DATOParaEscribir();
@@ -257,5 +278,101 @@ class clsCfgConmut {
   std::array<int16_t, emUltimoParamDatoConstante> intIndiceCTE{};
   std::vector<EventosCfgConmut*> oyentes;
 };
+
+// ---- Inline reads of Part 2.2 ----
+// The translator asks these for every field and constant it reads, so they
+// are defined here where the compiler can inline them (src/model/tablas.cpp
+// has the rest of the tables).
+
+inline emCasos clsCfgConmut::Caso() const { return udtCfg.emCasoCfg; }
+
+inline int16_t clsCfgConmut::BuscaDATO(int32_t emCual) const {
+  return EsClaveDATO(emCual) ? intIndiceDATO[static_cast<size_t>(emCual)] : int16_t{0};
+}
+
+inline int16_t clsCfgConmut::BuscaCTE(int32_t emCual) const {
+  return EsClaveCTE(emCual) ? intIndiceCTE[static_cast<size_t>(emCual)] : int16_t{0};
+}
+
+inline bool clsCfgConmut::ValidaDATO(const RegDATO& udtD) {
+  return udtD.btPos != 0 && udtD.btTam != 0 && EsClaveDATO(udtD.emParam) &&
+         udtD.emTipo != emValorNoDefinido;
+}
+
+inline bool clsCfgConmut::ValidaCTE(const RegCTE& udtC) {
+  if (udtC.btPos == 0 || !EsClaveCTE(udtC.emParam) || udtC.emTipo == emValorNoDefinido) {
+    return false;
+  }
+  for (char16_t c : udtC.cadTexto) {
+    if (c != u'\0') return true;  // text not empty once U+0000 are removed
+  }
+  return false;
+}
+
+inline emParamDato clsCfgConmut::DATOActivo() const { return emDATOActivo; }
+inline void clsCfgConmut::DATOActivo(emParamDato emCual) { emDATOActivo = emCual; }
+
+inline bool clsCfgConmut::HayDATO() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 && ValidaDATO(udtDATO[static_cast<size_t>(i - 1)]);
+}
+
+inline emTipoDato clsCfgConmut::TipoDatoDATO() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].emTipo : emValorNoDefinido;
+}
+
+inline uint8_t clsCfgConmut::DATOPos() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].btPos : uint8_t{0};
+}
+
+inline uint8_t clsCfgConmut::DATOTam() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
+}
+
+inline emParamDatoConstante clsCfgConmut::CTEActivo() const { return emCTEActivo; }
+inline void clsCfgConmut::CTEActivo(emParamDatoConstante emCual) { emCTEActivo = emCual; }
+
+inline bool clsCfgConmut::HayCTE() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 && ValidaCTE(udtCTE[static_cast<size_t>(i - 1)]);
+}
+
+inline emTipoDato clsCfgConmut::TipoDatoCTE() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].emTipo : emValorNoDefinido;
+}
+
+inline uint8_t clsCfgConmut::CTEPos() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btPos : uint8_t{0};
+}
+
+inline uint8_t clsCfgConmut::CTETam() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
+}
+
+inline std::u16string_view clsCfgConmut::VistaSinNulos(const std::u16string& cadOrigen,
+                                                       std::u16string& cadTrabajo) {
+  std::size_t n = cadOrigen.size();
+  while (n > 0 && cadOrigen[n - 1] == u'\0') --n;
+  const std::u16string_view v(cadOrigen.data(), n);
+  if (v.find(u'\0') == std::u16string_view::npos) return v;
+  cadTrabajo = QuitaNulos(cadOrigen);  // a U+0000 inside the text: rare
+  return cadTrabajo;
+}
+
+inline std::u16string_view clsCfgConmut::VistaConstante(std::u16string& cadTrabajo) const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  if (i == 0) return std::u16string_view();
+  return VistaSinNulos(udtCTE[static_cast<size_t>(i - 1)].cadTexto, cadTrabajo);
+}
+
+inline std::u16string_view clsCfgConmut::VistaSeparador(std::u16string& cadTrabajo) const {
+  return VistaSinNulos(udtCfg.cadSeparador, cadTrabajo);
+}
 
 }  // namespace velqua

@@ -78,8 +78,6 @@ std::u16string clsCfgConmut::NombreVersion() const {
   }
 }
 
-emCasos clsCfgConmut::Caso() const { return udtCfg.emCasoCfg; }
-
 void clsCfgConmut::Caso(emCasos emC) {
   if (emC == udtCfg.emCasoCfg) return;
   udtCfg.emCasoCfg = emC;

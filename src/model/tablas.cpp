@@ -14,37 +14,9 @@ namespace {
 
 constexpr int16_t kMaxRegistros = INT16_MAX;  // 16-bit count and indices
 
-bool EsClaveDATO(int32_t k) { return k > emPrimerParamDato && k < emUltimoParamDato; }
-bool EsClaveCTE(int32_t k) {
-  return k > emPrimerParamDatoConstante && k < emUltimoParamDatoConstante;
-}
-
 }  // namespace
 
-// ---- lookups ----
-
-int16_t clsCfgConmut::BuscaDATO(int32_t emCual) const {
-  return EsClaveDATO(emCual) ? intIndiceDATO[static_cast<size_t>(emCual)] : int16_t{0};
-}
-
-int16_t clsCfgConmut::BuscaCTE(int32_t emCual) const {
-  return EsClaveCTE(emCual) ? intIndiceCTE[static_cast<size_t>(emCual)] : int16_t{0};
-}
-
-bool clsCfgConmut::ValidaDATO(const RegDATO& udtD) {
-  return udtD.btPos != 0 && udtD.btTam != 0 && EsClaveDATO(udtD.emParam) &&
-         udtD.emTipo != emValorNoDefinido;
-}
-
-bool clsCfgConmut::ValidaCTE(const RegCTE& udtC) {
-  if (udtC.btPos == 0 || !EsClaveCTE(udtC.emParam) || udtC.emTipo == emValorNoDefinido) {
-    return false;
-  }
-  for (char16_t c : udtC.cadTexto) {
-    if (c != u'\0') return true;  // text not empty once U+0000 are removed
-  }
-  return false;
-}
+// ---- lookups: BuscaDATO, BuscaCTE, ValidaDATO, ValidaCTE are inline in the header ----
 
 // ---- taking records ----
 
@@ -126,35 +98,12 @@ void clsCfgConmut::CuentaCompletos() {
 
 // ---- data-field properties ----
 
-emParamDato clsCfgConmut::DATOActivo() const { return emDATOActivo; }
-void clsCfgConmut::DATOActivo(emParamDato emCual) { emDATOActivo = emCual; }
-
-bool clsCfgConmut::HayDATO() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
-  return i != 0 && ValidaDATO(udtDATO[static_cast<size_t>(i - 1)]);
-}
-
-emTipoDato clsCfgConmut::TipoDatoDATO() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
-  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].emTipo : emValorNoDefinido;
-}
-
 void clsCfgConmut::TipoDatoDATO(emTipoDato emCual) {
   RegDATO& r = udtDATO[static_cast<size_t>(DATOParaEscribir() - 1)];
   if (r.emTipo == emCual) return;
   r.emTipo = emCual;  // emValorNoDefinido frees the record
   bolModificado = true;
   NotificaCambios();
-}
-
-uint8_t clsCfgConmut::DATOPos() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
-  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].btPos : uint8_t{0};
-}
-
-uint8_t clsCfgConmut::DATOTam() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
-  return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
 }
 
 void clsCfgConmut::DATOPos(uint8_t btPos) {
@@ -176,29 +125,6 @@ void clsCfgConmut::DATOTam(uint8_t btTam) {
 }
 
 // ---- constant properties ----
-
-emParamDatoConstante clsCfgConmut::CTEActivo() const { return emCTEActivo; }
-void clsCfgConmut::CTEActivo(emParamDatoConstante emCual) { emCTEActivo = emCual; }
-
-bool clsCfgConmut::HayCTE() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
-  return i != 0 && ValidaCTE(udtCTE[static_cast<size_t>(i - 1)]);
-}
-
-emTipoDato clsCfgConmut::TipoDatoCTE() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
-  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].emTipo : emValorNoDefinido;
-}
-
-uint8_t clsCfgConmut::CTEPos() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
-  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btPos : uint8_t{0};
-}
-
-uint8_t clsCfgConmut::CTETam() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
-  return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
-}
 
 std::u16string clsCfgConmut::Constante() const {
   const int16_t i = BuscaCTE(emCTEActivo);

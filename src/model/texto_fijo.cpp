@@ -16,11 +16,15 @@ void clsCfgConmut::RellenaConNulos(std::u16string& cadDestino, const std::u16str
   cadDestino.swap(p);
 }
 
+// Sized exactly (not to the stored width), so that a short text stays in the
+// string's own small buffer and reading it allocates nothing.
 std::u16string clsCfgConmut::QuitaNulos(const std::u16string& cadOrigen) {
-  std::u16string out;
-  out.reserve(cadOrigen.size());
+  std::size_t n = 0;
+  for (char16_t c : cadOrigen) n += c != u'\0' ? 1 : 0;
+  std::u16string out(n, u'\0');
+  std::size_t i = 0;
   for (char16_t c : cadOrigen) {
-    if (c != u'\0') out.push_back(c);
+    if (c != u'\0') out[i++] = c;
   }
   return out;
 }
