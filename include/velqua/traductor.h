@@ -123,6 +123,9 @@ class clsTraductor {
   std::u16string cadArchLlamadasError;
   // Part 4.5: the generator seeded at binding in cases 10 and 11.
   std::mt19937 rndGenerador;
+  // Not in the spec: where a constant or separator text holding an inner
+  // U+0000 is built for clsCfgConmut::VistaConstante / VistaSeparador.
+  std::u16string cadTrabajo;
 };
 
 }  // namespace velqua

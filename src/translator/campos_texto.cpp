@@ -109,7 +109,7 @@ std::u16string clsTraductor::Marcacion() {
   traductor::QuitaBlancos(cadDato);
   clsCfgConmut& cfg = Cfg();
   cfg.CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
-  const std::u16string cadPrefijo = cfg.Constante();  // HayCTE is not asked
+  const std::u16string_view cadPrefijo = cfg.VistaConstante(cadTrabajo);  // no HayCTE
   if (!cadPrefijo.empty() && plataforma::EmpiezaSinMayusculas(cadDato, cadPrefijo)) {
     cadDato.erase(0, cadPrefijo.size());
   }
@@ -153,7 +153,8 @@ std::u16string clsTraductor::CodigoCuenta() {
   clsCfgConmut& cfg = Cfg();
   if (emTipoLlamada != emTradCodigoCuenta) {
     cfg.CTEActivo(emDatoCteIdentCodigoCuenta);
-    if (!cfg.Constante().empty()) cadDato.clear();  // marked switches: on marked records only
+    if (!cfg.VistaConstante(cadTrabajo).empty())
+      cadDato.clear();  // marked switches: on marked records only
   }
   if (!cadDato.empty() && EsCasoKXTDA()) {
     CodigoCuentaKXTDA();

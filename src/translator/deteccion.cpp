@@ -73,7 +73,7 @@ bool clsTraductor::HayConstanteLlamada(emParamDatoConstante emParamCte) {
   const std::size_t fin = SumaByte(btPos, btTam);  // error 6 above 255
   if (fin - 1 > cadLinea.size()) return false;     // never a cut-off slice
   const std::u16string_view trozo = std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
-  return plataforma::IgualesSinMayusculas(trozo, cfg.Constante());
+  return plataforma::IgualesSinMayusculas(trozo, cfg.VistaConstante(cadTrabajo));
 }
 
 emTipoLlamadaTraductor clsTraductor::TipoSegunConstante(emParamDatoConstante emParamCte) {
@@ -147,7 +147,7 @@ int16_t clsTraductor::BuscaLinea(const std::u16string& cadVal) {
   int16_t intResultado = 0;
   cadLinea.clear();
   if (!clsCmt) return 0;
-  const std::u16string cadSep = clsCmt->Separador();
+  const std::u16string_view cadSep = clsCmt->VistaSeparador(cadTrabajo);
   const std::u16string_view buffer(cadBuffer);
   int64_t p = 1;
   while (p <= static_cast<int64_t>(buffer.size())) {
