@@ -208,6 +208,24 @@ TEST_F(Part2_1, ModificadoWriteStoresAnyValueSilently) {
   EXPECT_TRUE(listener.events.empty());
 }
 
+TEST_F(Part2_1, VersionOneSetByAFileOperationHasNoVersionName) {
+  velqua_test::TempDir dir;
+  velqua_test::WriteFile(dir.Path("v1.ini"), "[Conmutador]\r\nVersion=1\r\n");
+  EXPECT_THROW(cfg.Importar(dir.Path16("v1.ini")), Error);  // refused at "Marca"
+  EXPECT_EQ(cfg.Version(), emVersionActual);
+  EXPECT_EQ(cfg.NombreVersion(), U("No hay versión"));
+  cfg.Marca(u"Samsung");
+  cfg.Modelo(u"NX-820");
+  EXPECT_TRUE(cfg.HayConfig());  // only version 0 makes it false
+}
+
+TEST_F(Part2_1, VersionTwoFromAProfileFileIsNamed2_0) {
+  velqua_test::TempDir dir;
+  velqua_test::WriteFile(dir.Path("v2.ini"), "[Conmutador]\r\nVersion=2\r\n");
+  EXPECT_THROW(cfg.Importar(dir.Path16("v2.ini")), Error);
+  EXPECT_EQ(cfg.NombreVersion(), u"2.0");
+}
+
 TEST_F(Part2_1, IniciarOnAFreshObjectSendsOnlyConfiguracionCargada) {
   cfg.IDCfg(7);
   cfg.Iniciar();
