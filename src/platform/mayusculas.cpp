@@ -51,14 +51,6 @@ char16_t PliegaMayuscula(char16_t c) {
   return c;
 }
 
-bool IgualesSinMayusculas(std::u16string_view a, std::u16string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (a[i] != b[i] && PliegaMayuscula(a[i]) != PliegaMayuscula(b[i])) return false;
-  }
-  return true;
-}
-
 bool EmpiezaSinMayusculas(std::u16string_view texto, std::u16string_view prefijo) {
   return texto.size() >= prefijo.size() &&
          IgualesSinMayusculas(texto.substr(0, prefijo.size()), prefijo);

@@ -18,8 +18,25 @@ namespace plataforma {
 char16_t PliegaMayuscula(char16_t c);
 
 // True when a and b have the same length and match letter for letter,
-// letter case ignored.
-bool IgualesSinMayusculas(std::u16string_view a, std::u16string_view b);
+// letter case ignored. Inline, with the equal and the ASCII characters
+// decided without a call: the translator compares a constant per decision.
+inline bool IgualesSinMayusculas(std::u16string_view a, std::u16string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    const char16_t x = a[i];
+    const char16_t y = b[i];
+    if (x == y) continue;
+    if (x < 0x80 && y < 0x80) {
+      // ASCII: equal only as the two cases of one letter.
+      if ((x ^ y) != 0x20) return false;
+      const char16_t m = static_cast<char16_t>(x | 0x20);
+      if (m < u'a' || m > u'z') return false;
+      continue;
+    }
+    if (PliegaMayuscula(x) != PliegaMayuscula(y)) return false;
+  }
+  return true;
+}
 
 // True when texto begins with prefijo, letter case ignored.
 bool EmpiezaSinMayusculas(std::u16string_view texto, std::u16string_view prefijo);
