@@ -82,7 +82,12 @@ class clsTraductor {
   void DetectaTipoLlamada();
   void DetectaAtributo();
   // Part 4.3
-  void ExtraeDato(emParamDato emParamDat);
+  // The field cut as a view, not copied into cadDato: into cadLinea for a
+  // text field, into chrCifras for a numeric one (valid until the next cut
+  // or change of cadLinea). cadDato is written only where a rule works on
+  // it (cases 10, 11): no operation reads it before writing it, so the
+  // results are the spec's.
+  std::u16string_view ExtraeDato(emParamDato emParamDat);
   int32_t DuracionRestaFechas();
   int16_t ObtDia(emParamDato emParamDat);
   int16_t ObtMes(emParamDato emParamDat);
@@ -109,8 +114,13 @@ class clsTraductor {
   void RegistraLlamadaError();
   double NumeroAleatorio();
 
-  // The bound configuration; error 91 when none.
-  clsCfgConmut& Cfg() const;
+  // The bound configuration; error 91 when none. Inline: every field and
+  // constant read asks it.
+  clsCfgConmut& Cfg() const {
+    if (!clsCmt) FaltaConfiguracion();
+    return *clsCmt;
+  }
+  [[noreturn]] static void FaltaConfiguracion();
 
   // Members (Part 4.1 declaration order).
   std::shared_ptr<clsCfgConmut> clsCmt;
@@ -126,6 +136,8 @@ class clsTraductor {
   // Not in the spec: where a constant or separator text holding an inner
   // U+0000 is built for clsCfgConmut::VistaConstante / VistaSeparador.
   std::u16string cadTrabajo;
+  // Not in the spec: the digits of the numeric field cut last (ExtraeDato).
+  char16_t chrCifras[255] = {};
 };
 
 }  // namespace velqua

@@ -88,46 +88,49 @@ emParamDato Clave(const TablaClaves& tabla, emTipoLlamadaTraductor emT, emAtribu
 
 }  // namespace
 
-// ExtraeDato with a key of a table, or the empty text when there is none.
+// The field of a key of a table without its blanks, or the empty text when
+// there is no key.
 std::u16string clsTraductor::CampoTexto(emParamDato emParamDat) {
-  cadDato.clear();
-  if (emParamDat != N) ExtraeDato(emParamDat);
-  traductor::QuitaBlancos(cadDato);
-  return cadDato;
+  if (emParamDat == N) return std::u16string();
+  return std::u16string(traductor::SinBlancos(ExtraeDato(emParamDat)));
 }
 
 std::u16string clsTraductor::Marcacion() {
-  cadDato.clear();
+  std::u16string_view cadCampo;
   if (EsCasoNorstar()) {
     BuscaLinea(u"DIGITS DIALED");
-    ExtraeDato(emParamTelefonoEntrante);
-    if (cadDato.empty()) ExtraeDato(emParamTelefonoSaliente);
+    cadCampo = ExtraeDato(emParamTelefonoEntrante);
+    if (cadCampo.empty()) cadCampo = ExtraeDato(emParamTelefonoSaliente);
   } else {
     const emParamDato emK = Clave(kMarcacion, emTipoLlamada, emAtributoLlamada);
-    if (emK != N) ExtraeDato(emK);
+    if (emK != N) cadCampo = ExtraeDato(emK);
   }
-  traductor::QuitaBlancos(cadDato);
+  cadCampo = traductor::SinBlancos(cadCampo);
   clsCfgConmut& cfg = Cfg();
   cfg.CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
   const std::u16string_view cadPrefijo = cfg.VistaConstante(cadTrabajo);  // no HayCTE
-  if (!cadPrefijo.empty() && plataforma::EmpiezaSinMayusculas(cadDato, cadPrefijo)) {
-    cadDato.erase(0, cadPrefijo.size());
+  if (!cadPrefijo.empty() && plataforma::EmpiezaSinMayusculas(cadCampo, cadPrefijo)) {
+    cadCampo.remove_prefix(cadPrefijo.size());
   }
-  return cadDato;
+  return std::u16string(cadCampo);
 }
 
 std::u16string clsTraductor::Extension() {
-  cadDato.clear();
+  std::u16string_view cadCampo;
   if (EsCasoNorstar()) {
     BuscaLinea(u"--------");
-    ExtraeDato(emParamExtensionEntrante);
+    cadCampo = ExtraeDato(emParamExtensionEntrante);
   } else {
     const emParamDato emK = Clave(kExtension, emTipoLlamada, emAtributoLlamada);
-    if (emK != N) ExtraeDato(emK);
-    if (emTipoLlamada == emTradSaliente && EsCasoKXTDA()) ExtensionKXTDA();
+    if (emK != N) cadCampo = ExtraeDato(emK);
+    if (emTipoLlamada == emTradSaliente && EsCasoKXTDA()) {
+      cadDato.assign(cadCampo);
+      ExtensionKXTDA();  // works on cadDato
+      traductor::QuitaBlancos(cadDato);
+      return cadDato;
+    }
   }
-  traductor::QuitaBlancos(cadDato);
-  return cadDato;
+  return std::u16string(traductor::SinBlancos(cadCampo));
 }
 
 std::u16string clsTraductor::Troncal() {
@@ -149,19 +152,20 @@ std::u16string clsTraductor::TroncalReceptor() {
 
 std::u16string clsTraductor::CodigoCuenta() {
   if (EsCasoNorstar()) BuscaLinea(u"RESTRICTION PASSWORD");
-  ExtraeDato(emParamCodigoCuenta);
+  std::u16string_view cadCampo = ExtraeDato(emParamCodigoCuenta);
   clsCfgConmut& cfg = Cfg();
   if (emTipoLlamada != emTradCodigoCuenta) {
     cfg.CTEActivo(emDatoCteIdentCodigoCuenta);
-    if (!cfg.VistaConstante(cadTrabajo).empty())
-      cadDato.clear();  // marked switches: on marked records only
+    if (!cfg.VistaConstante(cadTrabajo).empty()) {
+      cadCampo = {};  // marked switches: on marked records only
+    }
   }
-  if (!cadDato.empty() && EsCasoKXTDA()) {
-    CodigoCuentaKXTDA();
+  if (!cadCampo.empty() && EsCasoKXTDA()) {
+    cadDato.assign(cadCampo);
+    CodigoCuentaKXTDA();  // works on cadDato
     return cadDato;
   }
-  traductor::QuitaBlancos(cadDato);
-  return cadDato;
+  return std::u16string(traductor::SinBlancos(cadCampo));
 }
 
 }  // namespace velqua

@@ -114,10 +114,10 @@ void clsTraductor::DetectaTipoLlamada() {
     if (t != emTradNoIdentificada) break;
   }
   if (emTipoLlamada == emTradNoIdentificada && EsCasoSalienteDefecto(cfg.Caso())) {
-    ExtraeDato(emParamTelefonoSaliente);
-    if (!cadDato.empty()) ExtraeDato(emParamExtensionSaliente);
-    if (!cadDato.empty()) ExtraeDato(emParamTroncalSaliente);
-    if (!cadDato.empty()) emTipoLlamada = emTradSaliente;
+    bool bolDatos = !ExtraeDato(emParamTelefonoSaliente).empty();
+    if (bolDatos) bolDatos = !ExtraeDato(emParamExtensionSaliente).empty();
+    if (bolDatos) bolDatos = !ExtraeDato(emParamTroncalSaliente).empty();
+    if (bolDatos) emTipoLlamada = emTradSaliente;
   }
   if (TipoSegunConstante(emDatoCteIdentCodigoCuenta) == emTradCodigoCuenta) {
     emTipoLlamada = emTradCodigoCuenta;

@@ -31,48 +31,45 @@ int64_t Instante(int64_t y, int64_t mo, int64_t d, int64_t h, int64_t mi, int64_
 
 }  // namespace
 
-void clsTraductor::ExtraeDato(emParamDato emParamDat) {
-  cadDato.clear();
+std::u16string_view clsTraductor::ExtraeDato(emParamDato emParamDat) {
   clsCfgConmut& cfg = Cfg();
   cfg.DATOActivo(emParamDat);
-  if (!cfg.HayDATO()) return;
+  if (!cfg.HayDATO()) return {};
   const uint8_t btPos = cfg.DATOPos();
   const uint8_t btTam = cfg.DATOTam();
-  SumaByte(btPos, btTam);  // error 6 above 255
-  if (btPos <= cadLinea.size()) cadDato.assign(cadLinea, btPos - 1u, btTam);
-  if (cfg.TipoDatoDATO() == emValorNumerico) {
-    cadDato.erase(
-        std::remove_if(cadDato.begin(), cadDato.end(), [](char16_t c) { return !EsDigito(c); }),
-        cadDato.end());
+  if (btPos + btTam > 255) SumaByte(btPos, btTam);  // error 6
+  if (btPos > cadLinea.size()) return {};
+  const std::u16string_view trozo = std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
+  if (cfg.TipoDatoDATO() != emValorNumerico) return trozo;
+  std::size_t n = 0;  // only the digits; a field is at most 255 characters
+  for (char16_t c : trozo) {
+    if (EsDigito(c)) chrCifras[n++] = c;
   }
+  return std::u16string_view(chrCifras, n);
 }
 
 int16_t clsTraductor::ObtDia(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLinea(u"--------");
-  ExtraeDato(emParamDat);
-  if (traductor::EsNumeroTexto(cadDato)) {
-    const int32_t v = traductor::ValorNumeroTexto(cadDato);
-    if (v >= 1 && v <= 31) return static_cast<int16_t>(v);
-  }
+  const std::u16string_view cadCampo = ExtraeDato(emParamDat);
+  const int32_t v = traductor::ValorSiNumero(cadCampo);
+  if (v >= 1 && v <= 31) return static_cast<int16_t>(v);
   return AEntero16(plataforma::RelojActual().Ahora().intDia);
 }
 
 int16_t clsTraductor::ObtMes(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLinea(u"--------");
-  ExtraeDato(emParamDat);
-  if (traductor::EsNumeroTexto(cadDato)) {
-    const int32_t v = traductor::ValorNumeroTexto(cadDato);
-    if (v >= 1 && v <= 12) return static_cast<int16_t>(v);
-  }
+  const std::u16string_view cadCampo = ExtraeDato(emParamDat);
+  const int32_t v = traductor::ValorSiNumero(cadCampo);
+  if (v >= 1 && v <= 12) return static_cast<int16_t>(v);
   return AEntero16(plataforma::RelojActual().Ahora().intMes);
 }
 
 int16_t clsTraductor::ObtAnio(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLinea(u"--------");
-  ExtraeDato(emParamDat);
-  if (traductor::EsNumeroTexto(cadDato)) {
-    const std::size_t largo = std::min<std::size_t>(cadDato.size(), 4);
-    const int32_t v = traductor::ValorNumeroTexto(cadDato);
+  const std::u16string_view cadCampo = ExtraeDato(emParamDat);
+  const int32_t v = traductor::ValorSiNumero(cadCampo);  // -1: not a number
+  {
+    const std::size_t largo = std::min<std::size_t>(cadCampo.size(), 4);
     if (v >= 0 && largo == 4) return static_cast<int16_t>(v);
     if (v >= 0 && largo <= 2) {
       const int32_t intAnioActual = plataforma::RelojActual().Ahora().intAnio;
@@ -93,11 +90,9 @@ int16_t clsTraductor::Anio() { return ObtAnio(emParamFechaAnio); }
 // then: it is the costly part of a read.
 int16_t clsTraductor::ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
                                         int32_t plataforma::FechaHora::*emActual) {
-  ExtraeDato(emParamDat);
-  if (traductor::EsNumeroTexto(cadDato)) {
-    const int32_t v = traductor::ValorNumeroTexto(cadDato);
-    if (v >= 0) return static_cast<int16_t>(v);
-  }
+  const std::u16string_view cadCampo = ExtraeDato(emParamDat);
+  const int32_t v = traductor::ValorSiNumero(cadCampo);
+  if (v >= 0) return static_cast<int16_t>(v);
   return bolHoraActual ? AEntero16(plataforma::RelojActual().Ahora().*emActual) : int16_t{-1};
 }
 
@@ -113,9 +108,8 @@ int16_t clsTraductor::ObtMinutos(emParamDato emParamDat, bool bolHoraActual) {
 
 int16_t clsTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) {
   if (SeleccionaLineaNorstar(emParamDat)) return 0;
-  ExtraeDato(emParamDat);
-  if (traductor::EsNumeroTexto(cadDato)) {
-    const int32_t v = traductor::ValorNumeroTexto(cadDato);
+  {
+    const int32_t v = traductor::ValorSiNumero(ExtraeDato(emParamDat));
     if (v >= 0) {
       // Case 6 prints tenths of a minute in the seconds column; case 9 does not.
       const bool bolDecimas =

@@ -27,6 +27,23 @@ bool EsNumeroTexto(std::u16string_view cad);
 // the 16-bit range fails with error 6 (it cannot arise from 4 characters).
 int32_t ValorNumeroTexto(std::u16string_view cad);
 
+// EsNumeroTexto and ValorNumeroTexto in one pass, for the hot field reads:
+// the value of the first 4 characters of a number text, or -1 when cad is
+// not a number text or its first 4 characters are only blanks.
+inline int32_t ValorSiNumero(std::u16string_view cad) {
+  const std::size_t n = cad.size();
+  std::size_t i = 0;
+  while (i < n && cad[i] == u' ') ++i;
+  const std::size_t ini = i;
+  while (i < n && EsDigito(cad[i])) ++i;
+  const std::size_t fin = i;
+  while (i < n && cad[i] == u' ') ++i;
+  if (i != n || fin == ini || ini >= 4) return -1;
+  int32_t v = 0;  // at most 4 digits: never outside 16 bits
+  for (std::size_t k = ini; k < fin && k < 4; ++k) v = v * 10 + (cad[k] - u'0');
+  return v;
+}
+
 // n written in decimal with at least four digits (format "0000").
 std::u16string FormatoCuatroCifras(int32_t n);
 

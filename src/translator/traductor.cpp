@@ -8,10 +8,7 @@ namespace velqua {
 
 clsTraductor::clsTraductor() : rndGenerador(plataforma::RelojActual().SemillaTemporizador()) {}
 
-clsCfgConmut& clsTraductor::Cfg() const {
-  if (!clsCmt) LanzaObjetoNoEstablecido();
-  return *clsCmt;
-}
+void clsTraductor::FaltaConfiguracion() { LanzaObjetoNoEstablecido(); }
 
 std::u16string clsTraductor::ArchivoListaExtensionesKXTDA() const {
   return cadArchListaExtensiones;
