@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -196,6 +197,11 @@ class clsCfgConmut {
   // text is built. The view lives until the next change of the
   // configuration or of cadTrabajo.
   friend class clsTraductor;
+  // The active record (what BuscaDATO / BuscaCTE find for the active key),
+  // or nullptr: HayDATO, DATOPos, DATOTam and TipoDatoDATO (HayCTE, CTEPos,
+  // CTETam) of one decision from one lookup. Valid until the table grows.
+  const RegDATO* RegistroDATOActivo() const;
+  const RegCTE* RegistroCTEActivo() const;
   std::u16string_view VistaConstante(std::u16string& cadTrabajo) const;
   std::u16string_view VistaSeparador(std::u16string& cadTrabajo) const;
   static std::u16string_view VistaSinNulos(const std::u16string& cadOrigen,
@@ -355,20 +361,36 @@ inline uint8_t clsCfgConmut::CTETam() const {
   return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
 }
 
+inline const RegDATO* clsCfgConmut::RegistroDATOActivo() const {
+  const int16_t i = BuscaDATO(emDATOActivo);
+  return i != 0 ? &udtDATO[static_cast<size_t>(i - 1)] : nullptr;
+}
+
+inline const RegCTE* clsCfgConmut::RegistroCTEActivo() const {
+  const int16_t i = BuscaCTE(emCTEActivo);
+  return i != 0 ? &udtCTE[static_cast<size_t>(i - 1)] : nullptr;
+}
+
 inline std::u16string_view clsCfgConmut::VistaSinNulos(const std::u16string& cadOrigen,
                                                        std::u16string& cadTrabajo) {
-  std::size_t n = cadOrigen.size();
-  while (n > 0 && cadOrigen[n - 1] == u'\0') --n;
-  const std::u16string_view v(cadOrigen.data(), n);
-  if (v.find(u'\0') == std::u16string_view::npos) return v;
-  cadTrabajo = QuitaNulos(cadOrigen);  // a U+0000 inside the text: rare
+  // The text up to its first U+0000 (a few characters), then one compare
+  // of the rest with zeros: the stored texts are at most 20 wide here.
+  static constexpr char16_t kCeros[kTamTextoCte] = {};
+  const std::size_t t = cadOrigen.size();
+  std::size_t n = 0;
+  while (n < t && cadOrigen[n] != u'\0') ++n;
+  const std::size_t resto = t - n;
+  if (resto <= static_cast<std::size_t>(kTamTextoCte) &&
+      std::memcmp(cadOrigen.data() + n, kCeros, resto * sizeof(char16_t)) == 0) {
+    return std::u16string_view(cadOrigen.data(), n);
+  }
+  cadTrabajo = QuitaNulos(cadOrigen);  // a U+0000 inside the text (or a wider text)
   return cadTrabajo;
 }
 
 inline std::u16string_view clsCfgConmut::VistaConstante(std::u16string& cadTrabajo) const {
-  const int16_t i = BuscaCTE(emCTEActivo);
-  if (i == 0) return std::u16string_view();
-  return VistaSinNulos(udtCTE[static_cast<size_t>(i - 1)].cadTexto, cadTrabajo);
+  const RegCTE* r = RegistroCTEActivo();
+  return r != nullptr ? VistaSinNulos(r->cadTexto, cadTrabajo) : std::u16string_view();
 }
 
 inline std::u16string_view clsCfgConmut::VistaSeparador(std::u16string& cadTrabajo) const {

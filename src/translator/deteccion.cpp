@@ -67,13 +67,17 @@ bool clsTraductor::HayConstanteLlamada(emParamDatoConstante emParamCte) {
   if (cadLinea.empty()) return false;
   clsCfgConmut& cfg = Cfg();
   cfg.CTEActivo(emParamCte);
-  if (!cfg.HayCTE()) return false;
-  const uint8_t btPos = cfg.CTEPos();
-  const uint8_t btTam = cfg.CTETam();
-  const std::size_t fin = SumaByte(btPos, btTam);  // error 6 above 255
-  if (fin - 1 > cadLinea.size()) return false;     // never a cut-off slice
+  // HayCTE, CTEPos, CTETam and Constante, read from the one record.
+  const RegCTE* r = cfg.RegistroCTEActivo();
+  if (r == nullptr || !clsCfgConmut::ValidaCTE(*r)) return false;
+  const uint8_t btPos = r->btPos;
+  const uint8_t btTam = r->btTam;
+  const std::size_t fin = std::size_t{btPos} + btTam;
+  if (fin > 255) SumaByte(btPos, btTam);        // error 6
+  if (fin - 1 > cadLinea.size()) return false;  // never a cut-off slice
   const std::u16string_view trozo = std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
-  return plataforma::IgualesSinMayusculas(trozo, cfg.VistaConstante(cadTrabajo));
+  return plataforma::IgualesSinMayusculas(trozo,
+                                          clsCfgConmut::VistaSinNulos(r->cadTexto, cadTrabajo));
 }
 
 emTipoLlamadaTraductor clsTraductor::TipoSegunConstante(emParamDatoConstante emParamCte) {

@@ -34,13 +34,15 @@ int64_t Instante(int64_t y, int64_t mo, int64_t d, int64_t h, int64_t mi, int64_
 std::u16string_view clsTraductor::ExtraeDato(emParamDato emParamDat) {
   clsCfgConmut& cfg = Cfg();
   cfg.DATOActivo(emParamDat);
-  if (!cfg.HayDATO()) return {};
-  const uint8_t btPos = cfg.DATOPos();
-  const uint8_t btTam = cfg.DATOTam();
+  // HayDATO, DATOPos, DATOTam and TipoDatoDATO, read from the one record.
+  const RegDATO* r = cfg.RegistroDATOActivo();
+  if (r == nullptr || !clsCfgConmut::ValidaDATO(*r)) return {};
+  const uint8_t btPos = r->btPos;
+  const uint8_t btTam = r->btTam;
   if (btPos + btTam > 255) SumaByte(btPos, btTam);  // error 6
   if (btPos > cadLinea.size()) return {};
   const std::u16string_view trozo = std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
-  if (cfg.TipoDatoDATO() != emValorNumerico) return trozo;
+  if (r->emTipo != emValorNumerico) return trozo;
   std::size_t n = 0;  // only the digits; a field is at most 255 characters
   for (char16_t c : trozo) {
     if (EsDigito(c)) chrCifras[n++] = c;
