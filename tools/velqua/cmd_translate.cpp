@@ -81,10 +81,26 @@ RowFormat ChooseFormat(const std::string& format) {
   return ::isatty(::fileno(stdout)) ? RowFormat::kTable : RowFormat::kCsv;
 }
 
+// Decodes a line into *text, reusing its storage: ASCII bytes directly (the
+// common case), the rest from the first other byte through the library.
+void Decode(std::string_view bytes, bool utf8, std::u16string* text) {
+  text->resize(bytes.size());
+  size_t i = 0;
+  for (; i < bytes.size(); ++i) {
+    const auto c = static_cast<unsigned char>(bytes[i]);
+    if (c >= 0x80) break;
+    (*text)[i] = c;
+  }
+  if (i == bytes.size()) return;
+  text->resize(i);
+  *text += utf8 ? velqua::DesdeUtf8(bytes.substr(i)) : velqua::DesdeAnsi(bytes.substr(i));
+}
+
 void TranslateStream(std::FILE* stream, bool utf8, CallGatherer* gatherer,
                      Translation& translation) {
   LineReader reader(stream);
-  std::string line;
+  std::string_view line;
+  std::u16string text;
   std::u16string call;
   bool first = true;
   while (reader.Next(&line)) {
@@ -93,7 +109,7 @@ void TranslateStream(std::FILE* stream, bool utf8, CallGatherer* gatherer,
     first = false;
     // An empty line carries no record (the Norstar report ends with two).
     if (bytes.empty()) continue;
-    const std::u16string text = utf8 ? velqua::DesdeUtf8(bytes) : velqua::DesdeAnsi(bytes);
+    Decode(bytes, utf8, &text);
     if (gatherer == nullptr) {
       translation.Record(text);
     } else if (gatherer->Add(text, &call)) {

@@ -25,11 +25,35 @@ bool LineReader::Refill() {
   return n > 0;
 }
 
+namespace {
+
+// The index of the first CR or LF in p[0, n), or n: two vectorised memchr
+// calls rather than a loop over the bytes.
+size_t FindLineEnd(const char* p, size_t n) {
+  const void* lf = std::memchr(p, '\n', n);
+  const size_t k = lf != nullptr ? static_cast<size_t>(static_cast<const char*>(lf) - p) : n;
+  const void* cr = std::memchr(p, '\r', k);
+  return cr != nullptr ? static_cast<size_t>(static_cast<const char*>(cr) - p) : k;
+}
+
+}  // namespace
+
 bool LineReader::Next(std::string* line) {
-  line->clear();
-  bool any = false;  // something (a character or a line end) was consumed
+  std::string_view view;
+  const bool found = Next(&view);
+  line->assign(view.data(), view.size());
+  return found;
+}
+
+bool LineReader::Next(std::string_view* line) {
+  carry_.clear();
+  bool any = false;      // something (a character or a line end) was consumed
+  bool carried = false;  // the line so far is in carry_
   for (;;) {
-    if (begin_ == end_ && !Refill()) return any;
+    if (begin_ == end_ && !Refill()) {
+      *line = carried ? std::string_view(carry_) : std::string_view();
+      return any;
+    }
     if (skip_lf_) {
       skip_lf_ = false;
       if (buffer_[begin_] == '\n') {
@@ -39,16 +63,22 @@ bool LineReader::Next(std::string* line) {
     }
     const char* start = buffer_.data() + begin_;
     const size_t avail = end_ - begin_;
-    size_t i = 0;
-    while (i < avail && start[i] != '\n' && start[i] != '\r') ++i;
-    line->append(start, i);
+    const size_t i = FindLineEnd(start, avail);
     any = true;
     if (i == avail) {
+      carry_.append(start, i);
+      carried = true;
       begin_ = end_;
       continue;
     }
     skip_lf_ = start[i] == '\r';
     begin_ += i + 1;
+    if (carried) {
+      carry_.append(start, i);
+      *line = carry_;
+    } else {
+      *line = std::string_view(start, i);
+    }
     return true;
   }
 }

@@ -21,12 +21,16 @@ class LineReader {
   // The next line without its line end; false at the end of the stream.
   // Throws CliError on a read error.
   bool Next(std::string* line);
+  // The same as a view, valid until the next call: into the read buffer,
+  // or into a copy only when the line spans two reads (no copy per line).
+  bool Next(std::string_view* line);
 
  private:
   bool Refill();
 
   std::FILE* stream_;
   std::string buffer_;
+  std::string carry_;  // a line that spans reads
   size_t begin_ = 0;
   size_t end_ = 0;
   bool eof_ = false;
