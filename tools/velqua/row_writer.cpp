@@ -84,6 +84,53 @@ void AppendCsvText(std::string& out, std::u16string_view text) {
   out += '"';
 }
 
+// Writes a row through a raw pointer into a buffer sized for the row's
+// bound: one append to the output a row instead of one per piece.
+class Pen {
+ public:
+  explicit Pen(char* p) : p_(p) {}
+  void Char(char c) { *p_++ = c; }
+  void Text(std::string_view s) {
+    std::memcpy(p_, s.data(), s.size());
+    p_ += s.size();
+  }
+  void Int(int64_t value) { p_ = std::to_chars(p_, p_ + 24, value).ptr; }
+  // As AppendPadded.
+  void Padded(int32_t value, size_t width) {
+    char digits[16];
+    const std::to_chars_result r = std::to_chars(digits, digits + sizeof digits, value);
+    const size_t n = static_cast<size_t>(r.ptr - digits);
+    if (value >= 0 && n < width) {
+      std::memset(p_, '0', width - n);
+      p_ += width - n;
+    }
+    Text(std::string_view(digits, n));
+  }
+  // As AppendDate and AppendTime.
+  void Date(const Row& row) {
+    Padded(row.year, 4);
+    Char('-');
+    Padded(row.month, 2);
+    Char('-');
+    Padded(row.day, 2);
+  }
+  void Time(int32_t seconds) {
+    Padded(seconds / 3600, 2);
+    Char(':');
+    Padded(seconds / 60 % 60, 2);
+    Char(':');
+    Padded(seconds % 60, 2);
+  }
+  char* end() const { return p_; }
+
+ private:
+  char* p_;
+};
+
+// The most bytes a text can take in CSV: 3 UTF-8 bytes a 16-bit unit, every
+// byte a doubled quote at worst, and the two enclosing quotes.
+size_t CsvBound(std::u16string_view text) { return 6 * text.size() + 2; }
+
 class CsvWriter : public RowWriter {
  public:
   explicit CsvWriter(Output& out) : out_(out) {
@@ -93,43 +140,89 @@ class CsvWriter : public RowWriter {
       b += kColumns[i];
     }
     b += "\r\n";
+    for (size_t i = 0; i < kNamed; ++i) {
+      type_names_[i] = ShortTypeName(static_cast<int32_t>(i));
+      attribute_names_[i] = ShortAttributeName(static_cast<int32_t>(i));
+    }
   }
   void Write(const Row& row) override {
-    std::string& b = out_.buffer();
-    AppendInt(b, row.number);
-    b += ',';
-    AppendInt(b, row.type);
-    b += ',';
-    b += ShortTypeName(row.type);
-    b += ',';
-    AppendInt(b, row.attribute);
-    b += ',';
-    b += ShortAttributeName(row.attribute);
-    b += ',';
+    const std::string_view type = Name(type_names_, row.type, &ShortTypeName, type_other_);
+    const std::string_view attribute =
+        Name(attribute_names_, row.attribute, &ShortAttributeName, attribute_other_);
+    const std::u16string* texts[] = {&row.dialled,         &row.extension,
+                                     &row.trunk,           &row.receiving_extension,
+                                     &row.receiving_trunk, &row.account_code};
+    size_t bound = 256 + type.size() + attribute.size();
     if (row.has_fields) {
-      AppendDate(b, row);
-      b += ',';
-      AppendTime(b, row.time);
-      b += ',';
-      if (row.duration >= 0) AppendInt(b, row.duration);
-      b += ',';
-      if (row.ring >= 0) AppendInt(b, row.ring);
-      for (const std::u16string* text :
-           {&row.dialled, &row.extension, &row.trunk, &row.receiving_extension,
-            &row.receiving_trunk, &row.account_code}) {
-        b += ',';
-        AppendCsvText(b, *text);
+      for (const std::u16string* text : texts) bound += CsvBound(*text);
+    }
+    if (row_.size() < bound) row_.resize(bound);
+    Pen pen(&row_[0]);
+    pen.Int(row.number);
+    pen.Char(',');
+    pen.Int(row.type);
+    pen.Char(',');
+    pen.Text(type);
+    pen.Char(',');
+    pen.Int(row.attribute);
+    pen.Char(',');
+    pen.Text(attribute);
+    pen.Char(',');
+    if (row.has_fields) {
+      pen.Date(row);
+      pen.Char(',');
+      pen.Time(row.time);
+      pen.Char(',');
+      if (row.duration >= 0) pen.Int(row.duration);
+      pen.Char(',');
+      if (row.ring >= 0) pen.Int(row.ring);
+      for (const std::u16string* text : texts) {
+        pen.Char(',');
+        CsvText(pen, *text);
       }
     } else {
-      b += ",,,,,,,,,";
+      pen.Text(",,,,,,,,,");
     }
-    b += "\r\n";
+    pen.Text("\r\n");
+    out_.buffer().append(row_.data(), static_cast<size_t>(pen.end() - row_.data()));
     out_.MaybeFlush();
   }
   void Finish() override { out_.Flush(); }
 
  private:
+  static constexpr size_t kNamed = 8;  // the short names of values 0 to 7, made once
+  using Names = std::array<std::string, kNamed>;
+
+  static std::string_view Name(const Names& names, int32_t value, std::string (*make)(int32_t),
+                               std::string& other) {
+    if (value >= 0 && static_cast<size_t>(value) < kNamed) {
+      return names[static_cast<size_t>(value)];
+    }
+    other = make(value);
+    return other;
+  }
+
+  // As AppendCsvText: plain ASCII without a comma, quote, CR or LF (nearly
+  // every field) is copied unit by unit; anything else goes the long way.
+  void CsvText(Pen& pen, std::u16string_view text) {
+    for (char16_t c : text) {
+      if (c >= 0x80 || c == u',' || c == u'"' || c == u'\r' || c == u'\n') {
+        scratch_.clear();
+        AppendCsvText(scratch_, text);
+        pen.Text(scratch_);
+        return;
+      }
+    }
+    for (char16_t c : text) pen.Char(static_cast<char>(c));
+  }
+
   Output& out_;
+  Names type_names_;
+  Names attribute_names_;
+  std::string type_other_;
+  std::string attribute_other_;
+  std::string row_;
+  std::string scratch_;
 };
 
 // ---- JSON Lines: one object a line; absent values are null ----
