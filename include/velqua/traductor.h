@@ -101,12 +101,20 @@ class clsTraductor {
   int32_t TiempoEnSegundos(emParamDato emHoras, emParamDato emMinutos, emParamDato emSegundos);
   std::u16string CampoTexto(emParamDato emParamDat);
   // Part 4.4
-  bool EsCasoNorstar() const;
-  bool EsCasoKXTDA() const;
+  // Inline: nearly every read asks them, reading Caso afresh each time.
+  bool EsCasoNorstar() const { return Cfg().Caso() == emCasoNortelNorstar0x32SMDR6; }
+  bool EsCasoKXTDA() const {
+    const emCasos emC = Cfg().Caso();
+    return emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100 ||
+           emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto;
+  }
   void DetectaTipoNorstar();
   void DetectaAtributoNorstar();
   void DireccionNorstar(int16_t intCabecera);
-  bool SeleccionaLineaNorstar(emParamDato emParamDat);
+  bool SeleccionaLineaNorstar(emParamDato emParamDat) {
+    return EsCasoNorstar() && LineaNorstar(emParamDat);
+  }
+  bool LineaNorstar(emParamDato emParamDat);
   void ExtensionKXTDA();
   void CodigoCuentaKXTDA();
   // Part 4.5

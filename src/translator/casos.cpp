@@ -17,14 +17,6 @@ constexpr char16_t kDesdeTransferencia[] = u"FROM TRANSFER";
 
 }  // namespace
 
-bool clsTraductor::EsCasoNorstar() const { return Cfg().Caso() == emCasoNortelNorstar0x32SMDR6; }
-
-bool clsTraductor::EsCasoKXTDA() const {
-  const emCasos emC = Cfg().Caso();
-  return emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100 ||
-         emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto;
-}
-
 // Type, step 2: every keyword other than the header must lie after it (a
 // greater BuscaLinea place is a later line).
 void clsTraductor::DetectaTipoNorstar() {
@@ -73,10 +65,10 @@ void clsTraductor::DetectaAtributoNorstar() {
 }
 
 // Field lines, step 4, for the time components. Selects the line of the
-// component's key in case 4 and tells whether the component is 0 without
-// reading a field (a duration of an unanswered call). Other cases: false.
-bool clsTraductor::SeleccionaLineaNorstar(emParamDato emParamDat) {
-  if (!EsCasoNorstar()) return false;
+// component's key in case 4 (SeleccionaLineaNorstar, inline, asks for the
+// case first) and tells whether the component is 0 without reading a field
+// (a duration of an unanswered call).
+bool clsTraductor::LineaNorstar(emParamDato emParamDat) {
   switch (emParamDat) {
     case emParamFechaHoras:
     case emParamFechaMinutos:
