@@ -348,12 +348,11 @@ TEST_F(HostileTranslator, ListOfAMillionLinesIsSearchedQuicklyInBoundedMemory) {
 // ---------------------------------------------------------------------------
 // Finding F1 (doc/reliability.md): a log or list file name that is a FIFO
 // blocks the intake or the lookup for ever (the open waits for a peer),
-// where Part 4.5 wants the entry lost or the list skipped. DISABLED_ until
-// src/translator/archivos_traductor.cpp refuses non-regular files; each
-// runs in a child process that a 5-second alarm ends, so enabling them can
-// never hang the suite.
+// where Part 4.5 wants the entry lost or the list skipped. Fixed: the
+// translator skips FIFOs and sockets. Each test runs in a child process that
+// a 5-second alarm ends, so a regression can never hang the suite.
 
-TEST_F(HostileTranslator, DISABLED_LogThatIsAFifoLosesTheEntryWithoutBlocking) {
+TEST_F(HostileTranslator, LogThatIsAFifoLosesTheEntryWithoutBlocking) {
   ASSERT_EQ(mkfifo(dir_.Path("log.fifo").c_str(), 0600), 0);
   tr_.Conmutador(MakeConfig(emCasoEstandar));
   tr_.ArchivoLlamadasError(dir_.Path16("log.fifo"));
@@ -366,7 +365,7 @@ TEST_F(HostileTranslator, DISABLED_LogThatIsAFifoLosesTheEntryWithoutBlocking) {
       ::testing::ExitedWithCode(0), "");
 }
 
-TEST_F(HostileTranslator, DISABLED_ListThatIsAFifoIsSkippedWithoutBlocking) {
+TEST_F(HostileTranslator, ListThatIsAFifoIsSkippedWithoutBlocking) {
   ASSERT_EQ(mkfifo(dir_.Path("list.fifo").c_str(), 0600), 0);
   tr_.Conmutador(AccountConfig());
   tr_.ArchivoListaExtensionesKXTDA(dir_.Path16("list.fifo"));
@@ -378,6 +377,28 @@ TEST_F(HostileTranslator, DISABLED_ListThatIsAFifoIsSkippedWithoutBlocking) {
         std::exit(IsFourDigitFallback(tr_.Extension()) ? 0 : 1);
       },
       ::testing::ExitedWithCode(0), "");
+}
+
+// Finding F1b: a device as the list (/dev/zero is one endless line) counts as
+// no list; only a regular file is read.
+TEST_F(HostileTranslator, ListThatIsADeviceIsSkippedWithoutReadingForEver) {
+  tr_.Conmutador(AccountConfig());
+  tr_.ArchivoListaExtensionesKXTDA(u"/dev/zero");
+  tr_.LlamadaActual(u" *1234 S 01:05");
+  ASSERT_EQ(tr_.TipoLlamadaDetectada(), emTradSaliente);
+  EXPECT_EXIT(
+      {
+        alarm(5);
+        std::exit(IsFourDigitFallback(tr_.Extension()) ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+TEST_F(HostileTranslator, LogThatIsADeviceIsWrittenTo) {
+  tr_.Conmutador(MakeConfig(emCasoEstandar));
+  tr_.ArchivoLlamadasError(u"/dev/null");
+  tr_.LlamadaActual(u"123");
+  EXPECT_EQ(tr_.TipoLlamadaDetectada(), emTradNoIdentificada);
 }
 
 // ---------------------------------------------------------------------------

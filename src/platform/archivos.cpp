@@ -1,5 +1,6 @@
 #include "platform/archivos.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <unistd.h>
@@ -24,6 +25,40 @@ int64_t LongitudArchivo(const std::u16string& cadArch) {
   if (nombre.find('\0') != std::string::npos) return -1;
   if (stat(nombre.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) return -1;
   return static_cast<int64_t>(st.st_size);
+}
+
+namespace {
+
+// Opens with O_NONBLOCK, keeps the descriptor when `acepta` takes its type,
+// then turns blocking back on and wraps it in a FILE.
+std::FILE* AbreSinEsperar(const std::u16string& cadArch, int banderas, const char* modo,
+                          bool (*acepta)(mode_t)) {
+  const std::string nombre = NombreSistema(cadArch);
+  if (nombre.empty() || nombre.find('\0') != std::string::npos) return nullptr;
+  const int fd = open(nombre.c_str(), banderas | O_NONBLOCK | O_CLOEXEC, 0666);
+  if (fd < 0) return nullptr;
+  struct stat st {};
+  if (fstat(fd, &st) != 0 || !acepta(st.st_mode)) {
+    close(fd);
+    return nullptr;
+  }
+  fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+  std::FILE* f = fdopen(fd, modo);
+  if (f == nullptr) close(fd);
+  return f;
+}
+
+bool EsRegular(mode_t m) { return S_ISREG(m); }
+bool EsRegularODispositivo(mode_t m) { return S_ISREG(m) || S_ISCHR(m); }
+
+}  // namespace
+
+std::FILE* AbreLecturaRegular(const std::u16string& cadArch) {
+  return AbreSinEsperar(cadArch, O_RDONLY, "rb", EsRegular);
+}
+
+std::FILE* AbreAnexar(const std::u16string& cadArch) {
+  return AbreSinEsperar(cadArch, O_WRONLY | O_APPEND | O_CREAT, "ab", EsRegularODispositivo);
 }
 
 bool BorraArchivo(const std::u16string& cadArch) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 namespace velqua {
@@ -17,6 +18,17 @@ bool TieneAtributoArchivo(const std::u16string& cadArch);
 
 // Length in bytes of an existing regular file, -1 when it cannot be read.
 int64_t LongitudArchivo(const std::u16string& cadArch);
+
+// Opens a file for reading only when it is a regular file: the open never
+// waits (O_NONBLOCK) and a FIFO, socket, device or directory is refused, so
+// neither a blocked open nor an endless device can hang the caller (Part 4.5:
+// the list file never makes an operation fail). nullptr when refused.
+std::FILE* AbreLecturaRegular(const std::u16string& cadArch);
+
+// Opens a file for appending (created when missing) without ever waiting: a
+// FIFO, socket or directory is refused; regular files and character devices
+// (/dev/null, /dev/stderr) are accepted. nullptr when refused (Part 4.5, log).
+std::FILE* AbreAnexar(const std::u16string& cadArch);
 
 // Deletes a file; false when it could not be deleted (missing, among others).
 bool BorraArchivo(const std::u16string& cadArch);

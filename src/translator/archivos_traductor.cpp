@@ -3,7 +3,7 @@
 // theirs ever leaves the translator.
 #include <cmath>
 #include <cstdio>
-#include <fstream>
+#include <memory>
 #include <string>
 
 #include "platform/archivos.h"
@@ -32,17 +32,26 @@ std::u16string MarcaDeTiempo() {
 
 // Reads one line ending in CR LF, a lone CR or a lone LF (doc/translator.md);
 // false at the end of the file.
-bool LeeLinea(std::istream& in, std::string& linea) {
+bool LeeLinea(std::FILE* in, std::string& linea) {
   linea.clear();
-  int c = in.get();
-  if (c == std::char_traits<char>::eof()) return false;
-  while (c != std::char_traits<char>::eof() && c != '\r' && c != '\n') {
+  int c = std::getc(in);
+  if (c == EOF) return false;
+  while (c != EOF && c != '\r' && c != '\n') {
     linea.push_back(static_cast<char>(c));
-    c = in.get();
+    c = std::getc(in);
   }
-  if (c == '\r' && in.peek() == '\n') in.get();
+  if (c == '\r') {
+    const int siguiente = std::getc(in);
+    if (siguiente != '\n' && siguiente != EOF) std::ungetc(siguiente, in);
+  }
   return true;
 }
+
+// Closes a FILE when the scope ends, on every way out.
+struct CierraArchivo {
+  void operator()(std::FILE* f) const { std::fclose(f); }
+};
+using Archivo = std::unique_ptr<std::FILE, CierraArchivo>;
 
 // Round half to even, whatever the floating-point rounding mode.
 int32_t RedondeoBancario(double v) {
@@ -58,16 +67,16 @@ int32_t RedondeoBancario(double v) {
 void clsTraductor::RegistraLlamadaError() {
   if (cadArchLlamadasError.empty()) return;
   try {
-    std::ofstream out(plataforma::NombreSistema(cadArchLlamadasError),
-                      std::ios::binary | std::ios::app);
-    if (!out) return;  // the entry is lost silently
+    // Refused (FIFO, directory, missing folder...): the entry is lost silently.
+    const Archivo out(plataforma::AbreAnexar(cadArchLlamadasError));
+    if (!out) return;
     std::u16string entrada = u"\r\n\r\nLlamada no reconocida (";
     entrada += MarcaDeTiempo();
     entrada += u"): \r\n";
     entrada += EsCasoNorstar() ? cadBuffer : cadLinea;
     entrada += u"\r\n";
     const std::string bytes = AAnsi(entrada);
-    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    std::fwrite(bytes.data(), 1, bytes.size(), out.get());
   } catch (const std::exception&) {
     // Part 4.5: every failure after the name check is swallowed.
   }
@@ -77,9 +86,11 @@ void clsTraductor::BuscaExtensionKXTDA(const std::u16string& cadCodigo) {
   cadDato.clear();
   if (!cadArchListaExtensiones.empty()) {
     try {
-      std::ifstream in(plataforma::NombreSistema(cadArchListaExtensiones), std::ios::binary);
+      // Only a regular file is read: a FIFO or a device (/dev/zero, a
+      // terminal) could block or never end; it counts as no list.
+      const Archivo in(plataforma::AbreLecturaRegular(cadArchListaExtensiones));
       std::string bytes;
-      while (in && cadDato.empty() && LeeLinea(in, bytes)) {
+      while (in && cadDato.empty() && LeeLinea(in.get(), bytes)) {
         if (bytes.empty()) continue;
         const std::u16string linea = DesdeAnsi(bytes);
         std::size_t p = linea.find(u';');
