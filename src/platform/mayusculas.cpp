@@ -1,5 +1,7 @@
 #include "platform/mayusculas.h"
 
+#include <cstdint>
+
 namespace velqua {
 namespace plataforma {
 namespace {
@@ -35,6 +37,17 @@ char16_t PliegaCirilico(char16_t c) {
   return c;
 }
 
+// True when one of the 16 characters at t, or-ed with m, is objetivo. No
+// early exit, and not inlined (inlined, GCC unrolls it before it can
+// vectorise it).
+[[gnu::noinline]] bool HayEnBloque(const char16_t* t, char16_t m, char16_t objetivo) {
+  uint16_t hay = 0;
+  for (std::size_t k = 0; k < 16; ++k) {
+    hay |= static_cast<uint16_t>(static_cast<uint16_t>(t[k] | m) == objetivo);
+  }
+  return hay != 0;
+}
+
 }  // namespace
 
 char16_t PliegaMayuscula(char16_t c) {
@@ -64,6 +77,31 @@ std::size_t BuscaSinMayusculas(std::u16string_view texto, std::u16string_view bu
   if (buscado.empty()) return desde;
   const char16_t primero = PliegaMayuscula(buscado[0]);
   const std::size_t ultimo = texto.size() - buscado.size();
+  if (primero < 0x80) {
+    // No character outside ASCII folds into it, so a candidate is one of
+    // the two cases of the letter (c | 0x20 is the small letter for both),
+    // or the character itself: no fold per character of the text. Blocks
+    // of 16 are tested without an early exit, so the compiler vectorises them.
+    const bool bolLetra = primero >= u'A' && primero <= u'Z';
+    const char16_t m = bolLetra ? char16_t{0x20} : char16_t{0};
+    const char16_t objetivo = static_cast<char16_t>(primero | m);
+    const char16_t* t = texto.data();
+    std::size_t i = desde;
+    for (;;) {
+      while (i + 16 <= ultimo + 1) {
+        if (HayEnBloque(t + i, m, objetivo)) break;
+        i += 16;
+      }
+      for (; i <= ultimo; ++i) {
+        if ((t[i] | m) == objetivo) break;
+      }
+      if (i > ultimo) return std::u16string_view::npos;
+      if (IgualesSinMayusculas(texto.substr(i + 1, buscado.size() - 1), buscado.substr(1))) {
+        return i;
+      }
+      ++i;
+    }
+  }
   for (std::size_t i = desde; i <= ultimo; ++i) {
     if (PliegaMayuscula(texto[i]) != primero) continue;
     if (IgualesSinMayusculas(texto.substr(i + 1, buscado.size() - 1), buscado.substr(1))) {
