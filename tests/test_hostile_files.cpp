@@ -21,22 +21,7 @@ using velqua_test::TempDir;
 using velqua_test::U;
 using velqua_test::WriteFile;
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kUnderAsan = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool kUnderAsan = true;
-#else
-constexpr bool kUnderAsan = false;
-#endif
-#else
-constexpr bool kUnderAsan = false;
-#endif
-
-// A time limit, four times longer under AddressSanitizer (a Debug build).
-std::chrono::seconds Budget(int seconds) {
-  return std::chrono::seconds(kUnderAsan ? 4 * seconds : seconds);
-}
+using velqua_test::Budget;
 
 const std::u16string kMsg1501 = u"No es posible encontrar el archivo deseado.";
 const std::u16string kMsg1502 =

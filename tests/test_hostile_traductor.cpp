@@ -32,22 +32,8 @@ using velqua_test::TempDir;
 constexpr int32_t kOverflow = 6;
 constexpr int32_t kObjectNotSet = 91;
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kUnderAsan = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool kUnderAsan = true;
-#else
-constexpr bool kUnderAsan = false;
-#endif
-#else
-constexpr bool kUnderAsan = false;
-#endif
-
-// A time limit, four times longer under AddressSanitizer (a Debug build).
-std::chrono::seconds Budget(int seconds) {
-  return std::chrono::seconds(kUnderAsan ? 4 * seconds : seconds);
-}
+using velqua_test::Budget;
+using velqua_test::kUnderAsan;
 
 class HostileTranslator : public ::testing::Test {
  protected:

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -92,6 +93,25 @@ std::string ReadFile(const std::string& path);
 void WriteFile(const std::string& path, const std::string& bytes);
 // Bytes of a test data file under tests/data.
 std::string DataPath(const std::string& name);
+
+// True in a build under AddressSanitizer (the Debug build of scripts/test.sh).
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kUnderAsan = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kUnderAsan = true;
+#else
+constexpr bool kUnderAsan = false;
+#endif
+#else
+constexpr bool kUnderAsan = false;
+#endif
+
+// A time limit for a test that must finish quickly: four times longer under
+// AddressSanitizer. Never an assertion on speed, only against a hang.
+inline std::chrono::seconds Budget(int seconds) {
+  return std::chrono::seconds(kUnderAsan ? 4 * seconds : seconds);
+}
 
 // Shorthand: UTF-16 from UTF-8 literal.
 inline std::u16string U(const std::string& utf8) { return velqua::DesdeUtf8(utf8); }
