@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstring>
-#include <ctime>
 #include <memory>
 #include <string>
 
@@ -33,43 +32,6 @@ void InstallFixedClock(const std::string& text) {
   }
   static velqua::plataforma::RelojFijo clock(now);
   clock.Establece(now);
-  velqua::plataforma::EstableceReloj(&clock);
-}
-
-// The system clock, with the local time of the last second kept: the
-// library reads the clock for every record whose switch prints a two-digit
-// year or no date (Part 4.3), and localtime_r was 7% of a record. The
-// result is the system clock's (RelojSistema): the same second gives the
-// same local time, as glibc's localtime_r reads the time zone only once.
-class CachedSystemClock : public velqua::plataforma::Reloj {
- public:
-  velqua::plataforma::FechaHora Ahora() const override {
-    const std::time_t now = std::time(nullptr);
-    if (!valid_ || now != second_) {
-      std::tm local{};
-      localtime_r(&now, &local);
-      cached_.intAnio = local.tm_year + 1900;
-      cached_.intMes = local.tm_mon + 1;
-      cached_.intDia = local.tm_mday;
-      cached_.intHora = local.tm_hour;
-      cached_.intMinuto = local.tm_min;
-      cached_.intSegundo = local.tm_sec;
-      second_ = now;
-      valid_ = true;
-    }
-    return cached_;
-  }
-  uint32_t SemillaTemporizador() const override { return system_.SemillaTemporizador(); }
-
- private:
-  velqua::plataforma::RelojSistema system_;
-  mutable std::time_t second_ = 0;
-  mutable bool valid_ = false;
-  mutable velqua::plataforma::FechaHora cached_;
-};
-
-void InstallCachedSystemClock() {
-  static CachedSystemClock clock;
   velqua::plataforma::EstableceReloj(&clock);
 }
 
@@ -107,11 +69,7 @@ int Run(int argc, char** argv) {
                  "velqua: a command is required: translate, config or draw (see velqua --help)\n");
     return 2;
   }
-  if (!now.empty()) {
-    InstallFixedClock(now);
-  } else {
-    InstallCachedSystemClock();
-  }
+  if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
