@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "support/failing_surface.h"
 #include "support/velqua_test.h"
 #include "velqua/superficie_grabadora.h"
 #include "velqua/velqua.h"
@@ -125,25 +126,7 @@ Lines GroundRow(int y) {
   return l;
 }
 
-// A recording surface that fails on the n-th Print or the n-th Line (before
-// recording it).
-class FailingSurface : public SuperficieGrabadora {
- public:
-  int fail_print = 0;
-  int fail_line = 0;
-  void Print(const std::u16string& text) override {
-    if (++prints_ == fail_print) throw std::runtime_error("print failed");
-    SuperficieGrabadora::Print(text);
-  }
-  void Line(int16_t flags, float x1, float y1, float x2, float y2, int32_t colour) override {
-    if (++lines_ == fail_line) throw Error(480, u"Host", u"Line falló");
-    SuperficieGrabadora::Line(flags, x1, y1, x2, y2, colour);
-  }
-
- private:
-  int prints_ = 0;
-  int lines_ = 0;
-};
+using velqua_test::FailingSurface;
 
 void SetHeights(SuperficieGrabadora& s) {
   s.AltoTexto(u"MS Sans Serif", 10, 240);
@@ -517,7 +500,7 @@ TEST_F(Part5_2, SurfaceFailingInPrintEndsTheDrawingWithItsError) {
 
 TEST_F(Part5_2, SurfaceFailingInLineEndsTheDrawingWithItsError) {
   Wire(emPuertoDB9, 3, 2);
-  FailingSurface failing;
+  FailingSurface failing(U("Line falló"));
   SetHeights(failing);
   failing.fail_line = 4;  // the first row's background
   EXPECT_VELQUA_ERROR(cfg.DibujaConfiguracionSMDR(emPuertoDB9, failing), 480, u"Host",

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "support/failing_surface.h"
 #include "support/velqua_test.h"
 #include "velqua/superficie_grabadora.h"
 #include "velqua/velqua.h"
@@ -73,23 +74,7 @@ void SetHeights(SuperficieGrabadora& s, float t8 = 225, float t7 = 180) {
   s.AltoTexto(u"MS Sans Serif", 8, 195);
 }
 
-class FailingSurface : public SuperficieGrabadora {
- public:
-  int fail_print = 0;
-  int fail_line = 0;
-  void Print(const std::u16string& text) override {
-    if (++prints_ == fail_print) throw std::runtime_error("print failed");
-    SuperficieGrabadora::Print(text);
-  }
-  void Line(int16_t flags, float x1, float y1, float x2, float y2, int32_t colour) override {
-    if (++lines_ == fail_line) throw Error(480, u"Host", u"Line failed");
-    SuperficieGrabadora::Line(flags, x1, y1, x2, y2, colour);
-  }
-
- private:
-  int prints_ = 0;
-  int lines_ = 0;
-};
+using velqua_test::FailingSurface;
 
 class Part5_3 : public ::testing::Test {
  protected:
