@@ -29,17 +29,9 @@ struct Entry {
   std::string detail;  // type of a field, text of a constant
 };
 
-const char* TypeWord(velqua::emTipoDato type) {
-  switch (type) {
-    case velqua::emValorNumerico:
-      return "numeric";
-    case velqua::emValorConstante:
-      return "constant";
-    case velqua::emValorCadena:
-      return "string";
-    default:
-      return "undefined";
-  }
+const char* TypeWordOrUndefined(int32_t tipo) {
+  const char* word = TypeWord(tipo);
+  return word != nullptr ? word : "undefined";
 }
 
 // The complete fields, then the complete constants, in key order. Restores
@@ -52,7 +44,7 @@ std::vector<Entry> CompleteEntries(clsCfgConmut& cfg) {
     cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
     if (!cfg.HayDATO()) continue;
     entries.push_back({false, key, EnumNameOf(EnumKind::kParamDato, key), cfg.DATOPos(),
-                       cfg.DATOTam(), TypeWord(cfg.TipoDatoDATO())});
+                       cfg.DATOTam(), TypeWordOrUndefined(cfg.TipoDatoDATO())});
   }
   for (int32_t key = velqua::emPrimerParamDatoConstante + 1;
        key < velqua::emUltimoParamDatoConstante; ++key) {

@@ -30,19 +30,6 @@ constexpr std::array<PortInfo, 3> kPorts = {{
 }};
 constexpr int16_t kLastComputerPin = 31;
 
-const char* TypeWord(velqua::emTipoDato type) {
-  switch (type) {
-    case velqua::emValorNumerico:
-      return "numeric";
-    case velqua::emValorConstante:
-      return "constant";
-    case velqua::emValorCadena:
-      return "string";
-    default:
-      return nullptr;
-  }
-}
-
 std::string Quote(const std::string& utf8) { return json(utf8).dump(); }
 
 // ---- writing ----

@@ -208,4 +208,17 @@ bool EnumValueOf(EnumKind kind, std::string_view name, int32_t* value) {
   return false;
 }
 
+const char* TypeWord(int32_t tipo) {
+  switch (tipo) {
+    case velqua::emValorNumerico:
+      return "numeric";
+    case velqua::emValorConstante:
+      return "constant";
+    case velqua::emValorCadena:
+      return "string";
+    default:
+      return nullptr;
+  }
+}
+
 }  // namespace velqua_cli

@@ -29,4 +29,8 @@ const char* EnumNameOf(EnumKind kind, int32_t value);
 // The value of the member spelled `name` (exact spelling); false when none.
 bool EnumValueOf(EnumKind kind, std::string_view name, int32_t* value);
 
+// The JSON form's word for an emTipoDato value ("numeric", "constant",
+// "string"); nullptr for emValorNoDefinido and values outside the enumeration.
+const char* TypeWord(int32_t tipo);
+
 }  // namespace velqua_cli
