@@ -146,6 +146,23 @@ class clsTraductor {
   std::u16string cadTrabajo;
   // Not in the spec: the digits of the numeric field cut last (ExtraeDato).
   char16_t chrCifras[255] = {};
+  // Not in the spec: the last Duracion of the minutes-and-seconds cases
+  // (not 4, 5, 8) with what it was computed from: the case and the three
+  // duration records as the model held them. Intake (Part 4.1 step 6)
+  // computes it and the host reads it again; the kept value is used only
+  // while cadLinea is unchanged and the case and the three records are
+  // equal, so a change to the configuration still counts at once.
+  struct DuracionGuardada {
+    bool bolVigente = false;
+    emCasos emCaso = emCasoEstandar;
+    RegDATO udtCampos[3];
+    int32_t intValor = 0;
+  };
+  DuracionGuardada udtDuracion;
+  void OlvidaDuracion() { udtDuracion.bolVigente = false; }
+  RegDATO RegistroDuracion(std::size_t k) const;
+  bool DuracionIgual(emCasos emC) const;
+  void GuardaDuracion(emCasos emC, int32_t intValor);
 };
 
 }  // namespace velqua

@@ -149,6 +149,7 @@ void clsTraductor::DetectaAtributo() {
 // of the buffer is one line and the scan always ends (doc/translator.md).
 int16_t clsTraductor::BuscaLinea(const std::u16string& cadVal) {
   int16_t intResultado = 0;
+  OlvidaDuracion();
   cadLinea.clear();
   if (!clsCmt) return 0;
   const std::u16string_view cadSep = clsCmt->VistaSeparador(cadTrabajo);

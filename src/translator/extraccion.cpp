@@ -158,7 +158,54 @@ int32_t clsTraductor::Duracion() {
       emC == emCasoEstandarRestaFechasDuracionConSalienteDefecto) {
     return DuracionRestaFechas();
   }
-  return TiempoEnSegundos(emParamDuracionHoras, emParamDuracionMinutos, emParamDuracionSegundos);
+  if (emC == emCasoNortelNorstar0x32SMDR6) {
+    return TiempoEnSegundos(emParamDuracionHoras, emParamDuracionMinutos, emParamDuracionSegundos);
+  }
+  if (DuracionIgual(emC)) {
+    Cfg().DATOActivo(emParamDuracionSegundos);  // as the three cuts leave it
+    return udtDuracion.intValor;
+  }
+  const int32_t intValor =
+      TiempoEnSegundos(emParamDuracionHoras, emParamDuracionMinutos, emParamDuracionSegundos);
+  GuardaDuracion(emC, intValor);
+  return intValor;
+}
+
+namespace {
+
+constexpr emParamDato kCamposDuracion[3] = {emParamDuracionHoras, emParamDuracionMinutos,
+                                            emParamDuracionSegundos};
+
+bool MismoRegistro(const RegDATO& a, const RegDATO& b) {
+  return a.emParam == b.emParam && a.emTipo == b.emTipo && a.btPos == b.btPos && a.btTam == b.btTam;
+}
+
+}  // namespace
+
+// The three cuts of a minutes-and-seconds duration depend only on cadLinea,
+// the case (6 reads tenths) and the three records: with all of them equal,
+// the value is the same.
+// The record ExtraeDato reads for the k-th duration key, or an empty record
+// (which it treats as the missing one) when there is none.
+RegDATO clsTraductor::RegistroDuracion(std::size_t k) const {
+  const clsCfgConmut& cfg = Cfg();
+  const int16_t i = cfg.BuscaDATO(kCamposDuracion[k]);
+  return i != 0 ? cfg.udtDATO[static_cast<std::size_t>(i - 1)] : RegDATO{};
+}
+
+bool clsTraductor::DuracionIgual(emCasos emC) const {
+  if (!udtDuracion.bolVigente || udtDuracion.emCaso != emC) return false;
+  for (std::size_t k = 0; k < 3; ++k) {
+    if (!MismoRegistro(udtDuracion.udtCampos[k], RegistroDuracion(k))) return false;
+  }
+  return true;
+}
+
+void clsTraductor::GuardaDuracion(emCasos emC, int32_t intValor) {
+  for (std::size_t k = 0; k < 3; ++k) udtDuracion.udtCampos[k] = RegistroDuracion(k);
+  udtDuracion.emCaso = emC;
+  udtDuracion.intValor = intValor;
+  udtDuracion.bolVigente = true;
 }
 
 int32_t clsTraductor::Ring() {

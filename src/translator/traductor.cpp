@@ -42,6 +42,7 @@ emTipoLlamadaTraductor clsTraductor::TipoLlamadaDetectada() const { return emTip
 emAtributoTraductor clsTraductor::Atributo() const { return emAtributoLlamada; }
 
 void clsTraductor::Conmutador(std::shared_ptr<clsCfgConmut> iclsCmt) {
+  OlvidaDuracion();
   clsCmt.reset();
   if (!iclsCmt) return;
   clsCmt = std::move(iclsCmt);
@@ -54,6 +55,7 @@ void clsTraductor::Conmutador(std::shared_ptr<clsCfgConmut> iclsCmt) {
 
 // The intake sequence, steps 1 to 7 of Part 4.1.
 void clsTraductor::LlamadaActual(const std::u16string& cadL) {
+  OlvidaDuracion();  // a new record: the kept duration was of the old one
   if (!clsCmt) {
     emTipoLlamada = emTradNoIdentificada;
     return;
