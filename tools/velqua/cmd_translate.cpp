@@ -25,21 +25,35 @@ struct Counts {
   std::vector<int64_t> listed;
 };
 
-// Reads the call data of the record just written, in a fixed order (in case
-// 4 the ring time reads the line of the previous search, Part 4.4).
-void FillRow(velqua::clsTraductor& traductor, Row& row) {
-  row.day = traductor.Dia();
-  row.month = traductor.Mes();
-  row.year = traductor.Anio();
-  row.time = traductor.Hora();
-  row.duration = traductor.Duracion();
-  row.ring = traductor.Ring();
-  row.dialled = traductor.Marcacion();
-  row.extension = traductor.Extension();
-  row.trunk = traductor.Troncal();
-  row.receiving_extension = traductor.ExtensionReceptor();
-  row.receiving_trunk = traductor.TroncalReceptor();
-  row.account_code = traductor.CodigoCuenta();
+// The row of the record just written. The call data are read in a fixed
+// order, the order of Row's members (in case 4 the ring time reads the line
+// of the previous search, Part 4.4); each text is built in its place.
+Row ReadRow(velqua::clsTraductor& t, int64_t number) {
+  const int32_t type = t.TipoLlamadaDetectada();
+  const int32_t attribute = t.Atributo();
+  if (type == velqua::emTradNoIdentificada) {
+    Row row;  // no call data: the fields stay blank
+    row.number = number;
+    row.type = type;
+    row.attribute = attribute;
+    return row;
+  }
+  return Row{number,
+             type,
+             attribute,
+             true,
+             t.Dia(),
+             t.Mes(),
+             t.Anio(),
+             t.Hora(),
+             t.Duracion(),
+             t.Ring(),
+             t.Marcacion(),
+             t.Extension(),
+             t.Troncal(),
+             t.ExtensionReceptor(),
+             t.TroncalReceptor(),
+             t.CodigoCuenta()};
 }
 
 class Translation {
@@ -48,20 +62,18 @@ class Translation {
       : traductor_(traductor), writer_(writer) {}
 
   void Record(const std::u16string& record) {
-    Row row;
-    row.number = ++counts_.read;
-    try {
-      traductor_.LlamadaActual(record);
-      row.type = traductor_.TipoLlamadaDetectada();
-      row.attribute = traductor_.Atributo();
-      row.has_fields = row.type != velqua::emTradNoIdentificada;
-      if (row.has_fields) FillRow(traductor_, row);
-    } catch (const velqua::Error& e) {
-      throw CliError("record " + std::to_string(row.number) + ": " + DescribeError(e));
-    }
+    const int64_t number = ++counts_.read;
+    const Row row = [&] {
+      try {
+        traductor_.LlamadaActual(record);
+        return ReadRow(traductor_, number);
+      } catch (const velqua::Error& e) {
+        throw CliError("record " + std::to_string(number) + ": " + DescribeError(e));
+      }
+    }();
     if (!row.has_fields) {
       ++counts_.unrecognised;
-      if (counts_.listed.size() < kListedUnrecognised) counts_.listed.push_back(row.number);
+      if (counts_.listed.size() < kListedUnrecognised) counts_.listed.push_back(number);
     }
     writer_.Write(row);
   }

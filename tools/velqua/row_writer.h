@@ -12,12 +12,15 @@
 namespace velqua_cli {
 
 // The call data of one record as the library gives it (doc/cli.md, "Rows").
+// The members after has_fields are in the order the program reads them
+// (cmd_translate.cpp builds a row by aggregate initialisation, which reads
+// the properties in this order and moves no text).
 struct Row {
   int64_t number = 0;       // 1-based ordinal of the record in the input
   int32_t type = 0;         // emTipoLlamadaTraductor
   int32_t attribute = 0;    // emAtributoTraductor
   bool has_fields = false;  // false for an unrecognised record: fields blank
-  int32_t year = 0, month = 0, day = 0;
+  int32_t day = 0, month = 0, year = 0;
   int32_t time = 0;       // seconds from midnight
   int32_t duration = -1;  // seconds; negative = none (blank)
   int32_t ring = -1;      // seconds; negative = none (blank)
