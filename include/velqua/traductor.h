@@ -9,6 +9,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "velqua/cfg_conmut.h"
 #include "velqua/enums.h"
@@ -81,6 +82,11 @@ class clsTraductor {
   emTipoLlamadaTraductor TipoSegunConstante(emParamDatoConstante emParamCte);
   void DetectaTipoLlamada();
   void DetectaAtributo();
+  // BuscaLinea for the translator's own keywords (no text built a call).
+  int16_t BuscaLineaClave(std::u16string_view cadVal);
+  int16_t RecorreLineas(std::u16string_view cadSep, std::u16string_view cadVal,
+                        std::size_t* intInicio);
+  void GuardaLinea(std::u16string_view cadVal, std::size_t intInicio, int16_t intResultado);
   // Part 4.3
   // The field cut as a view, not copied into cadDato: into cadLinea for a
   // text field, into chrCifras for a numeric one (valid until the next cut
@@ -159,6 +165,22 @@ class clsTraductor {
     int32_t intValor = 0;
   };
   DuracionGuardada udtDuracion;
+  // Not in the spec: the lines BuscaLinea found in the current cadBuffer
+  // with the separator cadSeparadorLineas (case 4 reads every field from a
+  // keyword line, so one record searches the same few keywords many times).
+  // Emptied whenever cadBuffer or the configuration is replaced; entries
+  // are reused so that their texts keep their storage.
+  struct LineaHallada {
+    std::u16string cadClave;
+    std::size_t intInicio = 0;
+    std::size_t intLargo = 0;
+    int16_t intResultado = 0;
+  };
+  static constexpr std::size_t kLineasGuardadas = 16;
+  std::vector<LineaHallada> udtLineas;
+  std::size_t intLineas = 0;
+  std::u16string cadSeparadorLineas;
+  void OlvidaLineas() { intLineas = 0; }
   void OlvidaDuracion() { udtDuracion.bolVigente = false; }
   RegDATO RegistroDuracion(std::size_t k) const;
   bool DuracionIgual(emCasos emC) const;

@@ -98,7 +98,7 @@ std::u16string clsTraductor::CampoTexto(emParamDato emParamDat) {
 std::u16string clsTraductor::Marcacion() {
   std::u16string_view cadCampo;
   if (EsCasoNorstar()) {
-    BuscaLinea(u"DIGITS DIALED");
+    BuscaLineaClave(u"DIGITS DIALED");
     cadCampo = ExtraeDato(emParamTelefonoEntrante);
     if (cadCampo.empty()) cadCampo = ExtraeDato(emParamTelefonoSaliente);
   } else {
@@ -118,7 +118,7 @@ std::u16string clsTraductor::Marcacion() {
 std::u16string clsTraductor::Extension() {
   std::u16string_view cadCampo;
   if (EsCasoNorstar()) {
-    BuscaLinea(u"--------");
+    BuscaLineaClave(u"--------");
     cadCampo = ExtraeDato(emParamExtensionEntrante);
   } else {
     const emParamDato emK = Clave(kExtension, emTipoLlamada, emAtributoLlamada);
@@ -135,7 +135,7 @@ std::u16string clsTraductor::Extension() {
 
 std::u16string clsTraductor::Troncal() {
   if (EsCasoNorstar()) {
-    BuscaLinea(u"--------");
+    BuscaLineaClave(u"--------");
     return CampoTexto(emParamTroncalEntrante);
   }
   return CampoTexto(Clave(kTroncal, emTipoLlamada, emAtributoLlamada));
@@ -151,7 +151,7 @@ std::u16string clsTraductor::TroncalReceptor() {
 }
 
 std::u16string clsTraductor::CodigoCuenta() {
-  if (EsCasoNorstar()) BuscaLinea(u"RESTRICTION PASSWORD");
+  if (EsCasoNorstar()) BuscaLineaClave(u"RESTRICTION PASSWORD");
   std::u16string_view cadCampo = ExtraeDato(emParamCodigoCuenta);
   clsCfgConmut& cfg = Cfg();
   if (emTipoLlamada != emTradCodigoCuenta) {

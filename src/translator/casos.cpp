@@ -21,43 +21,43 @@ constexpr char16_t kDesdeTransferencia[] = u"FROM TRANSFER";
 // greater BuscaLinea place is a later line).
 void clsTraductor::DetectaTipoNorstar() {
   emTipoLlamada = emTradNoIdentificada;
-  const int16_t h = BuscaLinea(kCabecera);
+  const int16_t h = BuscaLineaClave(kCabecera);
   if (h == 0) return;
-  const int16_t intLiberada = BuscaLinea(kLiberada);
+  const int16_t intLiberada = BuscaLineaClave(kLiberada);
   if (intLiberada != 0) {
     if (h < intLiberada) DireccionNorstar(h);
     return;
   }
-  const int16_t intTransferida = BuscaLinea(kTransferida);
+  const int16_t intTransferida = BuscaLineaClave(kTransferida);
   if (intTransferida != 0) {
     if (h < intTransferida) DireccionNorstar(h);
     return;
   }
-  const int16_t intNoContesta = BuscaLinea(kNoContesta);
+  const int16_t intNoContesta = BuscaLineaClave(kNoContesta);
   if (intNoContesta != 0 && h < intNoContesta) emTipoLlamada = emTradEntrante;
 }
 
 // Type, step 2.5: the direction test.
 void clsTraductor::DireccionNorstar(int16_t intCabecera) {
-  const int16_t intSaliente = BuscaLinea(kSaliente);
+  const int16_t intSaliente = BuscaLineaClave(kSaliente);
   if (intSaliente != 0) {
     if (intCabecera < intSaliente) emTipoLlamada = emTradSaliente;
     return;
   }
-  const int16_t intEntrante = BuscaLinea(kEntrante);
+  const int16_t intEntrante = BuscaLineaClave(kEntrante);
   if (intEntrante != 0) {
     if (intCabecera < intEntrante) emTipoLlamada = emTradEntrante;
     return;
   }
-  const int16_t intDesde = BuscaLinea(kDesdeTransferencia);
+  const int16_t intDesde = BuscaLineaClave(kDesdeTransferencia);
   if (intDesde != 0 && intCabecera < intDesde) emTipoLlamada = emTradTransferida;
 }
 
 // Attribute, step 3, whatever the type.
 void clsTraductor::DetectaAtributoNorstar() {
-  if (BuscaLinea(kDesdeTransferencia) != 0) {
-    emAtributoLlamada = BuscaLinea(kTransferida) != 0 ? emATREnTR : emATRFinTR;
-  } else if (BuscaLinea(kTransferida) != 0) {
+  if (BuscaLineaClave(kDesdeTransferencia) != 0) {
+    emAtributoLlamada = BuscaLineaClave(kTransferida) != 0 ? emATREnTR : emATRFinTR;
+  } else if (BuscaLineaClave(kTransferida) != 0) {
     emAtributoLlamada = emATRIniTR;
   } else {
     emAtributoLlamada = emATRNoAtributo;
@@ -73,13 +73,13 @@ bool clsTraductor::LineaNorstar(emParamDato emParamDat) {
     case emParamFechaHoras:
     case emParamFechaMinutos:
     case emParamFechaSegundos:
-      BuscaLinea(kCabecera);
+      BuscaLineaClave(kCabecera);
       return false;
     case emParamDuracionHoras:
     case emParamDuracionMinutos:
     case emParamDuracionSegundos:
-      if (BuscaLinea(kNoContesta) != 0) return true;
-      if (BuscaLinea(kLiberada) == 0) BuscaLinea(kTransferida);
+      if (BuscaLineaClave(kNoContesta) != 0) return true;
+      if (BuscaLineaClave(kLiberada) == 0) BuscaLineaClave(kTransferida);
       return false;
     default:
       return false;  // ring time: the line left by the previous search

@@ -147,12 +147,37 @@ void clsTraductor::DetectaAtributo() {
 // Positions are 1-based and 16-bit: any position of the scan beyond 32767
 // fails with error 6. An empty separator is treated as absent, so the rest
 // of the buffer is one line and the scan always ends (doc/translator.md).
-int16_t clsTraductor::BuscaLinea(const std::u16string& cadVal) {
-  int16_t intResultado = 0;
+// A keyword already searched in this buffer with this separator gives the
+// line and place found then (udtLineas): the same result without the scan.
+int16_t clsTraductor::BuscaLinea(const std::u16string& cadVal) { return BuscaLineaClave(cadVal); }
+
+int16_t clsTraductor::BuscaLineaClave(std::u16string_view cadVal) {
   OlvidaDuracion();
   cadLinea.clear();
   if (!clsCmt) return 0;
   const std::u16string_view cadSep = clsCmt->VistaSeparador(cadTrabajo);
+  if (cadSep != cadSeparadorLineas) {
+    OlvidaLineas();
+    cadSeparadorLineas.assign(cadSep);
+  }
+  for (std::size_t k = 0; k < intLineas; ++k) {
+    const LineaHallada& h = udtLineas[k];
+    if (h.cadClave == cadVal) {
+      cadLinea.assign(cadBuffer, h.intInicio, h.intLargo);
+      return h.intResultado;
+    }
+  }
+  std::size_t intInicio = 0;
+  const int16_t intResultado = RecorreLineas(cadSep, cadVal, &intInicio);
+  GuardaLinea(cadVal, intInicio, intResultado);
+  return intResultado;
+}
+
+// The scan of BuscaLinea: leaves cadLinea at the line found (or empty) and
+// *intInicio at its start in cadBuffer.
+int16_t clsTraductor::RecorreLineas(std::u16string_view cadSep, std::u16string_view cadVal,
+                                    std::size_t* intInicio) {
+  int16_t intResultado = 0;
   const std::u16string_view buffer(cadBuffer);
   int64_t p = 1;
   while (p <= static_cast<int64_t>(buffer.size())) {
@@ -165,8 +190,10 @@ int16_t clsTraductor::BuscaLinea(const std::u16string& cadVal) {
     const std::u16string_view linea =
         buffer.substr(static_cast<std::size_t>(p - 1), static_cast<std::size_t>(e - p));
     p = AEntero16(e + static_cast<int64_t>(cadSep.size()));
-    if (!linea.empty() && plataforma::BuscaSinMayusculas(linea, cadVal) != std::u16string::npos) {
+    if (!linea.empty() &&
+        plataforma::BuscaSinMayusculas(linea, cadVal) != std::u16string_view::npos) {
       cadLinea.assign(linea);
+      *intInicio = static_cast<std::size_t>(linea.data() - buffer.data());
       intResultado = static_cast<int16_t>(p);
     } else {
       cadLinea.clear();
@@ -174,6 +201,17 @@ int16_t clsTraductor::BuscaLinea(const std::u16string& cadVal) {
     if (bolSepHallado && !cadLinea.empty()) break;
   }
   return intResultado;
+}
+
+void clsTraductor::GuardaLinea(std::u16string_view cadVal, std::size_t intInicio,
+                               int16_t intResultado) {
+  if (intLineas == kLineasGuardadas) return;
+  if (udtLineas.size() == intLineas) udtLineas.emplace_back();
+  LineaHallada& h = udtLineas[intLineas++];
+  h.cadClave.assign(cadVal);
+  h.intInicio = intInicio;
+  h.intLargo = cadLinea.size();
+  h.intResultado = intResultado;
 }
 
 }  // namespace velqua

@@ -51,7 +51,7 @@ std::u16string_view clsTraductor::ExtraeDato(emParamDato emParamDat) {
 }
 
 int16_t clsTraductor::ObtDia(emParamDato emParamDat) {
-  if (EsCasoNorstar()) BuscaLinea(u"--------");
+  if (EsCasoNorstar()) BuscaLineaClave(u"--------");
   const std::u16string_view cadCampo = ExtraeDato(emParamDat);
   const int32_t v = traductor::ValorSiNumero(cadCampo);
   if (v >= 1 && v <= 31) return static_cast<int16_t>(v);
@@ -59,7 +59,7 @@ int16_t clsTraductor::ObtDia(emParamDato emParamDat) {
 }
 
 int16_t clsTraductor::ObtMes(emParamDato emParamDat) {
-  if (EsCasoNorstar()) BuscaLinea(u"--------");
+  if (EsCasoNorstar()) BuscaLineaClave(u"--------");
   const std::u16string_view cadCampo = ExtraeDato(emParamDat);
   const int32_t v = traductor::ValorSiNumero(cadCampo);
   if (v >= 1 && v <= 12) return static_cast<int16_t>(v);
@@ -67,7 +67,7 @@ int16_t clsTraductor::ObtMes(emParamDato emParamDat) {
 }
 
 int16_t clsTraductor::ObtAnio(emParamDato emParamDat) {
-  if (EsCasoNorstar()) BuscaLinea(u"--------");
+  if (EsCasoNorstar()) BuscaLineaClave(u"--------");
   const std::u16string_view cadCampo = ExtraeDato(emParamDat);
   const int32_t v = traductor::ValorSiNumero(cadCampo);  // -1: not a number
   {

@@ -26,7 +26,10 @@ void clsTraductor::ArchivoLlamadasError(const std::u16string& cadArch) {
 
 std::u16string clsTraductor::BufferMultiplesLineas() const { return cadBuffer; }
 
-void clsTraductor::BufferMultiplesLineas(const std::u16string& cadB) { cadBuffer = cadB; }
+void clsTraductor::BufferMultiplesLineas(const std::u16string& cadB) {
+  OlvidaLineas();
+  cadBuffer = cadB;
+}
 
 std::u16string clsTraductor::LlamadaActual() const {
   if (!clsCmt) return std::u16string();
@@ -43,6 +46,7 @@ emAtributoTraductor clsTraductor::Atributo() const { return emAtributoLlamada; }
 
 void clsTraductor::Conmutador(std::shared_ptr<clsCfgConmut> iclsCmt) {
   OlvidaDuracion();
+  OlvidaLineas();
   clsCmt.reset();
   if (!iclsCmt) return;
   clsCmt = std::move(iclsCmt);
@@ -61,6 +65,7 @@ void clsTraductor::LlamadaActual(const std::u16string& cadL) {
     return;
   }
   if (EsCasoNorstar()) {
+    OlvidaLineas();
     cadBuffer = cadL;
   } else {
     cadLinea = cadL;
