@@ -31,18 +31,28 @@ int64_t Instante(int64_t y, int64_t mo, int64_t d, int64_t h, int64_t mi, int64_
 
 }  // namespace
 
-std::u16string_view clsTraductor::ExtraeDato(emParamDato emParamDat) {
+// ExtraeDato up to the cut: the field's slice of cadLinea (empty when the
+// field is missing or starts past the line's end) and, in *bolNumerico,
+// whether only its digits count.
+std::u16string_view clsTraductor::CorteDato(emParamDato emParamDat, bool* bolNumerico) {
   clsCfgConmut& cfg = Cfg();
   cfg.DATOActivo(emParamDat);
   // HayDATO, DATOPos, DATOTam and TipoDatoDATO, read from the one record.
   const RegDATO* r = cfg.RegistroDATOActivo();
+  *bolNumerico = false;
   if (r == nullptr || !clsCfgConmut::ValidaDATO(*r)) return {};
   const uint8_t btPos = r->btPos;
   const uint8_t btTam = r->btTam;
   if (btPos + btTam > 255) SumaByte(btPos, btTam);  // error 6
   if (btPos > cadLinea.size()) return {};
-  const std::u16string_view trozo = std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
-  if (r->emTipo != emValorNumerico) return trozo;
+  *bolNumerico = r->emTipo == emValorNumerico;
+  return std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
+}
+
+std::u16string_view clsTraductor::ExtraeDato(emParamDato emParamDat) {
+  bool bolNumerico = false;
+  const std::u16string_view trozo = CorteDato(emParamDat, &bolNumerico);
+  if (!bolNumerico) return trozo;
   std::size_t n = 0;  // only the digits; a field is at most 255 characters
   for (char16_t c : trozo) {
     if (EsDigito(c)) chrCifras[n++] = c;
@@ -50,18 +60,33 @@ std::u16string_view clsTraductor::ExtraeDato(emParamDato emParamDat) {
   return std::u16string_view(chrCifras, n);
 }
 
+// ValorSiNumero(ExtraeDato(emParamDat)) without building the digits: a
+// numeric field is its digits alone, so its value is that of its first four
+// digits, or -1 when it has none.
+int32_t clsTraductor::ValorDato(emParamDato emParamDat) {
+  bool bolNumerico = false;
+  const std::u16string_view trozo = CorteDato(emParamDat, &bolNumerico);
+  if (!bolNumerico) return traductor::ValorSiNumero(trozo);
+  int32_t v = 0;
+  int32_t intCifras = 0;
+  for (char16_t c : trozo) {
+    if (!EsDigito(c)) continue;
+    if (intCifras < 4) v = v * 10 + (c - u'0');
+    ++intCifras;
+  }
+  return intCifras == 0 ? -1 : v;
+}
+
 int16_t clsTraductor::ObtDia(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLineaClave(u"--------");
-  const std::u16string_view cadCampo = ExtraeDato(emParamDat);
-  const int32_t v = traductor::ValorSiNumero(cadCampo);
+  const int32_t v = ValorDato(emParamDat);
   if (v >= 1 && v <= 31) return static_cast<int16_t>(v);
   return AEntero16(plataforma::RelojActual().Ahora().intDia);
 }
 
 int16_t clsTraductor::ObtMes(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLineaClave(u"--------");
-  const std::u16string_view cadCampo = ExtraeDato(emParamDat);
-  const int32_t v = traductor::ValorSiNumero(cadCampo);
+  const int32_t v = ValorDato(emParamDat);
   if (v >= 1 && v <= 12) return static_cast<int16_t>(v);
   return AEntero16(plataforma::RelojActual().Ahora().intMes);
 }
@@ -92,8 +117,7 @@ int16_t clsTraductor::Anio() { return ObtAnio(emParamFechaAnio); }
 // then: it is the costly part of a read.
 int16_t clsTraductor::ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
                                         int32_t plataforma::FechaHora::*emActual) {
-  const std::u16string_view cadCampo = ExtraeDato(emParamDat);
-  const int32_t v = traductor::ValorSiNumero(cadCampo);
+  const int32_t v = ValorDato(emParamDat);
   if (v >= 0) return static_cast<int16_t>(v);
   return bolHoraActual ? AEntero16(plataforma::RelojActual().Ahora().*emActual) : int16_t{-1};
 }
@@ -111,7 +135,7 @@ int16_t clsTraductor::ObtMinutos(emParamDato emParamDat, bool bolHoraActual) {
 int16_t clsTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) {
   if (SeleccionaLineaNorstar(emParamDat)) return 0;
   {
-    const int32_t v = traductor::ValorSiNumero(ExtraeDato(emParamDat));
+    const int32_t v = ValorDato(emParamDat);
     if (v >= 0) {
       // Case 6 prints tenths of a minute in the seconds column; case 9 does not.
       const bool bolDecimas =
