@@ -25,35 +25,16 @@ struct Counts {
   std::vector<int64_t> listed;
 };
 
-// The row of the record just written. The call data are read in a fixed
-// order, the order of Row's members (in case 4 the ring time reads the line
-// of the previous search, Part 4.4); each text is built in its place.
+// The row of the record just written (the call data in Row's order).
 Row ReadRow(velqua::clsTraductor& t, int64_t number) {
   const int32_t type = t.TipoLlamadaDetectada();
   const int32_t attribute = t.Atributo();
-  if (type == velqua::emTradNoIdentificada) {
-    Row row;  // no call data: the fields stay blank
-    row.number = number;
-    row.type = type;
-    row.attribute = attribute;
-    return row;
-  }
-  return Row{number,
-             type,
-             attribute,
-             true,
-             t.Dia(),
-             t.Mes(),
-             t.Anio(),
-             t.Hora(),
-             t.Duracion(),
-             t.Ring(),
-             t.Marcacion(),
-             t.Extension(),
-             t.Troncal(),
-             t.ExtensionReceptor(),
-             t.TroncalReceptor(),
-             t.CodigoCuenta()};
+  if (type != velqua::emTradNoIdentificada) return Row(number, type, attribute, t);
+  Row row;  // no call data: the fields stay blank
+  row.number = number;
+  row.type = type;
+  row.attribute = attribute;
+  return row;
 }
 
 class Translation {

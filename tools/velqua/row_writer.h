@@ -12,10 +12,31 @@
 namespace velqua_cli {
 
 // The call data of one record as the library gives it (doc/cli.md, "Rows").
-// The members after has_fields are in the order the program reads them
-// (cmd_translate.cpp builds a row by aggregate initialisation, which reads
-// the properties in this order and moves no text).
 struct Row {
+  Row() = default;
+  // A recognised record: reads the call data from `source` (a translator)
+  // in the order of the members, each text built in its place. The order
+  // is fixed: in case 4 the ring time reads the line of the previous
+  // search (Part 4.4).
+  template <typename Source>
+  Row(int64_t number_, int32_t type_, int32_t attribute_, Source& source)
+      : number(number_),
+        type(type_),
+        attribute(attribute_),
+        has_fields(true),
+        day(source.Dia()),
+        month(source.Mes()),
+        year(source.Anio()),
+        time(source.Hora()),
+        duration(source.Duracion()),
+        ring(source.Ring()),
+        dialled(source.Marcacion()),
+        extension(source.Extension()),
+        trunk(source.Troncal()),
+        receiving_extension(source.ExtensionReceptor()),
+        receiving_trunk(source.TroncalReceptor()),
+        account_code(source.CodigoCuenta()) {}
+
   int64_t number = 0;       // 1-based ordinal of the record in the input
   int32_t type = 0;         // emTipoLlamadaTraductor
   int32_t attribute = 0;    // emAtributoTraductor
