@@ -94,7 +94,8 @@ class clsTraductor {
   // it (cases 10, 11): no operation reads it before writing it, so the
   // results are the spec's.
   std::u16string_view ExtraeDato(emParamDato emParamDat);
-  std::u16string_view CorteDato(emParamDato emParamDat, bool* bolNumerico);
+  // Inline, defined and used only in src/translator/extraccion.cpp.
+  inline std::u16string_view CorteDato(emParamDato emParamDat, bool* bolNumerico);
   int32_t ValorDato(emParamDato emParamDat);
   int32_t DuracionRestaFechas();
   int16_t ObtDia(emParamDato emParamDat);

@@ -34,7 +34,9 @@ int64_t Instante(int64_t y, int64_t mo, int64_t d, int64_t h, int64_t mi, int64_
 // ExtraeDato up to the cut: the field's slice of cadLinea (empty when the
 // field is missing or starts past the line's end) and, in *bolNumerico,
 // whether only its digits count.
-std::u16string_view clsTraductor::CorteDato(emParamDato emParamDat, bool* bolNumerico) {
+// Inlined into its two callers: one call a field.
+[[gnu::always_inline]] inline std::u16string_view clsTraductor::CorteDato(emParamDato emParamDat,
+                                                                          bool* bolNumerico) {
   clsCfgConmut& cfg = Cfg();
   cfg.DATOActivo(emParamDat);
   // HayDATO, DATOPos, DATOTam and TipoDatoDATO, read from the one record.
