@@ -175,6 +175,42 @@ class Pen {
   char* p_;
 };
 
+// The decimal text of the record number. Rows come numbered 1, 2, 3 ...:
+// the next text is the last one plus one, carried digit by digit, instead of
+// a division a digit pair; any other number is written afresh.
+class DecimalCounter {
+ public:
+  std::string_view Text(int64_t value) {
+    if (value > 0 && value - 1 == value_) {  // no overflow: value - 1 >= 0
+      Increment();
+    } else {
+      char digits[24];
+      const std::to_chars_result r = std::to_chars(digits, digits + sizeof digits, value);
+      const size_t n = static_cast<size_t>(r.ptr - digits);
+      start_ = kSize - n;
+      std::memcpy(digits_ + start_, digits, n);
+    }
+    value_ = value;
+    return std::string_view(digits_ + start_, kSize - start_);
+  }
+
+ private:
+  void Increment() {
+    size_t i = kSize;
+    while (i > start_ && digits_[i - 1] == '9') digits_[--i] = '0';
+    if (i > start_) {
+      ++digits_[i - 1];
+    } else {
+      digits_[--start_] = '1';  // 99 -> 100
+    }
+  }
+
+  static constexpr size_t kSize = 24;
+  char digits_[kSize] = {};
+  size_t start_ = kSize;
+  int64_t value_ = -1;  // none yet
+};
+
 // The most bytes a text can take in CSV: 3 UTF-8 bytes a 16-bit unit, every
 // byte a doubled quote at worst, and the two enclosing quotes.
 size_t CsvBound(std::u16string_view text) { return 6 * text.size() + 2; }
@@ -206,7 +242,7 @@ class CsvWriter : public RowWriter {
     }
     if (row_.size() < bound) row_.resize(bound);
     Pen pen(&row_[0]);
-    pen.Int(row.number);
+    pen.Text(number_.Text(row.number));
     pen.Char(',');
     pen.Int(row.type);
     pen.Char(',');
@@ -251,8 +287,8 @@ class CsvWriter : public RowWriter {
   }
 
   // As AppendCsvText. Plain ASCII without a comma, quote, CR or LF (nearly
-  // every field) is narrowed in one pass with no branch a character, which
-  // the compiler vectorises; anything else is written again the long way.
+  // every field) is narrowed in one pass with no branch a character;
+  // anything else is written again the long way.
   void CsvText(Pen& pen, std::u16string_view text) {
     char* p = pen.cursor();
     const size_t n = text.size();
@@ -280,6 +316,7 @@ class CsvWriter : public RowWriter {
   std::string attribute_other_;
   std::string row_;
   std::string scratch_;
+  DecimalCounter number_;
 };
 
 // ---- JSON Lines: one object a line; absent values are null ----

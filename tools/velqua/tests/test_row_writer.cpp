@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli_common.h"
 #include "row_writer.h"
@@ -58,6 +59,55 @@ TEST(RowWriter, CsvUnrecognisedRowHasBlankFields) {
   row.number = 1;
   const std::string csv = Render(RowFormat::kCsv, {row});
   EXPECT_EQ(csv.substr(csv.find("\r\n") + 2), "1,0,NoIdentificada,0,NoAtributo,,,,,,,,,,\r\n");
+}
+
+// The first column of every CSV row after the heading.
+std::vector<std::string> CsvNumbers(const std::vector<Row>& rows) {
+  const std::string csv = Render(RowFormat::kCsv, rows);
+  std::vector<std::string> numbers;
+  size_t at = csv.find("\r\n") + 2;
+  while (at < csv.size()) {
+    numbers.push_back(csv.substr(at, csv.find(',', at) - at));
+    at = csv.find("\r\n", at) + 2;
+  }
+  return numbers;
+}
+
+TEST(RowWriter, CsvRecordNumbersCarryAndRestart) {
+  std::vector<Row> rows;
+  for (int64_t n : {int64_t{8}, int64_t{9}, int64_t{10}, int64_t{99}, int64_t{100}, int64_t{101},
+                    int64_t{5}, int64_t{6}, int64_t{999999}, int64_t{1000000}, int64_t{1000000},
+                    int64_t{9223372036854775807}, int64_t{0}, int64_t{1}}) {
+    Row row;
+    row.number = n;
+    rows.push_back(row);
+  }
+  const std::vector<std::string> expected = {"8",      "9",       "10",      "99",
+                                             "100",    "101",     "5",       "6",
+                                             "999999", "1000000", "1000000", "9223372036854775807",
+                                             "0",      "1"};
+  EXPECT_EQ(CsvNumbers(rows), expected);
+}
+
+TEST(RowWriter, CsvNumbersOutsideTheShortFormsAreWrittenInFull) {
+  Row row = Sample();
+  row.year = 26;  // padded to four digits
+  row.month = 123;
+  row.day = -4;
+  row.time = 100 * 3600 + 7;  // 100 hours
+  row.duration = 123456;
+  row.ring = 10000;
+  const std::string csv = Render(RowFormat::kCsv, {row});
+  const std::string line = csv.substr(csv.find("\r\n") + 2);
+  EXPECT_EQ(line.substr(0, line.find(",\"")),
+            "7,2,Saliente,2,EnTR,0026-123--4,100:00:07,123456,10000");
+  row.year = 10000;
+  row.time = 9;
+  row.duration = 9999;
+  row.ring = 0;
+  const std::string csv2 = Render(RowFormat::kCsv, {row});
+  const std::string line2 = csv2.substr(csv2.find("\r\n") + 2);
+  EXPECT_EQ(line2.substr(0, line2.find(",\"")), "7,2,Saliente,2,EnTR,10000-123--4,00:00:09,9999,0");
 }
 
 TEST(RowWriter, JsonlEscapesAndUsesNullForAbsentValues) {
