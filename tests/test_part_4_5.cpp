@@ -158,6 +158,19 @@ TEST_F(Part4_5List, LoneLineFeedAndCarriageReturnEndLines) {
   EXPECT_EQ(Lookup("1"), u"211");
 }
 
+// The list is read in blocks of 4096 bytes: line ends split across a block
+// boundary, and long lines, end lines as anywhere else.
+TEST_F(Part4_5List, LineEndsAcrossReadBlocksEndLines) {
+  const std::string filler = std::string(4095, 'x');  // a line up to byte 4095
+  List(filler + "\r\n5;214\r\n");                     // CR the last byte of a block, LF the next
+  EXPECT_EQ(Lookup("5"), u"214");
+  List(filler + "\r6;215\n");  // a lone CR the last byte of a block
+  EXPECT_EQ(Lookup("6"), u"215");
+  List("9;" + std::string(10000, 'z') + "\n8;216");  // a line over three blocks
+  EXPECT_EQ(Lookup("8"), u"216");
+  EXPECT_EQ(Lookup("9"), std::u16string(10000, u'z'));
+}
+
 TEST_F(Part4_5List, ExtensionKeepsItsInnerCharacters) {
   List("77; 2 01 \r\n");
   EXPECT_EQ(Lookup("77"), u"2 01");

@@ -29,19 +29,26 @@ int64_t LongitudArchivo(const std::u16string& cadArch) {
 
 namespace {
 
-// Opens with O_NONBLOCK, keeps the descriptor when `acepta` takes its type,
-// then turns blocking back on and wraps it in a FILE.
-std::FILE* AbreSinEsperar(const std::u16string& cadArch, int banderas, const char* modo,
-                          bool (*acepta)(mode_t)) {
+// Opens with O_NONBLOCK and keeps the descriptor when `acepta` takes its
+// type; -1 otherwise.
+int AbreDescriptor(const std::u16string& cadArch, int banderas, bool (*acepta)(mode_t)) {
   const std::string nombre = NombreSistema(cadArch);
-  if (nombre.empty() || nombre.find('\0') != std::string::npos) return nullptr;
+  if (nombre.empty() || nombre.find('\0') != std::string::npos) return -1;
   const int fd = open(nombre.c_str(), banderas | O_NONBLOCK | O_CLOEXEC, 0666);
-  if (fd < 0) return nullptr;
+  if (fd < 0) return -1;
   struct stat st {};
   if (fstat(fd, &st) != 0 || !acepta(st.st_mode)) {
     close(fd);
-    return nullptr;
+    return -1;
   }
+  return fd;
+}
+
+// AbreDescriptor, then blocking back on, wrapped in a FILE.
+std::FILE* AbreSinEsperar(const std::u16string& cadArch, int banderas, const char* modo,
+                          bool (*acepta)(mode_t)) {
+  const int fd = AbreDescriptor(cadArch, banderas, acepta);
+  if (fd < 0) return nullptr;
   fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
   std::FILE* f = fdopen(fd, modo);
   if (f == nullptr) close(fd);
@@ -55,6 +62,11 @@ bool EsRegularODispositivo(mode_t m) { return S_ISREG(m) || S_ISCHR(m); }
 
 std::FILE* AbreLecturaRegular(const std::u16string& cadArch) {
   return AbreSinEsperar(cadArch, O_RDONLY, "rb", EsRegular);
+}
+
+// O_NONBLOCK stays: it changes nothing for a regular file.
+int AbreDescriptorLectura(const std::u16string& cadArch) {
+  return AbreDescriptor(cadArch, O_RDONLY, EsRegular);
 }
 
 std::FILE* AbreAnexar(const std::u16string& cadArch) {

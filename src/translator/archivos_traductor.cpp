@@ -1,6 +1,9 @@
 // Part 4.5: the unrecognised-call log and the KX-TDA extension list. Both
 // files are opened and closed within one operation, and no failure of
 // theirs ever leaves the translator.
+#include <unistd.h>
+
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -30,19 +33,59 @@ std::u16string MarcaDeTiempo() {
   return cad + DesdeAnsi(cifras);
 }
 
+// The bytes of a file descriptor one at a time, read a block at a time
+// (what getc does for a FILE, without the system calls stdio adds to an
+// open). Closes the descriptor at the end of the scope. A read error counts
+// as the end of the file, as for getc.
+class LectorBytes {
+ public:
+  explicit LectorBytes(int fd) : fd_(fd) {}
+  ~LectorBytes() {
+    if (fd_ >= 0) close(fd_);
+  }
+  LectorBytes(const LectorBytes&) = delete;
+  LectorBytes& operator=(const LectorBytes&) = delete;
+
+  bool Abierto() const { return fd_ >= 0; }
+  // The next byte (0 to 255), or EOF.
+  int Lee() {
+    if (pos_ == fin_ && !Llena()) return EOF;
+    return static_cast<unsigned char>(bloque_[pos_++]);
+  }
+  // Gives back the byte the last Lee returned.
+  void Devuelve() { --pos_; }
+
+ private:
+  bool Llena() {
+    ssize_t n = 0;
+    do {
+      n = read(fd_, bloque_, sizeof bloque_);
+    } while (n < 0 && errno == EINTR);
+    if (n <= 0) return false;
+    pos_ = 0;
+    fin_ = static_cast<std::size_t>(n);
+    return true;
+  }
+
+  int fd_;
+  char bloque_[4096];
+  std::size_t pos_ = 0;
+  std::size_t fin_ = 0;
+};
+
 // Reads one line ending in CR LF, a lone CR or a lone LF (doc/translator.md);
 // false at the end of the file.
-bool LeeLinea(std::FILE* in, std::string& linea) {
+bool LeeLinea(LectorBytes& in, std::string& linea) {
   linea.clear();
-  int c = std::getc(in);
+  int c = in.Lee();
   if (c == EOF) return false;
   while (c != EOF && c != '\r' && c != '\n') {
     linea.push_back(static_cast<char>(c));
-    c = std::getc(in);
+    c = in.Lee();
   }
   if (c == '\r') {
-    const int siguiente = std::getc(in);
-    if (siguiente != '\n' && siguiente != EOF) std::ungetc(siguiente, in);
+    const int siguiente = in.Lee();
+    if (siguiente != '\n' && siguiente != EOF) in.Devuelve();
   }
   return true;
 }
@@ -88,9 +131,9 @@ void clsTraductor::BuscaExtensionKXTDA(const std::u16string& cadCodigo) {
     try {
       // Only a regular file is read: a FIFO or a device (/dev/zero, a
       // terminal) could block or never end; it counts as no list.
-      const Archivo in(plataforma::AbreLecturaRegular(cadArchListaExtensiones));
+      LectorBytes in(plataforma::AbreDescriptorLectura(cadArchListaExtensiones));
       std::string bytes;
-      while (in && cadDato.empty() && LeeLinea(in.get(), bytes)) {
+      while (in.Abierto() && cadDato.empty() && LeeLinea(in, bytes)) {
         if (bytes.empty()) continue;
         const std::u16string linea = DesdeAnsi(bytes);
         std::size_t p = linea.find(u';');
