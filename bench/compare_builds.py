@@ -11,7 +11,7 @@ status byte for byte. It prints the first differences and exits 1 when
 there are any.
 
 Usage: bench/compare_builds.py OLD/velqua NEW/velqua [--configs N]
-                               [--records M] [--seed S] [--keep DIR]
+                               [--records M] [--seed S] [--keep DIR] [--case C]
 Example, against the build of another commit:
   git worktree add /tmp/velqua-old HEAD~5
   cmake -S /tmp/velqua-old -B /tmp/velqua-old/build -DCMAKE_BUILD_TYPE=Release
@@ -45,9 +45,11 @@ DATA_KEYS = [k for k in enum_names(r"emParam\w+")
              if k not in ("emPrimerParamDato", "emUltimoParamDato", "emNoParamDato")]
 CONSTANT_KEYS = [k for k in enum_names(r"emDatoCte\w+")]
 CASES = enum_names(r"emCaso\w+")
+NORSTAR_FIELDS = json.load(open(os.path.join(ROOT, "examples/norstar/norstar.json"),
+                                encoding="utf-8"))["fields"]
 
 
-def random_config(rng):
+def random_config(rng, case=None):
     fields = {}
     for key in rng.sample(DATA_KEYS, rng.randint(5, len(DATA_KEYS))):
         pos = rng.randint(1, 90)
@@ -61,7 +63,7 @@ def random_config(rng):
     for key in rng.sample(CONSTANT_KEYS, rng.randint(0, min(12, len(CONSTANT_KEYS)))):
         text = "".join(rng.choice("ABCDEIOSTX*0129") for _ in range(rng.randint(1, 3)))
         constants[key] = {"pos": rng.randint(1, 40), "text": text}
-    return {"brand": "Prueba", "model": "Diferencial", "case": rng.choice(CASES),
+    return {"brand": "Prueba", "model": "Diferencial", "case": case or rng.choice(CASES),
             "separator": rng.choice(SEPARATORS), "comments": "", "fields": fields,
             "constants": constants, "wiring": {"rj45": [], "db9": [], "db25": []}}
 
@@ -98,6 +100,23 @@ def random_line(rng, config):
     return "".join(line)
 
 
+def norstar_lines(rng, config, count):
+    """Calls in the Norstar report's shape: a header line, event lines with
+    keywords, an empty line; random digits and now and then random text."""
+    lines = []
+    while len(lines) < count:
+        d = lambda n: "".join(rng.choice("0123456789") for _ in range(n))
+        lines.append(f"-------- {d(2)}/{d(2)}/{d(2)} {d(2)}:{d(2)}:{d(2)} LINE = {d(4)} STN = {d(4)}")
+        for _ in range(rng.randint(0, 5)):
+            if rng.random() < 0.2:
+                lines.append(random_line(rng, config))
+            else:
+                word = rng.choice(NORSTAR_WORDS[1:])
+                lines.append(f"{d(2)}:{d(2)}:{d(2)} {word} {d(rng.randint(0, 11))}")
+        lines.append("")
+    return lines[:count]
+
+
 def run(velqua, args):
     p = subprocess.run([velqua, "--now", NOW] + args, capture_output=True, timeout=120)
     return p.returncode, p.stdout, p.stderr
@@ -111,6 +130,7 @@ def main():
     ap.add_argument("--records", type=int, default=300)
     ap.add_argument("--seed", type=int, default=1)
     ap.add_argument("--keep", help="keep the inputs of differing runs in this folder")
+    ap.add_argument("--case", choices=CASES, help="only this case (default: any)")
     a = ap.parse_args()
     rng = random.Random(a.seed)
     differing = 0
@@ -123,11 +143,17 @@ def main():
         for i in range(a.configs):
             config = os.path.join(work, "cfg.json")
             records = os.path.join(work, "records.txt")
-            cfg = random_config(rng)
+            cfg = random_config(rng, a.case)
+            if cfg["case"] == "emCasoNortelNorstar0x32SMDR6" and rng.random() < 0.5:
+                cfg["fields"] = dict(NORSTAR_FIELDS)  # the real layout: calls recognised
             with open(config, "w", encoding="utf-8") as f:
                 json.dump(cfg, f)
             with open(records, "w", encoding="cp1252", newline="") as f:
-                f.write("\r\n".join(random_line(rng, cfg) for _ in range(a.records)))
+                if cfg["case"] == "emCasoNortelNorstar0x32SMDR6" and rng.random() < 0.8:
+                    lines = norstar_lines(rng, cfg, a.records)
+                else:
+                    lines = [random_line(rng, cfg) for _ in range(a.records)]
+                f.write("\r\n".join(lines))
             for form in ("jsonl", "csv"):
                 args = ["translate", "-c", config, "--extensions", listing, "-f", form, records]
                 old = run(a.old, args)

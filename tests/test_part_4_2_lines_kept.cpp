@@ -102,5 +102,20 @@ TEST_F(Part4_2LinesKept, OverflowingScanFailsAtEverySearch) {
   EXPECT_EQ(tr_.BuscaLinea(u"b"), 5);
 }
 
+// Lines cut by one search serve the next; a line whose cut overflows is
+// cut again (and fails again) by every search that reaches it.
+TEST_F(Part4_2LinesKept, LaterOverflowingLineFailsEverySearchThatReachesIt) {
+  std::u16string buffer = u"a|b|";
+  buffer += std::u16string(40000, u'c');
+  buffer += u"|d";
+  tr_.BufferMultiplesLineas(buffer);
+  EXPECT_EQ(tr_.BuscaLinea(u"b"), 5);
+  EXPECT_VELQUA_ERROR_NUMBER(tr_.BuscaLinea(u"d"), velqua::kErrDesbordamiento);
+  EXPECT_EQ(tr_.BuscaLinea(u"a"), 3);
+  EXPECT_VELQUA_ERROR_NUMBER(tr_.BuscaLinea(u"none"), velqua::kErrDesbordamiento);
+  EXPECT_EQ(tr_.BuscaLinea(u"B"), 5);
+  EXPECT_TRUE(tr_.HayLlamada());
+}
+
 }  // namespace
 }  // namespace velqua_test

@@ -183,7 +183,23 @@ class clsTraductor {
   std::vector<LineaHallada> udtLineas;
   std::size_t intLineas = 0;
   std::u16string cadSeparadorLineas;
-  void OlvidaLineas() { intLineas = 0; }
+  // The lines of the same buffer and separator as the scan has cut them so
+  // far, in order: start and length in cadBuffer, the place after the line's
+  // separator, and whether a separator ended it. A later scan walks them
+  // instead of searching for the separator again; a line whose cut failed
+  // (error 6) is not kept, so the next scan fails at the same place.
+  struct TramoLinea {
+    std::size_t intInicio = 0;
+    std::size_t intLargo = 0;
+    int64_t intSiguiente = 0;
+    bool bolSeparador = false;
+  };
+  std::vector<TramoLinea> udtTramos;
+  void OlvidaLineas() {
+    intLineas = 0;
+    udtTramos.clear();
+  }
+  const TramoLinea& CorteTramo(std::u16string_view cadSep, int64_t p);
   void OlvidaDuracion() { udtDuracion.bolVigente = false; }
   RegDATO RegistroDuracion(std::size_t k) const;
   bool DuracionIgual(emCasos emC) const;

@@ -174,33 +174,49 @@ int16_t clsTraductor::BuscaLineaClave(std::u16string_view cadVal) {
 }
 
 // The scan of BuscaLinea: leaves cadLinea at the line found (or empty) and
-// *intInicio at its start in cadBuffer.
+// *intInicio at its start in cadBuffer. The k-th line is udtTramos[k] once
+// some scan of this buffer has cut it.
 int16_t clsTraductor::RecorreLineas(std::u16string_view cadSep, std::u16string_view cadVal,
                                     std::size_t* intInicio) {
   int16_t intResultado = 0;
   const std::u16string_view buffer(cadBuffer);
   int64_t p = 1;
+  std::size_t k = 0;
   while (p <= static_cast<int64_t>(buffer.size())) {
-    std::size_t e0 = cadSep.empty() ? std::u16string_view::npos
-                                    : plataforma::BuscaSinMayusculas(
-                                          buffer, cadSep, static_cast<std::size_t>(p - 1));
-    const bool bolSepHallado = e0 != std::u16string_view::npos;
-    const int64_t e = AEntero16(bolSepHallado ? static_cast<int64_t>(e0) + 1
-                                              : static_cast<int64_t>(buffer.size()) + 1);
-    const std::u16string_view linea =
-        buffer.substr(static_cast<std::size_t>(p - 1), static_cast<std::size_t>(e - p));
-    p = AEntero16(e + static_cast<int64_t>(cadSep.size()));
+    const TramoLinea& t = k < udtTramos.size() ? udtTramos[k] : CorteTramo(cadSep, p);
+    ++k;
+    const std::u16string_view linea = buffer.substr(t.intInicio, t.intLargo);
+    p = t.intSiguiente;
     if (!linea.empty() &&
         plataforma::BuscaSinMayusculas(linea, cadVal) != std::u16string_view::npos) {
       cadLinea.assign(linea);
-      *intInicio = static_cast<std::size_t>(linea.data() - buffer.data());
+      *intInicio = t.intInicio;
       intResultado = static_cast<int16_t>(p);
     } else {
       cadLinea.clear();
     }
-    if (bolSepHallado && !cadLinea.empty()) break;
+    if (t.bolSeparador && !cadLinea.empty()) break;
   }
   return intResultado;
+}
+
+// Cuts the line that starts at place p (the next after udtTramos' last),
+// keeps it and gives it back. Error 6 when a place passes 32767.
+const clsTraductor::TramoLinea& clsTraductor::CorteTramo(std::u16string_view cadSep, int64_t p) {
+  const std::u16string_view buffer(cadBuffer);
+  const std::size_t e0 = cadSep.empty() ? std::u16string_view::npos
+                                        : plataforma::BuscaSinMayusculas(
+                                              buffer, cadSep, static_cast<std::size_t>(p - 1));
+  const bool bolSepHallado = e0 != std::u16string_view::npos;
+  const int64_t e = AEntero16(bolSepHallado ? static_cast<int64_t>(e0) + 1
+                                            : static_cast<int64_t>(buffer.size()) + 1);
+  TramoLinea t;
+  t.intInicio = static_cast<std::size_t>(p - 1);
+  t.intLargo = static_cast<std::size_t>(e - p);
+  t.intSiguiente = AEntero16(e + static_cast<int64_t>(cadSep.size()));
+  t.bolSeparador = bolSepHallado;
+  udtTramos.push_back(t);
+  return udtTramos.back();
 }
 
 void clsTraductor::GuardaLinea(std::u16string_view cadVal, std::size_t intInicio,
