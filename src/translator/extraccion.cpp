@@ -208,9 +208,6 @@ bool MismoRegistro(const RegDATO& a, const RegDATO& b) {
 
 }  // namespace
 
-// The three cuts of a minutes-and-seconds duration depend only on cadLinea,
-// the case (6 reads tenths) and the three records: with all of them equal,
-// the value is the same.
 // The record ExtraeDato reads for the k-th duration key, or an empty record
 // (which it treats as the missing one) when there is none.
 RegDATO clsTraductor::RegistroDuracion(std::size_t k) const {
@@ -219,6 +216,9 @@ RegDATO clsTraductor::RegistroDuracion(std::size_t k) const {
   return i != 0 ? cfg.udtDATO[static_cast<std::size_t>(i - 1)] : RegDATO{};
 }
 
+// The three cuts of a minutes-and-seconds duration depend only on cadLinea,
+// the case (6 reads tenths) and the three records: with all of them equal,
+// the value is the same.
 bool clsTraductor::DuracionIgual(emCasos emC) const {
   if (!udtDuracion.bolVigente || udtDuracion.emCaso != emC) return false;
   for (std::size_t k = 0; k < 3; ++k) {
