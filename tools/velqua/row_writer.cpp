@@ -41,16 +41,6 @@ void AppendInt(std::string& out, int64_t value) {
   out.append(digits, r.ptr);
 }
 
-void AppendPadded(std::string& out, int32_t value, size_t width) {
-  char digits[16];
-  const std::to_chars_result r = std::to_chars(digits, digits + sizeof digits, value);
-  const size_t n = static_cast<size_t>(r.ptr - digits);
-  if (value >= 0 && n < width) out.append(width - n, '0');
-  out.append(digits, r.ptr);
-}
-
-void Append2(std::string& out, int32_t value) { AppendPadded(out, value, 2); }
-
 constexpr std::array<const char*, 15> kColumns = {"record",
                                                   "type",
                                                   "type_name",
@@ -109,7 +99,7 @@ class Pen {
       p_ = std::to_chars(p_, p_ + 24, value).ptr;
     }
   }
-  // As AppendPadded.
+  // value in decimal, zero-padded on the left to width digits when not negative.
   void Padded(int32_t value, size_t width) {
     char digits[16];
     const std::to_chars_result r = std::to_chars(digits, digits + sizeof digits, value);
@@ -128,7 +118,7 @@ class Pen {
       Padded(value, 2);
     }
   }
-  // As AppendDate and AppendTime.
+  // "2026-01-15" and "09:05:00" (hours may exceed 23 if the record says so).
   void Date(const Row& row) {
     if (row.year >= 1000 && row.year <= 9999) {
       Pair(static_cast<uint32_t>(row.year) / 100);
@@ -510,20 +500,20 @@ std::string ShortAttributeName(int32_t attribute) {
   return StripPrefix(EnumNameOf(EnumKind::kAtributo, attribute), "emATR");
 }
 
+// Through Pen, the CSV writer's formatting: at most 3 numbers of 11
+// characters and 2 marks.
 void AppendDate(std::string& out, const Row& row) {
-  AppendPadded(out, row.year, 4);
-  out += '-';
-  AppendPadded(out, row.month, 2);
-  out += '-';
-  AppendPadded(out, row.day, 2);
+  char text[48];
+  Pen pen(text);
+  pen.Date(row);
+  out.append(text, pen.end());
 }
 
 void AppendTime(std::string& out, int32_t seconds) {
-  Append2(out, seconds / 3600);
-  out += ':';
-  Append2(out, seconds / 60 % 60);
-  out += ':';
-  Append2(out, seconds % 60);
+  char text[48];
+  Pen pen(text);
+  pen.Time(seconds);
+  out.append(text, pen.end());
 }
 
 std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out) {
