@@ -60,11 +60,6 @@ bool EsRegularODispositivo(mode_t m) { return S_ISREG(m) || S_ISCHR(m); }
 
 }  // namespace
 
-std::FILE* AbreLecturaRegular(const std::u16string& cadArch) {
-  return AbreSinEsperar(cadArch, O_RDONLY, "rb", EsRegular);
-}
-
-// O_NONBLOCK stays: it changes nothing for a regular file.
 int AbreDescriptorLectura(const std::u16string& cadArch) {
   return AbreDescriptor(cadArch, O_RDONLY, EsRegular);
 }

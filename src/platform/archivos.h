@@ -19,15 +19,12 @@ bool TieneAtributoArchivo(const std::u16string& cadArch);
 // Length in bytes of an existing regular file, -1 when it cannot be read.
 int64_t LongitudArchivo(const std::u16string& cadArch);
 
-// Opens a file for reading only when it is a regular file: the open never
-// waits (O_NONBLOCK) and a FIFO, socket, device or directory is refused, so
-// neither a blocked open nor an endless device can hang the caller (Part 4.5:
-// the list file never makes an operation fail). nullptr when refused.
-std::FILE* AbreLecturaRegular(const std::u16string& cadArch);
-
-// The same, as a descriptor (the caller closes it): -1 when refused. Reading
-// it with read() costs two system calls fewer an open than the FILE, which
-// the KX-TDA lookup (one open a record with an account code) notices.
+// Opens a file for reading only when it is a regular file, as a descriptor
+// (the caller closes it; read it with read()): the open never waits
+// (O_NONBLOCK, which changes nothing for a regular file) and a FIFO,
+// socket, device or directory is refused, so neither a blocked open nor an
+// endless device can hang the caller (Part 4.5: the list file never makes
+// an operation fail). -1 when refused.
 int AbreDescriptorLectura(const std::u16string& cadArch);
 
 // Opens a file for appending (created when missing) without ever waiting: a
