@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 PACKAGES=(build-essential cmake g++ clang libgtest-dev libbenchmark-dev libcairo2-dev
-          libcli11-dev nlohmann-json3-dev fonts-dejavu-core clang-format libclang-rt-14-dev
+          libcli11-dev nlohmann-json3-dev fonts-liberation clang-format libclang-rt-14-dev
           pkg-config time)  # time: GNU time for bench/cli_bench.sh
 missing=()
 for p in "${PACKAGES[@]}"; do

@@ -39,14 +39,20 @@ std::string Minusculas(std::string cad) {
   return cad;
 }
 
-// The spec's Windows bitmap fonts, mapped to metric-compatible outline fonts
-// that Debian installs (fonts-liberation); fontconfig resolves the family.
+// Every font name resolves to one of the Liberation families, which setup
+// installs (fonts-liberation) and which keep the widths of the Windows fonts
+// configurations name ("MS Sans Serif", "MS Serif", Arial, Times, Courier).
+// No name reaches fontconfig as given, so a drawing measures and looks the
+// same on every machine, whatever other fonts it has.
 std::string Familia(const std::u16string& cadNombre) {
-  const std::string nombre = AUtf8(cadNombre);
-  const std::string clave = Minusculas(nombre);
-  if (clave == "ms sans serif") return "Liberation Sans";
-  if (clave == "ms serif") return "Liberation Serif";
-  return nombre.empty() ? "sans-serif" : nombre;
+  const std::string clave = Minusculas(AUtf8(cadNombre));
+  const auto contiene = [&clave](const char* parte) {
+    return clave.find(parte) != std::string::npos;
+  };
+  if (contiene("mono") || contiene("courier") || contiene("fixed")) return "Liberation Mono";
+  if ((contiene("serif") && !contiene("sans")) || contiene("times") || contiene("roman"))
+    return "Liberation Serif";
+  return "Liberation Sans";
 }
 
 void PonColor(cairo_t* cr, int32_t lnColor) {  // 0x00BBGGRR
