@@ -33,7 +33,8 @@ std::string DescribeError(const velqua::Error& error) {
   line += " in ";
   line += U8(error.Source());
   line += ": ";
-  // A description may hold CR LF (Part 3.3); the program reports one line.
+  // A description may hold CR LF (file errors carry the
+  // system's own message); the program reports one line.
   const std::string description = U8(error.Description());
   bool in_break = false;
   for (char c : description) {

@@ -232,7 +232,7 @@ int RunConfigCheck(const ConfigOptions& options) {
   std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.config);
   const std::vector<Entry> entries = CompleteEntries(*cfg);
   // Detection is shown for single-line switches; a multi-line call's fields
-  // lie on different lines (Part 4.4), so its lines are only measured.
+  // lie on different lines of the call, so its lines are only measured.
   std::unique_ptr<velqua::clsTraductor> traductor;
   if (cfg->Caso() != velqua::emCasoNortelNorstar0x32SMDR6) {
     traductor = std::make_unique<velqua::clsTraductor>();

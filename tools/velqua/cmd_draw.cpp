@@ -1,4 +1,4 @@
-// The draw command on velqua_cairo: the library draws (Parts 5.2, 5.3) onto a
+// The draw command on velqua_cairo: the library draws the cable and the table onto a
 // SuperficieCairo, which writes PNG, SVG or PDF by the output's extension.
 #include <CLI/CLI.hpp>
 #include <memory>

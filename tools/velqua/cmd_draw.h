@@ -1,5 +1,5 @@
-// `velqua draw cable|table`: the cable diagram (Part 5.2) and the DB9 to DB25
-// conversion table (Part 5.3) as PNG, SVG or PDF, through velqua_cairo.
+// `velqua draw cable|table`: the cable diagram and the DB9 to DB25
+// conversion table as PNG, SVG or PDF, through velqua_cairo.
 // When velqua_cairo is absent at configure time the program is built
 // without this command (cmd_draw_none.cpp) and its help says so.
 #pragma once

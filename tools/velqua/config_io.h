@@ -1,6 +1,6 @@
 // Loading and saving a switch configuration by the file's extension:
-// .cfg (binary, Abrir / GuardarComo, Part 3.1), .ini (profile, Importar /
-// Exportar, Part 3.2) or .json (the program's readable form, config_json.h).
+// .cfg (binary, Abrir / GuardarComo), .ini (profile, Importar /
+// Exportar) or .json (the program's readable form, config_json.h).
 #pragma once
 
 #include <memory>

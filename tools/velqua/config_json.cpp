@@ -19,8 +19,8 @@ using velqua::clsCfgConmut;
 struct PortInfo {
   const char* name;
   velqua::emPuertoSerial port;
-  int16_t first_pin;  // DB25 pin 1 cannot be wired (Part 5.1)
-  int16_t last_pin;   // the pins import and export carry (Part 3.2)
+  int16_t first_pin;  // DB25 pin 1 cannot be wired
+  int16_t last_pin;   // the pins a profile file carries
 };
 
 constexpr std::array<PortInfo, 3> kPorts = {{

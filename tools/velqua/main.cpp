@@ -19,7 +19,7 @@ using velqua_cli::CliError;
 
 // The hidden --now option: a fixed clock for reproducible output (the
 // library falls back to the current date and time for fields a switch does
-// not print, Part 4.3, and stamps its log with it, Part 4.5).
+// not print, and stamps the unrecognised-record log with it).
 void InstallFixedClock(const std::string& text) {
   velqua::plataforma::FechaHora now;
   char extra = 0;

@@ -37,14 +37,14 @@ class LineReader {
   bool skip_lf_ = false;  // the previous line ended with CR: a leading LF belongs to it
 };
 
-// Gathers the lines of one multi-line call (case 4, Part 4.4): a call starts
+// Gathers the lines of one multi-line call (case 4): a call starts
 // at each header line (one that begins, after blanks, with "--------") and
 // ends before the next header or at the end of the input. Lines before the
 // first header form a call of their own, so nothing is dropped. The lines of
 // a call are joined with `separator` (the configuration's Separador).
 class CallGatherer {
  public:
-  // BuscaLinea positions are 16-bit (Part 4.2): a call never grows past
+  // BuscaLinea positions are 16-bit: a call never grows past
   // this many characters; the excess starts a new (headless) call.
   static constexpr size_t kMaxCallSize = 32000;
 

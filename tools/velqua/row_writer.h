@@ -17,7 +17,7 @@ struct Row {
   // A recognised record: reads the call data from `source` (a translator)
   // in the order of the members, each text built in its place. The order
   // is fixed: in case 4 the ring time reads the line of the previous
-  // search (Part 4.4).
+  // line search of the call.
   template <typename Source>
   Row(int64_t number_, int32_t type_, int32_t attribute_, Source& source)
       : number(number_),
