@@ -1,15 +1,17 @@
-// Part 1.1: the ten public enumerations of Velqua.
+// The ten public enumerations of Velqua.
 //
-// Every member carries the spec's exact name and value. The enumerations are
-// unscoped and 32-bit, so any 32-bit value (in the enumeration or not) can be
-// stored by a cast: setters never validate (Parts 2.1, 2.2).
+// Names and values are fixed: the configuration files store them as plain
+// integers and hosts compare them by value. The enumerations are unscoped and
+// 32-bit, so any 32-bit value (in the enumeration or not) can be stored by a
+// cast: the setters never validate, and each reader says what an unknown
+// value does.
 #pragma once
 
 #include <cstdint>
 
 namespace velqua {
 
-// Layout version of a stored configuration (Parts 2.1, 3.1, 3.2).
+// Layout version of a stored configuration (NombreVersion, Abrir, Importar).
 enum emVersionConfiguracion : int32_t {
   emNoVersion = 0,
   emVersionActual = 1,
@@ -17,7 +19,7 @@ enum emVersionConfiguracion : int32_t {
   emVersion3_0 = 3,
 };
 
-// Handling case of a switch; selects the translator's rules (Parts 2.1, 4.1-4.4).
+// Handling case of a switch; selects the translator's rules for its records.
 enum emCasos : int32_t {
   emNoCaso = 0,
   emCasoEstandar = 1,
@@ -34,7 +36,7 @@ enum emCasos : int32_t {
   emCasoAD_TES = 12,
 };
 
-// Kind of a data field or constant (Part 2.2).
+// Kind of a data field or constant; emValorNoDefinido marks a free record.
 enum emTipoDato : int32_t {
   emValorNoDefinido = 0,
   emValorNumerico = 1,
@@ -42,7 +44,7 @@ enum emTipoDato : int32_t {
   emValorCadena = 3,
 };
 
-// Keys of the data-field table (Part 2.2); valid keys are 2 to 68.
+// Keys of the data-field table; valid keys are 2 to 68, between the markers.
 enum emParamDato : int32_t {
   emNoParamDato = 0,
   emPrimerParamDato = 1,
@@ -116,7 +118,9 @@ enum emParamDato : int32_t {
   emUltimoParamDato = 69,
 };
 
-// Keys of the constant table (Part 2.2); valid keys are 2 to 29. Roles: Part 4.2.
+// Keys of the constant table; valid keys are 2 to 29, between the markers.
+// Each names a text that marks a kind of call, a transfer step, an unanswered
+// call, an account code or a morning hour (doc/translator.md).
 enum emParamDatoConstante : int32_t {
   emNoParamDatoConstante = 0,
   emPrimerParamDatoConstante = 1,
@@ -151,7 +155,7 @@ enum emParamDatoConstante : int32_t {
   emUltimoParamDatoConstante = 30,
 };
 
-// Switch-side connector of the SMDR cable (Part 5.1).
+// Switch-side connector of the SMDR cable; each has its own wiring.
 enum emPuertoSerial : int32_t {
   emNoPuerto = 0,
   emPuertoRJ45 = 1,
@@ -159,7 +163,7 @@ enum emPuertoSerial : int32_t {
   emPuertoDB25 = 3,
 };
 
-// DB25 pin carrying the signal of each DB9 pin (Parts 5.1-5.3).
+// DB25 pin carrying the signal of each DB9 pin (the drawings print them).
 enum emTablaConversionDB9DB25 : int32_t {
   emDB9Pin1 = 8,
   emDB9Pin2 = 3,
@@ -172,7 +176,8 @@ enum emTablaConversionDB9DB25 : int32_t {
   emDB9Pin9 = 22,
 };
 
-// Call type detected by the translator (Parts 4.1, 4.2).
+// Call type detected by the translator. emTradTransferida comes only from the
+// keyword lines of the Norstar multi-line record.
 enum emTipoLlamadaTraductor : int32_t {
   emTradNoIdentificada = 0,
   emTradEntrante = 1,
@@ -183,7 +188,7 @@ enum emTipoLlamadaTraductor : int32_t {
   emTradTransferida = 6,
 };
 
-// Transfer attribute of a call (Parts 4.1, 4.2).
+// Transfer attribute of a call: start, in, end of a transfer, or unanswered.
 enum emAtributoTraductor : int32_t {
   emATRNoAtributo = 0,
   emATRIniTR = 1,
@@ -192,7 +197,9 @@ enum emAtributoTraductor : int32_t {
   emATRNoContestada = 4,
 };
 
-// Codes of the configuration-file errors (Part 3.3 gives their messages).
+// Codes of the configuration-file errors; the error number is 0x80040000 plus
+// the code. Abrir raises code 0 for an empty name; 1500 and 1506 are never
+// raised, and their names stay for hosts that compare against them.
 enum emErroresConfig : int32_t {
   emNoErrorConfig = 0,
   emErrorConfigNoHay = 1500,

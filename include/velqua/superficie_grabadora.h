@@ -1,5 +1,5 @@
-// A recording drawing surface (Parts 5.2, 5.3): the in-memory twin of the
-// host's picture box, for tests of the drawings in this library and in hosts.
+// A recording drawing surface: the in-memory twin of the host's picture box,
+// for tests of the cable diagram and the DB9-to-DB25 table, here and in hosts.
 //
 // Every call the library makes on it is kept, in order, with its arguments;
 // Lineas() dumps the record as one text line per call, for comparisons:
@@ -52,17 +52,20 @@ class SuperficieGrabadora : public Superficie {
   // TextHeight's answer for a font without a configured height. Default 195
   // (13 pixels of 15 twips, the line height of "MS Sans Serif" 8 on Windows).
   void AltoTextoPredeterminado(float sglAlto);
+  // The answers of TwipsPerPixelX and TwipsPerPixelY from now on.
   void TwipsPorPixel(float sglX, float sglY);
   // Also record the reads of TwipsPerPixelX and TwipsPerPixelY. Default false:
   // the drawings read them at every offset and would flood the record.
   void GrabaConsultasPixel(bool bolGrabar);
 
   // ---- The record ----
+  // Every recorded call, oldest first.
   const std::vector<LlamadaGrabada>& Llamadas() const { return llamadas; }
   // One text line per call, in order (format above).
   std::vector<std::string> Lineas() const;
   // Lineas() joined, each line ended by "\n".
   std::string Texto() const;
+  // Empties the record; the configuration and the font state stay.
   void Borra() { llamadas.clear(); }
 
   // ---- The state the calls left (starts: "", 0, false, 0) ----

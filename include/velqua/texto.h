@@ -1,5 +1,6 @@
-// Text helpers: UTF-8 and the single-byte (ANSI) code page, Windows-1252
-// (DESIGN.md, stand-ins for the platform interfaces).
+// Text helpers: UTF-8 and the single-byte (ANSI) code page, Windows-1252.
+// The library's files and separator codes go through that code page, one
+// byte per character, as the files written on Windows hosts do.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// clsTraductor, the call record translator (Parts 4.1-4.5).
+// clsTraductor, the call record translator.
 //
 // Bind a configuration with Conmutador, write each captured record to
 // LlamadaActual, then read TipoLlamadaDetectada, Atributo and the field
@@ -22,16 +22,18 @@ struct FechaHora;
 class clsTraductor {
  public:
   // Unbound, all texts empty, type emTradNoIdentificada, attribute
-  // emATRNoAtributo (Part 4.1). The random generator gets a first seed from
-  // the system timer here too, so that even a generator never reseeded at
-  // binding does not repeat from run to run (Part 4.1, Left to the implementer).
+  // emATRNoAtributo. The random generator gets a first seed from the system
+  // timer here too, so that even a generator never reseeded at binding does
+  // not repeat its extensions from run to run.
   clsTraductor();
 
-  // ---- Part 4.1 ----
-  // The extension list of cases 10 and 11 (Part 4.5); no check, no file access.
+  // ---- Files, binding and record intake ----
+  // The extension list of cases 10 and 11 (lines "code;extension", or
+  // "code,extension"); no check, no file access here; read at each lookup.
   std::u16string ArchivoListaExtensionesKXTDA() const;
   void ArchivoListaExtensionesKXTDA(const std::u16string& cadArch);
-  // The unrecognised-call log (Part 4.5); the empty text turns logging off.
+  // The unrecognised-call log, appended to with a timestamp; the empty text
+  // turns logging off. Neither file ever makes an operation fail.
   std::u16string ArchivoLlamadasError() const;
   void ArchivoLlamadasError(const std::u16string& cadArch);
   // The multi-line buffer; a write triggers nothing.
@@ -39,10 +41,11 @@ class clsTraductor {
   void BufferMultiplesLineas(const std::u16string& cadB);
   // Read: the empty text when unbound; the buffer in case 4; else the line.
   std::u16string LlamadaActual() const;
-  // Write: the intake sequence (store, detect type and attribute, duration
-  // test, log). Unbound: only sets the type to emTradNoIdentificada.
-  // Errors 6 (overflow while reading the duration) and those of the
-  // configuration pass through.
+  // Write: stores the record (into the buffer in case 4), detects type and
+  // attribute, then, except for account-code records, reads the duration:
+  // -1 makes the record unrecognised (not in case 3, nor for an unanswered
+  // incoming call), and an unrecognised record is logged. Unbound: only sets
+  // the type to emTradNoIdentificada. Error 6 of the duration passes through.
   void LlamadaActual(const std::u16string& cadL);
   // Binds (or, with nullptr, unbinds) a configuration. Cases 10 and 11 seed
   // the random generator from the system timer.
@@ -55,30 +58,53 @@ class clsTraductor {
   emTipoLlamadaTraductor TipoLlamadaDetectada() const;
   emAtributoTraductor Atributo() const;
 
-  // ---- Part 4.3: field properties (error 91 when unbound, 6 on overflow) ----
+  // ---- Call fields, cut from the record at every read ----
+  // Keys follow the detected type and attribute; the configuration's
+  // DATOActivo / CTEActivo are left at the last key read. Errors: 91 when
+  // unbound; 6 when a field's position plus width passes 255, or a composed
+  // time passes 32 bits.
+  // Day 1-31, month 1-12, year (1 or 2 digits get the current century); a
+  // field missing or out of range gives today's component.
   int16_t Dia();
   int16_t Mes();
   int16_t Anio();
+  // Seconds from midnight; a missing component takes the clock's. With a
+  // morning mark defined, a line without the mark is an afternoon (an hour
+  // below 12 gets 12 more, the clock's hour too: intended, hosts written
+  // against this behaviour rely on it) and one with it maps hour 12 to 0.
   int32_t Hora();
+  // Seconds (the hours field is optional); -1 when minutes or seconds are
+  // unreadable. Cases 5, 8: end minus start date-time; case 6: seconds x 6.
   int32_t Duracion();
+  // Ring time in seconds, read as Duracion's fields are; -1 when unreadable.
   int32_t Ring();
+  // Dialled or calling number, trimmed, without the prefix of constant 26.
   std::u16string Marcacion();
+  // Extension, trimmed. Cases 10, 11, outgoing: "*code" becomes the list's
+  // extension for code, or a random four-digit one.
   std::u16string Extension();
+  // Trunk, trimmed.
   std::u16string Troncal();
+  // Receiving extension (extension-to-extension calls) or trunk
+  // (trunk-to-trunk calls), trimmed; the empty text for other types.
   std::u16string ExtensionReceptor();
   std::u16string TroncalReceptor();
+  // Account code, trimmed; empty off account-code records when the switch
+  // has an account-code mark. Cases 10, 11: what follows a leading "*", or "".
   std::u16string CodigoCuenta();
 
-  // ---- Part 4.2 ----
-  // Does the current line carry constant emParamCte at its column (case
-  // ignored)? False on an empty line; error 91 when unbound, 6 on overflow.
+  // ---- Constant test and line search ----
+  // Does the current line carry constant emParamCte at its column, the whole
+  // width (case ignored)? False on an empty line; error 91 when unbound, 6
+  // when its position plus width passes 255. Leaves CTEActivo at emParamCte.
   bool HayConstanteLlamada(emParamDatoConstante emParamCte);
-  // Selects the first line of the buffer containing cadVal (case ignored);
-  // returns the position just past its separator, or 0.
+  // Selects the first line of the buffer containing cadVal (case ignored)
+  // as the current line; returns the position just past its separator (a
+  // later line gives more), or 0 with the line empty. Error 6 past 32767.
   int16_t BuscaLinea(const std::u16string& cadVal);
 
  private:
-  // Part 4.2
+  // Detection (deteccion.cpp)
   emTipoLlamadaTraductor TipoSegunConstante(emParamDatoConstante emParamCte);
   void DetectaTipoLlamada();
   void DetectaAtributo();
@@ -87,12 +113,12 @@ class clsTraductor {
   int16_t RecorreLineas(std::u16string_view cadSep, std::u16string_view cadVal,
                         std::size_t* intInicio);
   void GuardaLinea(std::u16string_view cadVal, std::size_t intInicio, int16_t intResultado);
-  // Part 4.3
+  // Field cutting (extraccion.cpp, campos_texto.cpp)
   // The field cut as a view, not copied into cadDato: into cadLinea for a
   // text field, into chrCifras for a numeric one (valid until the next cut
   // or change of cadLinea). cadDato is written only where a rule works on
   // it (cases 10, 11): no operation reads it before writing it, so the
-  // results are the spec's.
+  // results are those of a copy into cadDato.
   std::u16string_view ExtraeDato(emParamDato emParamDat);
   // Inline, defined and used only in src/translator/extraccion.cpp.
   inline std::u16string_view CorteDato(emParamDato emParamDat, bool* bolNumerico);
@@ -109,7 +135,7 @@ class clsTraductor {
   int16_t AplicaMatutino(int16_t intHoras, emParamDatoConstante emMarca);
   int32_t TiempoEnSegundos(emParamDato emHoras, emParamDato emMinutos, emParamDato emSegundos);
   std::u16string CampoTexto(emParamDato emParamDat);
-  // Part 4.4
+  // Switch-specific rules (casos.cpp)
   // Inline: nearly every read asks them, reading Caso afresh each time.
   bool EsCasoNorstar() const { return Cfg().Caso() == emCasoNortelNorstar0x32SMDR6; }
   bool EsCasoKXTDA() const {
@@ -126,7 +152,7 @@ class clsTraductor {
   bool LineaNorstar(emParamDato emParamDat);
   void ExtensionKXTDA();
   void CodigoCuentaKXTDA();
-  // Part 4.5
+  // Log and extension list (archivos_traductor.cpp)
   void BuscaExtensionKXTDA(const std::u16string& cadCodigo);
   void RegistraLlamadaError();
   double NumeroAleatorio();
@@ -139,7 +165,7 @@ class clsTraductor {
   }
   [[noreturn]] static void FaltaConfiguracion();
 
-  // Members (Part 4.1 declaration order).
+  // Members.
   std::shared_ptr<clsCfgConmut> clsCmt;
   std::u16string cadLinea;
   std::u16string cadBuffer;
@@ -148,17 +174,18 @@ class clsTraductor {
   emAtributoTraductor emAtributoLlamada = emATRNoAtributo;
   std::u16string cadArchListaExtensiones;
   std::u16string cadArchLlamadasError;
-  // Part 4.5: the generator seeded at binding in cases 10 and 11.
+  // The random-extension generator, seeded at construction and at binding
+  // in cases 10 and 11.
   std::mt19937 rndGenerador;
-  // Not in the spec: where a constant or separator text holding an inner
+  // Where a constant or separator text holding an inner
   // U+0000 is built for clsCfgConmut::VistaConstante / VistaSeparador.
   std::u16string cadTrabajo;
-  // Not in the spec: the digits of the numeric field cut last (ExtraeDato).
+  // The digits of the numeric field cut last (ExtraeDato).
   char16_t chrCifras[255] = {};
-  // Not in the spec: the last Duracion of the minutes-and-seconds cases
-  // (not 4, 5, 8) with what it was computed from: the case and the three
-  // duration records as the model held them. Intake (Part 4.1 step 6)
-  // computes it and the host reads it again; the kept value is used only
+  // The last Duracion of the minutes-and-seconds cases (not 4, 5, 8) with
+  // what it was computed from: the case and the three duration records as
+  // the model held them. The intake's duration test computes it and the host
+  // reads it again; the kept value is used only
   // while cadLinea is unchanged and the case and the three records are
   // equal, so a change to the configuration still counts at once.
   struct DuracionGuardada {
@@ -168,7 +195,7 @@ class clsTraductor {
     int32_t intValor = 0;
   };
   DuracionGuardada udtDuracion;
-  // Not in the spec: the lines BuscaLinea found in the current cadBuffer
+  // The lines BuscaLinea found in the current cadBuffer
   // with the separator cadSeparadorLineas (case 4 reads every field from a
   // keyword line, so one record searches the same few keywords many times).
   // Emptied whenever cadBuffer or the configuration is replaced; entries

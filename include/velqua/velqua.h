@@ -1,4 +1,4 @@
-// Velqua: the whole public API (DESIGN.md).
+// Velqua: the whole public API in one include.
 #pragma once
 
 #include "velqua/cfg_conmut.h"

@@ -1,26 +1,14 @@
-// velqua_cairo: a drawing surface (Parts 5.2, 5.3) on Cairo that writes the
-// drawing as PNG, SVG or PDF.
+// velqua_cairo: a drawing surface on Cairo for the cable diagram and the
+// DB9-to-DB25 table, written out as PNG, SVG or PDF.
 //
 // It stands for a picture box on a 96-dpi screen: surface units are twips,
 // 15 to the pixel in both directions (TwipsPerPixelX/Y), 1,440 to the inch.
-// The spec's fonts are mapped through fontconfig to fonts Debian installs:
-// "MS Sans Serif" to Liberation Sans and "MS Serif" / "Ms Serif" to
-// Liberation Serif (fonts-liberation; fontconfig falls back to its default
-// sans or serif, e.g. DejaVu, when they are missing). Other names go to
-// fontconfig as they are. Points are converted at 96 dpi (8 pt = 10.67 px).
-//
-// Meaning of the operations:
-// - Print draws the text with its top-left corner at (CurrentX, CurrentY), in
-//   ForeColor and the current font; CurrentX and CurrentY are left as they were.
-// - ForeColor is the text colour only. Line always draws in its own colour
-//   argument (the library always passes one), whatever ForeColor is.
-// - Line flags: 6 segment, 2 segment from the end point of the previous Line
-//   ((0, 0) before any), 22 rectangle outline, 38 filled rectangle; any other
-//   value draws a segment. Every Line leaves its (x2, y2) as the end point.
-//   Segments and outlines are 1 pixel wide on whole pixels (square caps, so a
-//   segment covers both end pixels); a filled rectangle covers both corners.
-// - TextHeight is the line height of the current font from its real metrics
-//   (ascent + descent + line gap), in twips; the text argument is not used.
+// Every font name resolves to a Liberation family (fonts-liberation): names
+// with "mono", "courier" or "fixed" to Liberation Mono, serif, Times and
+// Roman names to Liberation Serif, all others ("MS Sans Serif" included) to
+// Liberation Sans. They keep the widths of the Windows fonts configurations
+// name, and a drawing measures the same on every machine. Points are
+// converted at 96 dpi (8 pt = 10.67 px).
 #pragma once
 
 #include <cstdint>
@@ -38,6 +26,7 @@ class SuperficieCairo : public Superficie {
   // pixel drawn on, in that direction. Drawing outside the canvas is clipped.
   explicit SuperficieCairo(int32_t lnAnchoPx = 0, int32_t lnAltoPx = 0);
   ~SuperficieCairo() override;
+  // Not copyable: the surface owns its Cairo recording.
   SuperficieCairo(const SuperficieCairo&) = delete;
   SuperficieCairo& operator=(const SuperficieCairo&) = delete;
 
@@ -55,14 +44,25 @@ class SuperficieCairo : public Superficie {
   // The background of the written image, 0x00BBGGRR. Default white.
   void ColorFondo(int32_t lnColor);
 
+  // The current font: family as above, size in points, weight.
   void FontName(const std::u16string& cadNombre) override;
   void FontSize(int16_t intPuntos) override;
   void FontBold(bool bolNegrita) override;
+  // The text colour only; Line always draws in its own colour argument.
   void ForeColor(int32_t lnColor) override;
+  // Where the next Print puts its top-left corner, in twips.
   void CurrentX(float sglX) override;
   void CurrentY(float sglY) override;
+  // Line height of the current font from its real metrics (ascent + descent
+  // + line gap), in twips; the text argument is not used.
   float TextHeight(const std::u16string& cadTexto) override;
+  // Flags: 6 segment, 2 segment from the end point of the previous Line
+  // ((0, 0) before any), 22 rectangle outline, 38 filled rectangle; any other
+  // value draws a segment, and every Line leaves (x2, y2) as the end point.
+  // Strokes are 1 pixel wide on whole pixels, end pixels and corners covered.
   void Line(int16_t intFlags, float x1, float y1, float x2, float y2, int32_t lnColor) override;
+  // Draws the text at (CurrentX, CurrentY) in ForeColor and the current font;
+  // CurrentX and CurrentY are left as they were.
   void Print(const std::u16string& cadTexto) override;
   float TwipsPerPixelX() const override;  // 15
   float TwipsPerPixelY() const override;  // 15
