@@ -1,5 +1,5 @@
-// Part 3.1: Abrir and GuardarComo, the version-3 reader and writer and the
-// version-2 reader. Layout constants: files/formato_cfg.h.
+// Abrir and GuardarComo: the version-3 reader and writer and the version-2
+// reader. Layout constants: files/formato_cfg.h.
 //
 // Bad input is bounded by construction: the readers never allocate from a
 // count in the file; every record is read only when it lies wholly inside the
@@ -22,12 +22,12 @@ namespace {
 using namespace formato_cfg;  // NOLINT(google-build-using-namespace): layout constants
 
 // The standard runtime error of a file that cannot be opened or read. It
-// never reaches a caller: Abrir turns it into 1505 (Part 3.3).
+// never reaches a caller: Abrir turns every failure inside a reader into 1505.
 [[noreturn]] void LanzaErrorAccesoArchivo() {
   throw Error(75, u"Velqua", u"Error de acceso a la ruta o el archivo");
 }
 
-// A file opened for binary reading; closed on every way out (Part 3.1).
+// A file opened for binary reading; closed on every way out of a reader.
 class ArchivoLectura {
  public:
   explicit ArchivoLectura(const std::u16string& cadArch)
@@ -51,7 +51,8 @@ class ArchivoLectura {
   uint64_t largo_ = 0;
 };
 
-// Step 7 of LeeArchivoV2: drop a leading "'", then a trailing "'".
+// A version-2 separator or constant may be stored between single quotes (so
+// that blanks survive): drop a leading "'", then a trailing "'".
 std::u16string Desentrecomilla(std::u16string cad) {
   if (!cad.empty() && cad.front() == u'\'') cad.erase(0, 1);
   if (!cad.empty() && cad.back() == u'\'') cad.pop_back();
@@ -59,7 +60,8 @@ std::u16string Desentrecomilla(std::u16string cad) {
 }
 
 // The data-field conversion of a version-2 file, in writing order: the pair
-// index and the key that takes it (Part 3.1, Algorithms).
+// index and the key that takes it. Several keys share a pair: version 2 had
+// one column per datum, whatever the call type or transfer step.
 struct ConversionV2 {
   uint8_t btPar;
   emParamDato emClave;
@@ -159,7 +161,7 @@ void clsCfgConmut::Abrir(const std::u16string& cadArch) {
   try {
     LeeArchivoV3(cadArch, bolLeido);
     if (!bolLeido) LeeArchivoV2(cadArch, bolLeido);
-  } catch (...) {  // any runtime failure inside the readers (Part 3.3)
+  } catch (...) {  // any runtime failure inside the readers
     falla();
   }
   if (!bolLeido) falla();
@@ -180,7 +182,8 @@ void clsCfgConmut::LeeArchivoV3(const std::u16string& cadArch, bool& bolLeido) {
   if (h.emVersionCfg != kVersionV3 || h.emCasoCfg < kCasoMinimoV3 || h.emCasoCfg > kCasoMaximoV3) {
     return;
   }
-  // Blanks count as content; only U+0000 is removed (step 4).
+  // Separator, brand and model must not be empty; blanks count as content,
+  // only U+0000 is removed.
   if (QuitaNulos(h.cadSeparador).empty() || QuitaNulos(h.cadMarca).empty() ||
       QuitaNulos(h.cadModelo).empty()) {
     return;
@@ -304,7 +307,8 @@ void clsCfgConmut::GuardarComo(const std::u16string& cadArch) {
     ++n;
   }
 
-  // From here on no failure is reported (Part 3.1, step 4).
+  // From here on no failure is reported: the checks have passed, and hosts
+  // written against earlier versions expect GuardarComo not to fail then.
   plataforma::BorraArchivo(cadArch);
   const std::string nombre = plataforma::NombreSistema(cadArch);
   if (nombre.find('\0') == std::string::npos) {  // a U+0000 would name another file

@@ -1,4 +1,4 @@
-// Part 3.2: basConmuta — LeeValorINI, EscribeValorINI, CortaEnNulo.
+// basConmuta — LeeValorINI, EscribeValorINI, CortaEnNulo.
 #include "files/bas_conmuta.h"
 
 #include "files/perfil_ini.h"

@@ -1,6 +1,6 @@
-// Part 3.2: the module basConmuta, the library's wrappers of the profile-file
-// functions (GetPrivateProfileStringA, WritePrivateProfileStringA; stand-ins
-// in files/perfil_ini.h). Texts cross the platform functions as
+// The module basConmuta, the library's wrappers of the profile-file
+// functions (GetPrivateProfileStringA, WritePrivateProfileStringA, as
+// files/perfil_ini.h implements them). Texts cross the platform functions as
 // Windows-1252; a U+0000 inside a name ends it, as in a C string.
 #pragma once
 
@@ -10,6 +10,8 @@ namespace velqua {
 namespace basConmuta {
 
 // Size of LeeValorINI's buffer: a value is cut to its first 254 characters.
+// Intended: earlier versions read with this buffer, and a profile file must
+// import the same in both (every stored text is 250 characters or fewer).
 constexpr unsigned kTamBufferINI = 255;
 
 // The value of cadClave in section cadSeccion of file cadArch: the platform

@@ -1,4 +1,4 @@
-// Part 3.3: messages, numbers and description forms of the file errors.
+// Messages, numbers and description forms of the file errors.
 #include "files/errores_archivo.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// Part 3.3: the errors of the four file operations — the message of each
+// The errors of the four file operations — the message of each
 // emErroresConfig code, the four source texts, the three description forms.
 #pragma once
 
@@ -8,7 +8,8 @@
 namespace velqua {
 namespace archivos {
 
-// Source texts, one per operation, whatever the code (Part 3.3).
+// Source texts, one per operation, whatever the code. "clsConfigConmut" is
+// not the class's name, and is kept: hosts match these texts.
 constexpr const char16_t* kFuenteAbrir = u"clsConfigConmut.Abrir";
 constexpr const char16_t* kFuenteGuardarComo = u"clsConfigConmut.GuardarComo";
 constexpr const char16_t* kFuenteImportar = u"clsConfigConmut.Importar";

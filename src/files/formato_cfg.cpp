@@ -1,4 +1,4 @@
-// Part 3.1: encoding and decoding of the version-3 header and records.
+// Encoding and decoding of the version-3 header and records.
 #include "files/formato_cfg.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-// Part 3.2: the numeric test and integer conversion of profile values.
+// The numeric test and integer conversion of profile values.
 #include "files/numerico.h"
 
 #include "platform/errores_runtime.h"

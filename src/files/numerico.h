@@ -1,7 +1,5 @@
-// Part 3.2: what counts as a number in a profile-file value, and how such a
-// text becomes an integer. The spec leaves both to the implementer ("what the
-// platform's number test accepts"); this is the choice, documented in
-// doc/formats/perfil.md:
+// What counts as a number in a profile-file value, and how such a text
+// becomes an integer; doc/formats/perfil.md gives the same rules to users:
 //
 //   numeric  :=  blanks? sign? digits ( "." digits? )? blanks?
 //             |  blanks? sign? "." digits blanks?
@@ -23,9 +21,10 @@ namespace archivos {
 bool EsNumerico(std::u16string_view texto);
 
 // The value of a numeric text as a 32-bit integer: a fractional part is
-// rounded half to even (2.5 -> 2, 3.5 -> 4, -2.5 -> -2), as the original's
-// integer conversion does. A value outside -2147483648 to 2147483647, however
-// many digits it has, fails with the runtime error 6 (overflow).
+// rounded half to even (2.5 -> 2, 3.5 -> 4, -2.5 -> -2), as earlier versions
+// converted it, so a hand-edited file imports the same in both. A value
+// outside -2147483648 to 2147483647, however many digits it has, fails with
+// the runtime error 6 (overflow).
 // REQUIRES: EsNumerico(texto).
 int32_t ValorEntero32(std::u16string_view texto);
 

@@ -1,4 +1,4 @@
-// Part 3.2: Exportar and Importar, the profile form of a configuration, and
+// Exportar and Importar, the profile form of a configuration, and
 // the value forms (code lists, wiring lists, data-field and constant values).
 // Profile access goes through basConmuta (LeeValorINI, EscribeValorINI).
 #include <string>
@@ -16,7 +16,7 @@
 namespace velqua {
 namespace {
 
-// Section and key names (Part 3.2, Data model).
+// Section names of the profile file (doc/formats/perfil.md).
 constexpr const char16_t* kSecConmutador = u"Conmutador";
 constexpr const char16_t* kSecPuertos = u"Puertos";
 constexpr const char16_t* kSecDatos = u"Datos";
@@ -39,7 +39,7 @@ constexpr const char16_t* kDetalleSeparador = u"No hay un separador de llamadas 
 // Shortest decimal form, "-" before a negative number.
 std::u16string Decimal(int64_t v) { return DesdeAnsi(std::to_string(v)); }
 
-// The token rule shared by the four value readers (Part 3.2, Algorithms): a
+// The token rule shared by the four value readers: a
 // token runs from the current position to the next ","; the position moves
 // past that ",", or past the end when there is none.
 class Tokens {
@@ -214,7 +214,7 @@ void clsCfgConmut::Exportar(const std::u16string& cadArch) {
       escribe(kSecConstantes, u"Constante" + Decimal(k), TextoConstante(r));
       k = AEntero16(k + 1);
     }
-  } catch (...) {  // a refused write or any runtime failure (Part 3.3)
+  } catch (...) {  // a refused write or any runtime failure
     bolFallo = true;
   }
   if (bolFallo) {
@@ -270,8 +270,10 @@ void clsCfgConmut::Importar(const std::u16string& cadArch) {
     LeeListaPines(udtCfg.lnPinesDB9.data(), kPinesDB9, lee(kSecPuertos, u"DB9"));
     LeeListaPines(udtCfg.lnPinesDB25.data(), kPinesDB25, lee(kSecPuertos, u"DB25"));
 
-    // The numbered keys; the 16-bit counter overflows (error 6) when it has
-    // to go past 32767, that is after 32767 non-empty keys.
+    // The numbered keys; the 16-bit counter overflows (error 6, so 1504)
+    // when it has to go past 32767, that is after 32767 non-empty keys.
+    // Intended: the tables count records in 16 bits, and earlier versions
+    // refused such a file the same way.
     for (int16_t k = 1;; k = AEntero16(k + 1)) {
       v = lee(kSecDatos, u"Dato" + Decimal(k));
       if (v.empty()) break;
@@ -295,7 +297,7 @@ void clsCfgConmut::Importar(const std::u16string& cadArch) {
       CTEPos(r.btPos);
       Constante(r.cadTexto);
     }
-  } catch (...) {  // a refused check or any runtime failure (Part 3.3)
+  } catch (...) {  // a refused check or any runtime failure
     bolFallo = true;
   }
   if (bolFallo) {

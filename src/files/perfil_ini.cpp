@@ -1,4 +1,4 @@
-// Part 3.2: the profile-file reader and writer (see perfil_ini.h).
+// The profile-file reader and writer (see perfil_ini.h).
 #include "files/perfil_ini.h"
 
 #include <sys/stat.h>

@@ -1,8 +1,7 @@
-// Part 3.2: the profile-file (INI) reader and writer that stand in for the
-// platform's GetPrivateProfileStringA and WritePrivateProfileStringA
-// (DESIGN.md, stand-ins; format: doc/formats/perfil.md).
-//
-// Behaviour kept from the platform functions:
+// The profile-file (INI) reader and writer, with the behaviour of the
+// Windows functions GetPrivateProfileStringA and WritePrivateProfileStringA,
+// so that profile files move between Windows hosts and this library
+// unchanged (format: doc/formats/perfil.md):
 //  - a file is lines of "[section]" and "key=value"; anything else (comments
 //    included) is kept by the writer and ignored by the reader;
 //  - sections and keys are found without regard to letter case (ASCII and the

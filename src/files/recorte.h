@@ -1,5 +1,6 @@
-// Blank trimming as the file operations use it (Parts 3.1, 3.2): a blank is
-// the space character U+0020 only, as in the original's Trim / RTrim.
+// Blank trimming as the file operations use it: a blank is the space
+// character U+0020 only; tabs and other white space are content, so names
+// and values with them read as earlier versions read them.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// Part 2.1: the configuration object — construction, reset, identity and
+// The configuration object — construction, reset, identity and
 // label properties, derived names, the change flag and the notifications.
 #include "velqua/cfg_conmut.h"
 
@@ -7,7 +7,8 @@
 namespace velqua {
 namespace {
 
-// Case names (Part 2.1); cases 11 and 12 have none (Left to the implementer).
+// Case names, shown to users as they are (typos included: hosts and saved
+// screens show them so). Cases 11 and 12 have none and read as empty.
 const char16_t* const kNombresCaso[] = {
     u"No definido",
     u"Estandar",
@@ -32,7 +33,8 @@ clsCfgConmut::clsCfgConmut() {
 
 void clsCfgConmut::EstableceValoresIniciales() {
   udtCfg.emVersionCfg = emVersion3_0;
-  // Entry 0 of each wiring array is never cleared (Part 5.1).
+  // Entry 0 of each wiring array is no pin and is never cleared: files keep
+  // whatever an earlier version stored there.
   std::fill(udtCfg.lnPinesRJ45.begin() + 1, udtCfg.lnPinesRJ45.end(), 0);
   std::fill(udtCfg.lnPinesDB9.begin() + 1, udtCfg.lnPinesDB9.end(), 0);
   std::fill(udtCfg.lnPinesDB25.begin() + 1, udtCfg.lnPinesDB25.end(), 0);

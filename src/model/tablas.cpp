@@ -1,4 +1,4 @@
-// Part 2.2: the data-field and constant tables and the active-key protocol.
+// The data-field and constant tables and the active-key protocol.
 //
 // Records are never removed or reordered; intIndiceDATO / intIndiceCTE map
 // each valid key to its one record (0 = none), so a lookup is O(1). The maps
@@ -142,7 +142,7 @@ void clsCfgConmut::EscribeByteCTE(uint8_t RegCTE::*campo, uint8_t btValor) {
   if (r.*campo != btValor) {
     r.*campo = btValor;
     bolModificado = true;
-    NotificaCambios();  // sent before the type is derived (Part 2.2, Concurrency)
+    NotificaCambios();  // sent before the type is derived: a listener sees the old type
   }
   DerivaTipoCTE(udtCTE[static_cast<size_t>(i - 1)]);
 }

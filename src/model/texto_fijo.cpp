@@ -1,4 +1,4 @@
-// Part 2.1: the fixed-width text rule and its three helpers.
+// The fixed-width text rule and its three helpers.
 #include <cstdint>
 #include <string>
 

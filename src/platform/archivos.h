@@ -1,5 +1,5 @@
-// Files by name (DESIGN.md, stand-ins): names are UTF-16 in the library and
-// UTF-8 for the operating system.
+// Files by name: names are UTF-16 in the library and UTF-8 for the operating
+// system.
 #pragma once
 
 #include <cstdint>
@@ -12,8 +12,8 @@ namespace plataforma {
 // The operating system's name of a file: UTF-8 of cadArch.
 std::string NombreSistema(const std::u16string& cadArch);
 
-// The archive attribute stand-in: true for an existing regular file; a
-// directory or a missing path has not (Part 3.1, step 2 of Abrir).
+// The archive attribute Abrir requires: every existing regular file has it;
+// a directory or a missing path has not, so Abrir refuses them with 1501.
 bool TieneAtributoArchivo(const std::u16string& cadArch);
 
 // Length in bytes of an existing regular file, -1 when it cannot be read.
@@ -23,13 +23,14 @@ int64_t LongitudArchivo(const std::u16string& cadArch);
 // (the caller closes it; read it with read()): the open never waits
 // (O_NONBLOCK, which changes nothing for a regular file) and a FIFO,
 // socket, device or directory is refused, so neither a blocked open nor an
-// endless device can hang the caller (Part 4.5: the list file never makes
-// an operation fail). -1 when refused.
+// endless device can hang the caller (the list file never makes an
+// operation fail, which includes never hanging it). -1 when refused.
 int AbreDescriptorLectura(const std::u16string& cadArch);
 
 // Opens a file for appending (created when missing) without ever waiting: a
 // FIFO, socket or directory is refused; regular files and character devices
-// (/dev/null, /dev/stderr) are accepted. nullptr when refused (Part 4.5, log).
+// (/dev/null, /dev/stderr) are accepted. nullptr when refused: the log
+// entry is then lost, as for a file that cannot be opened.
 std::FILE* AbreAnexar(const std::u16string& cadArch);
 
 // Deletes a file; false when it could not be deleted (missing, among others).

@@ -6,8 +6,8 @@
 
 namespace velqua {
 
-// Spanish descriptions of the standard runtime errors; the spec leaves the
-// texts to the implementer (Part 1.1) and these follow the usual wording.
+// Spanish descriptions of the standard runtime errors, in their usual
+// wording, so a host shows them as it shows any other runtime error.
 void LanzaDesbordamiento() { throw Error(kErrDesbordamiento, u"Velqua", u"Desbordamiento"); }
 
 void LanzaIndiceFueraDeIntervalo() {

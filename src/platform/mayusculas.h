@@ -1,6 +1,6 @@
-// Case-insensitive comparison and search, the stand-in for the system
-// locale's text comparison that every comparison of the translator uses
-// (Overview, Conventions; Part 4.2).
+// Case-insensitive comparison and search: every comparison of the
+// translator (constants, keywords, separators, prefixes, list codes) ignores
+// letter case, as a Windows host's locale comparison does.
 //
 // Letters are folded one 16-bit character to one (the simple upper-case
 // mapping), so a folded text keeps its length: ASCII, Latin-1 (á/Á, ñ/Ñ,

@@ -13,7 +13,7 @@ const Reloj* gRelojInstalado = nullptr;
 
 // The local time of the last second read, per thread: the translator reads
 // the clock for every record whose switch prints a two-digit year or no date
-// (Part 4.3), and localtime_r was about 7% of such a record. The same second
+// or time, and localtime_r was about 7% of such a record. The same second
 // gives the same local time (glibc reads the time zone once), so the result
 // is unchanged. Thread-local, since two translators may run on two threads.
 FechaHora RelojSistema::Ahora() const {

@@ -1,5 +1,5 @@
-// The clock, locale and timer seam (DESIGN.md, stand-ins): the system clock by
-// default; tests install a fixed clock so that dates and times are certain.
+// The clock, locale and timer seam: the system clock by default; tests
+// install a fixed clock so that dates and times are certain.
 #pragma once
 
 #include <cstdint>
@@ -21,9 +21,9 @@ struct FechaHora {
 class Reloj {
  public:
   virtual ~Reloj() = default;
-  // The current local date and time (Parts 4.3, 4.5).
+  // The current local date and time (field fallbacks, log timestamps).
   virtual FechaHora Ahora() const = 0;
-  // A seed from the system timer for the random generator (Parts 4.1, 4.5).
+  // A seed from the system timer for the random-extension generator.
   virtual uint32_t SemillaTemporizador() const = 0;
 };
 

@@ -1,6 +1,6 @@
-// Windows-1252 and UTF-8 conversions (DESIGN.md, stand-ins). Windows-1252 is
-// the single-byte code page of ListaCodigos (Part 2.1), of the files' text
-// fields (Part 3.1) and of the log and list files (Part 4.5).
+// Windows-1252 and UTF-8 conversions. Windows-1252 is the single-byte code
+// page of ListaCodigos, of the binary file's text fields and of the log and
+// list files, as on the Windows hosts that write and read them.
 #include "velqua/texto.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-// Part 4.5: the unrecognised-call log and the KX-TDA extension list. Both
+// The unrecognised-call log and the KX-TDA extension list. Both
 // files are opened and closed within one operation, and no failure of
 // theirs ever leaves the translator.
 #include <unistd.h>
@@ -121,7 +121,7 @@ void clsTraductor::RegistraLlamadaError() {
     const std::string bytes = AAnsi(entrada);
     std::fwrite(bytes.data(), 1, bytes.size(), out.get());
   } catch (const std::exception&) {
-    // Part 4.5: every failure after the name check is swallowed.
+    // Every failure after the name check is swallowed: a log never fails a record.
   }
 }
 
@@ -154,8 +154,8 @@ void clsTraductor::BuscaExtensionKXTDA(const std::u16string& cadCodigo) {
   cadDato = traductor::FormatoCuatroCifras(n);
 }
 
-// A number in [0, 1) with 24 random bits, like the single-precision
-// generator of the original platform.
+// A number in [0, 1) with 24 random bits, the resolution of a single-precision
+// random number: n = 9999 r + 1 then covers 1 to 10000 as hosts expect.
 double clsTraductor::NumeroAleatorio() {
   return static_cast<double>(rndGenerador() >> 8) / 16777216.0;
 }

@@ -1,4 +1,4 @@
-// Part 4.3: the text properties and their key tables.
+// The text properties and their key tables.
 #include "platform/mayusculas.h"
 #include "translator/texto_traductor.h"
 #include "velqua/traductor.h"
@@ -8,7 +8,7 @@ namespace {
 
 constexpr emParamDato N = emNoParamDato;  // a dash of the key tables: no key
 
-// Key tables of Part 4.3: one row per call type 0 to 6, one column per
+// Key tables: one row per call type 0 to 6, one column per
 // attribute 0 to 4 (none, start, in transfer, end, unanswered).
 using TablaClaves = emParamDato[7][5];
 

@@ -1,4 +1,4 @@
-// Part 4.4: switch-specific rules: the multi-line record of the Nortel
+// Switch-specific rules: the multi-line record of the Nortel
 // Norstar (case 4) and the account-code extension of the KX-TDA (cases 10, 11).
 #include "translator/texto_traductor.h"
 #include "velqua/traductor.h"
@@ -6,7 +6,8 @@
 namespace velqua {
 namespace {
 
-// Keywords of the multi-line record (Part 4.4, Data model).
+// Keywords of the multi-line record; a keyword line is the first line that
+// contains the keyword, letter case ignored.
 constexpr char16_t kCabecera[] = u"--------";
 constexpr char16_t kLiberada[] = u"CALL RELEASED";
 constexpr char16_t kTransferida[] = u"TRANSFERRED";
@@ -17,8 +18,9 @@ constexpr char16_t kDesdeTransferencia[] = u"FROM TRANSFER";
 
 }  // namespace
 
-// Type, step 2: every keyword other than the header must lie after it (a
-// greater BuscaLinea place is a later line).
+// The type, from the keyword lines: every keyword other than the header must
+// lie after it (a greater BuscaLinea place is a later line). The released
+// line, else the transferred one, else an unanswered one decides.
 void clsTraductor::DetectaTipoNorstar() {
   emTipoLlamada = emTradNoIdentificada;
   const int16_t h = BuscaLineaClave(kCabecera);
@@ -37,7 +39,8 @@ void clsTraductor::DetectaTipoNorstar() {
   if (intNoContesta != 0 && h < intNoContesta) emTipoLlamada = emTradEntrante;
 }
 
-// Type, step 2.5: the direction test.
+// The direction test of an answered or transferred call: the first of the
+// outgoing, incoming and from-transfer lines present, after the header.
 void clsTraductor::DireccionNorstar(int16_t intCabecera) {
   const int16_t intSaliente = BuscaLineaClave(kSaliente);
   if (intSaliente != 0) {
@@ -53,7 +56,7 @@ void clsTraductor::DireccionNorstar(int16_t intCabecera) {
   if (intDesde != 0 && intCabecera < intDesde) emTipoLlamada = emTradTransferida;
 }
 
-// Attribute, step 3, whatever the type.
+// The attribute, from the transfer keywords, whatever the type.
 void clsTraductor::DetectaAtributoNorstar() {
   if (BuscaLineaClave(kDesdeTransferencia) != 0) {
     emAtributoLlamada = BuscaLineaClave(kTransferida) != 0 ? emATREnTR : emATRFinTR;
@@ -64,7 +67,7 @@ void clsTraductor::DetectaAtributoNorstar() {
   }
 }
 
-// Field lines, step 4, for the time components. Selects the line of the
+// Field lines for the time components. Selects the line of the
 // component's key in case 4 (SeleccionaLineaNorstar, inline, asks for the
 // case first) and tells whether the component is 0 without reading a field
 // (a duration of an unanswered call).
@@ -87,7 +90,7 @@ bool clsTraductor::LineaNorstar(emParamDato emParamDat) {
 }
 
 // Extension of an outgoing call in cases 10 and 11: a leading "*" marks an
-// account code, mapped back to an extension through the list (Part 4.5).
+// account code, mapped back to an extension through the list file.
 void clsTraductor::ExtensionKXTDA() {
   traductor::QuitaBlancos(cadDato);
   if (cadDato.empty() || cadDato[0] != u'*') return;

@@ -1,4 +1,4 @@
-// Part 4.2: constant test, line search, call type and attribute detection.
+// Constant test, line search, call type and attribute detection.
 #include <algorithm>
 #include <string_view>
 
@@ -9,7 +9,8 @@
 namespace velqua {
 namespace {
 
-// The identifying constants of one role: plain, AND, OR (Part 4.2, Data model).
+// The identifying constants of one role: the plain mark, the AND mark that
+// must accompany it when defined, and the OR mark that stands in for it.
 struct MarcasRol {
   emParamDatoConstante emPlana;
   emParamDatoConstante emY;
@@ -25,7 +26,7 @@ constexpr MarcasRol kRoles[] = {
 };
 
 // Attribute constants per call type 1 to 4, in the order they are tested:
-// start, end, in transfer, unanswered (Part 4.2, attribute table).
+// start, end, in transfer, unanswered (unanswered: incoming calls only).
 struct MarcaAtributo {
   emParamDatoConstante emCte;
   emAtributoTraductor emAtr;

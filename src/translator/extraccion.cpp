@@ -1,4 +1,4 @@
-// Part 4.3: the field cutter and the numeric properties (date, time of day,
+// The field cutter and the numeric properties (date, time of day,
 // duration, ring time).
 #include <algorithm>
 
@@ -114,9 +114,9 @@ int16_t clsTraductor::Mes() { return ObtMes(emParamFechaMes); }
 
 int16_t clsTraductor::Anio() { return ObtAnio(emParamFechaAnio); }
 
-// Steps 2 to 5 of ObtHoras and ObtMinutos; emActual names the component of
-// the current time used when bolHoraActual is true. The clock is read only
-// then: it is the costly part of a read.
+// ObtHoras and ObtMinutos after the line selection; emActual names the
+// component of the current time used when bolHoraActual is true. The clock
+// is read only then: it is the costly part of a read.
 int16_t clsTraductor::ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
                                         int32_t plataforma::FechaHora::*emActual) {
   const int32_t v = ValorDato(emParamDat);
@@ -148,7 +148,10 @@ int16_t clsTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) {
   return bolHoraActual ? AEntero16(plataforma::RelojActual().Ahora().intSegundo) : int16_t{-1};
 }
 
-// The morning rule of Hora, step 2: a 12-hour clock with a morning mark.
+// The morning rule of Hora: a 12-hour clock with a morning mark. Without the
+// mark an hour below 12 is an afternoon hour, the clock's fallback hour too
+// (intended: hosts written against this behaviour rely on it); with the mark,
+// hour 12 is midnight.
 int16_t clsTraductor::AplicaMatutino(int16_t intHoras, emParamDatoConstante emMarca) {
   clsCfgConmut& cfg = Cfg();
   cfg.CTEActivo(emMarca);

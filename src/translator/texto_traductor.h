@@ -1,4 +1,4 @@
-// Small text helpers shared by the translator's files (Parts 4.3 to 4.5).
+// Small text helpers shared by the translator's files.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ namespace velqua {
 namespace traductor {
 
 // The text without its blanks (U+0020) at both ends; other white space is
-// kept, as the Trim of the original platform does.
+// content (a tab inside a field stays), as earlier versions read it.
 std::u16string_view SinBlancos(std::u16string_view cad);
 
 // Removes the blanks at both ends of cad, in place.
@@ -18,8 +18,8 @@ void QuitaBlancos(std::u16string& cad);
 // True for the decimal digits 0 to 9.
 inline bool EsDigito(char16_t c) { return c >= u'0' && c <= u'9'; }
 
-// A number text of Part 4.3: digits, with optional blanks around them. No
-// sign, no decimal separator, no exponent (Left to the implementer, doc/translator.md).
+// A number text of a record field: digits, with optional blanks around them.
+// No sign, no decimal separator, no exponent (doc/translator.md).
 bool EsNumeroTexto(std::u16string_view cad);
 
 // The value of a number text cut to its first 4 characters, or -1 when the

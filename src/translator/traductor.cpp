@@ -1,4 +1,4 @@
-// Part 4.1: translator state, binding and line intake.
+// Translator state, binding and line intake.
 #include "velqua/traductor.h"
 
 #include "platform/errores_runtime.h"
@@ -57,7 +57,9 @@ void clsTraductor::Conmutador(std::shared_ptr<clsCfgConmut> iclsCmt) {
   }
 }
 
-// The intake sequence, steps 1 to 7 of Part 4.1.
+// The intake: store, detect type and attribute, test the duration (not for
+// account-code records; -1 is unreadable except in case 3 and for an
+// unanswered incoming call), and log what stays unrecognised.
 void clsTraductor::LlamadaActual(const std::u16string& cadL) {
   OlvidaDuracion();  // a new record: the kept duration was of the old one
   if (!clsCmt) {

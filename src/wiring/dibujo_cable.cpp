@@ -1,6 +1,8 @@
-// Part 5.2: DibujaConfiguracionSMDR, the cable diagram of one switch port.
+// DibujaConfiguracionSMDR, the cable diagram of one switch port.
 //
-// The steps follow the spec's Algorithms one by one. Every offset written
+// The calls on the surface, their order and every offset are part of the
+// contract (doc/drawing.md), so a diagram looks the same on every host.
+// Every offset written
 // "n px" / "n py" reads TwipsPerPixelX / TwipsPerPixelY afresh from the
 // surface; the working values A, h8 and h are measured once each, with one
 // TextHeight("M") at their first use (doc/drawing.md).
@@ -28,7 +30,9 @@ using dibujo::Numero;
 // The diagram width, in surface units, not scaled.
 constexpr float kAncho = 3200;
 
-// The working values of one drawing (Part 5.2, Data model).
+// The working values of one drawing: corner X, Y; title bar height A; header
+// and row heights h8, h; the three column edges; the next row's top y and
+// wire level w; the port's last switch pin N; the two pin classes.
 struct Diagrama {
   const clsCfgConmut& cfg;
   Superficie& pic;
@@ -58,7 +62,7 @@ int16_t UltimoPin(emPuertoSerial iemPuerto) {
   }
 }
 
-// Steps 1-5, drawn in every case.
+// The title bar and the header band, drawn in every case.
 void DibujaTitulo(Diagrama& d) {
   Superficie& pic = d.pic;
   pic.FontName(u"MS Sans Serif");
@@ -76,13 +80,13 @@ void DibujaTitulo(Diagrama& d) {
   pic.Line(kRelleno, d.X, d.Y + d.A, d.X + kAncho, d.Y + d.A + d.h8, kBlanco);
 }
 
-// Step 6: the port has no wiring.
+// A port without wiring: a one-line message inside the outline.
 void DibujaSinConfiguracion(Diagrama& d) {
   Escribe(d.pic, d.X + d.Px(20), d.Y + d.A - d.Py(1), u"-- No hay configuración realizada --");
   d.pic.Line(kMarco, d.X, d.Y, d.X + kAncho, d.Y + d.A + d.h8, kNegro);
 }
 
-// Steps 7-10.
+// The column heads, then the columns moved to the pin numbers and the row font.
 void DibujaEncabezado(Diagrama& d) {
   Superficie& pic = d.pic;
   d.cS = d.X + d.Px(20);
@@ -133,7 +137,7 @@ void Avanza(Diagrama& d) {
   d.y = d.y + d.h;
 }
 
-// Step 11: the DB25 ground row.
+// The DB25 ground row (pin 1 on both sides), drawn though pin 1 cannot be wired.
 void DibujaFilaTierra(Diagrama& d) {
   FondoFila(d);
   Escribe(d.pic, d.cS, d.y, u"1");
@@ -144,7 +148,8 @@ void DibujaFilaTierra(Diagrama& d) {
   Avanza(d);
 }
 
-// Step 12: lnUnicos and lnMultiples from computer pins 1 to 9.
+// lnUnicos: switch pins that are the only one wired to some computer pin;
+// lnMultiples: switch pins that share a computer pin. Computer pins 1 to 9.
 void Clasifica(Diagrama& d) {
   for (int16_t i = 1; i <= 9; ++i) {
     int32_t lnPines = 0;
@@ -205,7 +210,7 @@ void DibujaPuente(Diagrama& d, int16_t j) {
   }
 }
 
-// Step 13: the main pass, started again after every bridged group.
+// The main pass over the switch pins, started again after every bridged group.
 void PasadaPrincipal(Diagrama& d) {
   int16_t j = 1;
   int32_t m = 1;
@@ -242,7 +247,7 @@ void clsCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie&
   if (iemPuerto == emPuertoDB25) DibujaFilaTierra(d);
   Clasifica(d);
   PasadaPrincipal(d);
-  picDib.Line(kMarco, d.X, d.Y, d.X + kAncho, d.y, kNegro);  // step 14
+  picDib.Line(kMarco, d.X, d.Y, d.X + kAncho, d.y, kNegro);  // the outline
 }
 
 }  // namespace velqua

@@ -1,4 +1,4 @@
-// Shared pieces of the two drawings (Parts 5.2, 5.3): the Line flags, the
+// Shared pieces of the two drawings: the Line flags, the
 // colours, the DB9-to-DB25 pin table and text placement on the surface.
 #pragma once
 
@@ -11,7 +11,7 @@
 namespace velqua {
 namespace dibujo {
 
-// Line flags (Part 5.2, table of flags).
+// Line flags, as the host surface understands them.
 constexpr int16_t kSegmento = 6;
 constexpr int16_t kContinuacion = 2;
 constexpr int16_t kMarco = 22;

@@ -1,4 +1,4 @@
-// Part 5.3: DibujaTablaConversionDB9DB25, the fixed DB9-to-DB25 table.
+// DibujaTablaConversionDB9DB25, the fixed DB9-to-DB25 table.
 //
 // Reads no state of the configuration. t8 and t7 are measured once each, with
 // one TextHeight("M") at their first use; px and py are read afresh from the
@@ -31,7 +31,7 @@ constexpr float kAlto = 1900;
 float Px(const Superficie& pic, float n) { return n * pic.TwipsPerPixelX(); }
 float Py(const Superficie& pic, float n) { return n * pic.TwipsPerPixelY(); }
 
-// Steps 1-5: panel, title bar, outline and column heads; returns t8.
+// Panel, title bar, outline and column heads; returns t8.
 float DibujaPanel(Superficie& pic, float X, float Y, float M) {
   pic.FontName(u"Ms Serif");
   pic.FontSize(8);
@@ -46,7 +46,7 @@ float DibujaPanel(Superficie& pic, float X, float Y, float M) {
   return t8;
 }
 
-// Steps 7-8: the nine rows, a grey band on DB9 pins 2, 4, 6 and 8.
+// The nine rows, a grey band on DB9 pins 2, 4, 6 and 8.
 void DibujaFilas(Superficie& pic, float X, float M, float y) {
   pic.ForeColor(kNegro);
   pic.FontSize(7);
@@ -69,8 +69,8 @@ void clsCfgConmut::DibujaTablaConversionDB9DB25(Superficie& picDib, float sglPos
   const float Y = sglPosY;
   const float M = X + kAncho / 2;
   const float t8 = DibujaPanel(picDib, X, Y, M);
-  DibujaFilas(picDib, X, M, Y + 2 * t8 + Py(picDib, 1));  // step 6: y
-  picDib.FontSize(8);                                     // step 9
+  DibujaFilas(picDib, X, M, Y + 2 * t8 + Py(picDib, 1));  // rows start below the size-8 heads
+  picDib.FontSize(8);                                     // then the middle line
   picDib.Line(kSegmento, M, Y + 2 * t8, M, Y + kAlto, kNegro);
 }
 

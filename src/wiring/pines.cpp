@@ -1,4 +1,4 @@
-// Part 5.1: the cable pin model — three arrays of 32-bit bit sets, one per
+// The cable pin model — three arrays of 32-bit bit sets, one per
 // switch port type; bit k-1 of element j joins switch pin j to computer pin k.
 #include <cstdint>
 
@@ -9,7 +9,7 @@
 namespace velqua {
 namespace {
 
-// Step 1 of EstableceEstadoPin: 1 doubled intPin - 1 times with 32-bit signed
+// The mask of computer pin intPin: 1 doubled intPin - 1 times with 32-bit signed
 // overflow checking; pin 1 or less gives 1; 32 or more fails with error 6.
 // -32768 also fails: intPin - 1 overflows the 16-bit parameter type.
 int32_t MascaraPin(int16_t intPin) {
@@ -48,8 +48,8 @@ void clsCfgConmut::EstableceEstadoPin(emPuertoSerial iemPuerto, int16_t intPinVe
   }
   int16_t ultimo = 0;
   int32_t* pines = ArregloPuerto<RegCfg, int32_t>(udtCfg, iemPuerto, ultimo);
-  // Another port value touches no array and gives no change signal (the
-  // spec leaves it open; signalling only real changes keeps one rule).
+  // Another port value touches no array and gives no change signal: every
+  // path signals only a real change of a stored element.
   if (pines == nullptr) return;
   if (intPinVector < 0 || intPinVector > ultimo) LanzaIndiceFueraDeIntervalo();
   int32_t& elemento = pines[intPinVector];
@@ -98,7 +98,8 @@ void clsCfgConmut::LimpiaConfiguracionSMDR(emPuertoSerial iemPuerto) {
   if (pines == nullptr) return;
   if (iemPuerto == emPuertoRJ45) ultimo = 8;  // RJ45 pin 9 keeps its value
   for (int16_t k = 1; k <= ultimo; ++k) pines[k] = 0;
-  // Modificado unchanged and no event (Part 5.1).
+  // Modificado unchanged and no event: a host that wants the clearing
+  // recorded sets Modificado itself.
 }
 
 }  // namespace velqua

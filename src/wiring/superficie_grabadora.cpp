@@ -1,4 +1,4 @@
-// The recording drawing surface (Parts 5.2, 5.3): keeps every call in order.
+// The recording drawing surface: keeps every call in order.
 #include "velqua/superficie_grabadora.h"
 
 #include <cstdio>
