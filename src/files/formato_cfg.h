@@ -1,4 +1,4 @@
-// Part 3.1: layout of the binary configuration file, shared by the reader
+// Layout of the binary configuration file, shared by the reader
 // (LeeArchivoV3, LeeArchivoV2) and the writer (GuardarComo). See
 // doc/formats/archivo_v3.md and doc/formats/archivo_v2.md.
 //
@@ -18,7 +18,7 @@ namespace formato_cfg {
 // ---- version 3: 660-byte header, then 10-byte and 30-byte records ----
 constexpr size_t kTamI32 = 4;
 constexpr size_t kTamI16 = 2;
-// The fixed text widths of Parts 2.1 and 2.2, as byte counts.
+// The fixed text widths of the configuration record, as byte counts.
 constexpr size_t kBytesMarca = static_cast<size_t>(kTamMarca);
 constexpr size_t kBytesModelo = static_cast<size_t>(kTamModelo);
 constexpr size_t kBytesComentarios = static_cast<size_t>(kTamComentarios);
@@ -42,7 +42,7 @@ constexpr size_t kTamCabeceraV3 = kOffCTECompletos + kTamI16;          // 660
 static_assert(kOffModelo == 54 && kOffComentarios == 104 && kOffSeparador == 354);
 static_assert(kOffCaso == 364 && kOffPinesRJ45 == 368 && kOffPinesDB9 == 408);
 static_assert(kOffPinesDB25 == 448 && kOffPinesReserva == 552 && kOffDATOCompletos == 656);
-static_assert(kTamCabeceraV3 == 660, "the version-3 header is 660 bytes (Part 3.1)");
+static_assert(kTamCabeceraV3 == 660, "the version-3 header is 660 bytes");
 
 // Data-field record (RegDATO).
 constexpr size_t kOffDatoParam = 0;
@@ -50,7 +50,7 @@ constexpr size_t kOffDatoTipo = 4;
 constexpr size_t kOffDatoPos = 8;
 constexpr size_t kOffDatoTam = 9;
 constexpr size_t kTamRegDATO = 10;
-static_assert(kOffDatoTam + 1 == kTamRegDATO, "a data-field record is 10 bytes (Part 3.1)");
+static_assert(kOffDatoTam + 1 == kTamRegDATO, "a data-field record is 10 bytes");
 
 // Constant record (RegCTE).
 constexpr size_t kOffCteParam = 0;
@@ -59,7 +59,7 @@ constexpr size_t kOffCtePos = 8;
 constexpr size_t kOffCteTam = 9;
 constexpr size_t kOffCteTexto = 10;
 constexpr size_t kTamRegCTE = kOffCteTexto + kBytesTextoCte;
-static_assert(kTamRegCTE == 30, "a constant record is 30 bytes (Part 3.1)");
+static_assert(kTamRegCTE == 30, "a constant record is 30 bytes");
 
 // Version written in every version-3 file, and the range of cases a reader
 // accepts (12, emCasoAD_TES, is deliberately outside it).
@@ -93,7 +93,7 @@ constexpr uint8_t kV2Menor = 0;
 
 static_assert(kV2OffModelo == 58 && kV2OffComentarios == 108 && kV2OffNoUsado == 363);
 static_assert(kV2OffSeparador == 618 && kV2OffPares == 630 && kV2OffConstantes == 696);
-static_assert(kTamArchivoV2 == 786, "a version-2 file is 786 bytes (Part 3.1)");
+static_assert(kTamArchivoV2 == 786, "a version-2 file is 786 bytes");
 
 // ---- little-endian coding ----
 inline void PonI32(uint8_t* p, int32_t v) {
