@@ -1,5 +1,5 @@
-// The configuration files: Abrir / GuardarComo (binary, Part 3.1) and
-// Importar / Exportar (profile form, Part 3.2) of a full configuration (all
+// The configuration files: Abrir / GuardarComo (binary) and
+// Importar / Exportar (profile form) of a full configuration (all
 // 67 fields and all 28 constants), and their scaling with the number of
 // configured fields.
 #include <benchmark/benchmark.h>

@@ -109,8 +109,8 @@ void BM_Caso4_Norstar(benchmark::State& state) {
 BENCHMARK(BM_Caso4_Norstar);
 
 // Case 10: one record in eight has an account code, which Extension maps
-// back through the extension list file (opened and read at each such read,
-// Part 4.5).
+// back through the extension list file (opened and read at each such read:
+// the list is never cached, so an edited file counts at once).
 void BM_Caso10_KXTDA(benchmark::State& state) {
   DirTemporal dir;
   {

@@ -1,4 +1,4 @@
-// Fuzz target (1): clsCfgConmut::Abrir on arbitrary bytes (Part 3.1), both
+// Fuzz target (1): clsCfgConmut::Abrir on arbitrary bytes, both
 // layouts: version 3 (660-byte header and records) and version 2 (exactly
 // 786 bytes). velqua::Error is an allowed outcome; anything else is a finding.
 // A file that loads is saved again with GuardarComo and, when its case is one

@@ -29,7 +29,8 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
   static_cast<void>(cfg.ListaSeparador());
   // Cut to their widths, brand, model or separator may now read blank or
   // empty (a value of 50 blanks before its text): then the export is not
-  // importable, as the spec says, and there is nothing to check.
+  // importable (Importar refuses a blank brand, model or separator), and
+  // there is nothing to check.
   if (EnBlanco(cfg.Marca()) || EnBlanco(cfg.Modelo()) || cfg.Separador().empty()) return 0;
   const std::u16string copia = velqua_fuzz::RutaTemporal16("copia.ini");
   try {

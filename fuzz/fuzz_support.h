@@ -1,4 +1,4 @@
-// Shared helpers of the libFuzzer targets (STYLE.md, Tests): a fixed clock so
+// Shared helpers of the libFuzzer targets: a fixed clock so
 // that every run is deterministic, and a private temporary folder for the
 // files the targets hand to the library. Header-only, so that the replay test
 // (tests/test_fuzz_replay.cpp) can compile the targets into one program.

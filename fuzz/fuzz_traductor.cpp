@@ -1,17 +1,16 @@
-// Fuzz target (3): clsTraductor (Parts 4.1 to 4.5). The first bytes build a
-// configuration (case, separator, data fields and constants with any key,
-// type, position and size); the rest are records, split on a byte chosen by
-// the input. Every record is written to LlamadaActual and every property is
-// read twice. velqua::Error is an allowed outcome; anything else is a
-// finding, and so is a broken invariant:
+// Fuzz target (3): clsTraductor. The first bytes build a configuration
+// (case, separator, data fields and constants with any key, type, position
+// and size); the rest are records, split on a byte chosen by the input.
+// Every record is written to LlamadaActual and every property is read twice.
+// velqua::Error is an allowed outcome; anything else is a finding, and so is
+// a broken invariant:
 //  - type 0..6 and attribute 0..4 after an intake;
 //  - the same property read twice in a row gives the same value or the same
-//    error (Part 4.3, State and lifecycle; not Extension in cases 10 and 11,
-//    whose fallback is random);
+//    error (nothing it depends on changes between the two reads; not
+//    Extension in cases 10 and 11, whose fallback is random);
 //  - the unrecognised-call log grows by exactly one entry (54 bytes plus the
 //    record) when the intake ends with type 0 and a record or buffer, and
-//    not at all otherwise (Parts 4.1 step 7, 4.5); a log in a missing folder
-//    is never created.
+//    not at all otherwise; a log in a missing folder is never created.
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>

@@ -1,4 +1,4 @@
-// A main() for the fuzz targets without libFuzzer (STYLE.md, Tests): runs
+// A main() for the fuzz targets without libFuzzer: runs
 // every file named on the command line, and every file inside every folder
 // named there, through LLVMFuzzerTestOneInput, in name order. Exit status 0
 // when all ran; a finding aborts as it would under libFuzzer.
