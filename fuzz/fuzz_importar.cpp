@@ -1,6 +1,6 @@
-// Fuzz target (2): clsCfgConmut::Importar on arbitrary profile text (Part
-// 3.2). velqua::Error is an allowed outcome; anything else is a finding. A
-// file that imports is exported and imported again into a new object, which
+// Fuzz target (2): clsCfgConmut::Importar on arbitrary profile text.
+// velqua::Error is an allowed outcome; anything else is a finding. A file
+// that imports is exported and imported again into a new object, which
 // must succeed (Exportar writes only what Importar accepts).
 #include <cstddef>
 #include <cstdint>
