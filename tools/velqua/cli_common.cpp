@@ -70,6 +70,15 @@ void RequireReadableFile(const std::string& path, const std::string& what) {
   if (!f) throw CliError(what + " '" + path + "': " + std::strerror(errno));
 }
 
+void RequireAppendableFile(const std::string& path, const std::string& what) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
+    throw CliError(what + " '" + path + "': not a regular file");
+  }
+  std::unique_ptr<std::FILE, FileCloser> f(std::fopen(path.c_str(), "ab"));
+  if (!f) throw CliError(what + " '" + path + "': " + std::strerror(errno));
+}
+
 std::FILE* OpenFile(const std::string& path, const char* mode, const std::string& what) {
   std::FILE* f = std::fopen(path.c_str(), mode);
   if (f == nullptr) {

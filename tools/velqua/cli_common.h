@@ -38,6 +38,11 @@ std::string LowerExtension(const std::string& path);
 // file that can be opened for reading.
 void RequireReadableFile(const std::string& path, const std::string& what);
 
+// Throws CliError "<what> 'path': <reason>" unless `path` is a regular file
+// that can be opened for appending; creates it (empty) when missing. The
+// library's own writes to such files fail silently, so the program checks first.
+void RequireAppendableFile(const std::string& path, const std::string& what);
+
 // Opens a file with fopen; throws CliError "cannot open <what> 'path': ..."
 // on failure. The caller closes it (see FileCloser).
 std::FILE* OpenFile(const std::string& path, const char* mode, const std::string& what);

@@ -180,6 +180,8 @@ void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
       "convert", "Convert a configuration between .cfg, .ini and .json (by extension)");
   convert->add_option("IN", options.input, "Configuration to read")->required();
   convert->add_option("OUT", options.output, "Configuration to write")->required();
+  convert->add_flag("--force", options.force,
+                    "Write even when the output form cannot hold the whole configuration");
   CLI::App* check = config->add_subcommand(
       "check", "Show which columns each field and constant cuts from sample records");
   check->add_option("CONFIG", options.config, "Configuration (.cfg, .ini or .json)")->required();
@@ -223,7 +225,7 @@ int RunConfigShow(const ConfigOptions& options) {
 int RunConfigConvert(const ConfigOptions& options) {
   ConfigFormatOf(options.output);  // refuse a bad output name before reading
   std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.input);
-  SaveConfig(*cfg, options.output);
+  SaveConfigChecked(*cfg, options.output, options.force);
   return 0;
 }
 

@@ -14,6 +14,7 @@ struct ConfigOptions {
   std::string config;   // show, check
   std::string input;    // convert
   std::string output;   // convert
+  bool force = false;   // convert: write what the output form cannot hold
   std::string records;  // check
   std::string encoding = "windows-1252";
 };

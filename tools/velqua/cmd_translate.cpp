@@ -1,5 +1,6 @@
 #include "cmd_translate.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -8,6 +9,7 @@
 
 #include "cli_common.h"
 #include "config_io.h"
+#include "program_clock.h"
 #include "record_reader.h"
 #include "row_writer.h"
 #include "velqua/texto.h"
@@ -16,56 +18,114 @@
 namespace velqua_cli {
 namespace {
 
-// At most this many unrecognised record numbers are listed at the end.
+// At most this many unrecognised record numbers are listed at the end, and
+// this many failed records reported one by one.
 constexpr size_t kListedUnrecognised = 20;
+constexpr int64_t kReportedFailures = 20;
 
 struct Counts {
   int64_t read = 0;
-  int64_t unrecognised = 0;
+  int64_t unrecognised = 0;  // failed records included
+  int64_t failed = 0;
+  int64_t random_extensions = 0;
   std::vector<int64_t> listed;
 };
 
-// The row of the record just written (the call data in Row's order).
-Row ReadRow(velqua::clsTraductor& t, int64_t number) {
-  const int32_t type = t.TipoLlamadaDetectada();
-  const int32_t attribute = t.Atributo();
-  if (type != velqua::emTradNoIdentificada) return Row(number, type, attribute, t);
-  Row row;  // no call data: the fields stay blank
-  row.number = number;
-  row.type = type;
-  row.attribute = attribute;
-  return row;
+// Whether the extension of the record just read was drawn at random: in the
+// account-code cases an outgoing call's code missing from the extension list
+// gets a random extension, drawn anew at each read, while a listed one reads
+// the same every time. Three equal reads leave one chance in 10^8 that a
+// random extension passes for a listed one.
+bool ExtensionIsRandom(velqua::clsTraductor& t, const velqua::clsCfgConmut& cfg,
+                       const std::u16string& first) {
+  const int32_t c = cfg.Caso();
+  if (t.TipoLlamadaDetectada() != velqua::emTradSaliente ||
+      (c != velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100 &&
+       c != velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto)) {
+    return false;
+  }
+  return t.Extension() != first || t.Extension() != first;
 }
 
 class Translation {
  public:
-  Translation(velqua::clsTraductor& traductor, RowWriter& writer)
-      : traductor_(traductor), writer_(writer) {}
+  Translation(velqua::clsTraductor& traductor, const velqua::clsCfgConmut& cfg, RowWriter& writer)
+      : traductor_(traductor), cfg_(cfg), writer_(writer) {}
 
+  // The input the next records come from, and when they were received.
+  void Input(const std::string& name, const FechaHora& received) {
+    input_ = name;
+    received_ = received;
+  }
+
+  // Translates one record and writes its row. A record the library fails on
+  // is reported and kept as an unrecognised row carrying the error; the run
+  // goes on.
   void Record(const std::u16string& record) {
     const int64_t number = ++counts_.read;
-    const Row row = [&] {
-      try {
-        traductor_.LlamadaActual(record);
-        return ReadRow(traductor_, number);
-      } catch (const velqua::Error& e) {
-        throw CliError("record " + std::to_string(number) + ": " + DescribeError(e));
+    Row row;
+    try {
+      traductor_.LlamadaActual(record);
+      row = ReadRow(number);
+    } catch (const velqua::Error& e) {
+      row = Row();
+      row.number = number;
+      row.error = DescribeError(e);
+      if (++counts_.failed <= kReportedFailures) {
+        std::fprintf(stderr, "velqua: %s, record %lld: %s\n", input_.c_str(),
+                     static_cast<long long>(number), row.error.c_str());
       }
-    }();
+    }
     if (!row.has_fields) {
       ++counts_.unrecognised;
       if (counts_.listed.size() < kListedUnrecognised) counts_.listed.push_back(number);
     }
+    counts_.random_extensions += row.random_extension;
     writer_.Write(row);
   }
 
   const Counts& counts() const { return counts_; }
 
  private:
+  // The row of the record just written (the call data in Row's order), with
+  // what the switch did not print marked or derived rather than invented.
+  Row ReadRow(int64_t number) {
+    const int32_t type = traductor_.TipoLlamadaDetectada();
+    const int32_t attribute = traductor_.Atributo();
+    if (type == velqua::emTradNoIdentificada) {
+      Row row;  // no call data: the fields stay blank
+      row.number = number;
+      row.type = type;
+      row.attribute = attribute;
+      return row;
+    }
+    Row row(number, type, attribute, traductor_);
+    row.printed = ProgramClock::Instance().PrintedParts(traductor_);
+    if ((row.printed & kPrintedYear) == 0) row.year = YearReceived(row.month, row.day, received_);
+    row.random_extension = ExtensionIsRandom(traductor_, cfg_, row.extension);
+    return row;
+  }
+
   velqua::clsTraductor& traductor_;
+  const velqua::clsCfgConmut& cfg_;
   RowWriter& writer_;
   Counts counts_;
+  std::string input_ = "standard input";
+  FechaHora received_;
 };
+
+// When the records of a file were received, for a switch that prints no
+// year: 31 December of --year, else the file's modification time.
+FechaHora ReceivedAt(const std::string& path, int32_t year) {
+  if (year > 0) return FechaHora{year, 12, 31, 23, 59, 59};
+  struct stat st {};
+  if (path == "-" || ::stat(path.c_str(), &st) != 0) return ProgramClock::Instance().Now();
+  std::tm local{};
+  const std::time_t when = st.st_mtime;
+  localtime_r(&when, &local);
+  return FechaHora{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                   local.tm_hour,        local.tm_min,     local.tm_sec};
+}
 
 RowFormat ChooseFormat(const std::string& format) {
   if (format == "csv") return RowFormat::kCsv;
@@ -117,6 +177,17 @@ void TranslateStream(std::FILE* stream, bool utf8, CallGatherer* gatherer,
 }
 
 void ReportCounts(const Counts& counts, const TranslateOptions& options) {
+  if (counts.failed > kReportedFailures) {
+    std::fprintf(stderr, "velqua: %lld more failed records not shown\n",
+                 static_cast<long long>(counts.failed - kReportedFailures));
+  }
+  if (counts.random_extensions > 0) {
+    std::fprintf(stderr,
+                 "velqua: %lld extension%s drawn at random for account codes missing from the "
+                 "extension list (column extension_random)\n",
+                 static_cast<long long>(counts.random_extensions),
+                 counts.random_extensions == 1 ? "" : "s");
+  }
   if (counts.unrecognised > 0) {
     std::string list;
     for (int64_t n : counts.listed) list += (list.empty() ? "" : ", ") + std::to_string(n);
@@ -127,10 +198,13 @@ void ReportCounts(const Counts& counts, const TranslateOptions& options) {
         list.c_str(),
         options.errors_log.empty() ? "" : (" (logged to " + options.errors_log + ")").c_str());
   }
-  std::fprintf(stderr, "velqua: %lld records read, %lld translated, %lld unrecognised\n",
+  std::fprintf(stderr, "velqua: %lld records read, %lld translated, %lld unrecognised%s\n",
                static_cast<long long>(counts.read),
                static_cast<long long>(counts.read - counts.unrecognised),
-               static_cast<long long>(counts.unrecognised));
+               static_cast<long long>(counts.unrecognised),
+               counts.failed == 0
+                   ? ""
+                   : (" (" + std::to_string(counts.failed) + " failed with an error)").c_str());
 }
 
 }  // namespace
@@ -152,6 +226,10 @@ void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
                   "Append unrecognised records to this log (ArchivoLlamadasError)");
   cmd->add_option("--extensions", options.extensions,
                   "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
+  cmd->add_option("--year", options.year,
+                  "Year the records were received in, for switches that print no year "
+                  "(default: each file's modification time; standard input: today)")
+      ->check(CLI::Range(1, 9999));
 }
 
 int RunTranslate(const TranslateOptions& options) {
@@ -161,6 +239,7 @@ int RunTranslate(const TranslateOptions& options) {
     if (input != "-") RequireReadableFile(input, "input");
   }
   if (!options.extensions.empty()) RequireReadableFile(options.extensions, "extension list");
+  if (!options.errors_log.empty()) RequireAppendableFile(options.errors_log, "error log");
 
   std::shared_ptr<velqua::clsCfgConmut> cfg = LoadConfig(options.config);
   velqua::clsTraductor traductor;
@@ -175,9 +254,10 @@ int RunTranslate(const TranslateOptions& options) {
 
   Output out(stdout);
   std::unique_ptr<RowWriter> writer = MakeRowWriter(ChooseFormat(options.format), out);
-  Translation translation(traductor, *writer);
+  Translation translation(traductor, *cfg, *writer);
   const bool utf8 = options.encoding == "utf-8";
   for (const std::string& input : inputs) {
+    translation.Input(input == "-" ? "standard input" : input, ReceivedAt(input, options.year));
     if (input == "-") {
       TranslateStream(stdin, utf8, gatherer.get(), translation);
     } else {
@@ -189,7 +269,7 @@ int RunTranslate(const TranslateOptions& options) {
   if (gatherer && gatherer->Finish(&call)) translation.Record(call);
   writer->Finish();
   ReportCounts(translation.counts(), options);
-  return 0;
+  return translation.counts().failed > 0 ? kExitRecordsFailed : 0;
 }
 
 }  // namespace velqua_cli

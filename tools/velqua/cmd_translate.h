@@ -1,6 +1,7 @@
 // `velqua translate`: call records in, one row of call data per record out.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,12 @@ struct TranslateOptions {
   std::string encoding = "windows-1252";
   std::string errors_log;  // ArchivoLlamadasError
   std::string extensions;  // ArchivoListaExtensionesKXTDA
+  int32_t year = 0;        // --year; 0: from each input's modification time
 };
+
+// The exit status of a run in which some records failed with an error (each
+// kept as an unrecognised row carrying it).
+constexpr int kExitRecordsFailed = 3;
 
 // Adds the subcommand; `run` is set to the code to execute when chosen.
 void AddTranslateCommand(CLI::App& app, TranslateOptions& options);

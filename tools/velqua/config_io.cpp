@@ -1,6 +1,13 @@
 #include "config_io.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <memory>
+#include <sstream>
 
 #include "cli_common.h"
 #include "config_json.h"
@@ -36,6 +43,85 @@ std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path) {
       break;
   }
   return cfg;
+}
+
+namespace {
+
+// The first line where two JSON forms differ, as "was -> now".
+std::string FirstDifference(const std::string& was, const std::string& now) {
+  std::istringstream a(was), b(now);
+  std::string la, lb;
+  while (true) {
+    const bool more_a = static_cast<bool>(std::getline(a, la));
+    const bool more_b = static_cast<bool>(std::getline(b, lb));
+    if (!more_a && !more_b) return "";
+    if (!more_a) la = "(nothing)";
+    if (!more_b) lb = "(nothing)";
+    if (la != lb || !more_a || !more_b) {
+      const auto trim = [](std::string s) { return s.erase(0, s.find_first_not_of(' ')); };
+      return trim(la) + " -> " + trim(lb);
+    }
+  }
+}
+
+// A temporary name beside `path`, with the same extension (the library picks
+// the form by it).
+std::string TemporaryBeside(const std::string& path) {
+  const size_t slash = path.find_last_of('/');
+  const std::string dir = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+  const std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
+  return dir + ".velqua-" + std::to_string(::getpid()) + "-" + base;
+}
+
+// Throws CliError naming why `path` cannot be written, if it cannot.
+void RequireWritableTarget(const std::string& path) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
+    throw CliError("cannot write '" + path + "': not a regular file");
+  }
+  const std::string probe = TemporaryBeside(path);
+  std::FILE* f = std::fopen(probe.c_str(), "wb");
+  if (f == nullptr) throw CliError("cannot write '" + path + "': " + std::strerror(errno));
+  std::fclose(f);
+  std::remove(probe.c_str());
+}
+
+}  // namespace
+
+void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool force) {
+  ConfigFormatOf(path);
+  RequireWritableTarget(path);
+  const std::string temporary = TemporaryBeside(path);
+  struct Remove {
+    const std::string& name;
+    ~Remove() { std::remove(name.c_str()); }
+  } remove{temporary};
+  SaveConfig(cfg, temporary);
+  std::shared_ptr<velqua::clsCfgConmut> back;
+  std::string problem;
+  try {
+    back = LoadConfig(temporary);
+    problem = FirstDifference(ConfigToJson(cfg), ConfigToJson(*back));
+  } catch (const CliError& e) {
+    problem = std::string("reading it back fails: ") + e.what();
+  } catch (const velqua::Error& e) {
+    problem = "reading it back fails: " + DescribeError(e);
+  }
+  // The library's messages name the file it read: name the one promised.
+  for (size_t at; (at = problem.find(temporary)) != std::string::npos;) {
+    problem.replace(at, temporary.size(), path);
+  }
+  if (!problem.empty() && !force) {
+    throw CliError("'" + path + "' cannot hold this configuration (" + problem +
+                   "); nothing written (--force writes it anyway)");
+  }
+  if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+    throw CliError("cannot write '" + path + "': " + std::strerror(errno));
+  }
+  if (!problem.empty()) {
+    std::fprintf(stderr, "velqua: warning: '%s' does not hold this configuration (%s)\n",
+                 path.c_str(), problem.c_str());
+  }
 }
 
 void SaveConfig(velqua::clsCfgConmut& cfg, const std::string& path) {

@@ -20,6 +20,15 @@ ConfigFormat ConfigFormatOf(const std::string& path);
 std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path);
 
 // Saves `cfg` in the format of the extension (velqua::Error or CliError).
+// The library's file writes fail silently by design: prefer SaveConfigChecked.
 void SaveConfig(velqua::clsCfgConmut& cfg, const std::string& path);
+
+// Saves `cfg` as SaveConfig does, then reads the file back and compares it with
+// `cfg`: a file that is missing, unreadable or different (a form that cannot
+// hold the configuration, such as a profile file for a case other than 1) is
+// refused with the first difference and the path, and nothing is left at
+// `path`; with `force` it is written anyway, with a warning on stderr. Written
+// beside `path` first and renamed, so a failure never leaves half a file.
+void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool force);
 
 }  // namespace velqua_cli

@@ -143,6 +143,17 @@ int32_t EnumValue(const json& value, EnumKind kind, const std::string& where) {
   return result;
 }
 
+// The translator cuts a field or a mark only while its position plus its size
+// stays within 255 (the byte a record keeps for each); past that every record
+// fails with an overflow (error 6), so such a configuration is refused here.
+void RequireWithinRecord(int64_t pos, int64_t size, const std::string& where) {
+  if (pos + size > 255) {
+    Fail(where, "pos " + std::to_string(pos) + " + size " + std::to_string(size) + " = " +
+                    std::to_string(pos + size) +
+                    ", above 255: no record could be translated (overflow, error 6)");
+  }
+}
+
 velqua::emTipoDato FieldType(const json& value, const std::string& where) {
   if (value.is_string()) {
     const std::string word = value.get<std::string>();
@@ -168,8 +179,11 @@ void ReadField(const std::string& key_name, const json& field, clsCfgConmut& cfg
   if (!field.contains("type")) Fail(where + ".type", "missing");
   cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
   cfg.TipoDatoDATO(FieldType(field.at("type"), where + ".type"));
-  cfg.DATOPos(static_cast<uint8_t>(Integer(field, "pos", where, 1, 255)));
-  cfg.DATOTam(static_cast<uint8_t>(Integer(field, "size", where, 1, 255)));
+  const int64_t pos = Integer(field, "pos", where, 1, 255);
+  const int64_t size = Integer(field, "size", where, 1, 255);
+  RequireWithinRecord(pos, size, where);
+  cfg.DATOPos(static_cast<uint8_t>(pos));
+  cfg.DATOTam(static_cast<uint8_t>(size));
 }
 
 void ReadConstant(const std::string& key_name, const json& constant, clsCfgConmut& cfg) {
@@ -185,11 +199,13 @@ void ReadConstant(const std::string& key_name, const json& constant, clsCfgConmu
   const std::u16string text = Text(constant, "text", where + ".", velqua::kTamTextoCte);
   if (text.empty()) Fail(where + ".text", "missing or empty");
   cfg.CTEActivo(static_cast<velqua::emParamDatoConstante>(key));
-  cfg.CTEPos(static_cast<uint8_t>(Integer(constant, "pos", where, 1, 255)));
+  const int64_t pos = Integer(constant, "pos", where, 1, 255);
+  const int64_t size = constant.contains("size") ? Integer(constant, "size", where, 1, 255)
+                                                 : static_cast<int64_t>(text.size());
+  RequireWithinRecord(pos, size, where);
+  cfg.CTEPos(static_cast<uint8_t>(pos));
   cfg.Constante(text);
-  if (constant.contains("size")) {
-    cfg.CTETam(static_cast<uint8_t>(Integer(constant, "size", where, 1, 255)));
-  }
+  if (constant.contains("size")) cfg.CTETam(static_cast<uint8_t>(size));
 }
 
 void ReadWiring(const json& wiring, clsCfgConmut& cfg) {
@@ -258,7 +274,11 @@ void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
   cfg.Marca(Text(root, "brand", "", static_cast<size_t>(velqua::kTamMarca)));
   cfg.Modelo(Text(root, "model", "", static_cast<size_t>(velqua::kTamModelo)));
   if (root.contains("case")) {
-    cfg.Caso(static_cast<velqua::emCasos>(EnumValue(root.at("case"), EnumKind::kCaso, "case")));
+    const int32_t handling = EnumValue(root.at("case"), EnumKind::kCaso, "case");
+    if (EnumNameOf(EnumKind::kCaso, handling) == nullptr) {
+      Fail("case", "unknown handling case " + std::to_string(handling) + " (known: 0 to 12)");
+    }
+    cfg.Caso(static_cast<velqua::emCasos>(handling));
   }
   cfg.Separador(Text(root, "separator", "", static_cast<size_t>(cfg.TamMaxSeparador())));
   cfg.Comentarios(Text(root, "comments", "", static_cast<size_t>(cfg.TamMaxComentarios())));

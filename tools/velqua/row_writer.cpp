@@ -7,6 +7,7 @@
 
 #include "cli_common.h"
 #include "names.h"
+#include "velqua/texto.h"
 
 namespace velqua_cli {
 
@@ -41,7 +42,7 @@ void AppendInt(std::string& out, int64_t value) {
   out.append(digits, r.ptr);
 }
 
-constexpr std::array<const char*, 15> kColumns = {"record",
+constexpr std::array<const char*, 17> kColumns = {"record",
                                                   "type",
                                                   "type_name",
                                                   "attribute",
@@ -55,7 +56,9 @@ constexpr std::array<const char*, 15> kColumns = {"record",
                                                   "trunk",
                                                   "receiving_extension",
                                                   "receiving_trunk",
-                                                  "account_code"};
+                                                  "account_code",
+                                                  "extension_random",
+                                                  "error"};
 
 // ---- CSV (RFC 4180: CR LF line ends, fields quoted when they hold a
 // comma, a quote, CR or LF; quotes doubled) ----
@@ -131,12 +134,13 @@ class Pen {
     Char('-');
     Two(row.day);
   }
-  void Time(int32_t seconds) {
-    Two(seconds / 3600);
+  void Time(const Row& row) {
+    Two(row.time / 3600);
     Char(':');
-    Two(seconds / 60 % 60);
+    Two(row.time / 60 % 60);
+    if (!row.HasSeconds()) return;
     Char(':');
-    Two(seconds % 60);
+    Two(row.time % 60);
   }
   char* cursor() const { return p_; }
   void Skip(size_t n) { p_ += n; }
@@ -226,7 +230,7 @@ class CsvWriter : public RowWriter {
     const std::u16string* texts[] = {&row.dialled,         &row.extension,
                                      &row.trunk,           &row.receiving_extension,
                                      &row.receiving_trunk, &row.account_code};
-    size_t bound = 256 + type.size() + attribute.size();
+    size_t bound = 256 + type.size() + attribute.size() + 2 * row.error.size();
     if (row.has_fields) {
       for (const std::u16string* text : texts) bound += CsvBound(*text);
     }
@@ -243,9 +247,9 @@ class CsvWriter : public RowWriter {
     pen.Text(attribute);
     pen.Char(',');
     if (row.has_fields) {
-      pen.Date(row);
+      if (row.HasDate()) pen.Date(row);
       pen.Char(',');
-      pen.Time(row.time);
+      if (row.HasTime()) pen.Time(row);
       pen.Char(',');
       if (row.duration >= 0) pen.Int(row.duration);
       pen.Char(',');
@@ -254,8 +258,14 @@ class CsvWriter : public RowWriter {
         pen.Char(',');
         CsvText(pen, *text);
       }
+      pen.Text(row.random_extension ? ",1," : ",0,");
     } else {
-      pen.Text(",,,,,,,,,");
+      pen.Text(",,,,,,,,,,,");
+    }
+    if (!row.error.empty()) {
+      scratch_.clear();
+      AppendCsvText(scratch_, velqua::DesdeUtf8(row.error));
+      pen.Text(scratch_);
     }
     pen.Text("\r\n");
     out_.buffer().append(row_.data(), static_cast<size_t>(pen.end() - row_.data()));
@@ -351,11 +361,23 @@ class JsonlWriter : public RowWriter {
     AppendInt(b, row.attribute);
     b += ",\"attribute_name\":\"" + ShortAttributeName(row.attribute) + "\"";
     if (row.has_fields) {
-      b += ",\"date\":\"";
-      AppendDate(b, row);
-      b += "\",\"time\":\"";
-      AppendTime(b, row.time);
-      b += "\",\"duration\":";
+      b += ",\"date\":";
+      if (row.HasDate()) {
+        b += '"';
+        AppendDate(b, row);
+        b += '"';
+      } else {
+        b += "null";
+      }
+      b += ",\"time\":";
+      if (row.HasTime()) {
+        b += '"';
+        AppendTime(b, row);
+        b += '"';
+      } else {
+        b += "null";
+      }
+      b += ",\"duration\":";
       if (row.duration >= 0)
         AppendInt(b, row.duration);
       else
@@ -372,14 +394,25 @@ class JsonlWriter : public RowWriter {
         b += ",\"";
         b += kColumns[9 + i];
         b += "\":";
-        AppendJsonString(b, *texts[i]);
+        if (texts[i]->empty()) {
+          b += "null";
+        } else {
+          AppendJsonString(b, *texts[i]);
+        }
       }
+      b += row.random_extension ? ",\"extension_random\":true" : ",\"extension_random\":false";
     } else {
-      for (size_t i = 5; i < kColumns.size(); ++i) {
+      for (size_t i = 5; i + 1 < kColumns.size(); ++i) {
         b += ",\"";
         b += kColumns[i];
         b += "\":null";
       }
+    }
+    b += ",\"error\":";
+    if (row.error.empty()) {
+      b += "null";
+    } else {
+      AppendJsonString(b, velqua::DesdeUtf8(row.error));
     }
     b += "}\n";
     out_.MaybeFlush();
@@ -396,7 +429,7 @@ class JsonlWriter : public RowWriter {
 class TableWriter : public RowWriter {
  public:
   static constexpr size_t kSizingRows = 200;
-  static constexpr size_t kCells = 13;
+  static constexpr size_t kCells = 14;
 
   explicit TableWriter(Output& out) : out_(out) {}
 
@@ -419,11 +452,12 @@ class TableWriter : public RowWriter {
  private:
   using Cells = std::array<std::string, kCells>;
   static constexpr std::array<const char*, kCells> kHeads = {
-      "#",       "type", "attribute", "date",   "time",     "dur",    "ring",
-      "dialled", "ext",  "trunk",     "rx ext", "rx trunk", "account"};
+      "#",       "type", "attribute", "date",   "time",     "dur",     "ring",
+      "dialled", "ext",  "trunk",     "rx ext", "rx trunk", "account", "note"};
   // Numbers are right-aligned.
-  static constexpr std::array<bool, kCells> kRight = {true,  false, false, false, false, true, true,
-                                                      false, false, false, false, false, false};
+  static constexpr std::array<bool, kCells> kRight = {true,  false, false, false, false,
+                                                      true,  true,  false, false, false,
+                                                      false, false, false, false};
 
   static Cells Format(const Row& row) {
     Cells c;
@@ -432,9 +466,11 @@ class TableWriter : public RowWriter {
     c[1] += ' ' + ShortTypeName(row.type);
     AppendInt(c[2], row.attribute);
     c[2] += ' ' + ShortAttributeName(row.attribute);
+    c[13] = row.error;
     if (!row.has_fields) return c;
-    AppendDate(c[3], row);
-    AppendTime(c[4], row.time);
+    if (row.random_extension) c[13] = "random extension";
+    if (row.HasDate()) AppendDate(c[3], row);
+    if (row.HasTime()) AppendTime(c[4], row);
     if (row.duration >= 0) AppendInt(c[5], row.duration);
     if (row.ring >= 0) AppendInt(c[6], row.ring);
     AppendUtf8(c[7], row.dialled);
@@ -509,10 +545,10 @@ void AppendDate(std::string& out, const Row& row) {
   out.append(text, pen.end());
 }
 
-void AppendTime(std::string& out, int32_t seconds) {
+void AppendTime(std::string& out, const Row& row) {
   char text[48];
   Pen pen(text);
-  pen.Time(seconds);
+  pen.Time(row);
   out.append(text, pen.end());
 }
 

@@ -37,6 +37,12 @@ struct Row {
         receiving_trunk(source.TroncalReceptor()),
         account_code(source.CodigoCuenta()) {}
 
+  // Whether the date, the time and its seconds were printed by the switch;
+  // `printed` holds the PrintedPart bits (program_clock.h).
+  bool HasDate() const { return (printed & 3) == 3; }
+  bool HasTime() const { return (printed & 24) == 24; }
+  bool HasSeconds() const { return (printed & 32) != 0; }
+
   int64_t number = 0;       // 1-based ordinal of the record in the input
   int32_t type = 0;         // emTipoLlamadaTraductor
   int32_t attribute = 0;    // emAtributoTraductor
@@ -46,6 +52,9 @@ struct Row {
   int32_t duration = -1;  // seconds; negative = none (blank)
   int32_t ring = -1;      // seconds; negative = none (blank)
   std::u16string dialled, extension, trunk, receiving_extension, receiving_trunk, account_code;
+  uint8_t printed = 63;           // all printed unless the translation says otherwise
+  bool random_extension = false;  // the extension was drawn at random (unlisted code)
+  std::string error;              // why the record could not be translated, or ""
 };
 
 // Buffered writer of bytes to a FILE* (not owned). Throws CliError when the
@@ -88,8 +97,9 @@ std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out);
 std::string ShortTypeName(int32_t type);
 std::string ShortAttributeName(int32_t attribute);
 
-// "2026-01-15" and "09:05:00" (hours may exceed 23 if the record says so).
+// "2026-01-15", and "09:05:00" or "09:05" when the switch printed no seconds
+// (hours may exceed 23 if the record says so).
 void AppendDate(std::string& out, const Row& row);
-void AppendTime(std::string& out, int32_t seconds);
+void AppendTime(std::string& out, const Row& row);
 
 }  // namespace velqua_cli

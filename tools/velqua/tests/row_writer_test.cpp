@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli_common.h"
+#include "program_clock.h"
 #include "row_writer.h"
 
 namespace velqua_cli {
@@ -50,15 +51,79 @@ TEST(RowWriter, CsvQuotesPerRfc4180) {
   const std::string csv = Render(RowFormat::kCsv, {Sample()});
   EXPECT_EQ(csv,
             "record,type,type_name,attribute,attribute_name,date,time,duration,ring,dialled,"
-            "extension,trunk,receiving_extension,receiving_trunk,account_code\r\n"
-            "7,2,Saliente,2,EnTR,2026-01-09,09:05:03,83,,\"0312,34\"\"5\",201,01,,,Müller\r\n");
+            "extension,trunk,receiving_extension,receiving_trunk,account_code,extension_random,"
+            "error\r\n"
+            "7,2,Saliente,2,EnTR,2026-01-09,09:05:03,83,,\"0312,34\"\"5\",201,01,,,Müller,0,\r\n");
+}
+
+// What the switch did not print is left blank or shortened, never invented.
+TEST(RowWriter, DateAndTimeShowOnlyWhatWasPrinted) {
+  struct Case {
+    uint8_t printed;
+    bool random;
+    const char* csv;    // date to extension_random
+    const char* jsonl;  // "date" to "time"
+  } const cases[] = {
+      {kPrintedAll, false, "2026-01-09,09:05:03", "\"date\":\"2026-01-09\",\"time\":\"09:05:03\""},
+      {kPrintedAll & ~kPrintedSecond, false, "2026-01-09,09:05",
+       "\"date\":\"2026-01-09\",\"time\":\"09:05\""},
+      {kPrintedAll & ~kPrintedDay, false, ",09:05:03", "\"date\":null,\"time\":\"09:05:03\""},
+      {kPrintedAll & ~kPrintedMonth, true, ",09:05:03", "\"date\":null,\"time\":\"09:05:03\""},
+      {kPrintedAll & ~kPrintedMinute, false, "2026-01-09,",
+       "\"date\":\"2026-01-09\",\"time\":null"},
+      {kPrintedDay | kPrintedMonth | kPrintedYear | kPrintedMinute, false, "2026-01-09,",
+       "\"date\":\"2026-01-09\",\"time\":null"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.csv);
+    Row row = Sample();
+    row.printed = c.printed;
+    row.random_extension = c.random;
+    const std::string csv = Render(RowFormat::kCsv, {row});
+    EXPECT_NE(csv.find(std::string("EnTR,") + c.csv + ",83,"), std::string::npos) << csv;
+    EXPECT_NE(csv.find(c.random ? "Müller,1,\r\n" : "Müller,0,\r\n"), std::string::npos);
+    const std::string jsonl = Render(RowFormat::kJsonl, {row});
+    EXPECT_NE(jsonl.find(c.jsonl), std::string::npos) << jsonl;
+    EXPECT_NE(jsonl.find(c.random ? "\"extension_random\":true" : "\"extension_random\":false"),
+              std::string::npos);
+    const std::string table = Render(RowFormat::kTable, {row});
+    EXPECT_EQ(table.find("random extension") != std::string::npos, c.random);
+  }
+}
+
+// A switch that prints no year: the year the record was received in, or the
+// year before for a month and day after the day of receipt.
+TEST(RowWriter, YearReceivedRollsBackForLaterDays) {
+  const FechaHora received{2027, 1, 5, 8, 0, 0};
+  struct Case {
+    int32_t month, day, year;
+  } const cases[] = {{1, 5, 2027}, {1, 4, 2027}, {1, 6, 2026}, {12, 31, 2026}, {2, 1, 2026}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.month * 100 + c.day);
+    EXPECT_EQ(YearReceived(c.month, c.day, received), c.year);
+  }
+}
+
+TEST(RowWriter, FailedRecordKeepsItsErrorInEveryForm) {
+  Row row;
+  row.number = 4;
+  row.error = "error 6 (0x00000006) in Velqua: Desbordamiento, \"x\"";
+  const std::string csv = Render(RowFormat::kCsv, {row});
+  EXPECT_EQ(csv.substr(csv.find("\r\n") + 2),
+            "4,0,NoIdentificada,0,NoAtributo,,,,,,,,,,,,"
+            "\"error 6 (0x00000006) in Velqua: Desbordamiento, \"\"x\"\"\"\r\n");
+  EXPECT_NE(Render(RowFormat::kJsonl, {row})
+                .find("\"extension_random\":null,\"error\":\"error 6 (0x00000006) in Velqua: "
+                      "Desbordamiento, \\\"x\\\"\"}"),
+            std::string::npos);
+  EXPECT_NE(Render(RowFormat::kTable, {row}).find("Desbordamiento"), std::string::npos);
 }
 
 TEST(RowWriter, CsvUnrecognisedRowHasBlankFields) {
   Row row;
   row.number = 1;
   const std::string csv = Render(RowFormat::kCsv, {row});
-  EXPECT_EQ(csv.substr(csv.find("\r\n") + 2), "1,0,NoIdentificada,0,NoAtributo,,,,,,,,,,\r\n");
+  EXPECT_EQ(csv.substr(csv.find("\r\n") + 2), "1,0,NoIdentificada,0,NoAtributo,,,,,,,,,,,,\r\n");
 }
 
 // The first column of every CSV row after the heading.
@@ -117,8 +182,9 @@ TEST(RowWriter, JsonlEscapesAndUsesNullForAbsentValues) {
             "{\"record\":7,\"type\":2,\"type_name\":\"Saliente\",\"attribute\":2,"
             "\"attribute_name\":\"EnTR\",\"date\":\"2026-01-09\",\"time\":\"09:05:03\","
             "\"duration\":83,\"ring\":null,\"dialled\":\"a\\\"b\\\\c\\u0001\","
-            "\"extension\":\"201\",\"trunk\":\"01\",\"receiving_extension\":\"\","
-            "\"receiving_trunk\":\"\",\"account_code\":\"Müller\"}\n");
+            "\"extension\":\"201\",\"trunk\":\"01\",\"receiving_extension\":null,"
+            "\"receiving_trunk\":null,\"account_code\":\"Müller\",\"extension_random\":false,"
+            "\"error\":null}\n");
 }
 
 TEST(RowWriter, JsonlUnrecognisedRowHasNullFields) {
@@ -126,7 +192,8 @@ TEST(RowWriter, JsonlUnrecognisedRowHasNullFields) {
   row.number = 3;
   const std::string line = Render(RowFormat::kJsonl, {row});
   EXPECT_NE(line.find("\"date\":null"), std::string::npos);
-  EXPECT_NE(line.find("\"account_code\":null}"), std::string::npos);
+  EXPECT_NE(line.find("\"account_code\":null,\"extension_random\":null,\"error\":null}"),
+            std::string::npos);
 }
 
 TEST(RowWriter, TableAlignsColumnsAndEndsNoLineWithBlanks) {

@@ -20,17 +20,18 @@ gtest_discover_tests(test_cli_units TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
 # tests/e2e/golden/. Every run fixes the clock (--now) because the library
 # falls back to the current date and time for what a switch does not print.
 set(VELQUA_E2E_TMP ${CMAKE_CURRENT_BINARY_DIR}/e2e)
-file(MAKE_DIRECTORY ${VELQUA_E2E_TMP})
+file(MAKE_DIRECTORY ${VELQUA_E2E_TMP} ${VELQUA_E2E_TMP}/folder.cfg)
 
-# velqua_e2e(NAME EXIT_STATUS ARGS... [INPUT file] [PRODUCED file GOLDEN file])
+# velqua_e2e(NAME EXIT_STATUS ARGS... [INPUT file] [PRODUCED file GOLDEN file]
+#            [SAME_AS other_case])
 function(velqua_e2e name rc)
-  cmake_parse_arguments(E "" "INPUT;PRODUCED;GOLDEN" "" ${ARGN})
+  cmake_parse_arguments(E "" "INPUT;PRODUCED;GOLDEN;SAME_AS" "" ${ARGN})
   string(REPLACE ";" "|" args "${E_UNPARSED_ARGUMENTS}")
   add_test(NAME cli.e2e.${name}
     COMMAND ${CMAKE_COMMAND} -DVELQUA=$<TARGET_FILE:velqua_cli>
             -DSOURCE_DIR=${PROJECT_SOURCE_DIR} -DNAME=${name} -DEXPECT_RC=${rc}
             "-DARGS=${args}" -DINPUT=${E_INPUT} -DPRODUCED=${E_PRODUCED}
-            -DPRODUCED_GOLDEN=${E_GOLDEN} -DTMP_DIR=${VELQUA_E2E_TMP}
+            -DPRODUCED_GOLDEN=${E_GOLDEN} -DTMP_DIR=${VELQUA_E2E_TMP} -DSAME_AS=${E_SAME_AS}
             -P ${PROJECT_SOURCE_DIR}/tests/e2e/run_case.cmake)
 endfunction()
 
@@ -51,13 +52,29 @@ velqua_e2e(kx_tda_errors_log 0 ${KX} --format csv --errors ${VELQUA_E2E_TMP}/kx-
 velqua_e2e(kx_tda_no_extension_list 0 --now "2026-01-20 09:00:00" translate
            -c examples/kx-tda/kx-tda.json --format csv ${KX_RECORDS})
 velqua_e2e(norstar_table 0 --now "2026-02-04 09:00:00" translate -c examples/norstar/norstar.json
-           --format table examples/norstar/records.txt)
+           --year 2026 --format table examples/norstar/records.txt)
 velqua_e2e(norstar_stdin_jsonl 0 --now "2026-02-04 09:00:00" translate
            -c examples/norstar/norstar.cfg --format jsonl INPUT examples/norstar/records.txt)
 velqua_e2e(hicom_ini_table 0 --now "2026-03-10 09:00:00" translate -c examples/hicom/hicom.ini
            --format table examples/hicom/records.txt)
-velqua_e2e(definity_table 0 --now "2026-03-10 18:00:00" translate
+velqua_e2e(definity_table 0 --now "2026-03-10 18:00:00" translate --year 2026
            -c examples/definity/definity.json --format table examples/definity/records.txt)
+# Same input, same output, whatever the clock: what a switch does not print
+# (seconds, year, date) is never taken from the clock.
+velqua_e2e(kx_tda_other_clock 0 --now "2031-07-15 17:42:59" translate
+           -c examples/kx-tda/kx-tda.json --extensions examples/kx-tda/extensions.txt
+           --format csv ${KX_RECORDS} SAME_AS kx_tda_csv)
+velqua_e2e(norstar_other_clock 0 --now "2030-11-30 23:59:58" translate
+           -c examples/norstar/norstar.json --year 2026 --format table examples/norstar/records.txt
+           SAME_AS norstar_table)
+velqua_e2e(definity_other_clock 0 --now "2029-01-01 01:01:01" translate --year 2026
+           -c examples/definity/definity.json --format table examples/definity/records.txt
+           SAME_AS definity_table)
+# A record the library fails on is reported, kept as a row with its error,
+# and the run goes on (exit 3).
+velqua_e2e(norstar_failed_record_goes_on 3 --now "2026-02-04 09:00:00" translate
+           -c examples/norstar/norstar.json --year 2026 --format csv
+           tests/e2e/data/norstar-long-line.txt)
 velqua_e2e(two_files_in_order 0 ${KX} --format csv tests/e2e/data/endings-lf.txt
            tests/e2e/data/endings-cr.txt)
 # line ends: LF, lone CR (no final line end), a mix with empty lines
@@ -105,6 +122,18 @@ velqua_e2e(error_json_wiring 1 config show tests/e2e/data/bad-wiring.json)
 velqua_e2e(error_json_member 1 config show tests/e2e/data/bad-member.json)
 velqua_e2e(error_cfg_unreadable 1 config show tests/e2e/data/garbage.cfg)
 velqua_e2e(error_ini_case 1 config show tests/e2e/data/case2.ini)
+velqua_e2e(error_convert_missing_folder 1 config convert examples/kx-tda/kx-tda.json
+           ${VELQUA_E2E_TMP}/none/kx.cfg)
+velqua_e2e(error_convert_onto_folder 1 config convert examples/kx-tda/kx-tda.json
+           ${VELQUA_E2E_TMP}/folder.cfg)
+velqua_e2e(error_convert_form_cannot_hold 1 config convert examples/kx-tda/kx-tda.json
+           ${VELQUA_E2E_TMP}/kx-refused.ini)
+velqua_e2e(convert_forced 0 config convert --force examples/kx-tda/kx-tda.json
+           ${VELQUA_E2E_TMP}/kx-forced.ini PRODUCED ${VELQUA_E2E_TMP}/kx-forced.ini)
+velqua_e2e(error_errors_log_unwritable 1 ${KX} --errors ${VELQUA_E2E_TMP}/none/err.log
+           ${KX_RECORDS})
+velqua_e2e(error_json_overflowing_field 1 config show tests/e2e/data/bad-overflow.json)
+velqua_e2e(error_json_unknown_case 1 config show tests/e2e/data/bad-case.json)
 velqua_e2e(error_convert_output_extension 1 config convert examples/kx-tda/kx-tda.json
            nowhere/out.txt)
 velqua_e2e(error_bad_format 2 translate -c examples/kx-tda/kx-tda.json --format xml)
