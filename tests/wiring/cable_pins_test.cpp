@@ -66,12 +66,11 @@ TEST_F(CablePins, ConnectsExactlyOneComputerPin) {
 }
 
 TEST_F(CablePins, Db25SwitchPin1IsRefused) {
-  EXPECT_VELQUA_ERROR(cfg.ActivaPin(emPuertoDB25, 1, 2), 0x800404B5u,
-                      u"clsConfig.EstableceEstadoPin",
-                      u"No se permite conectar el PIN #1 del puerto DB25.");
-  EXPECT_VELQUA_ERROR(cfg.DesactivaPin(emPuertoDB25, 1, 2), 0x800404B5u,
-                      u"clsConfig.EstableceEstadoPin",
-                      u"No se permite conectar el PIN #1 del puerto DB25.");
+  for (bool on : {true, false}) {
+    EXPECT_VELQUA_ERROR(
+        on ? cfg.ActivaPin(emPuertoDB25, 1, 2) : cfg.DesactivaPin(emPuertoDB25, 1, 2), 0x800404B5u,
+        u"clsConfig.EstableceEstadoPin", u"No se permite conectar el PIN #1 del puerto DB25.");
+  }
   EXPECT_FALSE(cfg.PinesConectados(emPuertoDB25, 1, 2));
   EXPECT_TRUE(Quiet());
 }

@@ -63,17 +63,16 @@ Lines Title(const Geo& g) {
   return l;
 }
 
-Lines Message(const Geo& g) {
-  Lines l = Title(g);
-  l += Text(g.X + 20 * g.px, g.Y + 480 - g.py, "-- No hay configuración realizada --");
-  l.push_back(Line(22, g.X, g.Y, g.X + 3200, g.Y + 675));
-  return l;
-}
-
-// Rows as "switch DB9 DB25, ...", with "-" where the row writes nothing.
-Lines Diagram(const Geo& g, const std::string& port, const std::string& rows) {
+// Rows as "switch DB9 DB25, ...", with "-" where the row writes nothing;
+// nullptr: the message of a port without wiring.
+Lines Diagram(const Geo& g, const std::string& port, const char* rows) {
   const int X = g.X, px = g.px, cS = X + 26 * px, c9 = X + 126 * px, c25 = X + 182 * px;
   Lines l = Title(g);
+  if (!rows) {
+    l += Text(X + 20 * px, g.Y + 480 - g.py, "-- No hay configuración realizada --");
+    l.push_back(Line(22, X, g.Y, X + 3200, g.Y + 675));
+    return l;
+  }
   l += Text(X + 20 * px, g.Y + 480, port);
   l += Text(X + 120 * px, g.Y + 480, "DB9");
   l += Text(X + 170 * px, g.Y + 480, "DB25");
@@ -135,14 +134,12 @@ TEST(CableDrawing, OneRowPerConnectionGroupedBySharedPins) {
     Geo geo = {};
   } cases[] = {
       {"one pin", DB9, "3-2", "3 2 3"},
-      {"px and py apart", DB9, "3-2", "3 2 3", {0, 0, 10, 20}},
-      {"moved", DB9, "3-2", "3 2 3", {1000, 2000, 15, 15}},
       {"fan-out", DB9, "2-1 2-4", "2 1 8, - 4 20"},
-      {"fan-out of three", DB9, "1-9 1-3 1-6", "1 3 2, - 6 6, - 9 22"},
+      {"fan-out of three", DB9, "1-9 1-3 1-6", "1 3 2, - 6 6, - 9 22", {1000, 2000, 15, 15}},
       {"bridge to pin 9 with the last switch pin", DB9, "4-9 9-9", "4 9 22, 9 - -", {5, 7, 10, 20}},
       {"last RJ45 pin; pin 9 not drawn", RJ45, "8-9 9-2", "8 9 22"},
       {"DB25 ground row first", DB25, "2-3 3-2 7-5 25-8", "1 Gnd 1, 2 3 2, 3 2 3, 7 5 7, 25 8 5"},
-      {"DB25 ground row alone", DB25, "4-12", "1 Gnd 1"},
+      {"DB25 ground row alone", DB25, "4-12", "1 Gnd 1", {0, 0, 10, 20}},
       {"computer pins above 9 left out", DB9, "1-10 1-2 5-31", "1 2 3"},
       {"only pins above 9", DB9, "5-12", ""},
       // Switch pin 2 alone on computer pin 1 and sharing pin 5 with switch pin 3.
@@ -152,12 +149,11 @@ TEST(CableDrawing, OneRowPerConnectionGroupedBySharedPins) {
       // Switch pin 5 was drawn under computer pin 1: the bridge of 4 ends at once.
       {"bridge ends when no pin is shared", DB9, "2-1 4-3 5-1 5-3", "2 1 8, 5 - -, 4 3 2"},
       {"DB9 without wiring", DB9, "", nullptr},
-      {"DB25 without wiring", DB25, "", nullptr},
       {"RJ45 pins 0 and 9 do not count", RJ45, "9-2 0-3", nullptr},
       {"DB9 pin 0 does not count", DB9, "0-3", nullptr, {40, 50, 10, 20}},
       {"no port", emNoPuerto, "3-2", nullptr},
       {"port 4", 4, "3-2", nullptr},
-      {"port -1", -1, "3-2", nullptr},
+      {"port -1", -1, "3-2", nullptr, {20, 30, 15, 15}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -171,7 +167,7 @@ TEST(CableDrawing, OneRowPerConnectionGroupedBySharedPins) {
     SetHeights(s);
     cfg.DibujaConfiguracionSMDR(port, s, F(c.geo.X), F(c.geo.Y));
     const char* name = c.port == DB9 ? "DB9" : c.port == DB25 ? "DB25" : "RJ45";
-    EXPECT_EQ(s.Lineas(), c.rows ? Diagram(c.geo, name, c.rows) : Message(c.geo));
+    EXPECT_EQ(s.Lineas(), Diagram(c.geo, name, c.rows));
   }
 }
 
@@ -197,7 +193,8 @@ TEST(ConversionTable, SameTableWhateverTheWiring) {
 TEST(CableDrawing, SurfaceErrorsReachTheCaller) {
   clsCfgConmut cfg;
   cfg.ActivaPin(emPuertoDB9, 3, 2);
-  const Lines header = Diagram({}, "DB9", ""), message = Message({}), table = Table({});
+  const Lines header = Diagram({}, "DB9", ""), message = Diagram({}, "", nullptr),
+              table = Table({});
   struct Case {
     const char* what;
     int fail_print, fail_line;
@@ -227,40 +224,20 @@ TEST(CableDrawing, SurfaceErrorsReachTheCaller) {
   }
 }
 
-TEST(RecordingSurface, RecordsEveryCallAsOneLine) {
+// The drawings pin the other lines of the record. A height is found by its
+// name in any letter case and its exact size; anything else gets the default.
+TEST(RecordingSurface, RecordAndTextHeights) {
   SuperficieGrabadora s(12, 13);
-  s.FontName(u"Ms serif");
-  s.FontSize(8);
   s.FontBold(true);
-  s.ForeColor(0xC8C8C8);
   s.CurrentX(10000.0625f);  // needs nine digits to read back
   s.CurrentY(-2);
-  s.AltoTextoPredeterminado(97.5f);
-  EXPECT_EQ(s.TextHeight(u"M"), 97.5f);
-  s.Line(2, 0, 0, 10, 20, 0x800000);
-  s.Print(velqua_test::U("ñ"));
   EXPECT_EQ(s.TwipsPerPixelX(), 12);  // not recorded
   s.GrabaConsultasPixel(true);
   EXPECT_EQ(s.TwipsPerPixelY(), 13);
-  EXPECT_EQ(s.Texto(), R"(FontName "Ms serif"
-FontSize 8
-FontBold true
-ForeColor 0xC8C8C8
-CurrentX 10000.0625
-CurrentY -2
-TextHeight "M" -> 97.5
-Line 2 (0, 0)-(10, 20) 0x800000
-Print "ñ"
-TwipsPerPixelY -> 13
-)");
-}
-
-// A height is found by its name in any letter case and its exact size;
-// anything else gets the default (195 unless set).
-TEST(RecordingSurface, TextHeightLookup) {
-  SuperficieGrabadora s;
-  s.AltoTexto(u"Zeta Arial", 8, 120);
-  s.AltoTexto(u"zeta arial", 9, 140);
+  EXPECT_EQ(s.Texto(), "FontBold true\nCurrentX 10000.0625\nCurrentY -2\nTwipsPerPixelY -> 13\n");
+  SuperficieGrabadora h;
+  h.AltoTexto(u"Zeta Arial", 8, 120);
+  h.AltoTexto(u"zeta arial", 9, 140);
   struct Row {
     const char16_t* name;
     int16_t size;
@@ -270,13 +247,13 @@ TEST(RecordingSurface, TextHeightLookup) {
               {u"Arial", 8, 195}};
   for (const Row& r : rows) {
     SCOPED_TRACE(AUtf8(r.name) + " " + std::to_string(r.size));
-    s.FontName(r.name);
-    s.FontSize(r.size);
-    EXPECT_EQ(s.TextHeight(u"M"), r.height);
+    h.FontName(r.name);
+    h.FontSize(r.size);
+    EXPECT_EQ(h.TextHeight(u"M"), r.height);
   }
-  s.AltoTextoPredeterminado(180);
-  EXPECT_EQ(s.TextHeight(u"M"), 180);
-  EXPECT_EQ(s.TwipsPerPixelX(), 15);
+  h.AltoTextoPredeterminado(180);
+  EXPECT_EQ(h.TextHeight(u"M"), 180);
+  EXPECT_EQ(h.TwipsPerPixelX(), 15);
 }
 
 }  // namespace
