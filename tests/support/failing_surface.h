@@ -1,6 +1,6 @@
 // A recording surface that fails on the n-th Print or the n-th Line, before
-// recording it (Parts 5.2, 5.3: a failing surface ends the drawing and its
-// error reaches the caller).
+// recording it, to check that a drawing stops there and its error reaches the
+// caller.
 #pragma once
 
 #include <stdexcept>
@@ -12,10 +12,9 @@
 
 namespace velqua_test {
 
+// Line fails with velqua::Error(480, "Host", line_error); Print with a std::runtime_error.
 class FailingSurface : public velqua::SuperficieGrabadora {
  public:
-  // Line fails with velqua::Error(480, "Host", line_error); Print with a
-  // std::runtime_error.
   explicit FailingSurface(std::u16string line_error = u"Line failed")
       : line_error_(std::move(line_error)) {}
   int fail_print = 0;  // 1-based number of the failing Print; 0: never

@@ -1,33 +1,26 @@
 #include "support/velqua_test.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
+#include <stdexcept>
 
 namespace velqua_test {
 
-int RecordingListener::Count(const std::string& name) const {
-  return static_cast<int>(std::count(events.begin(), events.end(), name));
-}
-
-FixedClock::FixedClock(velqua::plataforma::FechaHora now, uint32_t seed) : clock_(now, seed) {
-  velqua::plataforma::EstableceReloj(&clock_);
-}
-
-FixedClock::~FixedClock() { velqua::plataforma::EstableceReloj(nullptr); }
-
-velqua::plataforma::FechaHora At(int year, int month, int day, int hour, int minute, int second) {
-  velqua::plataforma::FechaHora f;
-  f.intAnio = year;
-  f.intMes = month;
-  f.intDia = day;
-  f.intHora = hour;
-  f.intMinuto = minute;
-  f.intSegundo = second;
-  return f;
+::testing::AssertionResult IsError(const std::optional<velqua::Error>& thrown, int32_t number,
+                                   const std::u16string& source,
+                                   const std::optional<std::u16string>& description) {
+  if (!thrown) return ::testing::AssertionFailure() << "threw no velqua::Error";
+  const velqua::Error& e = *thrown;
+  if (e.Number() == number && e.Source() == source &&
+      description.value_or(e.Description()) == e.Description()) {
+    return ::testing::AssertionSuccess();
+  }
+  return ::testing::AssertionFailure()
+         << "threw " << e.Number() << " " << velqua::AUtf8(e.Source()) << ": "
+         << velqua::AUtf8(e.Description()) << "\n expected " << number << " "
+         << velqua::AUtf8(source) << ": " << velqua::AUtf8(description.value_or(u"(any)"));
 }
 
 TempDir::TempDir() {
@@ -40,29 +33,22 @@ TempDir::TempDir() {
 }
 
 TempDir::~TempDir() {
-  std::error_code ec;
+  std::error_code ec;  // a test may leave its folder read-only
   std::filesystem::permissions(dir_, std::filesystem::perms::owner_all,
                                std::filesystem::perm_options::add, ec);
   std::filesystem::remove_all(dir_, ec);
 }
 
-std::u16string TempDir::Path16(const std::string& name) const {
-  return velqua::DesdeUtf8(Path(name));
-}
-
 std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  if (!in) return {};
   std::ostringstream out;
-  out << in.rdbuf();
+  if (in) out << in.rdbuf();
   return out.str();
 }
 
 void WriteFile(const std::string& path, const std::string& bytes) {
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  std::ofstream(path, std::ios::binary | std::ios::trunc)
+      .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
-
-std::string DataPath(const std::string& name) { return std::string(VELQUA_TEST_DATA) + "/" + name; }
 
 }  // namespace velqua_test
