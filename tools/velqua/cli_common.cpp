@@ -1,6 +1,7 @@
 #include "cli_common.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cinttypes>
@@ -68,6 +69,20 @@ void RequireReadableFile(const std::string& path, const std::string& what) {
   if (!S_ISREG(st.st_mode)) throw CliError(what + " '" + path + "': not a regular file");
   std::unique_ptr<std::FILE, FileCloser> f(std::fopen(path.c_str(), "rb"));
   if (!f) throw CliError(what + " '" + path + "': " + std::strerror(errno));
+}
+
+void RequireReadableInput(const std::string& path, const std::string& what) {
+  struct stat st {};
+  if (::stat(path.c_str(), &st) != 0) {
+    throw CliError(what + " '" + path + "': " + std::strerror(errno));
+  }
+  if (S_ISFIFO(st.st_mode) || S_ISCHR(st.st_mode)) {
+    if (::access(path.c_str(), R_OK) != 0) {
+      throw CliError(what + " '" + path + "': " + std::strerror(errno));
+    }
+    return;
+  }
+  RequireReadableFile(path, what);
 }
 
 void RequireAppendableFile(const std::string& path, const std::string& what) {

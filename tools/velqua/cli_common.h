@@ -38,6 +38,10 @@ std::string LowerExtension(const std::string& path);
 // file that can be opened for reading.
 void RequireReadableFile(const std::string& path, const std::string& what);
 
+// As RequireReadableFile, but a FIFO or a character device (a serial port)
+// is accepted too: records may come live from them.
+void RequireReadableInput(const std::string& path, const std::string& what);
+
 // Throws CliError "<what> 'path': <reason>" unless `path` is a regular file
 // that can be opened for appending; creates it (empty) when missing. The
 // library's own writes to such files fail silently, so the program checks first.

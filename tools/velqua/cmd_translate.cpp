@@ -4,7 +4,10 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 
 #include "cli_common.h"
@@ -154,9 +157,27 @@ void Decode(std::string_view bytes, bool utf8, std::u16string* text) {
   *text += utf8 ? velqua::DesdeUtf8(bytes.substr(i)) : velqua::DesdeAnsi(bytes.substr(i));
 }
 
-void TranslateStream(std::FILE* stream, bool utf8, CallGatherer* gatherer,
-                     Translation& translation) {
-  LineReader reader(stream);
+// Set by SIGINT and SIGTERM while a file is followed: the run ends cleanly.
+volatile std::sig_atomic_t g_stop = 0;
+
+void StopFollowing(int) { g_stop = 1; }
+
+void CatchStopSignals() {
+  struct sigaction action {};
+  action.sa_handler = StopFollowing;  // no SA_RESTART: a waiting poll returns
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGINT, &action, nullptr);
+  sigaction(SIGTERM, &action, nullptr);
+}
+
+// Whether an input is live: anything but a regular file read to its end.
+bool IsLive(std::FILE* stream, bool follow) {
+  struct stat st {};
+  return follow || (::fstat(::fileno(stream), &st) == 0 && !S_ISREG(st.st_mode));
+}
+
+void TranslateLines(LineReader& reader, bool utf8, CallGatherer* gatherer, Translation& translation,
+                    RowWriter* live) {
   std::string_view line;
   std::u16string text;
   std::u16string call;
@@ -172,8 +193,35 @@ void TranslateStream(std::FILE* stream, bool utf8, CallGatherer* gatherer,
       translation.Record(text);
     } else if (gatherer->Add(text, &call)) {
       translation.Record(call);
+    } else {
+      continue;
     }
+    if (live != nullptr) live->Finish();  // each row out as soon as it is complete
   }
+}
+
+// Translates one input: a file read to its end in large blocks, or a live
+// source (pipe, device, followed file) whose rows are written and flushed one
+// by one, a multi-line call being closed by the next call or after 2 s of quiet.
+void TranslateStream(std::FILE* stream, const std::string& follow, bool utf8,
+                     CallGatherer* gatherer, Translation& translation, RowWriter& writer) {
+  if (!IsLive(stream, !follow.empty())) {
+    LineReader reader(stream);
+    TranslateLines(reader, utf8, gatherer, translation, nullptr);
+    return;
+  }
+  LineReader::Live live;
+  live.follow = follow;
+  live.stop = [] { return g_stop != 0; };
+  live.on_idle = [&] {
+    std::u16string call;
+    if (gatherer != nullptr && gatherer->Finish(&call)) {
+      translation.Record(call);
+      writer.Finish();
+    }
+  };
+  LineReader reader(stream, std::move(live));
+  TranslateLines(reader, utf8, gatherer, translation, &writer);
 }
 
 void ReportCounts(const Counts& counts, const TranslateOptions& options) {
@@ -226,6 +274,10 @@ void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
                   "Append unrecognised records to this log (ArchivoLlamadasError)");
   cmd->add_option("--extensions", options.extensions,
                   "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
+  cmd->add_option("--follow", options.follow,
+                  "Follow a growing record file like tail -F (rotation and truncation "
+                  "handled) until interrupted; rows come out as records complete");
+  cmd->add_option("-o,--output", options.output, "Write the rows to this file (default: stdout)");
   cmd->add_option("--year", options.year,
                   "Year the records were received in, for switches that print no year "
                   "(default: each file's modification time; standard input: today)")
@@ -234,9 +286,13 @@ void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
 
 int RunTranslate(const TranslateOptions& options) {
   std::vector<std::string> inputs = options.inputs;
+  if (!options.follow.empty()) {
+    if (!inputs.empty()) throw CliError("--follow reads one file: give no other input");
+    inputs.push_back(options.follow);
+  }
   if (inputs.empty()) inputs.push_back("-");
   for (const std::string& input : inputs) {
-    if (input != "-") RequireReadableFile(input, "input");
+    if (input != "-") RequireReadableInput(input, "input");
   }
   if (!options.extensions.empty()) RequireReadableFile(options.extensions, "extension list");
   if (!options.errors_log.empty()) RequireAppendableFile(options.errors_log, "error log");
@@ -252,22 +308,33 @@ int RunTranslate(const TranslateOptions& options) {
     gatherer = std::make_unique<CallGatherer>(cfg->Separador());
   }
 
-  Output out(stdout);
-  std::unique_ptr<RowWriter> writer = MakeRowWriter(ChooseFormat(options.format), out);
+  std::unique_ptr<std::FILE, FileCloser> output_file;
+  if (!options.output.empty()) {
+    RequireAppendableFile(options.output, "output");  // names the reason first
+    output_file.reset(OpenFile(options.output, "wb", "output"));
+  }
+  std::FILE* const output_stream = output_file ? output_file.get() : stdout;
+  Output out(output_stream);
+  std::unique_ptr<RowWriter> writer = MakeRowWriter(
+      options.format.empty() && output_file ? RowFormat::kCsv : ChooseFormat(options.format), out);
+  if (!options.follow.empty()) CatchStopSignals();
   Translation translation(traductor, *cfg, *writer);
   const bool utf8 = options.encoding == "utf-8";
   for (const std::string& input : inputs) {
     translation.Input(input == "-" ? "standard input" : input, ReceivedAt(input, options.year));
     if (input == "-") {
-      TranslateStream(stdin, utf8, gatherer.get(), translation);
+      TranslateStream(stdin, "", utf8, gatherer.get(), translation, *writer);
     } else {
       std::unique_ptr<std::FILE, FileCloser> f(OpenFile(input, "rb", "input"));
-      TranslateStream(f.get(), utf8, gatherer.get(), translation);
+      TranslateStream(f.get(), options.follow, utf8, gatherer.get(), translation, *writer);
     }
   }
   std::u16string call;
   if (gatherer && gatherer->Finish(&call)) translation.Record(call);
   writer->Finish();
+  if (output_file && std::fclose(output_file.release()) != 0) {
+    throw CliError("cannot write output '" + options.output + "': " + std::strerror(errno));
+  }
   ReportCounts(translation.counts(), options);
   return translation.counts().failed > 0 ? kExitRecordsFailed : 0;
 }

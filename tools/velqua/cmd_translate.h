@@ -19,6 +19,8 @@ struct TranslateOptions {
   std::string errors_log;  // ArchivoLlamadasError
   std::string extensions;  // ArchivoListaExtensionesKXTDA
   int32_t year = 0;        // --year; 0: from each input's modification time
+  std::string follow;      // --follow FILE
+  std::string output;      // -o FILE; "" = standard output
 };
 
 // The exit status of a run in which some records failed with an error (each

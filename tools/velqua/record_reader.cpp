@@ -1,5 +1,11 @@
 #include "record_reader.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstring>
 #include <utility>
 
@@ -13,8 +19,85 @@ constexpr size_t kReadSize = 1 << 16;
 
 LineReader::LineReader(std::FILE* stream) : stream_(stream), buffer_(kReadSize, '\0') {}
 
+LineReader::LineReader(std::FILE* stream, Live live)
+    : stream_(stream),
+      fd_(::fileno(stream)),
+      live_(true),
+      how_(std::move(live)),
+      buffer_(kReadSize, '\0') {
+  struct stat st {};
+  if (::fstat(fd_, &st) == 0) inode_ = st.st_ino;
+}
+
+// Waits until the source has bytes, calling on_idle after each quiet spell;
+// false when asked to stop.
+bool LineReader::Wait() {
+  for (;;) {
+    if (how_.stop && how_.stop()) return false;
+    pollfd p{fd_, POLLIN, 0};
+    const int r = ::poll(&p, 1, how_.idle_ms);
+    if (r > 0) return true;
+    if (r < 0 && errno != EINTR)
+      throw CliError(std::string("read error on input: ") + std::strerror(errno));
+    if (r == 0 && how_.on_idle) how_.on_idle();
+  }
+}
+
+// A followed file at its end: true when reading can go on (from a new file
+// put in its place, or from the start of a truncated one).
+bool LineReader::Reopened() {
+  struct stat now {};
+  if (::stat(how_.follow.c_str(), &now) != 0) return false;  // between rotation steps
+  if (now.st_ino != inode_) {
+    const int fd = ::open(how_.follow.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return false;
+    ::dup2(fd, fd_);
+    ::close(fd);
+    inode_ = now.st_ino;
+    offset_ = 0;
+    return true;
+  }
+  if (now.st_size < offset_) {
+    ::lseek(fd_, 0, SEEK_SET);
+    offset_ = 0;
+    return true;
+  }
+  return now.st_size > offset_;
+}
+
 bool LineReader::Refill() {
   if (eof_) return false;
+  if (live_) {
+    for (;;) {
+      // A regular file always polls readable: follow it by its size instead.
+      if (how_.follow.empty() && !Wait()) break;
+      const ssize_t n = ::read(fd_, &buffer_[0], buffer_.size());
+      if (n > 0) {
+        offset_ += n;
+        begin_ = 0;
+        end_ = static_cast<size_t>(n);
+        return true;
+      }
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) throw CliError(std::string("read error on input: ") + std::strerror(errno));
+      if (how_.follow.empty()) break;  // end of a pipe or device
+      int quiet_ms = 0;
+      while (!Reopened()) {
+        if (how_.stop && how_.stop()) {
+          eof_ = true;
+          return false;
+        }
+        ::usleep(200 * 1000);
+        quiet_ms += 200;
+        if (quiet_ms >= how_.idle_ms && how_.on_idle) {
+          how_.on_idle();
+          quiet_ms = 0;
+        }
+      }
+    }
+    eof_ = true;
+    return false;
+  }
   const size_t n = std::fread(&buffer_[0], 1, buffer_.size(), stream_);
   if (n < buffer_.size()) {
     if (std::ferror(stream_)) throw CliError("read error on input");

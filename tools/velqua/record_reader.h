@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -14,7 +15,25 @@ namespace velqua_cli {
 // line end. The stream is not owned.
 class LineReader {
  public:
+  // How a live source is read: a pipe, a terminal, a serial device or a
+  // followed file, whose records arrive one at a time and must come out as
+  // soon as they are complete.
+  struct Live {
+    // Called when no byte has come for `idle_ms` (to write a call held
+    // back waiting for its next line), then reading goes on.
+    std::function<void()> on_idle;
+    int idle_ms = 2000;
+    // Follow a growing file by this name like `tail -F`: at its end, wait for
+    // more; reopen it when it is replaced (rotated) or start again from its
+    // beginning when it is truncated.
+    std::string follow;
+    // Polled while waiting: true ends the input (an interrupt).
+    std::function<bool()> stop;
+  };
+
   explicit LineReader(std::FILE* stream);
+  // Reads a live source: blocks only in poll(), never waits for a full block.
+  LineReader(std::FILE* stream, Live live);
   LineReader(const LineReader&) = delete;
   LineReader& operator=(const LineReader&) = delete;
 
@@ -27,8 +46,15 @@ class LineReader {
 
  private:
   bool Refill();
+  bool Wait();
+  bool Reopened();
 
   std::FILE* stream_;
+  int fd_ = -1;
+  bool live_ = false;
+  Live how_;
+  unsigned long long inode_ = 0;  // followed file: the one open
+  long long offset_ = 0;          // followed file: bytes read from it
   std::string buffer_;
   std::string carry_;  // a line that spans reads
   size_t begin_ = 0;

@@ -1,8 +1,14 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "cli_common.h"
@@ -52,6 +58,72 @@ TEST(LineReader, CrLfSplitAcrossReadsCountsOnce) {
 TEST(LineReader, LongLineSpanningReads) {
   const std::string big(200000, 'y');
   EXPECT_EQ(ReadAll(big + "\nz"), (Lines{big, "z"}));
+}
+
+// A pipe gives each line as soon as it is whole (no waiting for a full block),
+// and reports quiet spells so that a held-back call can be written.
+TEST(LiveLineReader, PipeLinesComeAsTheyArrive) {
+  int fds[2];
+  ASSERT_EQ(::pipe(fds), 0);
+  std::unique_ptr<std::FILE, FileCloser> in(::fdopen(fds[0], "rb"));
+  std::atomic<int> idle{0};
+  std::atomic<bool> closed{false};
+  LineReader::Live live;
+  live.idle_ms = 50;
+  live.on_idle = [&] { ++idle; };
+  LineReader reader(in.get(), live);
+  std::thread writer([&] {
+    ASSERT_EQ(::write(fds[1], "a\nb", 3), 3);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    ASSERT_EQ(::write(fds[1], "\n", 1), 1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    closed = true;
+    ::close(fds[1]);
+  });
+  std::string line;
+  ASSERT_TRUE(reader.Next(&line));
+  EXPECT_EQ(line, "a");
+  EXPECT_FALSE(closed);
+  ASSERT_TRUE(reader.Next(&line));
+  EXPECT_EQ(line, "b");
+  EXPECT_FALSE(closed);
+  EXPECT_GE(idle.load(), 1);
+  EXPECT_FALSE(reader.Next(&line));
+  writer.join();
+}
+
+// A followed file: lines appended, the file rotated (renamed, a new one put in
+// its place) and truncated all come through, until asked to stop.
+TEST(LiveLineReader, FollowedFileSurvivesRotationAndTruncation) {
+  const std::filesystem::path dir = std::filesystem::path(VELQUA_CLI_TEST_TMP) / "follow";
+  std::filesystem::create_directories(dir);
+  const std::string path = (dir / "records.txt").string();
+  std::ofstream(path, std::ios::trunc) << "a\n";
+  std::unique_ptr<std::FILE, FileCloser> in(std::fopen(path.c_str(), "rb"));
+  std::atomic<bool> stop{false};
+  LineReader::Live live;
+  live.follow = path;
+  live.stop = [&] { return stop.load(); };
+  LineReader reader(in.get(), live);
+  const auto pause = [] { std::this_thread::sleep_for(std::chrono::milliseconds(450)); };
+  std::thread changes([&] {
+    pause();
+    std::ofstream(path, std::ios::app) << "b\n";
+    pause();
+    std::filesystem::rename(path, path + ".1");
+    std::ofstream(path, std::ios::trunc) << "c\n";
+    pause();
+    { std::ofstream truncated(path, std::ios::trunc); }
+    pause();
+    std::ofstream(path, std::ios::app) << "d\n";
+    pause();
+    stop = true;
+  });
+  Lines lines;
+  std::string line;
+  while (reader.Next(&line)) lines.push_back(line);
+  changes.join();
+  EXPECT_EQ(lines, (Lines{"a", "b", "c", "d"}));
 }
 
 TEST(CallGatherer, EachHeaderStartsACall) {

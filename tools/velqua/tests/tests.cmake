@@ -46,6 +46,10 @@ velqua_e2e(kx_tda_jsonl 0 ${KX} --format jsonl ${KX_RECORDS})
 velqua_e2e(kx_tda_from_cfg 0 --now "2026-01-20 09:00:00" translate -c examples/kx-tda/kx-tda.cfg
            --extensions examples/kx-tda/extensions.txt --format csv ${KX_RECORDS})
 velqua_e2e(kx_tda_default_is_csv_off_terminal 0 ${KX} ${KX_RECORDS})
+velqua_e2e(kx_tda_output_file 0 ${KX} --format csv -o ${VELQUA_E2E_TMP}/rows.csv ${KX_RECORDS}
+           PRODUCED ${VELQUA_E2E_TMP}/rows.csv GOLDEN tests/e2e/golden/kx_tda_output_file.csv)
+velqua_e2e(error_output_unwritable 1 ${KX} -o ${VELQUA_E2E_TMP}/none/rows.csv ${KX_RECORDS})
+velqua_e2e(error_follow_with_inputs 1 ${KX} --follow ${KX_RECORDS} ${KX_RECORDS})
 velqua_e2e(kx_tda_errors_log 0 ${KX} --format csv --errors ${VELQUA_E2E_TMP}/kx-errors.log
            ${KX_RECORDS} PRODUCED ${VELQUA_E2E_TMP}/kx-errors.log
            GOLDEN tests/e2e/golden/kx_tda_errors_log.log)
