@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "test_part_4_support.h"
+#include "translator/translator_support.h"
 
 namespace velqua_test {
 namespace {

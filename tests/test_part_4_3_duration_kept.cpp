@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "test_part_4_support.h"
+#include "translator/translator_support.h"
 
 namespace velqua_test {
 namespace {

@@ -1,5 +1,5 @@
-// Helpers shared by the translator tests (test_part_4_*.cpp): building a
-// configuration, placing texts at columns, reading the log.
+// Helpers shared by the translator tests: building a configuration, placing
+// texts at columns, the bytes of a log entry.
 #pragma once
 
 #include <cstdint>
@@ -58,7 +58,7 @@ inline std::u16string Cols(std::initializer_list<std::pair<int, std::string>> pa
 // The default instant of the translator tests: 2026 Nov 18 09:05:03.
 inline velqua::plataforma::FechaHora TestNow() { return At(2026, 11, 18, 9, 5, 3); }
 
-// The bytes of one log entry for a record (Part 4.5), at TestNow().
+// The bytes the unrecognised-record log gets for one record, at TestNow().
 inline std::string LogEntry(const std::string& record,
                             const std::string& stamp = "2026 Nov 18 09:05:03") {
   return "\r\n\r\nLlamada no reconocida (" + stamp + "): \r\n" + record + "\r\n";
