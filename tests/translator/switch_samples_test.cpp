@@ -30,14 +30,13 @@ std::string Read(clsTraductor& tr) {
       << ' ' << tr.Anio() << '-' << std::setw(2) << tr.Mes() << '-' << std::setw(2) << tr.Dia()
       << ' ' << std::setw(2) << time / 3600 << ':' << std::setw(2) << time / 60 % 60 << ':'
       << std::setw(2) << time % 60;
-  const std::pair<const char*, std::string> fields[] = {{"dur", std::to_string(tr.Duracion())},
-                                                        {"ring", std::to_string(tr.Ring())},
-                                                        {"dial", AUtf8(tr.Marcacion())},
-                                                        {"ext", AUtf8(tr.Extension())},
-                                                        {"trunk", AUtf8(tr.Troncal())},
-                                                        {"to-ext", AUtf8(tr.ExtensionReceptor())},
-                                                        {"to-trunk", AUtf8(tr.TroncalReceptor())},
-                                                        {"acct", AUtf8(tr.CodigoCuenta())}};
+  // clang-format off
+  const std::pair<const char*, std::string> fields[] = {
+      {"dur", std::to_string(tr.Duracion())}, {"ring", std::to_string(tr.Ring())},
+      {"dial", AUtf8(tr.Marcacion())}, {"ext", AUtf8(tr.Extension())},
+      {"trunk", AUtf8(tr.Troncal())}, {"to-ext", AUtf8(tr.ExtensionReceptor())},
+      {"to-trunk", AUtf8(tr.TroncalReceptor())}, {"acct", AUtf8(tr.CodigoCuenta())}};
+  // clang-format on
   for (const auto& [name, value] : fields) {
     if (!value.empty() && value != "-1") out << ' ' << name << '=' << value;
   }
