@@ -1,5 +1,5 @@
-// Fuzz target (4): the velqua program's record reader (tools/velqua/
-// record_reader.h): LineReader splits a byte stream on CR LF, LF and a lone
+// Fuzz target (4): the record reader of velqua_records
+// (velqua/records/record_reader.h): LineReader splits a byte stream on CR LF, LF and a lone
 // CR; CallGatherer gathers the lines of Norstar multi-line calls (case 4).
 // Invariants checked against a plain reference:
 //  - the lines equal those of a one-pass split of the whole input;
@@ -14,8 +14,8 @@
 #include <string>
 #include <vector>
 
-#include "../tools/velqua/record_reader.h"
 #include "fuzz_support.h"
+#include "velqua/records/record_reader.h"
 
 namespace velqua_fuzz_lector {
 
@@ -43,7 +43,7 @@ inline std::vector<std::string> Lineas(std::string& s) {
   std::vector<std::string> lineas;
   std::FILE* f = s.empty() ? std::fopen("/dev/null", "rb") : fmemopen(&s[0], s.size(), "rb");
   if (f == nullptr) std::abort();
-  velqua_cli::LineReader lector(f);
+  velqua_records::LineReader lector(f);
   std::string linea;
   while (lector.Next(&linea)) lineas.push_back(linea);
   std::fclose(f);
@@ -51,13 +51,13 @@ inline std::vector<std::string> Lineas(std::string& s) {
 }
 
 inline void Reune(const std::vector<std::string>& lineas, const std::u16string& sep) {
-  velqua_cli::CallGatherer reunidor(sep);
+  velqua_records::CallGatherer reunidor(sep);
   std::u16string esperado;
   std::u16string obtenido;
   std::u16string llamada;
   size_t intLlamadas = 0;
   auto Agrega = [&](size_t intLineasLlamada) {
-    if (intLineasLlamada > 1 && llamada.size() > velqua_cli::CallGatherer::kMaxCallSize) {
+    if (intLineasLlamada > 1 && llamada.size() > velqua_records::CallGatherer::kMaxCallSize) {
       velqua_fuzz::Hallazgo("a gathered call of several lines exceeds kMaxCallSize");
     }
     if (intLlamadas++ > 0) obtenido += sep;

@@ -10,14 +10,12 @@
 #include <vector>
 
 // The targets are header-like sources: compiled here without their libFuzzer
-// entry point. The record reader belongs to the velqua program, which the test
-// programs do not link, so its source is compiled in as well.
+// entry point; the record reader's target links velqua_records.
 #define VELQUA_FUZZ_SIN_ENTRADA
 #include "../../fuzz/fuzz_abrir.cpp"
 #include "../../fuzz/fuzz_importar.cpp"
 #include "../../fuzz/fuzz_lector.cpp"
 #include "../../fuzz/fuzz_traductor.cpp"
-#include "../../tools/velqua/record_reader.cpp"
 #include "support/velqua_test.h"
 
 namespace {

@@ -1,64 +1,15 @@
-// Small helpers shared by the commands of the velqua program: the program's
-// own error type, UTF-8 / UTF-16 conversion, the one-line form of a library
-// error, and file checks.
+// What the program's commands share with the layer below them: the record
+// road's helpers (velqua/records/common.h) under the program's names.
 #pragma once
 
-#include <cstdio>
-#include <stdexcept>
-#include <string>
-#include <string_view>
-
-#include "velqua/error.h"
+#include "velqua/records/common.h"
 
 namespace velqua_cli {
 
-// An error of the program itself (missing file, bad value in a JSON form):
-// main() prints "velqua: " and the message on one line and exits with 1.
-class CliError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+using namespace velqua_records;  // NOLINT: the program is a thin layer over the records road
 
-// UTF-8 <-> UTF-16 through the library's helpers (texto.h).
-std::u16string U16(std::string_view utf8);
-std::string U8(std::u16string_view text);
-
-// Appends the UTF-8 form of `text` to `out` without a temporary string.
-void AppendUtf8(std::string& out, std::u16string_view text);
-
-// One line for a velqua::Error: number in decimal and hexadecimal, source,
-// and the description with its line breaks shown as " / ", e.g.
-// "error -2147220003 (0x800405DD) in clsConfigConmut.Abrir: No es posible ...".
-std::string DescribeError(const velqua::Error& error);
-
-// The file name's extension in lower case, with its dot (".json"), or "".
-std::string LowerExtension(const std::string& path);
-
-// Throws CliError "<what> 'path': <reason>" unless `path` names a regular
-// file that can be opened for reading.
-void RequireReadableFile(const std::string& path, const std::string& what);
-
-// As RequireReadableFile, but a FIFO or a character device (a serial port)
-// is accepted too: records may come live from them.
-void RequireReadableInput(const std::string& path, const std::string& what);
-
-// Throws CliError "<what> 'path': <reason>" unless `path` is a regular file
-// that can be opened for appending; creates it (empty) when missing. The
-// library's own writes to such files fail silently, so the program checks first.
-void RequireAppendableFile(const std::string& path, const std::string& what);
-
-// Opens a file with fopen; throws CliError "cannot open <what> 'path': ..."
-// on failure. The caller closes it (see FileCloser).
-std::FILE* OpenFile(const std::string& path, const char* mode, const std::string& what);
-
-// Closes a FILE* on scope exit.
-struct FileCloser {
-  void operator()(std::FILE* f) const {
-    if (f != nullptr) std::fclose(f);
-  }
-};
-
-// Reads a whole (small) file, e.g. a JSON form; throws CliError.
-std::string ReadWholeFile(const std::string& path, const std::string& what);
+// An error of the program itself: main() prints "velqua: " and the message
+// on one line and exits with 1.
+using CliError = velqua_records::Failure;
 
 }  // namespace velqua_cli

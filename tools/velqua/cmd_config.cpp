@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "cli_common.h"
-#include "config_io.h"
-#include "names.h"
-#include "record_reader.h"
 #include "velqua/cfg_conmut.h"
+#include "velqua/records/config_io.h"
+#include "velqua/records/names.h"
+#include "velqua/records/record_reader.h"
 #include "velqua/texto.h"
 #include "velqua/traductor.h"
 

@@ -5,8 +5,8 @@
 
 #include "cli_common.h"
 #include "cmd_draw.h"
-#include "config_io.h"
 #include "velqua/cfg_conmut.h"
+#include "velqua/records/config_io.h"
 #include "velqua/superficie_cairo.h"
 
 namespace velqua_cli {

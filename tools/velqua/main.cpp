@@ -10,8 +10,8 @@
 #include "cmd_config.h"
 #include "cmd_draw.h"
 #include "cmd_translate.h"
-#include "program_clock.h"
 #include "velqua/error.h"
+#include "velqua/records/clock.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ void InstallFixedClock(const std::string& text) {
       now.intSegundo > 59) {
     throw CliError("--now: expected \"YYYY-MM-DD HH:MM:SS\", got \"" + text + "\"");
   }
-  velqua_cli::ProgramClock::Instance().Fix(now);
+  velqua_records::ProgramClock::Instance().Fix(now);
 }
 
 int Run(int argc, char** argv) {
@@ -67,7 +67,7 @@ int Run(int argc, char** argv) {
                  "velqua: a command is required: translate, config or draw (see velqua --help)\n");
     return 2;
   }
-  velqua_cli::ProgramClock::Instance();  // the library reads the program's clock
+  velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {

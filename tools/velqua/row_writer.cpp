@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "cli_common.h"
-#include "names.h"
+#include "velqua/records/names.h"
 #include "velqua/texto.h"
 
 namespace velqua_cli {

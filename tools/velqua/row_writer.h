@@ -9,53 +9,11 @@
 #include <string>
 #include <vector>
 
+#include "velqua/records/call_row.h"
+
 namespace velqua_cli {
 
-// The call data of one record as the library gives it (doc/cli.md, "Rows").
-struct Row {
-  Row() = default;
-  // A recognised record: reads the call data from `source` (a translator)
-  // in the order of the members, each text built in its place. The order
-  // is fixed: in case 4 the ring time reads the line of the previous
-  // line search of the call.
-  template <typename Source>
-  Row(int64_t number_, int32_t type_, int32_t attribute_, Source& source)
-      : number(number_),
-        type(type_),
-        attribute(attribute_),
-        has_fields(true),
-        day(source.Dia()),
-        month(source.Mes()),
-        year(source.Anio()),
-        time(source.Hora()),
-        duration(source.Duracion()),
-        ring(source.Ring()),
-        dialled(source.Marcacion()),
-        extension(source.Extension()),
-        trunk(source.Troncal()),
-        receiving_extension(source.ExtensionReceptor()),
-        receiving_trunk(source.TroncalReceptor()),
-        account_code(source.CodigoCuenta()) {}
-
-  // Whether the date, the time and its seconds were printed by the switch;
-  // `printed` holds the PrintedPart bits (program_clock.h).
-  bool HasDate() const { return (printed & 3) == 3; }
-  bool HasTime() const { return (printed & 24) == 24; }
-  bool HasSeconds() const { return (printed & 32) != 0; }
-
-  int64_t number = 0;       // 1-based ordinal of the record in the input
-  int32_t type = 0;         // emTipoLlamadaTraductor
-  int32_t attribute = 0;    // emAtributoTraductor
-  bool has_fields = false;  // false for an unrecognised record: fields blank
-  int32_t day = 0, month = 0, year = 0;
-  int32_t time = 0;       // seconds from midnight
-  int32_t duration = -1;  // seconds; negative = none (blank)
-  int32_t ring = -1;      // seconds; negative = none (blank)
-  std::u16string dialled, extension, trunk, receiving_extension, receiving_trunk, account_code;
-  uint8_t printed = 63;           // all printed unless the translation says otherwise
-  bool random_extension = false;  // the extension was drawn at random (unlisted code)
-  std::string error;              // why the record could not be translated, or ""
-};
+using velqua_records::Row;
 
 // Buffered writer of bytes to a FILE* (not owned). Throws CliError when the
 // stream refuses the bytes.
@@ -81,11 +39,11 @@ class Output {
 
 enum class RowFormat { kTable, kCsv, kJsonl };
 
-class RowWriter {
+// Writes rows in one of the output forms. Flush (the sink's) writes what is
+// still held back, the table's first rows included, and flushes the output.
+class RowWriter : public velqua_records::RowSink {
  public:
-  virtual ~RowWriter() = default;
-  virtual void Write(const Row& row) = 0;
-  // Writes what is still held back (the table's first rows) and flushes.
+  void Flush() override { Finish(); }
   virtual void Finish() = 0;
 };
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "cli_common.h"
-#include "program_clock.h"
 #include "row_writer.h"
+#include "velqua/records/clock.h"
 
 namespace velqua_cli {
 namespace {

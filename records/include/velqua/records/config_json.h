@@ -11,7 +11,7 @@
 
 #include "velqua/cfg_conmut.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
 // The JSON text of `cfg` (two-space indent, one field per line, ends with a
 // newline). Reads the tables through the active-key protocol and restores the
@@ -19,8 +19,8 @@ namespace velqua_cli {
 std::string ConfigToJson(velqua::clsCfgConmut& cfg);
 
 // Fills `cfg` (which should be fresh) from a JSON form through the public
-// setters, then clears Modificado. Throws CliError naming the member at
+// setters, then clears Modificado. Throws Failure naming the member at
 // fault, e.g. "fields.emParamFechaDia.size: must be 1 to 255".
 void ConfigFromJson(std::string_view json_text, velqua::clsCfgConmut& cfg);
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

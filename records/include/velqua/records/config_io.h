@@ -8,18 +8,18 @@
 
 #include "velqua/cfg_conmut.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
 enum class ConfigFormat { kCfg, kIni, kJson };
 
-// The format named by the extension; throws CliError for any other.
+// The format named by the extension; throws Failure for any other.
 ConfigFormat ConfigFormatOf(const std::string& path);
 
 // Loads a configuration. A missing file or unknown extension throws
-// CliError; a file the library refuses throws velqua::Error.
+// Failure; a file the library refuses throws velqua::Error.
 std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path);
 
-// Saves `cfg` in the format of the extension (velqua::Error or CliError).
+// Saves `cfg` in the format of the extension (velqua::Error or Failure).
 // The library's file writes fail silently by design: prefer SaveConfigChecked.
 void SaveConfig(velqua::clsCfgConmut& cfg, const std::string& path);
 
@@ -31,4 +31,4 @@ void SaveConfig(velqua::clsCfgConmut& cfg, const std::string& path);
 // beside `path` first and renamed, so a failure never leaves half a file.
 void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool force);
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

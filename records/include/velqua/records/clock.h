@@ -15,7 +15,7 @@
 #include "platform/reloj.h"
 #include "velqua/traductor.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
 using velqua::plataforma::FechaHora;
 
@@ -62,4 +62,4 @@ class ProgramClock : public velqua::plataforma::Reloj {
 // received (a December record read in January).
 int32_t YearReceived(int32_t month, int32_t day, const FechaHora& received);
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

@@ -1,4 +1,4 @@
-#include "record_reader.h"
+#include "velqua/records/record_reader.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -9,9 +9,9 @@
 #include <cstring>
 #include <utility>
 
-#include "cli_common.h"
+#include "velqua/records/common.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
 namespace {
 constexpr size_t kReadSize = 1 << 16;
@@ -38,7 +38,7 @@ bool LineReader::Wait() {
     const int r = ::poll(&p, 1, how_.idle_ms);
     if (r > 0) return true;
     if (r < 0 && errno != EINTR)
-      throw CliError(std::string("read error on input: ") + std::strerror(errno));
+      throw Failure(std::string("read error on input: ") + std::strerror(errno));
     if (r == 0 && how_.on_idle) how_.on_idle();
   }
 }
@@ -79,7 +79,7 @@ bool LineReader::Refill() {
         return true;
       }
       if (n < 0 && errno == EINTR) continue;
-      if (n < 0) throw CliError(std::string("read error on input: ") + std::strerror(errno));
+      if (n < 0) throw Failure(std::string("read error on input: ") + std::strerror(errno));
       if (how_.follow.empty()) break;  // end of a pipe or device
       int quiet_ms = 0;
       while (!Reopened()) {
@@ -100,7 +100,7 @@ bool LineReader::Refill() {
   }
   const size_t n = std::fread(&buffer_[0], 1, buffer_.size(), stream_);
   if (n < buffer_.size()) {
-    if (std::ferror(stream_)) throw CliError("read error on input");
+    if (std::ferror(stream_)) throw Failure("read error on input");
     eof_ = true;
   }
   begin_ = 0;
@@ -195,4 +195,4 @@ bool CallGatherer::Finish(std::u16string* call) {
   return true;
 }
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

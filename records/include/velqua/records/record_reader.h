@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace velqua_cli {
+namespace velqua_records {
 
 // Splits a byte stream into lines. CR LF, LF and a lone CR each end a line;
 // a CR LF split across two reads still counts once. The last line needs no
@@ -38,7 +38,7 @@ class LineReader {
   LineReader& operator=(const LineReader&) = delete;
 
   // The next line without its line end; false at the end of the stream.
-  // Throws CliError on a read error.
+  // Throws Failure on a read error.
   bool Next(std::string* line);
   // The same as a view, valid until the next call: into the read buffer,
   // or into a copy only when the line spans two reads (no copy per line).
@@ -90,4 +90,4 @@ class CallGatherer {
   bool open_ = false;
 };
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

@@ -11,10 +11,10 @@
 #include <thread>
 #include <vector>
 
-#include "cli_common.h"
-#include "record_reader.h"
+#include "velqua/records/common.h"
+#include "velqua/records/record_reader.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 namespace {
 
 std::vector<std::string> ReadAll(const std::string& bytes) {
@@ -95,7 +95,7 @@ TEST(LiveLineReader, PipeLinesComeAsTheyArrive) {
 // A followed file: lines appended, the file rotated (renamed, a new one put in
 // its place) and truncated all come through, until asked to stop.
 TEST(LiveLineReader, FollowedFileSurvivesRotationAndTruncation) {
-  const std::filesystem::path dir = std::filesystem::path(VELQUA_CLI_TEST_TMP) / "follow";
+  const std::filesystem::path dir = std::filesystem::path(VELQUA_RECORDS_TEST_TMP) / "follow";
   std::filesystem::create_directories(dir);
   const std::string path = (dir / "records.txt").string();
   std::ofstream(path, std::ios::trunc) << "a\n";
@@ -162,4 +162,4 @@ TEST(CallGatherer, ACallNeverGrowsPastTheLimit) {
 }
 
 }  // namespace
-}  // namespace velqua_cli
+}  // namespace velqua_records

@@ -2,12 +2,12 @@
 
 #include <string>
 
-#include "cli_common.h"
-#include "config_json.h"
 #include "velqua/cfg_conmut.h"
 #include "velqua/error.h"
+#include "velqua/records/common.h"
+#include "velqua/records/config_json.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 namespace {
 
 using velqua::clsCfgConmut;
@@ -38,7 +38,7 @@ std::string ErrorOf(const std::string& json) {
   clsCfgConmut cfg;
   try {
     ConfigFromJson(json, cfg);
-  } catch (const CliError& e) {
+  } catch (const Failure& e) {
     return e.what();
   }
   return "(no error)";
@@ -132,4 +132,4 @@ TEST(DescribeError, ShowsNumberInDecimalAndHexSourceAndOneLine) {
 }
 
 }  // namespace
-}  // namespace velqua_cli
+}  // namespace velqua_records

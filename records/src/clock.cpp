@@ -1,6 +1,6 @@
-#include "program_clock.h"
+#include "velqua/records/clock.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 namespace {
 
 // Two instants of the same century (a printed two-digit year reads the same
@@ -61,4 +61,4 @@ int32_t YearReceived(int32_t month, int32_t day, const FechaHora& received) {
   return later ? received.intAnio - 1 : received.intAnio;
 }
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

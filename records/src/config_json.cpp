@@ -1,4 +1,4 @@
-#include "config_json.h"
+#include "velqua/records/config_json.h"
 
 #include <array>
 #include <cstdint>
@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "cli_common.h"
-#include "names.h"
 #include "velqua/enums.h"
+#include "velqua/records/common.h"
+#include "velqua/records/names.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 namespace {
 
 using nlohmann::json;
@@ -92,7 +92,7 @@ void WriteWiring(const clsCfgConmut& cfg, std::string& out) {
 // ---- reading ----
 
 [[noreturn]] void Fail(const std::string& where, const std::string& what) {
-  throw CliError(where + ": " + what);
+  throw Failure(where + ": " + what);
 }
 
 void CheckMembers(const json& object, const std::string& where,
@@ -265,8 +265,8 @@ void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
     // nlohmann's message ends with the position; keep only its last clause.
     std::string message = e.what();
     const size_t colon = message.find("parse error");
-    throw CliError("not valid JSON: " +
-                   (colon == std::string::npos ? message : message.substr(colon)));
+    throw Failure("not valid JSON: " +
+                  (colon == std::string::npos ? message : message.substr(colon)));
   }
   CheckMembers(
       root, "",
@@ -300,4 +300,4 @@ void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
   cfg.Modificado(false);
 }
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

@@ -1,4 +1,4 @@
-#include "config_io.h"
+#include "velqua/records/config_io.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,18 +9,18 @@
 #include <memory>
 #include <sstream>
 
-#include "cli_common.h"
-#include "config_json.h"
+#include "velqua/records/common.h"
+#include "velqua/records/config_json.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
 ConfigFormat ConfigFormatOf(const std::string& path) {
   const std::string ext = LowerExtension(path);
   if (ext == ".cfg") return ConfigFormat::kCfg;
   if (ext == ".ini") return ConfigFormat::kIni;
   if (ext == ".json") return ConfigFormat::kJson;
-  throw CliError("configuration '" + path + "': unknown format '" + ext +
-                 "' (use .cfg, .ini or .json)");
+  throw Failure("configuration '" + path + "': unknown format '" + ext +
+                "' (use .cfg, .ini or .json)");
 }
 
 std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path) {
@@ -37,8 +37,8 @@ std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path) {
     case ConfigFormat::kJson:
       try {
         ConfigFromJson(ReadWholeFile(path, "configuration"), *cfg);
-      } catch (const CliError& e) {
-        throw CliError("configuration '" + path + "': " + e.what());
+      } catch (const Failure& e) {
+        throw Failure("configuration '" + path + "': " + e.what());
       }
       break;
   }
@@ -73,15 +73,15 @@ std::string TemporaryBeside(const std::string& path) {
   return dir + ".velqua-" + std::to_string(::getpid()) + "-" + base;
 }
 
-// Throws CliError naming why `path` cannot be written, if it cannot.
+// Throws Failure naming why `path` cannot be written, if it cannot.
 void RequireWritableTarget(const std::string& path) {
   struct stat st {};
   if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
-    throw CliError("cannot write '" + path + "': not a regular file");
+    throw Failure("cannot write '" + path + "': not a regular file");
   }
   const std::string probe = TemporaryBeside(path);
   std::FILE* f = std::fopen(probe.c_str(), "wb");
-  if (f == nullptr) throw CliError("cannot write '" + path + "': " + std::strerror(errno));
+  if (f == nullptr) throw Failure("cannot write '" + path + "': " + std::strerror(errno));
   std::fclose(f);
   std::remove(probe.c_str());
 }
@@ -102,7 +102,7 @@ void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool 
   try {
     back = LoadConfig(temporary);
     problem = FirstDifference(ConfigToJson(cfg), ConfigToJson(*back));
-  } catch (const CliError& e) {
+  } catch (const Failure& e) {
     problem = std::string("reading it back fails: ") + e.what();
   } catch (const velqua::Error& e) {
     problem = "reading it back fails: " + DescribeError(e);
@@ -112,11 +112,11 @@ void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool 
     problem.replace(at, temporary.size(), path);
   }
   if (!problem.empty() && !force) {
-    throw CliError("'" + path + "' cannot hold this configuration (" + problem +
-                   "); nothing written (--force writes it anyway)");
+    throw Failure("'" + path + "' cannot hold this configuration (" + problem +
+                  "); nothing written (--force writes it anyway)");
   }
   if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-    throw CliError("cannot write '" + path + "': " + std::strerror(errno));
+    throw Failure("cannot write '" + path + "': " + std::strerror(errno));
   }
   if (!problem.empty()) {
     std::fprintf(stderr, "velqua: warning: '%s' does not hold this configuration (%s)\n",
@@ -137,11 +137,11 @@ void SaveConfig(velqua::clsCfgConmut& cfg, const std::string& path) {
       std::unique_ptr<std::FILE, FileCloser> f(OpenFile(path, "wb", "output"));
       if (std::fwrite(text.data(), 1, text.size(), f.get()) != text.size() ||
           std::fflush(f.get()) != 0) {
-        throw CliError("cannot write '" + path + "'");
+        throw Failure("cannot write '" + path + "'");
       }
       break;
     }
   }
 }
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

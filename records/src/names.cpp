@@ -1,13 +1,13 @@
 // Names of the library's enumerations, exactly as spelled in
 // include/velqua/enums.h: the JSON form of a configuration and the program's
 // output name every key, case, type and attribute by its enumeration member.
-#include "names.h"
+#include "velqua/records/names.h"
 
 #include <cstddef>
 
 #include "velqua/enums.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 namespace {
 
 using namespace velqua;
@@ -221,4 +221,4 @@ const char* TypeWord(int32_t tipo) {
   }
 }
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

@@ -1,4 +1,4 @@
-#include "cli_common.h"
+#include "velqua/records/common.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,7 +10,7 @@
 
 #include "velqua/texto.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
 std::u16string U16(std::string_view utf8) { return velqua::DesdeUtf8(utf8); }
 
@@ -64,21 +64,21 @@ std::string LowerExtension(const std::string& path) {
 void RequireReadableFile(const std::string& path, const std::string& what) {
   struct stat st {};
   if (::stat(path.c_str(), &st) != 0) {
-    throw CliError(what + " '" + path + "': " + std::strerror(errno));
+    throw Failure(what + " '" + path + "': " + std::strerror(errno));
   }
-  if (!S_ISREG(st.st_mode)) throw CliError(what + " '" + path + "': not a regular file");
+  if (!S_ISREG(st.st_mode)) throw Failure(what + " '" + path + "': not a regular file");
   std::unique_ptr<std::FILE, FileCloser> f(std::fopen(path.c_str(), "rb"));
-  if (!f) throw CliError(what + " '" + path + "': " + std::strerror(errno));
+  if (!f) throw Failure(what + " '" + path + "': " + std::strerror(errno));
 }
 
 void RequireReadableInput(const std::string& path, const std::string& what) {
   struct stat st {};
   if (::stat(path.c_str(), &st) != 0) {
-    throw CliError(what + " '" + path + "': " + std::strerror(errno));
+    throw Failure(what + " '" + path + "': " + std::strerror(errno));
   }
   if (S_ISFIFO(st.st_mode) || S_ISCHR(st.st_mode)) {
     if (::access(path.c_str(), R_OK) != 0) {
-      throw CliError(what + " '" + path + "': " + std::strerror(errno));
+      throw Failure(what + " '" + path + "': " + std::strerror(errno));
     }
     return;
   }
@@ -88,16 +88,16 @@ void RequireReadableInput(const std::string& path, const std::string& what) {
 void RequireAppendableFile(const std::string& path, const std::string& what) {
   struct stat st {};
   if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
-    throw CliError(what + " '" + path + "': not a regular file");
+    throw Failure(what + " '" + path + "': not a regular file");
   }
   std::unique_ptr<std::FILE, FileCloser> f(std::fopen(path.c_str(), "ab"));
-  if (!f) throw CliError(what + " '" + path + "': " + std::strerror(errno));
+  if (!f) throw Failure(what + " '" + path + "': " + std::strerror(errno));
 }
 
 std::FILE* OpenFile(const std::string& path, const char* mode, const std::string& what) {
   std::FILE* f = std::fopen(path.c_str(), mode);
   if (f == nullptr) {
-    throw CliError("cannot open " + what + " '" + path + "': " + std::strerror(errno));
+    throw Failure("cannot open " + what + " '" + path + "': " + std::strerror(errno));
   }
   return f;
 }
@@ -109,8 +109,8 @@ std::string ReadWholeFile(const std::string& path, const std::string& what) {
   char buffer[65536];
   size_t n;
   while ((n = std::fread(buffer, 1, sizeof buffer, f.get())) > 0) text.append(buffer, n);
-  if (std::ferror(f.get())) throw CliError("cannot read " + what + " '" + path + "'");
+  if (std::ferror(f.get())) throw Failure("cannot read " + what + " '" + path + "'");
   return text;
 }
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "names.h"
 #include "velqua/enums.h"
+#include "velqua/records/names.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 namespace {
 
 TEST(Names, EveryDataFieldKeyRoundTrips) {
@@ -40,4 +40,4 @@ TEST(Names, LookupIsCaseSensitive) {
 }
 
 }  // namespace
-}  // namespace velqua_cli
+}  // namespace velqua_records

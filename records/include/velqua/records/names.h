@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-namespace velqua_cli {
+namespace velqua_records {
 
 struct EnumName {
   int32_t value;
@@ -33,4 +33,4 @@ bool EnumValueOf(EnumKind kind, std::string_view name, int32_t* value);
 // "string"); nullptr for emValorNoDefinido and values outside the enumeration.
 const char* TypeWord(int32_t tipo);
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

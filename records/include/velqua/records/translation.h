@@ -1,0 +1,89 @@
+// The road from a record's bytes to its row: lines framed and decoded, the
+// lines of a multi-line call gathered, each record translated by the core
+// library and turned into a Row that shows only what the switch printed.
+// `velqua translate`, the store's import and the capture service share it.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "velqua/cfg_conmut.h"
+#include "velqua/records/call_row.h"
+#include "velqua/records/clock.h"
+#include "velqua/records/record_reader.h"
+#include "velqua/traductor.h"
+
+namespace velqua_records {
+
+struct Counts {
+  int64_t read = 0;
+  int64_t unrecognised = 0;  // failed records included
+  int64_t failed = 0;
+  int64_t random_extensions = 0;
+  std::vector<int64_t> listed;  // the first unrecognised record numbers
+  static constexpr size_t kListed = 20;
+};
+
+// Translates records with one configuration into rows written to a sink.
+class Translation {
+ public:
+  struct Settings {
+    std::string errors_log;  // the library's unrecognised-record log ("" = none)
+    std::string extensions;  // the KX-TDA account code to extension list
+    bool utf8 = false;       // records in UTF-8 rather than Windows-1252
+  };
+
+  // Binds a translator to `cfg`; rows go to `sink`.
+  Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink, const Settings& settings);
+
+  // Called for each record the library fails on (it is kept as an
+  // unrecognised row carrying the error): input name, record number, error.
+  std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
+
+  // The input the next records come from, and when they were received (the
+  // year of a record whose switch prints none).
+  void Input(const std::string& name, const FechaHora& received);
+
+  // Translates one record (a multi-line call already joined) and writes its
+  // row. A record the library fails on is kept as an unrecognised row
+  // carrying the error; the run goes on.
+  void Record(const std::u16string& record);
+
+  // Reads records from a stream to its end: a file in large blocks; a live
+  // source (pipe, device, or `follow`ed file) with each row written and the
+  // sink flushed as soon as its record is complete, a multi-line call being
+  // closed by the next call or after 2 s of quiet.
+  void Stream(std::FILE* stream, const std::string& follow = "");
+
+  // Ends the input: a multi-line call still open is translated.
+  void Finish();
+
+  const Counts& counts() const { return counts_; }
+
+ private:
+  Row ReadRow(int64_t number);
+  void Lines(LineReader& reader, bool live);
+
+  std::shared_ptr<velqua::clsCfgConmut> cfg_;
+  velqua::clsTraductor traductor_;
+  std::unique_ptr<CallGatherer> gatherer_;
+  RowSink& sink_;
+  bool utf8_;
+  Counts counts_;
+  std::string input_ = "standard input";
+  FechaHora received_;
+};
+
+// When the records of a file were received: 31 December of `year` when it is
+// above 0, else the file's modification time ("-": the clock's now).
+FechaHora ReceivedAt(const std::string& path, int32_t year);
+
+// From now on SIGINT and SIGTERM end a followed input cleanly (its open call
+// translated, the counts reported) instead of killing the program.
+void StopOnSignals();
+
+}  // namespace velqua_records

@@ -1,0 +1,191 @@
+#include "velqua/records/translation.h"
+
+#include <sys/stat.h>
+
+#include <csignal>
+#include <ctime>
+#include <utility>
+
+#include "velqua/records/common.h"
+#include "velqua/texto.h"
+
+namespace velqua_records {
+namespace {
+
+// Whether the extension of the record just read was drawn at random: in the
+// account-code cases an outgoing call's code missing from the extension list
+// gets a random extension, drawn anew at each read, while a listed one reads
+// the same every time. Three equal reads leave one chance in 10^8 that a
+// random extension passes for a listed one.
+bool ExtensionIsRandom(velqua::clsTraductor& t, const velqua::clsCfgConmut& cfg,
+                       const std::u16string& first) {
+  const int32_t c = cfg.Caso();
+  if (t.TipoLlamadaDetectada() != velqua::emTradSaliente ||
+      (c != velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100 &&
+       c != velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto)) {
+    return false;
+  }
+  return t.Extension() != first || t.Extension() != first;
+}
+
+// Decodes a line into *text, reusing its storage: ASCII bytes directly (the
+// common case: widened and tested in one pass, which the compiler
+// vectorises), the rest from the first other byte through the library.
+void Decode(std::string_view bytes, bool utf8, std::u16string* text) {
+  const auto* __restrict p = reinterpret_cast<const unsigned char*>(bytes.data());
+  const size_t n = bytes.size();
+  text->resize(n);
+  char16_t* __restrict out = text->data();
+  unsigned char any = 0;
+  for (size_t i = 0; i < n; ++i) {
+    out[i] = p[i];
+    any = static_cast<unsigned char>(any | p[i]);
+  }
+  if (any < 0x80) return;
+  size_t i = 0;
+  while (p[i] < 0x80) ++i;
+  text->resize(i);
+  *text += utf8 ? velqua::DesdeUtf8(bytes.substr(i)) : velqua::DesdeAnsi(bytes.substr(i));
+}
+
+// Set by SIGINT and SIGTERM once StopOnSignals has run.
+volatile std::sig_atomic_t g_stop = 0;
+
+void Stop(int) { g_stop = 1; }
+
+// Whether an input is live: anything but a regular file read to its end.
+bool IsLive(std::FILE* stream, bool follow) {
+  struct stat st {};
+  return follow || (::fstat(::fileno(stream), &st) == 0 && !S_ISREG(st.st_mode));
+}
+
+}  // namespace
+
+Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink,
+                         const Settings& settings)
+    : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8) {
+  ProgramClock::Instance();  // the library reads the records' clock from here on
+  traductor_.Conmutador(cfg_);
+  traductor_.ArchivoLlamadasError(U16(settings.errors_log));
+  traductor_.ArchivoListaExtensionesKXTDA(U16(settings.extensions));
+  if (cfg_->Caso() == velqua::emCasoNortelNorstar0x32SMDR6) {
+    gatherer_ = std::make_unique<CallGatherer>(cfg_->Separador());
+  }
+}
+
+void Translation::Input(const std::string& name, const FechaHora& received) {
+  input_ = name;
+  received_ = received;
+}
+
+void Translation::Record(const std::u16string& record) {
+  const int64_t number = ++counts_.read;
+  Row row;
+  try {
+    traductor_.LlamadaActual(record);
+    row = ReadRow(number);
+  } catch (const velqua::Error& e) {
+    row = Row();
+    row.number = number;
+    row.error = DescribeError(e);
+    ++counts_.failed;
+    if (on_failure) on_failure(input_, number, row.error);
+  }
+  if (!row.has_fields) {
+    ++counts_.unrecognised;
+    if (counts_.listed.size() < Counts::kListed) counts_.listed.push_back(number);
+  }
+  counts_.random_extensions += row.random_extension;
+  sink_.Write(row);
+}
+
+// The row of the record just written (the call data in Row's order), with
+// what the switch did not print marked or derived rather than invented.
+Row Translation::ReadRow(int64_t number) {
+  const int32_t type = traductor_.TipoLlamadaDetectada();
+  const int32_t attribute = traductor_.Atributo();
+  if (type == velqua::emTradNoIdentificada) {
+    Row row;  // no call data: the fields stay blank
+    row.number = number;
+    row.type = type;
+    row.attribute = attribute;
+    return row;
+  }
+  Row row(number, type, attribute, traductor_);
+  row.printed = ProgramClock::Instance().PrintedParts(traductor_);
+  if ((row.printed & kPrintedYear) == 0) row.year = YearReceived(row.month, row.day, received_);
+  row.random_extension = ExtensionIsRandom(traductor_, *cfg_, row.extension);
+  return row;
+}
+
+void Translation::Lines(LineReader& reader, bool live) {
+  std::string_view line;
+  std::u16string text;
+  std::u16string call;
+  bool first = true;
+  while (reader.Next(&line)) {
+    std::string_view bytes = line;
+    if (first && utf8_ && bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
+    first = false;
+    // An empty line carries no record (the Norstar report ends with two).
+    if (bytes.empty()) continue;
+    Decode(bytes, utf8_, &text);
+    if (gatherer_ == nullptr) {
+      Record(text);
+    } else if (gatherer_->Add(text, &call)) {
+      Record(call);
+    } else {
+      continue;
+    }
+    if (live) sink_.Flush();  // each row out as soon as it is complete
+  }
+}
+
+void Translation::Stream(std::FILE* stream, const std::string& follow) {
+  if (!IsLive(stream, !follow.empty())) {
+    LineReader reader(stream);
+    Lines(reader, false);
+    return;
+  }
+  LineReader::Live live;
+  live.follow = follow;
+  live.stop = [] { return g_stop != 0; };
+  live.on_idle = [this] {
+    std::u16string call;
+    if (gatherer_ != nullptr && gatherer_->Finish(&call)) {
+      Record(call);
+      sink_.Flush();
+    }
+  };
+  LineReader reader(stream, std::move(live));
+  Lines(reader, true);
+}
+
+void Translation::Finish() {
+  std::u16string call;
+  if (gatherer_ && gatherer_->Finish(&call)) Record(call);
+  sink_.Flush();
+}
+
+// When the records of a file were received, for a switch that prints no
+// year: 31 December of --year, else the file's modification time.
+FechaHora ReceivedAt(const std::string& path, int32_t year) {
+  if (year > 0) return FechaHora{year, 12, 31, 23, 59, 59};
+  struct stat st {};
+  if (path == "-" || ::stat(path.c_str(), &st) != 0) return ProgramClock::Instance().Now();
+  std::tm local{};
+  const std::time_t when = st.st_mtime;
+  localtime_r(&when, &local);
+  return FechaHora{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                   local.tm_hour,        local.tm_min,     local.tm_sec};
+}
+
+void StopOnSignals() {
+  struct sigaction action {};
+  action.sa_handler = Stop;  // no SA_RESTART: a waiting poll returns
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGINT, &action, nullptr);
+  sigaction(SIGTERM, &action, nullptr);
+}
+
+}  // namespace velqua_records
