@@ -200,10 +200,10 @@ TEST(CableDrawing, SurfaceErrorsReachTheCaller) {
     int fail_print, fail_line;
     emPuertoSerial port;  // emNoPuerto: the conversion table
     const Lines& drawing;
-    std::size_t drawn;
+    int drawn;
   } cases[] = {{"port name of the header", 4, 0, emPuertoDB9, header, 21},
-               {"first row's background", 0, 4, emPuertoDB9, header, header.size() - 1},
-               {"outline of the message", 0, 3, emPuertoRJ45, message, message.size() - 1},
+               {"first row's background", 0, 4, emPuertoDB9, header, 32},
+               {"outline of the message", 0, 3, emPuertoRJ45, message, 22},
                {"title bar of the table", 0, 2, emNoPuerto, table, 4},
                {"DB25 head of the table", 3, 0, emNoPuerto, table, 15}};
   for (const Case& c : cases) {

@@ -68,9 +68,8 @@ double LineHeight(const char16_t* font, int16_t points) {
   return s.TextHeight(u"M");
 }
 
-// The diagram is 3200 twips wide and its outline ends under the last row; the
-// table is a 1350 x 1900 panel. The extension's letter case is ignored.
-TEST(CairoSurface, WritesTheDrawingsInEveryFormat) {
+// The diagram is 3200 twips wide and its outline ends under the last row.
+TEST(CairoSurface, WritesTheCableDiagram) {
   clsCfgConmut cfg;
   for (auto [sw, pc] :
        {std::pair<int16_t, int16_t>{2, 3}, {3, 2}, {7, 8}, {6, 8}, {4, 1}, {4, 6}}) {
@@ -99,9 +98,12 @@ TEST(CairoSurface, WritesTheDrawingsInEveryFormat) {
   EXPECT_EQ(svg.rfind("<?xml", 0), 0u);
   EXPECT_NE(svg.find("width=\"" + std::to_string(png.width) + "px\""), std::string::npos);
   EXPECT_NE(svg.find("<use xlink:href=\"#glyph"), std::string::npos);  // the texts
+}
 
+// The table is a 1350 x 1900 panel. The extension's letter case is ignored.
+TEST(CairoSurface, WritesTheConversionTable) {
   SuperficieCairo t;
-  cfg.DibujaTablaConversionDB9DB25(t);
+  clsCfgConmut().DibujaTablaConversionDB9DB25(t);
   t.Guarda(TmpPath("table.png"));
   t.Guarda(TmpPath("table.SVG"));
   t.Guarda(TmpPath("table.pdf"));
