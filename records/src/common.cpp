@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 
+#include "velqua/enums.h"
 #include "velqua/texto.h"
 
 namespace velqua_records {
@@ -26,16 +27,54 @@ void AppendUtf8(std::string& out, std::u16string_view text) {
   if (i < text.size()) out += velqua::AUtf8(text.substr(i));
 }
 
+namespace {
+
+// What a library error means, in English, by its number.
+const char* Meaning(int32_t number) {
+  switch (number) {
+    case velqua::kErrDesbordamiento:
+      return "overflow: a column past 255, or a number too large for the record";
+    case velqua::kErrIndiceFueraDeIntervalo:
+      return "index out of range";
+    case velqua::kErrTiposNoCoinciden:
+      return "wrong kind of object";
+    case velqua::kErrObjetoNoEstablecido:
+      return "no configuration set";
+    default:
+      break;
+  }
+  switch (static_cast<uint32_t>(number) - velqua::kBaseErrorObjeto) {
+    case velqua::kCodigoErrorPinDB25:
+      return "a DB25 pin that cannot be wired";
+    case velqua::emErrorConfigNoHay:
+      return "the file cannot be reached or its name is not valid";
+    case velqua::emErrorNoHayArchivo:
+      return "the file cannot be found";
+    case velqua::emErrorConfigDatosIncompletos:
+      return "the configuration is incomplete (brand, model, record separator or case)";
+    case velqua::emErrorConfigExportar:
+      return "the configuration cannot be written as a profile file";
+    case velqua::emErrorConfigImportar:
+      return "the profile file cannot be read as a configuration";
+    case velqua::emErrorConfigAbrir:
+      return "not a configuration file";
+    default:
+      return "library error";
+  }
+}
+
+}  // namespace
+
 std::string DescribeError(const velqua::Error& error) {
   char number[64];
-  std::snprintf(number, sizeof number, "error %" PRId32 " (0x%08" PRIX32 ")", error.Number(),
+  std::snprintf(number, sizeof number, " (error %" PRId32 ", 0x%08" PRIX32 ", in ", error.Number(),
                 static_cast<uint32_t>(error.Number()));
-  std::string line = number;
-  line += " in ";
+  std::string line = Meaning(error.Number());
+  line += number;
   line += U8(error.Source());
   line += ": ";
-  // A description may hold CR LF (file errors carry the
-  // system's own message); the program reports one line.
+  // A description may hold CR LF (file errors name the file on a line of
+  // their own); the line keeps them as " / ".
   const std::string description = U8(error.Description());
   bool in_break = false;
   for (char c : description) {
@@ -47,7 +86,7 @@ std::string DescribeError(const velqua::Error& error) {
       in_break = false;
     }
   }
-  return line;
+  return line + ")";
 }
 
 std::string LowerExtension(const std::string& path) {

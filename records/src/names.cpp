@@ -221,4 +221,16 @@ const char* TypeWord(int32_t tipo) {
   }
 }
 
+const char* CallTypeWord(int32_t type) {
+  static const char* const kWords[] = {"unrecognised",   "incoming",     "outgoing",   "internal",
+                                       "trunk-to-trunk", "account-code", "transferred"};
+  return type >= 0 && type < 7 ? kWords[type] : "";
+}
+
+const char* AttributeWord(int32_t attribute) {
+  static const char* const kWords[] = {"none", "transfer-start", "in-transfer", "transfer-end",
+                                       "unanswered"};
+  return attribute >= 0 && attribute < 5 ? kWords[attribute] : "";
+}
+
 }  // namespace velqua_records

@@ -123,12 +123,28 @@ TEST(ConfigJson, SyntaxErrorIsReported) {
   EXPECT_EQ(error.rfind("not valid JSON: parse error", 0), 0u) << error;
 }
 
-TEST(DescribeError, ShowsNumberInDecimalAndHexSourceAndOneLine) {
-  const velqua::Error error(velqua::NumeroErrorObjeto(1501), u"clsConfigConmut.Abrir",
-                            u"No es posible encontrar el archivo deseado.\r\n Archivo :x.cfg");
-  EXPECT_EQ(DescribeError(error),
-            "error -2147220003 (0x800405DD) in clsConfigConmut.Abrir: No es posible encontrar el "
-            "archivo deseado. /  Archivo :x.cfg");
+// English first, then the library's number, source and text kept whole.
+TEST(DescribeError, EnglishMeaningThenTheLibrarysNumberSourceAndText) {
+  struct Case {
+    int32_t number;
+    const char* line;
+  } const cases[] = {
+      {velqua::NumeroErrorObjeto(1501),
+       "the file cannot be found (error -2147220003, 0x800405DD, in S: a /  b)"},
+      {velqua::NumeroErrorObjeto(1505),
+       "not a configuration file (error -2147219999, "
+       "0x800405E1, in S: a /  b)"},
+      {6,
+       "overflow: a column past 255, or a number too large for the record (error 6, "
+       "0x00000006, in S: a /  b)"},
+      {91, "no configuration set (error 91, 0x0000005B, in S: a /  b)"},
+      {velqua::NumeroErrorObjeto(1999),
+       "library error (error -2147219505, 0x800407CF, in S: a /  b)"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.line);
+    EXPECT_EQ(DescribeError(velqua::Error(c.number, u"S", u"a\r\n b")), c.line);
+  }
 }
 
 }  // namespace

@@ -29,12 +29,6 @@ void Output::Flush() {
 
 namespace {
 
-std::string StripPrefix(const char* name, const char* prefix) {
-  if (name == nullptr) return "";
-  const size_t n = std::strlen(prefix);
-  return std::strncmp(name, prefix, n) == 0 ? std::string(name + n) : std::string(name);
-}
-
 // std::to_chars rather than snprintf: it is a fifth of the cost of a row.
 void AppendInt(std::string& out, int64_t value) {
   char digits[24];
@@ -528,13 +522,9 @@ class TableWriter : public RowWriter {
 
 }  // namespace
 
-std::string ShortTypeName(int32_t type) {
-  return StripPrefix(EnumNameOf(EnumKind::kTipoLlamada, type), "emTrad");
-}
+std::string ShortTypeName(int32_t type) { return CallTypeWord(type); }
 
-std::string ShortAttributeName(int32_t attribute) {
-  return StripPrefix(EnumNameOf(EnumKind::kAtributo, attribute), "emATR");
-}
+std::string ShortAttributeName(int32_t attribute) { return AttributeWord(attribute); }
 
 // Through Pen, the CSV writer's formatting: at most 3 numbers of 11
 // characters and 2 marks.

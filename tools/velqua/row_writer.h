@@ -49,9 +49,8 @@ class RowWriter : public velqua_records::RowSink {
 
 std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out);
 
-// The short name of a call type or attribute: the enumeration member
-// without its prefix ("Entrante" for emTradEntrante, "EnTR" for emATREnTR),
-// or "" for a value without a member.
+// The English word of a call type or attribute ("outgoing", "in-transfer"),
+// or "" for a value without one (velqua/records/names.h).
 std::string ShortTypeName(int32_t type);
 std::string ShortAttributeName(int32_t attribute);
 

@@ -49,11 +49,12 @@ Row Sample() {
 
 TEST(RowWriter, CsvQuotesPerRfc4180) {
   const std::string csv = Render(RowFormat::kCsv, {Sample()});
-  EXPECT_EQ(csv,
-            "record,type,type_name,attribute,attribute_name,date,time,duration,ring,dialled,"
-            "extension,trunk,receiving_extension,receiving_trunk,account_code,extension_random,"
-            "error\r\n"
-            "7,2,Saliente,2,EnTR,2026-01-09,09:05:03,83,,\"0312,34\"\"5\",201,01,,,Müller,0,\r\n");
+  EXPECT_EQ(
+      csv,
+      "record,type,type_name,attribute,attribute_name,date,time,duration,ring,dialled,"
+      "extension,trunk,receiving_extension,receiving_trunk,account_code,extension_random,"
+      "error\r\n"
+      "7,2,outgoing,2,in-transfer,2026-01-09,09:05:03,83,,\"0312,34\"\"5\",201,01,,,Müller,0,\r\n");
 }
 
 // What the switch did not print is left blank or shortened, never invented.
@@ -80,7 +81,7 @@ TEST(RowWriter, DateAndTimeShowOnlyWhatWasPrinted) {
     row.printed = c.printed;
     row.random_extension = c.random;
     const std::string csv = Render(RowFormat::kCsv, {row});
-    EXPECT_NE(csv.find(std::string("EnTR,") + c.csv + ",83,"), std::string::npos) << csv;
+    EXPECT_NE(csv.find(std::string("in-transfer,") + c.csv + ",83,"), std::string::npos) << csv;
     EXPECT_NE(csv.find(c.random ? "Müller,1,\r\n" : "Müller,0,\r\n"), std::string::npos);
     const std::string jsonl = Render(RowFormat::kJsonl, {row});
     EXPECT_NE(jsonl.find(c.jsonl), std::string::npos) << jsonl;
@@ -110,7 +111,7 @@ TEST(RowWriter, FailedRecordKeepsItsErrorInEveryForm) {
   row.error = "error 6 (0x00000006) in Velqua: Desbordamiento, \"x\"";
   const std::string csv = Render(RowFormat::kCsv, {row});
   EXPECT_EQ(csv.substr(csv.find("\r\n") + 2),
-            "4,0,NoIdentificada,0,NoAtributo,,,,,,,,,,,,"
+            "4,0,unrecognised,0,none,,,,,,,,,,,,"
             "\"error 6 (0x00000006) in Velqua: Desbordamiento, \"\"x\"\"\"\r\n");
   EXPECT_NE(Render(RowFormat::kJsonl, {row})
                 .find("\"extension_random\":null,\"error\":\"error 6 (0x00000006) in Velqua: "
@@ -123,7 +124,7 @@ TEST(RowWriter, CsvUnrecognisedRowHasBlankFields) {
   Row row;
   row.number = 1;
   const std::string csv = Render(RowFormat::kCsv, {row});
-  EXPECT_EQ(csv.substr(csv.find("\r\n") + 2), "1,0,NoIdentificada,0,NoAtributo,,,,,,,,,,,,\r\n");
+  EXPECT_EQ(csv.substr(csv.find("\r\n") + 2), "1,0,unrecognised,0,none,,,,,,,,,,,,\r\n");
 }
 
 // The first column of every CSV row after the heading.
@@ -165,22 +166,23 @@ TEST(RowWriter, CsvNumbersOutsideTheShortFormsAreWrittenInFull) {
   const std::string csv = Render(RowFormat::kCsv, {row});
   const std::string line = csv.substr(csv.find("\r\n") + 2);
   EXPECT_EQ(line.substr(0, line.find(",\"")),
-            "7,2,Saliente,2,EnTR,0026-123--4,100:00:07,123456,10000");
+            "7,2,outgoing,2,in-transfer,0026-123--4,100:00:07,123456,10000");
   row.year = 10000;
   row.time = 9;
   row.duration = 9999;
   row.ring = 0;
   const std::string csv2 = Render(RowFormat::kCsv, {row});
   const std::string line2 = csv2.substr(csv2.find("\r\n") + 2);
-  EXPECT_EQ(line2.substr(0, line2.find(",\"")), "7,2,Saliente,2,EnTR,10000-123--4,00:00:09,9999,0");
+  EXPECT_EQ(line2.substr(0, line2.find(",\"")),
+            "7,2,outgoing,2,in-transfer,10000-123--4,00:00:09,9999,0");
 }
 
 TEST(RowWriter, JsonlEscapesAndUsesNullForAbsentValues) {
   Row row = Sample();
   row.dialled = u"a\"b\\c\x01";
   EXPECT_EQ(Render(RowFormat::kJsonl, {row}),
-            "{\"record\":7,\"type\":2,\"type_name\":\"Saliente\",\"attribute\":2,"
-            "\"attribute_name\":\"EnTR\",\"date\":\"2026-01-09\",\"time\":\"09:05:03\","
+            "{\"record\":7,\"type\":2,\"type_name\":\"outgoing\",\"attribute\":2,"
+            "\"attribute_name\":\"in-transfer\",\"date\":\"2026-01-09\",\"time\":\"09:05:03\","
             "\"duration\":83,\"ring\":null,\"dialled\":\"a\\\"b\\\\c\\u0001\","
             "\"extension\":\"201\",\"trunk\":\"01\",\"receiving_extension\":null,"
             "\"receiving_trunk\":null,\"account_code\":\"Müller\",\"extension_random\":false,"
@@ -204,17 +206,19 @@ TEST(RowWriter, TableAlignsColumnsAndEndsNoLineWithBlanks) {
   EXPECT_EQ(table.find(" \n"), std::string::npos);
   const size_t line2 = table.find('\n', table.find('\n') + 1) + 1;
   EXPECT_EQ(table.substr(line2, 3), " 7 ");
-  EXPECT_NE(table.find("\n12  2 Saliente"), std::string::npos);
+  EXPECT_NE(table.find("\n12  2 outgoing"), std::string::npos);
 }
 
 TEST(RowWriter, EmptyTableStillHasItsHeading) {
   EXPECT_EQ(Render(RowFormat::kTable, {}).substr(0, 3), "#  ");
 }
 
-TEST(RowWriter, ShortNamesDropThePrefix) {
-  EXPECT_EQ(ShortTypeName(3), "InterExtension");
-  EXPECT_EQ(ShortAttributeName(1), "IniTR");
-  EXPECT_EQ(ShortTypeName(99), "");
+TEST(RowWriter, TypeAndAttributeNamesAreEnglishWords) {
+  EXPECT_EQ(ShortTypeName(3), "internal");
+  EXPECT_EQ(ShortAttributeName(1), "transfer-start");
+  EXPECT_EQ(ShortAttributeName(4), "unanswered");
+  EXPECT_EQ(ShortTypeName(7), "");
+  EXPECT_EQ(ShortTypeName(-1), "");
 }
 
 }  // namespace

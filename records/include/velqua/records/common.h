@@ -26,9 +26,10 @@ std::string U8(std::u16string_view text);
 // Appends the UTF-8 form of `text` to `out` without a temporary string.
 void AppendUtf8(std::string& out, std::u16string_view text);
 
-// One line for a velqua::Error: number in decimal and hexadecimal, source,
-// and the description with its line breaks shown as " / ", e.g.
-// "error -2147220003 (0x800405DD) in clsConfigConmut.Abrir: No es posible ...".
+// One line for a velqua::Error: what it means in English, then the library's
+// number (decimal and hexadecimal), source and Spanish description, whose line
+// breaks become " / ", e.g. "not a configuration file (error -2147220003,
+// 0x800405DD, in clsConfigConmut.Abrir: No es posible ...)".
 std::string DescribeError(const velqua::Error& error);
 
 // The file name's extension in lower case, with its dot (".json"), or "".

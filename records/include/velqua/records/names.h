@@ -33,4 +33,12 @@ bool EnumValueOf(EnumKind kind, std::string_view name, int32_t* value);
 // "string"); nullptr for emValorNoDefinido and values outside the enumeration.
 const char* TypeWord(int32_t tipo);
 
+// The English word of a call type (emTipoLlamadaTraductor: "unrecognised",
+// "incoming", "outgoing", "internal", "trunk-to-trunk", "account-code",
+// "transferred") and of a transfer attribute (emAtributoTraductor: "none",
+// "transfer-start", "in-transfer", "transfer-end", "unanswered"); "" for a
+// value outside the enumeration. Rows, the store and reports use them.
+const char* CallTypeWord(int32_t type);
+const char* AttributeWord(int32_t attribute);
+
 }  // namespace velqua_records
