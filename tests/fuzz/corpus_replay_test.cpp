@@ -1,6 +1,6 @@
-// Every saved input of fuzz/corpus/<target> runs through that fuzz target's
-// entry function, so the normal and the sanitizer test runs replay the corpora.
-// A target reports a finding by aborting, as it would under libFuzzer.
+// Every saved input of fuzz/corpus/<target> runs through that fuzz target, so
+// the normal and the sanitizer test runs replay the corpora. A target reports a
+// finding by aborting, as under libFuzzer.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,10 +20,8 @@
 
 namespace {
 
-using Target = int (*)(const uint8_t*, size_t);
-
 TEST(FuzzCorpusReplay, EveryTargetAcceptsEverySavedInput) {
-  const std::pair<const char*, Target> targets[] = {
+  const std::pair<const char*, int (*)(const uint8_t*, size_t)> targets[] = {
       {"abrir", velqua_fuzz_abrir::Ejecuta},
       {"importar", velqua_fuzz_importar::Ejecuta},
       {"lector", velqua_fuzz_lector::Ejecuta},
