@@ -1,0 +1,293 @@
+// The binary configuration file: GuardarComo writes the version-3 layout,
+// Abrir reads it and the older version-2 layout.
+#include <cstdint>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "files/files_support.h"
+
+namespace {
+
+using namespace files_test;
+using velqua_test::DataPath;
+using Events = std::vector<std::string>;
+
+class ConfigFileSave : public FileTest {};
+class ConfigFileOpen : public FileTest {};
+class ConfigFileVersion2 : public FileTest {};
+
+TEST_F(ConfigFileSave, WritesTheGoldenFileByteForByteOverAnOldFileSilently) {
+  ASSERT_EQ(Golden().size(), 750u);
+  velqua_test::WriteFile(dir.Path("g.cfg"), std::string(5000, 'z'));
+  MakeGoldenConfig(cfg);
+  listener.events.clear();
+  cfg.GuardarComo(dir.Path16("g.cfg"));
+  EXPECT_EQ(Read("g.cfg"), Golden());
+  EXPECT_FALSE(cfg.Modificado());
+  EXPECT_TRUE(listener.events.empty());
+}
+
+TEST_F(ConfigFileSave, AlwaysWritesVersion3AndAQuestionMarkOutsideTheCodePage) {
+  cfg.Abrir(U(DataPath("files/v2_estandar.cfg")));
+  cfg.Marca(U("AΩB"));
+  cfg.GuardarComo(dir.Path16("v3.cfg"));
+  EXPECT_EQ(cfg.Version(), emVersion2_0);
+  EXPECT_EQ(I32At(Read("v3.cfg"), 0), 3);
+  EXPECT_EQ(Read("v3.cfg").substr(4, 4), std::string("A?B\0", 4));
+}
+
+TEST_F(ConfigFileSave, RefusesABlankNameOrIncompleteDataAndChangesNothing) {
+  const struct {
+    std::u16string name, brand, model, separator;
+    emCasos caso;
+    int32_t code;
+  } rows[] = {
+      {u"   ", u"M", u"N", u"|", emCasoEstandar, emErrorNoHayArchivo},
+      {u"", u"M", u"N", u"|", emCasoEstandar, emErrorNoHayArchivo},
+      {u"x.cfg", u"", u"N", u"|", emCasoEstandar, emErrorConfigDatosIncompletos},
+      {u"x.cfg", u"M", u"", u"|", emCasoEstandar, emErrorConfigDatosIncompletos},
+      {u"x.cfg", u"M", u"N", u"", emCasoEstandar, emErrorConfigDatosIncompletos},
+      {u"x.cfg", u"M", u"N", u"|", emNoCaso, emErrorConfigDatosIncompletos},
+      {u"x.cfg", u"   ", u"N", u" ", emCasoEstandar, 0},  // blanks are content
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(AUtf8(row.brand + u"/" + row.model + u"/" + row.separator));
+    clsCfgConmut c;
+    c.Marca(row.brand);
+    c.Modelo(row.model);
+    c.Separador(row.separator);
+    c.Caso(row.caso);
+    velqua_test::RecordingListener l;
+    c.AgregaOyente(&l);
+    const std::u16string name = row.name.size() > 3 ? dir.Path16("x.cfg") : row.name;
+    if (row.code == 0) {
+      c.GuardarComo(name);
+      EXPECT_EQ(Read("x.cfg").size(), 660u);
+      continue;
+    }
+    EXPECT_VELQUA_ERROR(c.GuardarComo(name), NumeroErrorObjeto(row.code),
+                        u"clsConfigConmut.GuardarComo",
+                        row.code == emErrorNoHayArchivo ? kMsg1501 : kMsg1502);
+    EXPECT_TRUE(c.Modificado());
+    EXPECT_TRUE(l.events.empty());
+    EXPECT_EQ(Read("x.cfg"), "");
+  }
+}
+
+TEST_F(ConfigFileSave, UnwritablePlacesAndCase12AreNotReported) {
+  MakeGoldenConfig(cfg);
+  std::filesystem::create_directory(dir.Path("dir.cfg"));
+  cfg.GuardarComo(dir.Path16("dir.cfg"));
+  cfg.GuardarComo(dir.Path16("missing/x.cfg"));
+  cfg.GuardarComo(dir.Path16("n.cfg") + std::u16string(1, u'\0') + u"x");
+  EXPECT_TRUE(std::filesystem::is_directory(dir.Path("dir.cfg")));
+  EXPECT_FALSE(std::filesystem::exists(dir.Path("missing")));
+  EXPECT_FALSE(std::filesystem::exists(dir.Path("n.cfg")));
+  EXPECT_FALSE(cfg.Modificado());
+  cfg.Caso(emCasoAD_TES);  // saved, but Abrir refuses it
+  cfg.GuardarComo(dir.Path16("c12.cfg"));
+  EXPECT_EQ(I32At(Read("c12.cfg"), 364), 12);
+}
+
+TEST_F(ConfigFileOpen, GoldenFileGivesBackTheConfigurationThatWroteIt) {
+  cfg.Comentarios(u"c");
+  cfg.Marca(u"Old");
+  listener.events.clear();
+  cfg.Abrir(U(DataPath("files/v3_golden.cfg")));
+  // The reset empties two texts; then each changed table value notifies.
+  Events expected = {"Cambios", "CambioNombreConmutador", "Cambios"};
+  expected.resize(3 + 11, "Cambios");
+  expected.push_back("ConfiguracionCargada");
+  EXPECT_EQ(listener.events, expected);
+  EXPECT_FALSE(cfg.Modificado());
+  clsCfgConmut made;
+  MakeGoldenConfig(made);
+  EXPECT_EQ(Summary(cfg), Summary(made));
+}
+
+TEST_F(ConfigFileOpen, EveryWiringEntryAndRecordComesBackFromASavedFile) {
+  MakeGoldenConfig(cfg);
+  for (int16_t pin = 1; pin <= 25; ++pin) {
+    if (pin <= 9) cfg.ActivaPin(emPuertoRJ45, pin, pin);
+    if (pin <= 9) cfg.ActivaPin(emPuertoDB9, pin, static_cast<int16_t>(10 + pin));
+    if (pin > 1) cfg.ActivaPin(emPuertoDB25, pin, pin);
+  }
+  cfg.GuardarComo(dir.Path16("a.cfg"));
+  clsCfgConmut other;
+  other.Abrir(dir.Path16("a.cfg"));
+  EXPECT_EQ(Summary(other), Summary(cfg));
+  other.GuardarComo(dir.Path16("b.cfg"));
+  EXPECT_EQ(Read("b.cfg"), Read("a.cfg"));
+}
+
+TEST_F(ConfigFileOpen, EntryZeroAndTheReserveComeBackUnchangedAndStoredTypesAreDerived) {
+  const std::string src = velqua_test::ReadFile(DataPath("files/v3_reserva.cfg"));
+  ASSERT_EQ(src.size(), 700u);
+  cfg.Abrir(U(DataPath("files/v3_reserva.cfg")));
+  EXPECT_EQ(cfg.Caso(), emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto);
+  EXPECT_EQ(Wire(cfg, emPuertoRJ45, 0), 7);
+  EXPECT_EQ(Wire(cfg, emPuertoDB9, 0), 8);
+  EXPECT_EQ(Wire(cfg, emPuertoDB25, 0), 9);
+  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntrante), "30,1,E");  // the file says type 3, width 9
+  EXPECT_EQ(cfg.TipoDatoCTE(), emValorConstante);
+  cfg.GuardarComo(dir.Path16("r.cfg"));
+  const std::string out = Read("r.cfg");
+  ASSERT_EQ(out.size(), 700u);
+  EXPECT_EQ(out.substr(0, 660), src.substr(0, 660));
+  EXPECT_EQ(I32At(out, 552 + 4 * 25), 125);
+}
+
+TEST_F(ConfigFileOpen, RefusedFilesRaiseTheirErrorAndLeaveTheObjectAsItWas) {
+  std::string garbage;
+  for (uint32_t x = 12345; garbage.size() < 5000;) {
+    x = x * 1103515245u + 12345u;
+    garbage.push_back(static_cast<char>(x >> 24));
+  }
+  const std::string v2 = V2();
+  std::vector<std::string> bad = {Golden().substr(0, 659),
+                                  Golden().replace(4, 50, std::string(50, '\0')),
+                                  Golden().replace(54, 50, std::string(50, '\0')),
+                                  Golden().replace(354, 10, std::string(10, '\0')),
+                                  PutLE(v2, 0, 3, 1),
+                                  PutLE(v2, 1, 1, 1),
+                                  v2 + "x",
+                                  v2.substr(0, 785)};
+  for (size_t size : {0, 1, 659, 660, 785, 786, 787, 4096}) bad.push_back(std::string(size, '\0'));
+  for (size_t size : {1, 100, 660, 786, 5000}) bad.push_back(garbage.substr(0, size));
+  for (int32_t v : {0, 1, 2, 4, -1}) bad.push_back(PutLE(Golden(), 0, v));
+  for (int32_t c : {0, 12, -1, 1000}) bad.push_back(PutLE(Golden(), 364, c));
+  std::vector<std::pair<std::u16string, int32_t>> rows = {
+      {u"   ", 0},
+      {u"", 0},
+      {dir.Path16("missing.cfg"), emErrorNoHayArchivo},
+      {dir.Path16("missing/x.cfg"), emErrorNoHayArchivo},
+      {U(dir.dir()), emErrorNoHayArchivo},  // not a file
+      {u" " + dir.Path16("missing.cfg") + u" ", emErrorNoHayArchivo},
+      {Put("a.cfg", Golden()) + std::u16string(1, u'\0') + u"x", emErrorNoHayArchivo},
+  };
+  for (size_t i = 0; i < bad.size(); ++i) {
+    rows.emplace_back(Put("bad" + std::to_string(i) + ".cfg", bad[i]), emErrorConfigAbrir);
+  }
+  cfg.Marca(u"Keep");
+  listener.events.clear();
+  for (const auto& [name, code] : rows) {
+    SCOPED_TRACE(AUtf8(name));
+    const std::u16string message = code == 0                     ? u"Error desconocido."
+                                   : code == emErrorNoHayArchivo ? kMsg1501
+                                                                 : kMsg1505;
+    EXPECT_VELQUA_ERROR(cfg.Abrir(name), NumeroErrorObjeto(code), u"clsConfigConmut.Abrir",
+                        message + u"\r\n Archivo :" + name);
+  }
+  EXPECT_EQ(cfg.Marca(), u"Keep");
+  EXPECT_TRUE(cfg.Modificado());
+  EXPECT_TRUE(listener.events.empty());
+}
+
+TEST_F(ConfigFileOpen, OnlyWholeCompleteRecordsLoadWhateverTheCountsSay) {
+  const std::string g = Golden();
+  const std::string promise = g.substr(0, 690) + std::string(7, '\1');  // and a cut record
+  const struct {
+    const char* label;
+    std::string bytes;
+    std::string fechaDia, fechaHoras, entrante, saliente;
+    size_t saved;  // saving counts the records again
+  } rows[] = {
+      {"counts beyond the end", PutLE(PutLE(promise, 656, 32767, 2), 658, 32767, 2), "1,2,1",
+       "11,2,1", "0,0,?", "0,0,?", 690},
+      {"last constant cut", g.substr(0, 745), "1,2,1", "11,2,1", "30,1,E", "0,0,?", 720},
+      {"negative counts", PutLE(PutLE(g, 656, -1, 2), 658, -32768, 2), "0,0,0?", "0,0,0?", "0,0,?",
+       "0,0,?", 660},
+      {"a record of width 0", PutLE(g, 669, 0, 1), "0,0,0?", "11,2,1", "30,1,E", "30,1,S", 740},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.label);
+    clsCfgConmut c;
+    c.Abrir(Put("r.cfg", row.bytes));
+    EXPECT_EQ(Dato(c, emParamFechaDia), row.fechaDia);
+    EXPECT_EQ(Dato(c, emParamFechaHoras), row.fechaHoras);
+    EXPECT_EQ(Cte(c, emDatoCteIdentEntrante), row.entrante);
+    EXPECT_EQ(Cte(c, emDatoCteIdentSaliente), row.saliente);
+    c.GuardarComo(dir.Path16("again.cfg"));
+    EXPECT_EQ(Read("again.cfg").size(), row.saved);
+  }
+}
+
+TEST_F(ConfigFileOpen, HeaderAcceptsCase11AndABrandOfBlanks) {
+  cfg.Abrir(Put("c11.cfg", PutLE(Golden(), 364, 11)));
+  EXPECT_EQ(cfg.Caso(), 11);
+  cfg.Abrir(Put("blank.cfg", Golden().replace(4, 50, std::string(50, ' '))));
+  EXPECT_EQ(cfg.Marca(), std::u16string(50, u' '));
+}
+
+TEST_F(ConfigFileOpen, AFailingListenerMakesTheLoadFailWith1505) {
+  struct Thrower : EventosCfgConmut {
+    void Cambios() override { throw std::runtime_error("host failure"); }
+  } thrower;
+  cfg.AgregaOyente(&thrower);
+  const std::u16string f = U(DataPath("files/v3_golden.cfg"));
+  EXPECT_VELQUA_ERROR(cfg.Abrir(f), NumeroErrorObjeto(emErrorConfigAbrir), u"clsConfigConmut.Abrir",
+                      kMsg1505 + u"\r\n Archivo :" + f);
+  EXPECT_EQ(listener.Count("ConfiguracionCargada"), 0);
+  EXPECT_EQ(cfg.Marca(), u"Panasonic");  // reset and partly loaded
+  EXPECT_TRUE(cfg.Modificado());
+}
+
+TEST_F(ConfigFileVersion2, StandardFileIsConvertedByTheTwoTables) {
+  cfg.Abrir(U(DataPath("files/v2_estandar.cfg")));
+  EXPECT_EQ(cfg.Version(), emVersion2_0);
+  EXPECT_EQ(cfg.NombreVersion(), u"2.0");
+  EXPECT_EQ(cfg.Caso(), emCasoEstandar);
+  EXPECT_EQ(cfg.NombreConmutador(), u"Siemens, Hicom 150");  // trimmed
+  EXPECT_EQ(cfg.Comentarios(), std::u16string(250, u'C'));
+  EXPECT_EQ(cfg.Separador(), u"|");  // unquoted
+  EXPECT_FALSE(cfg.Modificado());
+  EXPECT_EQ(listener.events.front(), "Cambios");
+  EXPECT_EQ(listener.events[1], "CambioNombreConmutador");
+  EXPECT_EQ(listener.events.back(), "ConfiguracionCargada");
+  EXPECT_EQ(listener.Count("ConfiguracionCargada"), 1);
+  EXPECT_EQ(listener.Count("CambioNombreConmutador"), 2);
+  // The pair each key 2 to 68 takes (-1: none): pair i holds column i + 1 and
+  // width 2, but pair 32 is (0, 0).
+  const int pairs[] = {0,  1,  2,  3,  4,  5,  26, 27, 28, 29, 30, 31, -1, -1, -1, 32, 6,
+                       7,  8,  9,  6,  6,  7,  7,  8,  8,  9,  9,  10, 14, 15, 11, 12, 16,
+                       13, 17, 18, 22, 18, 22, 23, 19, 23, 19, 20, 24, 20, 24, 21, 25, 21,
+                       25, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+  for (int key = 2; key <= 68; ++key) {
+    const int p = pairs[key - 2];
+    EXPECT_EQ(Dato(cfg, key), p < 0     ? "0,0,0?"
+                              : p == 32 ? "0,0,1?"
+                                        : std::to_string(p + 1) + ",2,1")
+        << key;
+  }
+  // The entry each constant key 2 to 29 takes (-1: none); entry 3 goes to the
+  // AND key in case 1 only, and entry 7 has column 0.
+  const int entries[] = {0,  -1, 2,  3, -1, 4,  5,  -1, 6,  7,  -1, 8,  9,  -1,
+                         -1, 1,  -1, 1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
+  const char* const constants[] = {"20,2,AM", "45,3,FIN", "1,1,E", "2,1,X", "3,1,S",
+                                   "4,1,Y",   "5,1,I",    "0,0,?", "6,1,T", "7,1,Z"};
+  for (int key = 2; key <= 29; ++key) {
+    const int e = entries[key - 2];
+    EXPECT_EQ(Cte(cfg, key), e < 0 ? "0,0,?" : constants[e]) << key;
+  }
+}
+
+TEST_F(ConfigFileVersion2, CaseByteOtherThan0MovesEntry3ToTheOrKey) {
+  cfg.Abrir(U(DataPath("files/v2_samsung.cfg")));
+  EXPECT_EQ(cfg.Caso(), emCasoSamsungNX_820);
+  EXPECT_EQ(cfg.Separador(), u" ");  // one blank between quotes
+  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntranteInicioTransferida), "42,1,x");
+  EXPECT_EQ(Cte(cfg, emDatoCteIdentSalienteInicioTransferida), "42,1,x");
+  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntranteOR), "2,1,X");
+  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntranteAND), "0,0,?");
+  cfg.Abrir(Put("c256.cfg", PutLE(V2(), 2, 255, 1)));  // the case byte is not range tested
+  EXPECT_EQ(cfg.Caso(), 256);
+  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntranteOR), "2,1,X");
+  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntranteInicioTransferida), "0,0,?");
+  cfg.Abrir(U(DataPath("files/v2_sin_comillas.cfg")));
+  EXPECT_EQ(cfg.Separador(), u"##");
+}
+
+}  // namespace

@@ -1,0 +1,266 @@
+// The profile form of a configuration: Exportar writes it, Importar reads it
+// back over the object without a reset.
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "files/files_support.h"
+
+namespace {
+
+using namespace files_test;
+using velqua_test::DataPath;
+using Events = std::vector<std::string>;
+
+// An importable header; more lines may follow.
+std::string Header(const std::string& separator = "124,") {
+  return "[Conmutador]\r\nVersion=3\r\nMarca=M\r\nModelo=N\r\nCaso=1\r\nSeparador=" + separator +
+         "\r\n";
+}
+
+class ProfileExport : public FileTest {};
+class ProfileImport : public FileTest {
+ protected:
+  void ExpectFails(const std::u16string& file, const std::string& detail) {
+    EXPECT_VELQUA_ERROR(cfg.Importar(file), NumeroErrorObjeto(emErrorConfigImportar),
+                        u"clsConfigConmut.Importar",
+                        kMsg1504 + u"\r\n" + U(detail) + u"\r\n" + file);
+  }
+};
+
+const std::string kVersion = "La versión no es correcta.";
+const std::string kSeparator = "No hay un separador de llamadas definido.";
+
+TEST_F(ProfileExport, WritesTheGoldenFileOverAnOldOneAndChangesNothing) {
+  velqua_test::WriteFile(dir.Path("g.ini"), "[Otra]\r\nClave=1\r\n[Datos]\r\nDato9=2,1,1,1,\r\n");
+  MakeGoldenConfig(cfg);
+  listener.events.clear();
+  cfg.Exportar(dir.Path16("g.ini"));
+  EXPECT_EQ(Read("g.ini"), velqua_test::ReadFile(DataPath("files/export_golden.ini")));
+  EXPECT_TRUE(cfg.Modificado());
+  EXPECT_TRUE(listener.events.empty());
+}
+
+TEST_F(ProfileExport, WritesAnyTextCaseAndWiringAsTheyAre) {
+  cfg.Modelo(u"N");
+  cfg.Comentarios(u"a\r\nb\rc\n");
+  cfg.Caso(static_cast<emCasos>(-7));
+  cfg.ActivaPin(emPuertoDB9, 1, 31);
+  cfg.Exportar(dir.Path16("n.ini"));
+  const std::string text = Read("n.ini");
+  for (const char* line : {"\r\nMarca=\r\n", "\r\nCaso=-7\r\n", "\r\nComentarios=a  b c \r\n",
+                           "\r\nDB9=1073741824,0,0,0,0,0,0,0,0,\r\n"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line;
+  }
+  EXPECT_EQ(text.find("[Datos]"), std::string::npos);  // no complete record, no section
+}
+
+TEST_F(ProfileExport, BlankOrUnwritableNamesFail) {
+  EXPECT_VELQUA_ERROR(cfg.Exportar(u"  "), NumeroErrorObjeto(emErrorNoHayArchivo),
+                      u"clsConfigConmut.Exportar", kMsg1501);
+  for (const std::u16string& name : {U(dir.dir()), dir.Path16("missing/x.ini")}) {
+    EXPECT_VELQUA_ERROR(cfg.Exportar(name), NumeroErrorObjeto(emErrorConfigExportar),
+                        u"clsConfigConmut.Exportar", kMsg1503);
+  }
+}
+
+TEST_F(ProfileImport, ExportedConfigurationImportsBackIntoAFreshObject) {
+  cfg.Abrir(U(DataPath("files/v2_estandar.cfg")));  // version 2, many records
+  cfg.ActivaPin(emPuertoRJ45, 9, 4);
+  cfg.ActivaPin(emPuertoDB25, 25, 2);
+  cfg.DATOActivo(emParamTelefonoSaliente);
+  cfg.TipoDatoDATO(emValorCadena);
+  cfg.Exportar(dir.Path16("r.ini"));
+  clsCfgConmut other;
+  other.Importar(dir.Path16("r.ini"));
+  EXPECT_EQ(Summary(other), Summary(cfg));
+  cfg.GuardarComo(dir.Path16("a.cfg"));
+  other.GuardarComo(dir.Path16("b.cfg"));
+  EXPECT_EQ(Read("b.cfg"), Read("a.cfg"));  // the records in the same order
+}
+
+TEST_F(ProfileImport, EachHeaderCheckFailsWithItsDetail) {
+  const std::string a = "[Conmutador]\r\nVersion=3\r\nMarca=M\r\n";
+  const struct {
+    std::string text, detail;
+  } rows[] = {
+      {"[Conmutador]\r\nMarca=M\r\n", kVersion},
+      {"[Conmutador]\r\nVersion=0\r\n", kVersion},
+      {"[Conmutador]\r\nVersion=4\r\n", kVersion},
+      {"[Conmutador]\r\nVersion=-1\r\n", kVersion},
+      {"[Conmutador]\r\nVersion=abc\r\n", kVersion},
+      {"[Conmutador]\r\nVersion=3x\r\n", kVersion},
+      {"[Conmutador]\r\nVersion=1e0\r\n", kVersion},
+      {"[Conmutador]\r\nVersion=3\r\nMarca=   \r\n",
+       "No se encontro una marca para la configuración del conmutador."},
+      {a, "No se encontro un modelo para la configuración del conmutador."},
+      {a + "Modelo=N\r\nCaso=2\r\n", "El caso de la configuración no esta soportado."},
+      {a + "Modelo=N\r\nCaso=x\r\n", "El caso de la configuración no esta soportado."},
+      {Header("0,0"), kSeparator},
+      {Header(""), kSeparator},
+      {Header() + "[Puertos]\r\nDB25=1,9999999999\r\n", kSeparator},  // overflow: the last detail
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    ExpectFails(Put("h.ini", row.text), row.detail);
+  }
+  std::filesystem::create_directory(dir.Path("dir.ini"));
+  for (const std::u16string& name :
+       {dir.Path16("missing.ini"), dir.Path16("dir.ini"), std::u16string()}) {
+    ExpectFails(name, kVersion);
+  }
+}
+
+TEST_F(ProfileImport, AFailedCheckKeepsWhatWasReadBeforeIt) {
+  cfg.Marca(u"Old");
+  listener.events.clear();
+  ExpectFails(Put("c2.ini", "[Conmutador]\r\nVersion=2\r\nMarca=New\r\nModelo=Model\r\nCaso=2\r\n"),
+              "El caso de la configuración no esta soportado.");
+  EXPECT_EQ(cfg.Version(), emVersion2_0);
+  EXPECT_EQ(cfg.NombreConmutador(), u"New, Model");
+  EXPECT_TRUE(cfg.Modificado());
+  EXPECT_TRUE(listener.events.empty());
+}
+
+TEST_F(ProfileImport, AFailingListenerMakesTheImportFailWithTheLastDetail) {
+  struct Thrower : EventosCfgConmut {
+    void Cambios() override { throw std::runtime_error("host"); }
+  } thrower;
+  cfg.AgregaOyente(&thrower);
+  ExpectFails(Put("t.ini", Header() + "[Datos]\r\nDato1=2,1,5,2\r\n"), kSeparator);
+  EXPECT_EQ(listener.Count("ConfiguracionCargada"), 0);
+}
+
+TEST_F(ProfileImport, VersionsFrom1To3AreTakenAsWritten) {
+  const struct {
+    std::string version;
+    int32_t number;
+    std::u16string name;
+  } rows[] = {{"1", 1, u"No hay versión"}, {" +2 ", 2, u"2.0"}, {"3.0", 3, u"3.0"}};
+  for (const auto& row : rows) {
+    cfg.Importar(Put("v.ini", "[Conmutador]\r\nVersion=" + row.version +
+                                  "\r\nMarca=M\r\nModelo=N\r\nCaso=1\r\nSeparador=124,\r\n"));
+    EXPECT_EQ(cfg.Version(), row.number);
+    EXPECT_EQ(cfg.NombreVersion(), row.name);
+    EXPECT_TRUE(cfg.HayConfig());
+  }
+}
+
+TEST_F(ProfileImport, SeparatorIsDecodedFromCodes0To254OfUpTo3Characters) {
+  const struct {
+    std::string codes, separator, list;
+  } rows[] = {
+      {"13,10,", "\r\n", "13,10,0,0,0,0,0,0,0,0,"},
+      {"300,abc,65", "A", "65,0,0,0,0,0,0,0,0,0,"},
+      {"255,1000, 66,128", "B€", "66,128,0,0,0,0,0,0,0,0,"},
+      {"65,0,66,", "AB", "65,66,0,0,0,0,0,0,0,0,"},  // the zero is kept, then removed on reading
+  };
+  for (const auto& row : rows) {
+    cfg.Importar(Put("s.ini", Header(row.codes)));
+    EXPECT_EQ(cfg.Separador(), U(row.separator)) << row.codes;
+    EXPECT_EQ(AUtf8(cfg.ListaSeparador()), row.list) << row.codes;
+  }
+}
+
+TEST_F(ProfileImport, SuccessStoresTheHeaderDirectlyMergesTheTablesAndClearsTheFlag) {
+  cfg.DATOActivo(emParamFechaMes);
+  cfg.DATOPos(3);
+  cfg.DATOTam(2);
+  cfg.Marca(u"X");
+  listener.events.clear();
+  cfg.Importar(Put("ok.ini", "[Conmutador]\r\nVersion=3\r\nMarca=" + std::string(60, 'b') +
+                                 "\r\nModelo='quoted'\r\nCaso=1\r\nSeparador=124,\r\n"
+                                 "[Datos]\r\nDato1=2,1,5,2,\r\n"
+                                 "[Constantes]\r\nConstante1=4,2,10,1,$(72,73,)\r\n"));
+  EXPECT_FALSE(cfg.Modificado());
+  // DATOPos, DATOTam, CTEPos, Constante; the header sends nothing.
+  EXPECT_EQ(listener.events,
+            (Events{"Cambios", "Cambios", "Cambios", "Cambios", "ConfiguracionCargada"}));
+  EXPECT_EQ(cfg.Marca(), std::u16string(50, u'b'));
+  EXPECT_EQ(cfg.Modelo(), u"quoted");
+  EXPECT_EQ(cfg.Comentarios(), u"");
+  EXPECT_EQ(Dato(cfg, emParamFechaMes), "3,2,1");
+  EXPECT_EQ(Dato(cfg, emParamFechaDia), "5,2,1");
+}
+
+TEST_F(ProfileImport, WiringListsSetEntries1ToNAndZeroTheRest) {
+  for (int16_t pin = 0; pin <= 9; ++pin) cfg.ActivaPin(emPuertoRJ45, pin, 1);
+  std::string db25;
+  for (int i = 0; i < 25; ++i) db25 += "1073741824,";  // cut by the 255-character buffer
+  cfg.Importar(Put("w.ini", Header() +
+                                "[Puertos]\r\nRJ45=-2147483648,2147483647,-123456789,5\r\n"
+                                "DB9=x,7\r\nDB25=" +
+                                db25 + "\r\n"));
+  EXPECT_EQ(Wire(cfg, emPuertoRJ45, 0), 1);  // entry 0 is not read; 11 characters read as 0
+  cfg.Exportar(dir.Path16("w.ini"));
+  std::string db25Out;
+  for (int i = 0; i < 23; ++i) db25Out += "1073741824,";
+  const std::string lines[] = {"RJ45=0,2147483647,-123456789,5,0,0,0,0,0,",
+                               "DB9=0,7,0,0,0,0,0,0,0,", "DB25=" + db25Out + "1,0,"};
+  for (const std::string& line : lines) {
+    EXPECT_NE(Read("w.ini").find("\r\n" + line + "\r\n"), std::string::npos) << line;
+  }
+}
+
+TEST_F(ProfileImport, DataFieldValuesOutsideTheirRangesAreSkipped) {
+  const struct {
+    std::string value;
+    int key;
+    std::string field;
+  } rows[] = {
+      {"2,1,5,2", 2, "5,2,1"},
+      {"3,3,7,4,", 3, "7,4,3"},
+      {"68,2,255,255,junk", 68, "255,255,2"},
+      {"2,1,1,1", 2, "1,1,1"},
+      {"2,0,5,2", 2, "0,0,0?"},
+      {"2,4,5,2", 2, "0,0,0?"},
+      {"2,1,0,2", 2, "0,0,0?"},
+      {"2,1,256,2", 2, "0,0,0?"},
+      {"2,1,5,0", 2, "0,0,0?"},
+      {"2,1,5,256", 2, "0,0,0?"},
+      {"2,1,5", 2, "0,0,0?"},
+  };
+  for (const auto& row : rows) {
+    clsCfgConmut c;
+    c.Importar(Put("d.ini", Header() + "[Datos]\r\nDato1=" + row.value + "\r\n"));
+    EXPECT_EQ(Dato(c, row.key), row.field) << row.value;
+  }
+}
+
+TEST_F(ProfileImport, ConstantValuesDecodeTheirCodeListOrAreSkipped) {
+  const std::string a25 = "$(" + [] {
+    std::string s;
+    for (int i = 0; i < 25; ++i) s += "65,";
+    return s;
+  }() + ")";
+  const struct {
+    std::string value;
+    int key;
+    std::string constant;
+  } rows[] = {
+      {"4,2,10,1,$(72,73,)", 4, "10,2,HI"},  // the width is derived
+      {"29,3,255,255,$(72,)", 29, "255,1,H"},
+      {"4,2,10,1,x65,66,)", 4, "10,2,AB"},  // no "$(": the list starts at the 2nd character
+      {"4,2,10,1," + a25, 4, "10,20,AAAAAAAAAAAAAAAAAAAA"},
+      {"4,2,10,1,$(7)", 4, "0,0,?"},
+      {"4,2,10,1,)$(72,73,", 4, "0,0,?"},
+      {"4,2,10,1", 4, "0,0,?"},
+      {"4,0,10,1,$(72,73,)", 4, "0,0,?"},
+  };
+  for (const auto& row : rows) {
+    clsCfgConmut c;
+    c.Importar(Put("c.ini", Header() + "[Constantes]\r\nConstante1=" + row.value + "\r\n"));
+    EXPECT_EQ(Cte(c, row.key), row.constant) << row.value;
+  }
+}
+
+TEST_F(ProfileImport, NumberedKeysStopAtTheFirstEmptyValue) {
+  cfg.Importar(Put("d.ini", Header() + "[Datos]\r\nDato1=2,1,5,2\r\nDato2=\r\nDato3=3,1,5,2\r\n"
+                                       "[Constantes]\r\nConstante2=4,2,10,1,$(72,73,)\r\n"));
+  EXPECT_EQ(Dato(cfg, emParamFechaDia), "5,2,1");
+  EXPECT_EQ(Dato(cfg, emParamFechaMes), "0,0,0?");
+  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntrante), "0,0,?");
+}
+
+}  // namespace

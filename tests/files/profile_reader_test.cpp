@@ -1,0 +1,142 @@
+// The profile-file reader and writer under Importar and Exportar, and what
+// counts as a number in a profile value.
+#include <string>
+
+#include "files/bas_conmuta.h"
+#include "files/files_support.h"
+#include "files/numerico.h"
+#include "files/perfil_ini.h"
+
+namespace {
+
+using namespace files_test;
+using basConmuta::EscribeValorINI;
+using basConmuta::LeeValorINI;
+
+class ProfileReader : public FileTest {
+ protected:
+  std::string Value(const std::u16string& file, const std::string& section,
+                    const std::string& key) {
+    return AUtf8(LeeValorINI(file, U(section), U(key)));
+  }
+};
+
+TEST_F(ProfileReader, ValuesAreFoundTrimmedUnquotedAndCutTo254Characters) {
+  const struct {
+    std::string text, section, key, value;
+  } rows[] = {
+      {"[CONMUTADOR]\r\nmarca=Nec\r\n", "Conmutador", "Marca", "Nec"},
+      {"[\xD1"
+       "and\xFA]\r\n\xC1"
+       "rbol=1\r\n",
+       "ñANDÚ", "áRBOL", "1"},  // Windows-1252 letters fold too
+      {"  [ S ]  \n \t k \t=   Nec  Corp \t \n", "S", "k", "Nec  Corp"},
+      {"[S]\na=\"x y\"\n", "S", "a", "x y"},
+      {"[S]\nb='z'\n", "S", "b", "z"},
+      {"[S]\nc='w\"\n", "S", "c", "'w\""},
+      {"[S]\nd=\"\n", "S", "d", "\""},
+      {"[S]\ne='' \n", "S", "e", ""},
+      {"[S]\nk=1\nK=2\n[s]\nk=4\nonly=5\n", "S", "k", "1"},  // the first of a name wins
+      {"[S]\nk=1\n[s]\nonly=5\n", "S", "only", ""},
+      {"orphan=1\n[S]\nk=2\n", "S", "orphan", ""},
+      {"[S]\nnoequals\n;k=3\n", "S", "noequals", ""},
+      {"[S]\n;k=3\n", "S", ";k", "3"},
+      {"[S]\nk=a=b;c\n", "S", "k", "a=b;c"},
+      {"[S]\nk=1\n", "X", "k", ""},
+      {"[S]\nk=" + std::string(250, 'a') + "    bcdef\n", "S", "k", std::string(250, 'a')},
+      {"[S]\nk=" + std::string(300, 'm') + "\n", "S", "k", std::string(254, 'm')},
+      {std::string("[S]\nk=ab\0cd\n", 12), "S", "k", "ab"},
+      {"[S]\nk=\xF1\x80\n", "S", "k", "ñ€"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    EXPECT_EQ(Value(Put("p.ini", row.text), row.section, row.key), row.value);
+  }
+  for (const std::u16string& name : {dir.Path16("none.ini"), U(dir.dir()), std::u16string()}) {
+    EXPECT_EQ(Value(name, "S", "k"), "");
+  }
+  EXPECT_EQ(basConmuta::CortaEnNulo(std::u16string(u"ab\0cd", 5)), u"ab");
+  EXPECT_EQ(basConmuta::CortaEnNulo(u"abc"), u"abc");
+}
+
+TEST_F(ProfileReader, PlatformReaderHonoursItsBufferSizeAndDefault) {
+  const std::string name = AAnsi(Put("p.ini", "[S]\nk=abcdef\n"));
+  char buf[4] = {'x', 'x', 'x', 'x'};
+  EXPECT_EQ(perfil::GetPrivateProfileStringA("S", "k", nullptr, buf, 4, name.c_str()), 3u);
+  EXPECT_STREQ(buf, "abc");
+  EXPECT_EQ(perfil::GetPrivateProfileStringA("S", "z", "def", buf, 4, name.c_str()), 3u);
+  EXPECT_STREQ(buf, "def");
+  EXPECT_EQ(perfil::GetPrivateProfileStringA("S", "z", nullptr, buf, 4, name.c_str()), 0u);
+  EXPECT_STREQ(buf, "");
+  EXPECT_EQ(perfil::GetPrivateProfileStringA("S", "k", nullptr, buf, 0, name.c_str()), 0u);
+}
+
+TEST_F(ProfileReader, AReadSessionSeesAFileChangedOrWrittenMeanwhile) {
+  const auto f = Put("p.ini", "[S]\nk=1\n");
+  perfil::SesionLecturaPerfil session;
+  EXPECT_EQ(Value(f, "S", "k"), "1");
+  Put("p.ini", "[S]\nk=22\n");
+  EXPECT_EQ(Value(f, "S", "k"), "22");
+  ASSERT_TRUE(EscribeValorINI(f, u"S", u"k", u"33"));
+  EXPECT_EQ(Value(f, "S", "k"), "33");
+  EXPECT_EQ(Value(dir.Path16("other.ini"), "S", "k"), "");
+  EXPECT_EQ(Value(f, "S", "k"), "33");
+}
+
+TEST_F(ProfileReader, WritingAddsSectionsAndKeysOrReplacesAValueInPlace) {
+  const auto f = dir.Path16("new.ini");
+  ASSERT_TRUE(EscribeValorINI(f, u"A", u"k", u"  1  "));
+  ASSERT_TRUE(EscribeValorINI(f, u"B", u"k", U("ñ")));
+  ASSERT_TRUE(EscribeValorINI(f, u"A", u"j", u"3"));
+  EXPECT_EQ(Read("new.ini"), "[A]\r\nk=  1  \r\nj=3\r\n\r\n[B]\r\nk=\xF1\r\n");
+  EXPECT_EQ(Value(f, "A", "k"), "1");
+  const auto g = Put("p.ini", "; head\n[a]\nKEY = old\nother=1\n\n[b]\nkey=x\n");
+  ASSERT_TRUE(EscribeValorINI(g, u"A", u"key", u"new"));
+  ASSERT_TRUE(EscribeValorINI(g, u"a", u"added", u"v"));
+  EXPECT_EQ(Read("p.ini"),
+            "; head\r\n[a]\r\nKEY=new\r\nother=1\r\nadded=v\r\n\r\n[b]\r\nkey=x\r\n");
+  for (const std::u16string& name : {U(dir.dir()), dir.Path16("no/x.ini"), std::u16string()}) {
+    EXPECT_FALSE(EscribeValorINI(name, u"S", u"k", u"v"));
+  }
+}
+
+TEST(ProfileNumbers, NumericFormsAndTheirHalfToEvenIntegers) {
+  const struct {
+    const char16_t* text;
+    int32_t value;
+  } accepted[] = {
+      {u"0", 0},
+      {u" 42 ", 42},
+      {u"\t7", 7},
+      {u"+3", 3},
+      {u"-3", -3},
+      {u"1.", 1},
+      {u".4", 0},
+      {u"-.5", 0},
+      {u"2.5", 2},
+      {u"3.5", 4},
+      {u"2.51", 3},
+      {u"-2.5", -2},
+      {u"-2.6", -3},
+      {u"1.5", 2},
+      {u"007", 7},
+      {u"2147483647", INT32_MAX},
+      {u"-2147483648", INT32_MIN},
+      {u"0000000000000000000000000000005", 5},
+  };
+  for (const auto& row : accepted) {
+    EXPECT_TRUE(archivos::EsNumerico(row.text)) << AUtf8(row.text);
+    EXPECT_EQ(archivos::ValorEntero32(row.text), row.value) << AUtf8(row.text);
+  }
+  for (const char16_t* t : {u"", u" ", u"+", u"-", u".", u"1e3", u"&H1F", u"1,000", u"$1", u"(1)",
+                            u"1 2", u"+ 1", u"abc", u"12a", u"--1", u"1..2", u"٣"}) {
+    EXPECT_FALSE(archivos::EsNumerico(t)) << AUtf8(t);
+  }
+  for (const char16_t* t :
+       {u"2147483648", u"-2147483649", u"2147483647.5", u"99999999999999999999999999"}) {
+    EXPECT_TRUE(archivos::EsNumerico(t));
+    EXPECT_VELQUA_ERROR_NUMBER(archivos::ValorEntero32(t), kErrDesbordamiento);
+  }
+}
+
+}  // namespace
