@@ -146,25 +146,20 @@ TEST(CairoSurface, DrawsOnAPixelGrid) {
 
 TEST(CairoSurface, SaveErrors) {
   const SuperficieCairo s(10, 10);
-  const std::string bmp = TmpPath("picture.bmp");
-  struct Row {
-    std::string path;
-    int32_t number;
-    std::string description;  // its beginning
-  } rows[] = {
-      {bmp, 5, "Formato de archivo no disponible: \"" + bmp + "\" (png, svg o pdf)."},
-      {"/nonexistent-dir/x.png", 75, "No se pudo escribir el archivo \"/nonexistent-dir/x.png\": "},
-      {"/nonexistent-dir/x.svg", 75,
-       "No se pudo escribir el archivo \"/nonexistent-dir/x.svg\": "}};
-  for (const Row& r : rows) {
-    SCOPED_TRACE(r.path);
+  const std::pair<std::string, int32_t> rows[] = {
+      {TmpPath("picture.bmp"), 5}, {"/nonexistent-dir/x.png", 75}, {"/nonexistent-dir/x.svg", 75}};
+  for (const auto& [path, number] : rows) {
+    SCOPED_TRACE(path);
+    const std::string description =  // its beginning
+        number == 5 ? "Formato de archivo no disponible: \"" + path + "\" (png, svg o pdf)."
+                    : "No se pudo escribir el archivo \"" + path + "\": ";
     try {
-      s.Guarda(r.path);
+      s.Guarda(path);
       ADD_FAILURE() << "no error";
     } catch (const Error& e) {
-      EXPECT_EQ(e.Number(), r.number);
+      EXPECT_EQ(e.Number(), number);
       EXPECT_EQ(e.Source(), u"SuperficieCairo.Guarda");
-      EXPECT_EQ(AUtf8(e.Description()).substr(0, r.description.size()), r.description);
+      EXPECT_EQ(AUtf8(e.Description()).substr(0, description.size()), description);
     }
   }
 }
