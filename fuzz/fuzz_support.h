@@ -1,7 +1,7 @@
 // Shared helpers of the libFuzzer targets: a fixed clock so
 // that every run is deterministic, and a private temporary folder for the
 // files the targets hand to the library. Header-only, so that the replay test
-// (tests/test_fuzz_replay.cpp) can compile the targets into one program.
+// (tests/fuzz/corpus_replay_test.cpp) can compile the targets into one program.
 #pragma once
 
 #include <unistd.h>
