@@ -187,29 +187,21 @@ TEST_F(ConfigFileOpen, RefusedFilesRaiseTheirErrorAndLeaveTheObjectAsItWas) {
 }
 
 TEST_F(ConfigFileOpen, OnlyWholeCompleteRecordsLoadWhateverTheCountsSay) {
-  const std::string g = Golden();
-  const std::string promise = g.substr(0, 690) + std::string(7, '\1');  // and a cut record
+  const std::string g = Golden(), fields = " D2:1,2,1 D5:11,2,1 D19:30,20,3";
   const struct {
-    const char* label;
-    std::string bytes;
-    std::string fechaDia, fechaHoras, entrante, saliente;
+    std::string bytes, records;
     size_t saved;  // saving counts the records again
   } rows[] = {
-      {"counts beyond the end", PutLE(PutLE(promise, 656, 32767, 2), 658, 32767, 2), "1,2,1",
-       "11,2,1", "0,0,?", "0,0,?", 690},
-      {"last constant cut", g.substr(0, 745), "1,2,1", "11,2,1", "30,1,E", "0,0,?", 720},
-      {"negative counts", PutLE(PutLE(g, 656, -1, 2), 658, -32768, 2), "0,0,0?", "0,0,0?", "0,0,?",
-       "0,0,?", 660},
-      {"a record of width 0", PutLE(g, 669, 0, 1), "0,0,0?", "11,2,1", "30,1,E", "30,1,S", 740},
+      {PutLE(PutLE(g.substr(0, 697), 656, 32767, 2), 658, 32767, 2), fields, 690},
+      {g.substr(0, 745), fields + " C4:30,1,E", 720},
+      {PutLE(PutLE(g, 656, -1, 2), 658, -32768, 2), "", 660},
+      {PutLE(g, 669, 0, 1), " D5:11,2,1 D19:30,20,3 C4:30,1,E C7:30,1,S", 740},  // width 0
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.label);
+    SCOPED_TRACE(row.records);
     clsCfgConmut c;
     c.Abrir(Put("r.cfg", row.bytes));
-    EXPECT_EQ(Dato(c, emParamFechaDia), row.fechaDia);
-    EXPECT_EQ(Dato(c, emParamFechaHoras), row.fechaHoras);
-    EXPECT_EQ(Cte(c, emDatoCteIdentEntrante), row.entrante);
-    EXPECT_EQ(Cte(c, emDatoCteIdentSaliente), row.saliente);
+    EXPECT_EQ(Records(c), row.records);
     c.GuardarComo(dir.Path16("again.cfg"));
     EXPECT_EQ(Read("again.cfg").size(), row.saved);
   }

@@ -68,17 +68,9 @@ inline std::string Cte(clsCfgConmut& cfg, int32_t key) {
          AUtf8(cfg.Constante()) + (cfg.HayCTE() ? "" : "?");
 }
 
-// Everything a configuration holds, as text: header, wiring and the complete
-// records ("D" data fields, "C" constants, by key).
-inline std::string Summary(clsCfgConmut& cfg) {
-  std::string s = AUtf8(cfg.NombreVersion() + u"|" + cfg.NombreConmutador() + u"|" +
-                        cfg.Comentarios() + u"|" + cfg.ListaSeparador()) +
-                  "|" + std::to_string(cfg.Caso()) + "|";
-  for (int16_t pin = 0; pin < 46; ++pin) {
-    const auto port = static_cast<emPuertoSerial>(pin < 10 ? 1 : pin < 20 ? 2 : 3);
-    s +=
-        std::to_string(Wire(cfg, port, static_cast<int16_t>(pin < 20 ? pin % 10 : pin - 20))) + ",";
-  }
+// The complete records, as " D<key>:<Dato>" and " C<key>:<Cte>".
+inline std::string Records(clsCfgConmut& cfg) {
+  std::string s;
   for (int k = 0; k <= 70; ++k) {
     if (Dato(cfg, k).back() != '?') s += " D" + std::to_string(k) + ":" + Dato(cfg, k);
   }
@@ -86,6 +78,22 @@ inline std::string Summary(clsCfgConmut& cfg) {
     if (Cte(cfg, k).back() != '?') s += " C" + std::to_string(k) + ":" + Cte(cfg, k);
   }
   return s;
+}
+
+// Everything a configuration holds: version; switch name; comments;
+// separator; case; the wiring entries that are not 0; the records.
+inline std::string Summary(clsCfgConmut& cfg) {
+  std::string s = AUtf8(cfg.NombreVersion() + u";" + cfg.NombreConmutador() + u";" +
+                        cfg.Comentarios() + u";" + cfg.Separador()) +
+                  ";" + std::to_string(cfg.Caso()) + ";";
+  for (int port = 1; port <= 3; ++port) {
+    for (int16_t pin = 0; pin <= (port == 3 ? 25 : 9); ++pin) {
+      const int64_t w = Wire(cfg, static_cast<emPuertoSerial>(port), pin);
+      if (w != 0)
+        s += " P" + std::to_string(port) + "." + std::to_string(pin) + "=" + std::to_string(w);
+    }
+  }
+  return s + Records(cfg);
 }
 
 inline int32_t I32At(const std::string& b, size_t off) {

@@ -132,56 +132,62 @@ TEST_F(ProfileImport, AFailingListenerMakesTheImportFailWithTheLastDetail) {
   EXPECT_EQ(listener.Count("ConfiguracionCargada"), 0);
 }
 
-TEST_F(ProfileImport, VersionsFrom1To3AreTakenAsWritten) {
+TEST_F(ProfileImport, ValuesOutOfRangeAreSkippedAndNumberedKeysStopAtTheFirstEmptyOne) {
+  const auto version = [](const std::string& v) {
+    return "[Conmutador]\r\nVersion=" + v +
+           "\r\nMarca=M\r\nModelo=N\r\nCaso=1\r\nSeparador=124,\r\n";
+  };
+  std::string a25;
+  for (int i = 0; i < 25; ++i) a25 += "65,";
   const struct {
-    std::string version;
-    int32_t number;
-    std::u16string name;
-  } rows[] = {{"1", 1, u"No hay versión"}, {" +2 ", 2, u"2.0"}, {"3.0", 3, u"3.0"}};
-  for (const auto& row : rows) {
-    cfg.Importar(Put("v.ini", "[Conmutador]\r\nVersion=" + row.version +
-                                  "\r\nMarca=M\r\nModelo=N\r\nCaso=1\r\nSeparador=124,\r\n"));
-    EXPECT_EQ(cfg.Version(), row.number);
-    EXPECT_EQ(cfg.NombreVersion(), row.name);
-    EXPECT_TRUE(cfg.HayConfig());
-  }
-}
-
-TEST_F(ProfileImport, SeparatorIsDecodedFromCodes0To254OfUpTo3Characters) {
-  const struct {
-    std::string codes, separator, list;
+    std::string text, summary;
   } rows[] = {
-      {"13,10,", "\r\n", "13,10,0,0,0,0,0,0,0,0,"},
-      {"300,abc,65", "A", "65,0,0,0,0,0,0,0,0,0,"},
-      {"255,1000, 66,128", "B€", "66,128,0,0,0,0,0,0,0,0,"},
-      {"65,0,66,", "AB", "65,66,0,0,0,0,0,0,0,0,"},  // the zero is kept, then removed on reading
+      {version("1"), "No hay versión;M, N;;|;1;"},
+      {version(" +2 "), "2.0;M, N;;|;1;"},
+      {version("3.0"), "3.0;M, N;;|;1;"},
+      {Header("13,10,"), "3.0;M, N;;\r\n;1;"},
+      {Header("300,abc,65"), "3.0;M, N;;A;1;"},
+      {Header("255,1000, 66,128"), "3.0;M, N;;B€;1;"},  // codes 0 to 254, 3 characters at most
+      {Header("65,0,66,"), "3.0;M, N;;AB;1;"},
+      {"[Conmutador]\r\nVersion=3\r\nMarca=" + std::string(60, 'b') +
+           "\r\nModelo='quoted'\r\nCaso=1\r\nSeparador=124,\r\n",
+       "3.0;" + std::string(50, 'b') + ", quoted;;|;1;"},
+      {Header() + "[Datos]\r\nDato1=2,1,5,2\r\nDato2=3,3,7,4,\r\nDato3=68,2,255,255,junk\r\n"
+                  "Dato4=4,1,1,1\r\nDato5=5,0,5,2\r\nDato6=6,4,5,2\r\nDato7=7,1,0,2\r\n"
+                  "Dato8=8,1,256,2\r\nDato9=9,1,5,0\r\nDato10=10,1,5,256\r\nDato11=11,1,5\r\n"
+                  "Dato12=\r\nDato13=12,1,5,2\r\n",
+       "3.0;M, N;;|;1; D2:5,2,1 D3:7,4,3 D4:1,1,1 D68:255,255,2"},
+      {Header() +
+           "[Constantes]\r\nConstante1=4,2,10,1,$(72,73,)\r\n"
+           "Constante2=29,3,255,255,$(72,)\r\nConstante3=7,2,10,1,x65,66,)\r\n"
+           "Constante4=8,2,10,1,$(" +
+           a25 +
+           ")\r\nConstante5=9,2,10,1,$(7)\r\n"
+           "Constante6=10,2,10,1,)$(72,\r\nConstante7=11,2,10,1\r\n"
+           "Constante8=12,0,10,1,$(72,)\r\nConstante9=\r\nConstante10=13,2,10,1,$(72,)\r\n",
+       "3.0;M, N;;|;1; C4:10,2,HI C7:10,2,AB C8:10,20,AAAAAAAAAAAAAAAAAAAA C29:255,1,H"},
   };
   for (const auto& row : rows) {
-    cfg.Importar(Put("s.ini", Header(row.codes)));
-    EXPECT_EQ(cfg.Separador(), U(row.separator)) << row.codes;
-    EXPECT_EQ(AUtf8(cfg.ListaSeparador()), row.list) << row.codes;
+    SCOPED_TRACE(row.text);
+    clsCfgConmut c;
+    c.Importar(Put("v.ini", row.text));
+    EXPECT_EQ(Summary(c), row.summary);
   }
 }
 
-TEST_F(ProfileImport, SuccessStoresTheHeaderDirectlyMergesTheTablesAndClearsTheFlag) {
+TEST_F(ProfileImport, SuccessMergesTheTablesNotifiesTheirChangesAndClearsTheFlag) {
   cfg.DATOActivo(emParamFechaMes);
   cfg.DATOPos(3);
   cfg.DATOTam(2);
   cfg.Marca(u"X");
   listener.events.clear();
-  cfg.Importar(Put("ok.ini", "[Conmutador]\r\nVersion=3\r\nMarca=" + std::string(60, 'b') +
-                                 "\r\nModelo='quoted'\r\nCaso=1\r\nSeparador=124,\r\n"
-                                 "[Datos]\r\nDato1=2,1,5,2,\r\n"
-                                 "[Constantes]\r\nConstante1=4,2,10,1,$(72,73,)\r\n"));
+  cfg.Importar(Put("ok.ini", Header() + "[Datos]\r\nDato1=2,1,5,2,\r\n"
+                                        "[Constantes]\r\nConstante1=4,2,10,1,$(72,73,)\r\n"));
   EXPECT_FALSE(cfg.Modificado());
-  // DATOPos, DATOTam, CTEPos, Constante; the header sends nothing.
+  // DATOPos, DATOTam, CTEPos, Constante; the header is stored without a notification.
   EXPECT_EQ(listener.events,
             (Events{"Cambios", "Cambios", "Cambios", "Cambios", "ConfiguracionCargada"}));
-  EXPECT_EQ(cfg.Marca(), std::u16string(50, u'b'));
-  EXPECT_EQ(cfg.Modelo(), u"quoted");
-  EXPECT_EQ(cfg.Comentarios(), u"");
-  EXPECT_EQ(Dato(cfg, emParamFechaMes), "3,2,1");
-  EXPECT_EQ(Dato(cfg, emParamFechaDia), "5,2,1");
+  EXPECT_EQ(Summary(cfg), "3.0;M, N;;|;1; D2:5,2,1 D3:3,2,1 C4:10,2,HI");
 }
 
 TEST_F(ProfileImport, WiringListsSetEntries1ToNAndZeroTheRest) {
@@ -201,66 +207,6 @@ TEST_F(ProfileImport, WiringListsSetEntries1ToNAndZeroTheRest) {
   for (const std::string& line : lines) {
     EXPECT_NE(Read("w.ini").find("\r\n" + line + "\r\n"), std::string::npos) << line;
   }
-}
-
-TEST_F(ProfileImport, DataFieldValuesOutsideTheirRangesAreSkipped) {
-  const struct {
-    std::string value;
-    int key;
-    std::string field;
-  } rows[] = {
-      {"2,1,5,2", 2, "5,2,1"},
-      {"3,3,7,4,", 3, "7,4,3"},
-      {"68,2,255,255,junk", 68, "255,255,2"},
-      {"2,1,1,1", 2, "1,1,1"},
-      {"2,0,5,2", 2, "0,0,0?"},
-      {"2,4,5,2", 2, "0,0,0?"},
-      {"2,1,0,2", 2, "0,0,0?"},
-      {"2,1,256,2", 2, "0,0,0?"},
-      {"2,1,5,0", 2, "0,0,0?"},
-      {"2,1,5,256", 2, "0,0,0?"},
-      {"2,1,5", 2, "0,0,0?"},
-  };
-  for (const auto& row : rows) {
-    clsCfgConmut c;
-    c.Importar(Put("d.ini", Header() + "[Datos]\r\nDato1=" + row.value + "\r\n"));
-    EXPECT_EQ(Dato(c, row.key), row.field) << row.value;
-  }
-}
-
-TEST_F(ProfileImport, ConstantValuesDecodeTheirCodeListOrAreSkipped) {
-  const std::string a25 = "$(" + [] {
-    std::string s;
-    for (int i = 0; i < 25; ++i) s += "65,";
-    return s;
-  }() + ")";
-  const struct {
-    std::string value;
-    int key;
-    std::string constant;
-  } rows[] = {
-      {"4,2,10,1,$(72,73,)", 4, "10,2,HI"},  // the width is derived
-      {"29,3,255,255,$(72,)", 29, "255,1,H"},
-      {"4,2,10,1,x65,66,)", 4, "10,2,AB"},  // no "$(": the list starts at the 2nd character
-      {"4,2,10,1," + a25, 4, "10,20,AAAAAAAAAAAAAAAAAAAA"},
-      {"4,2,10,1,$(7)", 4, "0,0,?"},
-      {"4,2,10,1,)$(72,73,", 4, "0,0,?"},
-      {"4,2,10,1", 4, "0,0,?"},
-      {"4,0,10,1,$(72,73,)", 4, "0,0,?"},
-  };
-  for (const auto& row : rows) {
-    clsCfgConmut c;
-    c.Importar(Put("c.ini", Header() + "[Constantes]\r\nConstante1=" + row.value + "\r\n"));
-    EXPECT_EQ(Cte(c, row.key), row.constant) << row.value;
-  }
-}
-
-TEST_F(ProfileImport, NumberedKeysStopAtTheFirstEmptyValue) {
-  cfg.Importar(Put("d.ini", Header() + "[Datos]\r\nDato1=2,1,5,2\r\nDato2=\r\nDato3=3,1,5,2\r\n"
-                                       "[Constantes]\r\nConstante2=4,2,10,1,$(72,73,)\r\n"));
-  EXPECT_EQ(Dato(cfg, emParamFechaDia), "5,2,1");
-  EXPECT_EQ(Dato(cfg, emParamFechaMes), "0,0,0?");
-  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntrante), "0,0,?");
 }
 
 }  // namespace

@@ -8,153 +8,127 @@
 namespace {
 
 using namespace velqua;
-using Events = std::vector<std::string>;
+
+// One write to the table (or 'I' for Iniciar, 'R' to read only), then the
+// active record as "position,width,type[,text]" ("?" when incomplete), the
+// Cambios sent by the write and the change flag.
+struct Step {
+  char op;
+  int32_t key, value;
+  const char16_t* text;
+  const char* record;
+  int sent;
+  bool modified;
+};
 
 class KeyTables : public ::testing::Test {
  protected:
   void SetUp() override { cfg.AgregaOyente(&listener); }
-  void Field(int32_t key, uint8_t pos, uint8_t size) {
+  std::string Dato(int32_t key) {
     cfg.DATOActivo(static_cast<emParamDato>(key));
-    cfg.DATOPos(pos);
-    cfg.DATOTam(size);
+    return std::to_string(cfg.DATOPos()) + "," + std::to_string(cfg.DATOTam()) + "," +
+           std::to_string(cfg.TipoDatoDATO()) + (cfg.HayDATO() ? "" : "?");
   }
-  void Const(int32_t key, uint8_t pos, const std::u16string& text) {
+  std::string Cte(int32_t key) {
     cfg.CTEActivo(static_cast<emParamDatoConstante>(key));
-    cfg.Constante(text);
-    cfg.CTEPos(pos);
+    return std::to_string(cfg.CTEPos()) + "," + std::to_string(cfg.CTETam()) + "," +
+           std::to_string(cfg.TipoDatoCTE()) + "," + AUtf8(cfg.Constante()) +
+           (cfg.HayCTE() ? "" : "?");
   }
-  // Position, width, type and completeness of the active data field.
-  std::vector<int> Dato(int32_t key) {
-    cfg.DATOActivo(static_cast<emParamDato>(key));
-    return {cfg.DATOPos(), cfg.DATOTam(), cfg.TipoDatoDATO(), cfg.HayDATO()};
-  }
-  std::vector<int> Cte(int32_t key) {
-    cfg.CTEActivo(static_cast<emParamDatoConstante>(key));
-    return {cfg.CTEPos(), cfg.CTETam(), cfg.TipoDatoCTE(), cfg.HayCTE()};
+  void Run(const std::vector<Step>& steps, bool constants) {
+    for (const Step& s : steps) {
+      SCOPED_TRACE(std::string(1, s.op) + " " + std::to_string(s.key) + " " + s.record);
+      cfg.DATOActivo(static_cast<emParamDato>(s.key));
+      cfg.CTEActivo(static_cast<emParamDatoConstante>(s.key));
+      const auto v = static_cast<uint8_t>(s.value);
+      switch (s.op) {
+        case 'P':
+          constants ? cfg.CTEPos(v) : cfg.DATOPos(v);
+          break;
+        case 'W':
+          constants ? cfg.CTETam(v) : cfg.DATOTam(v);
+          break;
+        case 'Y':
+          cfg.TipoDatoDATO(static_cast<emTipoDato>(s.value));
+          break;
+        case 'X':
+          cfg.Constante(s.text);
+          break;
+        case 'I':
+          cfg.Iniciar();
+          break;
+      }
+      EXPECT_EQ(constants ? Cte(s.key) : Dato(s.key), s.record);
+      EXPECT_EQ(listener.Count("Cambios"), s.sent);
+      EXPECT_EQ(cfg.Modificado(), s.modified);
+      listener.events.clear();
+    }
   }
   clsCfgConmut cfg;
   velqua_test::RecordingListener listener;
 };
 
-const std::vector<int> kNone = {0, 0, emValorNoDefinido, false};
-
 TEST_F(KeyTables, NoKeyHasARecordAtFirstAndInvalidKeysNeverReadBack) {
-  for (int32_t k = -2; k <= 71; ++k) EXPECT_EQ(Dato(k), kNone) << k;
-  for (int32_t k = -2; k <= 32; ++k) EXPECT_EQ(Cte(k), kNone) << k;
-  EXPECT_EQ(cfg.Constante(), u"");
+  for (int32_t k = -2; k <= 71; ++k) EXPECT_EQ(Dato(k), "0,0,0?") << k;
+  for (int32_t k = -2; k <= 32; ++k) EXPECT_EQ(Cte(k), "0,0,0,?") << k;
   EXPECT_TRUE(listener.events.empty());
   for (int32_t k : {-4, 0, 1, 69, 70}) {
-    Field(k, 5, 3);
-    EXPECT_EQ(Dato(k), kNone) << k;
+    Run({{'P', k, 5, u"", "0,0,0?", 1, true}, {'W', k, 3, u"", "0,0,0?", 1, true}}, false);
   }
-  for (int32_t k : {-1, 0, 1, 30, 31}) {
-    Const(k, 5, u"X");
-    EXPECT_EQ(Cte(k), kNone) << k;
-    EXPECT_EQ(cfg.Constante(), u"");
+  for (int32_t k : {-1, 0, 1, 30, 31}) {  // all reuse the first one's free record
+    const int sent = k == -1 ? 1 : 0;
+    Run({{'X', k, 0, u"X", "0,0,0,?", sent, true}, {'P', k, 5, u"", "0,0,0,?", sent, true}}, true);
   }
-  // The records the invalid keys took are not free: a valid key gets its own.
-  cfg.DATOActivo(emParamFechaDia);
-  cfg.TipoDatoDATO(emValorCadena);
-  EXPECT_EQ(Dato(emParamFechaDia), (std::vector<int>{0, 0, emValorCadena, false}));
+  // The records of invalid data-field keys are not free: a valid key gets its own.
+  Run({{'Y', emParamFechaDia, emValorCadena, u"", "0,0,3?", 1, true}}, false);
 }
 
-TEST_F(KeyTables, PositionThenWidthCompleteAFieldEachChangeNotifyingOnce) {
-  cfg.DATOActivo(emParamFechaDia);
-  cfg.DATOPos(1);
-  cfg.DATOPos(1);
-  EXPECT_EQ(Dato(emParamFechaDia), (std::vector<int>{1, 0, emValorNumerico, false}));
-  EXPECT_TRUE(cfg.Modificado());
-  cfg.DATOTam(2);
-  cfg.DATOTam(2);
-  EXPECT_TRUE(cfg.HayDATO());
-  EXPECT_EQ(listener.events, (Events{"Cambios", "Cambios"}));
-  Field(emParamTelefonoSaliente, 255, 255);
-  cfg.TipoDatoDATO(static_cast<emTipoDato>(1234));
-  EXPECT_EQ(Dato(emParamTelefonoSaliente), (std::vector<int>{255, 255, 1234, true}));
+TEST_F(KeyTables, FieldRecordsAreTakenFreedAndTakenOver) {
+  Run(
+      {
+          {'Y', 34, emValorNumerico, u"", "0,0,1?", 0, false},  // taken silently
+          {'Y', 34, emValorCadena, u"", "0,0,3?", 1, true},
+          {'P', 5, 11, u"", "11,0,1?", 1, true},
+          {'P', 5, 11, u"", "11,0,1?", 0, true},
+          {'W', 5, 2, u"", "11,2,1", 1, true},
+          {'W', 5, 2, u"", "11,2,1", 0, true},
+          {'Y', 5, emValorNoDefinido, u"", "11,2,0?", 1, true},  // freed, values kept
+          {'Y', 5, emValorNumerico, u"", "11,2,1", 1, true},
+          {'P', 2, 1, u"", "1,0,1?", 1, true},
+          {'W', 2, 2, u"", "1,2,1", 1, true},
+          {'I', 5, 0, u"", "11,2,0?", 0, false},
+          {'P', 5, 11, u"", "11,2,0?", 0, false},  // the same position: stays free
+          {'Y', 17, emValorCadena, u"", "0,0,3?", 1, true},
+          {'R', 34, 0, u"", "0,0,0?", 0, true},  // record 1 taken over by key 17
+          {'W', 17, 3, u"", "0,3,3?", 1, true},
+          {'P', 2, 4, u"", "4,2,1", 1, true},
+          {'Y', 6, emValorNumerico, u"", "11,2,1", 0, true},  // record 2, values and all
+          {'R', 5, 0, u"", "0,0,0?", 0, true},
+          {'P', 5, 7, u"", "7,0,1?", 1, true},  // appended as record 4
+          {'P', 19, 255, u"", "255,0,1?", 1, true},
+          {'W', 19, 255, u"", "255,255,1", 1, true},
+          {'Y', 19, 1234, u"", "255,255,1234", 1, true},
+      },
+      false);
 }
 
-TEST_F(KeyTables, NumericTypeOnANewKeyTakesARecordSilently) {
-  cfg.DATOActivo(emParamExtension1InterExtension);
-  cfg.TipoDatoDATO(emValorNumerico);
-  EXPECT_TRUE(listener.events.empty());
-  EXPECT_FALSE(cfg.Modificado());
-  EXPECT_EQ(cfg.TipoDatoDATO(), emValorNumerico);
-  cfg.TipoDatoDATO(emValorCadena);
-  EXPECT_EQ(listener.events, Events{"Cambios"});
-  EXPECT_TRUE(cfg.Modificado());
-  EXPECT_EQ(cfg.TipoDatoDATO(), emValorCadena);
-}
-
-TEST_F(KeyTables, AFreedFieldKeepsItsValuesUntilAnotherKeyTakesItsRecord) {
-  Field(emParamFechaHoras, 11, 2);
-  cfg.TipoDatoDATO(emValorNoDefinido);
-  EXPECT_EQ(Dato(emParamFechaHoras), (std::vector<int>{11, 2, emValorNoDefinido, false}));
-  cfg.TipoDatoDATO(emValorNumerico);
-  EXPECT_TRUE(cfg.HayDATO());
-  Field(emParamFechaDia, 1, 2);  // record 2
-  cfg.Iniciar();
-  for (int32_t k = 2; k <= 68; ++k) EXPECT_FALSE(Dato(k)[3]) << k;
-  listener.events.clear();
-  cfg.DATOActivo(emParamFechaHoras);
-  cfg.DATOPos(11);  // the same position: stays free, nothing sent
-  EXPECT_EQ(Dato(emParamFechaHoras), (std::vector<int>{11, 2, emValorNoDefinido, false}));
-  EXPECT_TRUE(listener.events.empty());
-  cfg.DATOActivo(emParamCodigoCuenta);
-  cfg.TipoDatoDATO(emValorCadena);  // takes the first free record, values and all
-  EXPECT_EQ(Dato(emParamCodigoCuenta), (std::vector<int>{11, 2, emValorCadena, true}));
-  EXPECT_EQ(Dato(emParamFechaHoras), kNone);
-  EXPECT_EQ(Dato(emParamFechaDia), (std::vector<int>{1, 2, emValorNoDefinido, false}));
-  Field(emParamFechaHoras, 7, 2);  // record 2 is free: taken over
-  EXPECT_EQ(Dato(emParamFechaHoras), (std::vector<int>{7, 2, emValorNumerico, true}));
-  EXPECT_EQ(Dato(emParamFechaDia), kNone);
-  EXPECT_EQ(Dato(emParamCodigoCuenta), (std::vector<int>{11, 2, emValorCadena, true}));
-  Field(emParamFechaDia, 4, 3);  // appended as record 3
-  EXPECT_EQ(Dato(emParamFechaDia), (std::vector<int>{4, 3, emValorNumerico, true}));
-}
-
-TEST_F(KeyTables, ConstantTextSetsTheWidthAndAPositionCompletesIt) {
-  cfg.CTEActivo(emDatoCteIdentEntrante);
-  cfg.Constante(u"INCOMING CALL");
-  EXPECT_EQ(Cte(emDatoCteIdentEntrante), (std::vector<int>{0, 13, emValorNoDefinido, false}));
-  EXPECT_EQ(listener.events, Events{"Cambios"});
-  cfg.CTEPos(1);
-  EXPECT_EQ(Cte(emDatoCteIdentEntrante), (std::vector<int>{1, 13, emValorConstante, true}));
-  EXPECT_EQ(listener.events.size(), 2u);
-  Const(emDatoCteIdentSaliente, 30, u"ABCDEFGHIJKLMNOPQRSTUVWXY");
-  EXPECT_EQ(cfg.Constante(), u"ABCDEFGHIJKLMNOPQRST");
-  EXPECT_EQ(cfg.CTETam(), 20);
-}
-
-TEST_F(KeyTables, ConstantWidthIsFreeTextAndPositionDecideCompleteness) {
-  Const(emDatoCteIdentSaliente, 30, u"OUT");
-  cfg.CTETam(7);
-  EXPECT_EQ(Cte(emDatoCteIdentSaliente), (std::vector<int>{30, 7, emValorConstante, true}));
-  cfg.Modificado(false);
-  listener.events.clear();
-  cfg.Constante(u"OUT");  // the same text: width back to 3, silently
-  EXPECT_EQ(cfg.CTETam(), 3);
-  EXPECT_TRUE(listener.events.empty());
-  EXPECT_FALSE(cfg.Modificado());
-  cfg.CTEPos(0);
-  EXPECT_EQ(Cte(emDatoCteIdentSaliente), (std::vector<int>{0, 3, emValorNoDefinido, false}));
-  EXPECT_EQ(cfg.Constante(), u"OUT");
-  Const(emDatoCteIdentEntrante, 30, u"E");
-  listener.events.clear();
-  cfg.Constante(u"");
-  EXPECT_EQ(Cte(emDatoCteIdentEntrante), (std::vector<int>{30, 0, emValorNoDefinido, false}));
-  EXPECT_EQ(listener.events, Events{"Cambios"});
-}
-
-TEST_F(KeyTables, AfterIniciarTheSamePositionRestoresAConstantSilently) {
-  Const(emDatoCteIdentEntrante, 30, u"E");
-  cfg.Iniciar();
-  EXPECT_FALSE(Cte(emDatoCteIdentEntrante)[3]);
-  listener.events.clear();
-  cfg.CTEPos(30);
-  EXPECT_EQ(Cte(emDatoCteIdentEntrante), (std::vector<int>{30, 1, emValorConstante, true}));
-  EXPECT_EQ(cfg.Constante(), u"E");
-  EXPECT_TRUE(listener.events.empty());
-  EXPECT_FALSE(cfg.Modificado());
+TEST_F(KeyTables, ConstantTextSetsTheWidthAndTextAndPositionDecideCompleteness) {
+  const char16_t* const alphabet = u"ABCDEFGHIJKLMNOPQRSTUVWXY";
+  Run(
+      {
+          {'X', 4, 0, u"INCOMING CALL", "0,13,0,INCOMING CALL?", 1, true},
+          {'P', 4, 1, u"", "1,13,2,INCOMING CALL", 1, true},
+          {'X', 7, 0, alphabet, "0,20,0,ABCDEFGHIJKLMNOPQRST?", 1, true},
+          {'P', 7, 30, u"", "30,20,2,ABCDEFGHIJKLMNOPQRST", 1, true},
+          {'W', 7, 7, u"", "30,7,2,ABCDEFGHIJKLMNOPQRST", 1, true},
+          {'X', 7, 0, alphabet, "30,20,2,ABCDEFGHIJKLMNOPQRST", 0, true},  // width back silently
+          {'P', 7, 0, u"", "0,20,0,ABCDEFGHIJKLMNOPQRST?", 1, true},
+          {'X', 4, 0, u"", "1,0,0,?", 1, true},
+          {'P', 7, 30, u"", "30,20,2,ABCDEFGHIJKLMNOPQRST", 1, true},
+          {'I', 7, 0, u"", "30,20,0,ABCDEFGHIJKLMNOPQRST?", 0, false},
+          {'P', 7, 30, u"", "30,20,2,ABCDEFGHIJKLMNOPQRST", 0, false},  // restored silently
+      },
+      true);
 }
 
 TEST_F(KeyTables, ConstantNotificationComesBeforeTheTypeIsDerived) {

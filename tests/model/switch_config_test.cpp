@@ -1,7 +1,6 @@
 // The configuration object: initial values, label texts, derived names, the
 // change flag, the reset and the notifications.
 #include <string>
-#include <vector>
 
 #include "support/velqua_test.h"
 
@@ -9,47 +8,70 @@ namespace {
 
 using namespace velqua;
 using velqua_test::U;
-using Events = std::vector<std::string>;
 
 class SwitchConfig : public ::testing::Test {
  protected:
   void SetUp() override { cfg.AgregaOyente(&listener); }
-  void Reset() {
-    cfg.Modificado(false);
-    listener.events.clear();
-  }
   clsCfgConmut cfg;
   velqua_test::RecordingListener listener;
 };
 
-TEST_F(SwitchConfig, NewObjectHoldsTheInitialValuesAndSentNothing) {
-  EXPECT_EQ(cfg.Version(), emVersion3_0);
-  EXPECT_EQ(cfg.NombreVersion(), u"3.0");
-  EXPECT_EQ(cfg.Caso(), emCasoEstandar);
-  EXPECT_EQ(cfg.NombreCaso(), u"Estandar");
+TEST_F(SwitchConfig, EachWriteSetsTheNamesReadinessFlagAndNotifications) {
   EXPECT_EQ(cfg.IDCfg(), 0);
-  EXPECT_FALSE(cfg.Modificado());
   EXPECT_EQ(cfg.Marca() + cfg.Modelo() + cfg.Comentarios() + cfg.Separador(), u"");
-  EXPECT_EQ(cfg.NombreConmutador(), u"Desconocido");
-  EXPECT_FALSE(cfg.HayConfig());
   EXPECT_EQ(cfg.TamMaxSeparador(), 10);
   EXPECT_EQ(cfg.TamMaxComentarios(), 250);
   for (emPuertoSerial p : {emPuertoRJ45, emPuertoDB9, emPuertoDB25}) {
     EXPECT_FALSE(cfg.HayConfiguracionSMDR(p));
   }
-  EXPECT_TRUE(listener.events.empty());
+  using C = clsCfgConmut&;
+  // Version, case name, switch name, ready, modified, then the notifications:
+  // N CambioNombreConmutador, C Cambios, L ConfiguracionCargada.
+  const struct {
+    void (*write)(C);
+    const char* state;
+  } steps[] = {
+      {[](C) {}, "3.0|Estandar|Desconocido|-|-|"},
+      {[](C c) { c.Marca(u"Samsung"); }, "3.0|Estandar|Desconocido|-|M|NC"},
+      {[](C c) { c.Modificado(false), c.Marca(u"Samsung"); }, "3.0|Estandar|Desconocido|-|-|"},
+      {[](C c) { c.Modelo(u"NX-820"); }, "3.0|Estandar|Samsung, NX-820|ready|M|NC"},
+      {[](C c) { c.Marca(u"SAMSUNG"); }, "3.0|Estandar|SAMSUNG, NX-820|ready|M|NC"},
+      {[](C c) { c.Marca(u""); }, "3.0|Estandar|Desconocido|-|M|NC"},
+      {[](C c) { c.Marca(u"Samsung"); }, "3.0|Estandar|Samsung, NX-820|ready|M|NC"},
+      {[](C c) { c.Caso(static_cast<emCasos>(99)); }, "3.0||Samsung, NX-820|ready|M|C"},
+      {[](C c) { c.Caso(emNoCaso); }, "3.0|No definido|Samsung, NX-820|-|M|C"},
+      {[](C c) { c.Modificado(false), c.Caso(emNoCaso); }, "3.0|No definido|Samsung, NX-820|-|-|"},
+      {[](C c) { c.Comentarios(u"c"), c.Separador(u"|"); },
+       "3.0|No definido|Samsung, NX-820|-|M|CC"},
+      {[](C c) { c.IDCfg(7), c.Iniciar(); }, "3.0|Estandar|Desconocido|-|-|CNCNCCL"},
+      {[](C c) { c.Iniciar(); }, "3.0|Estandar|Desconocido|-|-|L"},
+      {[](C c) { c.Modelo(u"o"), c.Iniciar(); }, "3.0|Estandar|Desconocido|-|-|NCNCL"},
+  };
+  for (const auto& step : steps) {
+    SCOPED_TRACE(step.state);
+    step.write(cfg);
+    std::string sent;
+    for (const std::string& e : listener.events) {
+      sent += e == "Cambios" ? 'C' : e[1] == 'a' ? 'N' : 'L';
+    }
+    listener.events.clear();
+    EXPECT_EQ(AUtf8(cfg.NombreVersion() + u"|" + cfg.NombreCaso() + u"|" + cfg.NombreConmutador()) +
+                  (cfg.HayConfig() ? "|ready" : "|-") + (cfg.Modificado() ? "|M|" : "|-|") + sent,
+              step.state);
+  }
+  EXPECT_EQ(cfg.IDCfg(), 7);
+  EXPECT_EQ(cfg.Marca() + cfg.Modelo() + cfg.Comentarios() + cfg.Separador(), u"");
 }
 
-TEST_F(SwitchConfig, LabelTextsAreCutToTheirWidthAndNotifyOnlyARealChange) {
+TEST_F(SwitchConfig, LabelTextsAreCutToTheirWidthAndOnlyAChangedTextCounts) {
   struct Label {
     void (clsCfgConmut::*set)(const std::u16string&);
     std::u16string (clsCfgConmut::*get)() const;
-    bool renames;
   };
-  const Label marca{&clsCfgConmut::Marca, &clsCfgConmut::Marca, true},
-      modelo{&clsCfgConmut::Modelo, &clsCfgConmut::Modelo, true},
-      comentarios{&clsCfgConmut::Comentarios, &clsCfgConmut::Comentarios, false},
-      separador{&clsCfgConmut::Separador, &clsCfgConmut::Separador, false};
+  const Label marca{&clsCfgConmut::Marca, &clsCfgConmut::Marca},
+      modelo{&clsCfgConmut::Modelo, &clsCfgConmut::Modelo},
+      comentarios{&clsCfgConmut::Comentarios, &clsCfgConmut::Comentarios},
+      separador{&clsCfgConmut::Separador, &clsCfgConmut::Separador};
   std::u16string sixty;
   for (int i = 0; i < 60; ++i) sixty.push_back(static_cast<char16_t>(u'A' + i % 26));
   const std::u16string nul{u'a', u'b', u'\0', u'c'};
@@ -68,47 +90,13 @@ TEST_F(SwitchConfig, LabelTextsAreCutToTheirWidthAndNotifyOnlyARealChange) {
   for (const auto& row : rows) {
     SCOPED_TRACE(velqua::AUtf8(row.in));
     clsCfgConmut c;
-    velqua_test::RecordingListener l;
-    c.AgregaOyente(&l);
     (c.*row.label.set)(row.in);
     EXPECT_EQ((c.*row.label.get)(), row.out);
     EXPECT_TRUE(c.Modificado());
-    EXPECT_EQ(l.events, (row.label.renames ? Events{"CambioNombreConmutador", "Cambios"}
-                                           : Events{"Cambios"}));
     c.Modificado(false);
-    l.events.clear();
     (c.*row.label.set)(row.same);
     EXPECT_FALSE(c.Modificado());
-    EXPECT_TRUE(l.events.empty());
   }
-}
-
-TEST_F(SwitchConfig, BrandModelAndCaseMakeTheSwitchNameAndTheConfigurationReady) {
-  cfg.Marca(u"Samsung");
-  EXPECT_EQ(cfg.NombreConmutador(), u"Desconocido");
-  EXPECT_FALSE(cfg.HayConfig());
-  cfg.Marca(u"");
-  cfg.Modelo(u"NX-820");
-  EXPECT_EQ(cfg.NombreConmutador(), u"Desconocido");
-  EXPECT_FALSE(cfg.HayConfig());
-  cfg.Marca(u"Samsung");
-  EXPECT_EQ(cfg.NombreConmutador(), u"Samsung, NX-820");
-  EXPECT_TRUE(cfg.HayConfig());
-  Reset();
-  cfg.Marca(u"SAMSUNG");  // the comparison is case-sensitive
-  EXPECT_EQ(listener.events, (Events{"CambioNombreConmutador", "Cambios"}));
-  cfg.Caso(static_cast<emCasos>(99));  // stored as is, without a name
-  EXPECT_EQ(cfg.Caso(), 99);
-  EXPECT_EQ(cfg.NombreCaso(), u"");
-  EXPECT_TRUE(cfg.HayConfig());
-  EXPECT_EQ(listener.events.back(), "Cambios");
-  cfg.Caso(emNoCaso);
-  EXPECT_FALSE(cfg.HayConfig());
-  EXPECT_EQ(cfg.NombreCaso(), u"No definido");
-  Reset();
-  cfg.Caso(emNoCaso);
-  EXPECT_FALSE(cfg.Modificado());
-  EXPECT_TRUE(listener.events.empty());
 }
 
 TEST_F(SwitchConfig, EachCaseFrom0To10HasItsNameAndOthersNone) {
@@ -147,31 +135,6 @@ TEST_F(SwitchConfig, SeparatorCodesAreItsTenWindows1252Bytes) {
   }
 }
 
-TEST_F(SwitchConfig, IniciarEmptiesEachTextWithItsNotificationsAndKeepsTheIdentifier) {
-  cfg.IDCfg(7);
-  cfg.Iniciar();
-  EXPECT_EQ(listener.events, Events{"ConfiguracionCargada"});
-  cfg.Modelo(u"o");
-  listener.events.clear();
-  cfg.Iniciar();
-  EXPECT_EQ(listener.events, (Events{"CambioNombreConmutador", "Cambios", "ConfiguracionCargada"}));
-  cfg.Comentarios(u"c");
-  cfg.Marca(u"m");
-  cfg.Modelo(u"o");
-  cfg.Separador(u"|");
-  cfg.Caso(emCasoNortelNorstar0x32SMDR6);
-  listener.events.clear();
-  cfg.Iniciar();
-  EXPECT_EQ(listener.events,
-            (Events{"Cambios", "CambioNombreConmutador", "Cambios", "CambioNombreConmutador",
-                    "Cambios", "Cambios", "ConfiguracionCargada"}));
-  EXPECT_FALSE(cfg.Modificado());
-  EXPECT_EQ(cfg.Caso(), emCasoEstandar);
-  EXPECT_EQ(cfg.Version(), emVersion3_0);
-  EXPECT_EQ(cfg.IDCfg(), 7);
-  EXPECT_EQ(cfg.Marca() + cfg.Modelo() + cfg.Comentarios() + cfg.Separador(), u"");
-}
-
 TEST_F(SwitchConfig, IniciarClearsEveryWiringEntryButEntryZero) {
   const struct {
     emPuertoSerial port;
@@ -193,21 +156,20 @@ TEST_F(SwitchConfig, IniciarClearsEveryWiringEntryButEntryZero) {
 
 TEST_F(SwitchConfig, ListenersSeeTheNewValueInRegistrationOrderUntilRemoved) {
   struct Reader : EventosCfgConmut {
-    Reader(clsCfgConmut* c, Events* log, std::string tag) : cfg(c), out(log), name(tag) {}
-    void CambioNombreConmutador() override { out->push_back(name + ":" + AUtf8(cfg->Marca())); }
+    Reader(clsCfgConmut* c, std::string* log, const char* tag) : cfg(c), out(log), name(tag) {}
+    void CambioNombreConmutador() override { *out += name + AUtf8(cfg->Marca()) + " "; }
     clsCfgConmut* cfg;
-    Events* out;
+    std::string* out;
     std::string name;
   };
-  Events log;
-  Reader first(&cfg, &log, "1");
-  Reader second(&cfg, &log, "2");
+  std::string log;
+  Reader first(&cfg, &log, "1:"), second(&cfg, &log, "2:");
   cfg.AgregaOyente(&first);
   cfg.AgregaOyente(&second);
   cfg.Marca(u"Nortel");
   cfg.QuitaOyente(&first);
   cfg.Marca(u"Avaya");
-  EXPECT_EQ(log, (Events{"1:Nortel", "2:Nortel", "2:Avaya"}));
+  EXPECT_EQ(log, "1:Nortel 2:Nortel 2:Avaya ");
 }
 
 }  // namespace
