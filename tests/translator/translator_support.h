@@ -1,5 +1,5 @@
 // Helpers shared by the translator tests: building a configuration, placing
-// texts at columns, the bytes of a log entry.
+// texts at columns, the bytes of a log entry, a bound translator fixture.
 #pragma once
 
 #include <cstdint>
@@ -66,5 +66,27 @@ inline std::string LogEntry(const std::string& record,
 
 // Seconds of a time of day.
 constexpr int32_t Hms(int h, int m, int s) { return h * 3600 + m * 60 + s; }
+
+// The translator's two errors, number, source and description.
+#define EXPECT_OVERFLOW(stmt) EXPECT_VELQUA_ERROR(stmt, 6, u"Velqua", u"Desbordamiento")
+#define EXPECT_UNBOUND(stmt) \
+  EXPECT_VELQUA_ERROR(stmt, 91, u"Velqua", u"Variable de objeto o bloque With no establecido")
+
+// A translator bound to cfg_ (the given case, separator "|", tables empty),
+// at TestNow() (timer seed 1), logging to log.txt in a fresh folder.
+class BoundTranslator : public ::testing::Test {
+ protected:
+  explicit BoundTranslator(velqua::emCasos caso = velqua::emCasoEstandar)
+      : clock_(TestNow()), cfg_(MakeConfig(caso, u"|")) {
+    tr_.Conmutador(cfg_);
+    tr_.ArchivoLlamadasError(dir_.Path16("log.txt"));
+  }
+  std::string Log() const { return ReadFile(dir_.Path("log.txt")); }
+
+  FixedClock clock_;
+  TempDir dir_;
+  std::shared_ptr<velqua::clsCfgConmut> cfg_;
+  velqua::clsTraductor tr_;
+};
 
 }  // namespace velqua_test

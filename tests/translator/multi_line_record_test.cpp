@@ -1,0 +1,132 @@
+// The Nortel Norstar multi-line record (case 4): the type from the order of its
+// keyword lines, the attribute from its transfer lines, each field from its line.
+#include <cstdio>
+#include <string>
+
+#include "translator/translator_support.h"
+
+namespace velqua_test {
+namespace {
+
+using namespace velqua;
+
+const std::string kHeader = "-------- 11/17/26 10:20:30 LINE = 0003 STN = 7425";
+
+class MultiLineRecord : public BoundTranslator {
+ protected:
+  MultiLineRecord() : BoundTranslator(emCasoNortelNorstar0x32SMDR6) {
+    SetField(*cfg_, emParamFechaMes, 10, 2);
+    SetField(*cfg_, emParamFechaDia, 13, 2);
+    SetField(*cfg_, emParamFechaAnio, 16, 2);
+    SetField(*cfg_, emParamFechaHoras, 19, 2);
+    SetField(*cfg_, emParamFechaMinutos, 22, 2);
+    SetField(*cfg_, emParamFechaSegundos, 25, 2);
+    SetText(*cfg_, emParamTroncalEntrante, 35, 4);
+    SetText(*cfg_, emParamExtensionEntrante, 46, 7);
+    SetField(*cfg_, emParamDuracionHoras, 1, 2);
+    SetField(*cfg_, emParamDuracionMinutos, 4, 2);
+    SetField(*cfg_, emParamDuracionSegundos, 7, 2);
+    SetText(*cfg_, emParamTelefonoEntrante, 24, 32);
+    SetText(*cfg_, emParamCodigoCuenta, 31, 10);
+  }
+  void Write(const std::string& record) { tr_.LlamadaActual(U(record)); }
+};
+
+TEST_F(MultiLineRecord, KeywordLinesAfterTheHeaderGiveTypeAttributeAndDuration) {
+  const std::string H = kHeader + "|";
+  const struct {
+    std::string record;
+    emTipoLlamadaTraductor type;
+    emAtributoTraductor attr;
+    int32_t duration;  // read when the record is kept
+  } rows[] = {
+      {H + "00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED", emTradSaliente, emATRNoAtributo, 90},
+      {H + "00:00:00 outgoing call|00:01:30 call released", emTradSaliente, emATRNoAtributo, 90},
+      {H + "00:00:00 INCOMING CALL|00:02:00 CALL RELEASED", emTradEntrante, emATRNoAtributo, 120},
+      {H + "00:00:20 NO ANSWER RINGING 0:20", emTradEntrante, emATRNoAtributo, 0},
+      {H + "00:00:00 FROM TRANSFER|00:00:30 TRANSFERRED", emTradTransferida, emATREnTR, 30},
+      {H + "00:00:00 FROM TRANSFER|00:03:05 CALL RELEASED", emTradTransferida, emATRFinTR, 185},
+      {H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED", emTradSaliente, emATRIniTR, 40},
+      {H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED|02:00:00 CALL RELEASED", emTradSaliente,
+       emATRIniTR, 7200},
+      {"00:00:00 OUTGOING CALL|" + H + "00:00:01 INCOMING CALL|00:01:30 CALL RELEASED",
+       emTradNoIdentificada, emATRNoAtributo, 0},
+      {H + "00:01:30 CALL RELEASED", emTradNoIdentificada, emATRNoAtributo, 0},
+      {"00:00:20 NO ANSWER|" + kHeader, emTradNoIdentificada, emATRNoAtributo, 0},
+      {"00:01:30 CALL RELEASED|" + H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED",
+       emTradNoIdentificada, emATRIniTR, 0},
+      {"00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED", emTradNoIdentificada, emATRNoAtributo, 0},
+      {H + "00:00:00 OUTGOING CALL|xx:xx:xx CALL RELEASED", emTradNoIdentificada, emATRNoAtributo,
+       0},
+      // a keyword on the header line itself is not after the header
+      {"00:01:30 -------- CALL RELEASED|00:00:00 OUTGOING CALL", emTradNoIdentificada,
+       emATRNoAtributo, 0},
+      {"00:00:40 -------- TRANSFERRED|00:00:00 OUTGOING CALL", emTradNoIdentificada, emATRIniTR, 0},
+      {"00:00:20 -------- NO ANSWER", emTradNoIdentificada, emATRNoAtributo, 0},
+      {"-------- OUTGOING CALL|00:01:30 CALL RELEASED", emTradNoIdentificada, emATRNoAtributo, 0},
+      {"-------- INCOMING CALL|00:01:30 CALL RELEASED", emTradNoIdentificada, emATRNoAtributo, 0},
+      {"-------- FROM TRANSFER|00:01:30 CALL RELEASED", emTradNoIdentificada, emATRFinTR, 0},
+      {H + "00:00:00 INCOMING CALL OUTGOING CALL|00:01:00 CALL RELEASED", emTradSaliente,
+       emATRNoAtributo, 60},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.record);
+    std::remove(dir_.Path("log.txt").c_str());
+    Write(row.record);
+    EXPECT_EQ(tr_.TipoLlamadaDetectada(), row.type);
+    EXPECT_EQ(tr_.Atributo(), row.attr);
+    const bool kept = row.type != emTradNoIdentificada;
+    if (kept) {
+      EXPECT_EQ(tr_.Duracion(), row.duration);
+    }
+    EXPECT_EQ(Log(), kept ? "" : LogEntry(row.record));  // the whole buffer
+    EXPECT_EQ(tr_.LlamadaActual(), U(row.record));
+  }
+}
+
+TEST_F(MultiLineRecord, FieldsComeFromTheLinesOfTheirKeywords) {
+  SetText(*cfg_, emParamExtensionSaliente, 1, 8);  // the incoming keys are read for any type
+  SetText(*cfg_, emParamTroncalSaliente, 1, 8);
+  SetField(*cfg_, emParamRingMinutos, 4, 2);
+  SetField(*cfg_, emParamRingSegundos, 7, 2);
+  Write(kHeader +
+        "|00:00:00 OUTGOING CALL|00:00:02 DIGITS DIALED 95551212|"
+        "00:00:05 RESTRICTION PASSWORD 4321|00:01:30 CALL RELEASED");
+  ASSERT_EQ(tr_.TipoLlamadaDetectada(), emTradSaliente);
+  tr_.Duracion();
+  EXPECT_EQ(tr_.Ring(), 90);  // the ring time reads the line the last search left
+  EXPECT_EQ(tr_.Dia(), 17);
+  EXPECT_EQ(tr_.Ring(), -1);  // the header's columns 4-5 and 7-8 hold no digits
+  EXPECT_EQ(tr_.Mes(), 11);
+  EXPECT_EQ(tr_.Anio(), 2026);
+  EXPECT_EQ(tr_.Hora(), Hms(10, 20, 30));
+  EXPECT_EQ(tr_.Extension(), u"7425");
+  EXPECT_EQ(tr_.Troncal(), u"0003");
+  EXPECT_EQ(tr_.ExtensionReceptor(), u"");
+  EXPECT_EQ(tr_.TroncalReceptor(), u"");
+  EXPECT_EQ(tr_.CodigoCuenta(), u"4321");
+  EXPECT_EQ(tr_.Marcacion(), u"95551212");
+  cfg_->CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
+  cfg_->Constante(u"9");
+  EXPECT_EQ(tr_.Marcacion(), u"5551212");
+  cfg_->DATOActivo(emParamTelefonoEntrante);
+  cfg_->TipoDatoDATO(emValorNoDefinido);
+  EXPECT_EQ(tr_.Marcacion(), u"");
+  SetText(*cfg_, emParamTelefonoSaliente, 24, 5);  // the outgoing key stands in
+  EXPECT_EQ(tr_.Marcacion(), u"5551");
+}
+
+TEST_F(MultiLineRecord, MissingLinesGiveTheClocksValuesAndEmptyTexts) {
+  Write("00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED");
+  EXPECT_EQ(tr_.Dia(), 18);
+  EXPECT_EQ(tr_.Hora(), Hms(9, 5, 3));
+  EXPECT_FALSE(tr_.HayLlamada());
+  EXPECT_EQ(tr_.Extension(), u"");
+  EXPECT_EQ(tr_.Troncal(), u"");
+  EXPECT_EQ(tr_.Marcacion(), u"");
+  EXPECT_EQ(tr_.CodigoCuenta(), u"");
+  EXPECT_FALSE(tr_.HayLlamada());
+}
+
+}  // namespace
+}  // namespace velqua_test

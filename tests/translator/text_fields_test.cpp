@@ -1,0 +1,186 @@
+// The text fields: which key each call type and attribute reads, how a field is
+// cut from the record, the dialled number's prefix and the account code mark.
+#include <string>
+#include <vector>
+
+#include "translator/translator_support.h"
+
+namespace velqua_test {
+namespace {
+
+using namespace velqua;
+
+// Data key k lies at column 3k-2 as "Knn" (keys 2-16 numeric, so "K05" reads
+// 5); constant c at column 205 + c holds "X" when present.
+class FieldKeys : public BoundTranslator {
+ protected:
+  FieldKeys() {
+    for (int k = 2; k <= 68; ++k) {
+      SetField(*cfg_, static_cast<emParamDato>(k), 3 * k - 2, 3,
+               k <= 16 ? emValorNumerico : emValorCadena);
+    }
+    for (int c : {4, 7, 10, 13, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29}) {
+      SetConstant(*cfg_, static_cast<emParamDatoConstante>(c), 205 + c, u"X");
+    }
+  }
+  void Write(const std::vector<int>& marks) {
+    std::u16string line;
+    for (int k = 1; k <= 68; ++k) line += U((k < 10 ? "K0" : "K") + std::to_string(k));
+    line += std::u16string(30, u'.');
+    for (int c : marks) line[static_cast<size_t>(204 + c)] = u'X';
+    tr_.LlamadaActual(line);
+  }
+};
+
+TEST_F(FieldKeys, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
+  const struct {
+    std::vector<int> marks;
+    emTipoLlamadaTraductor type;
+    emAtributoTraductor attr;
+    const char* dialled;  // Marcacion, Extension, Troncal, ExtensionReceptor,
+    const char* ext;      // TroncalReceptor, CodigoCuenta
+    const char* trunk;
+    const char* ext2;
+    const char* trunk2;
+    const char* code;
+  } rows[] = {
+      {{4}, emTradEntrante, emATRNoAtributo, "K18", "K31", "K30", "", "", ""},
+      {{4, 16}, emTradEntrante, emATRIniTR, "K22", "K39", "K38", "", "", ""},
+      {{4, 24}, emTradEntrante, emATREnTR, "K54", "K59", "K58", "", "", ""},
+      {{4, 17}, emTradEntrante, emATRFinTR, "K23", "K41", "K40", "", "", ""},
+      {{4, 29}, emTradEntrante, emATRNoContestada, "K18", "K31", "K30", "", "", ""},
+      {{7}, emTradSaliente, emATRNoAtributo, "K19", "K33", "K32", "", "", ""},
+      {{7, 18}, emTradSaliente, emATRIniTR, "K24", "K43", "K42", "", "", ""},
+      {{7, 25}, emTradSaliente, emATREnTR, "K55", "K61", "K60", "", "", ""},
+      {{7, 19}, emTradSaliente, emATRFinTR, "K25", "K45", "K44", "", "", ""},
+      {{10}, emTradInterExtension, emATRNoAtributo, "K20", "K34", "", "K35", "", ""},
+      {{10, 20}, emTradInterExtension, emATRIniTR, "K26", "K46", "", "K47", "", ""},
+      {{10, 26}, emTradInterExtension, emATREnTR, "K56", "K62", "", "K63", "", ""},
+      {{10, 21}, emTradInterExtension, emATRFinTR, "K27", "K48", "", "K49", "", ""},
+      {{13}, emTradInterTroncal, emATRNoAtributo, "K21", "", "K36", "", "K37", ""},
+      {{13, 22}, emTradInterTroncal, emATRIniTR, "K28", "", "K50", "", "K51", ""},
+      {{13, 27}, emTradInterTroncal, emATREnTR, "K57", "", "K64", "", "K65", ""},
+      {{13, 23}, emTradInterTroncal, emATRFinTR, "K29", "", "K52", "", "K53", ""},
+      {{28}, emTradCodigoCuenta, emATRNoAtributo, "", "", "K66", "", "", "K17"},
+      {{28, 16}, emTradCodigoCuenta, emATRNoAtributo, "", "", "K66", "", "", "K17"},
+      {{}, emTradNoIdentificada, emATRNoAtributo, "", "", "", "", "", ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(::testing::Message() << "type " << row.type << " attribute " << row.attr);
+    tr_.LlamadaActual(u"");
+    Write(row.marks);
+    ASSERT_EQ(tr_.TipoLlamadaDetectada(), row.type);
+    ASSERT_EQ(tr_.Atributo(), row.attr);
+    EXPECT_EQ(AUtf8(tr_.Marcacion()), row.dialled);
+    EXPECT_EQ(AUtf8(tr_.Extension()), row.ext);
+    EXPECT_EQ(AUtf8(tr_.Troncal()), row.trunk);
+    EXPECT_EQ(AUtf8(tr_.ExtensionReceptor()), row.ext2);
+    EXPECT_EQ(AUtf8(tr_.TroncalReceptor()), row.trunk2);
+    EXPECT_EQ(AUtf8(tr_.CodigoCuenta()), row.code);
+    EXPECT_EQ(tr_.Dia(), 2);
+    EXPECT_EQ(tr_.Mes(), 3);
+    EXPECT_EQ(tr_.Anio(), 2004);
+    EXPECT_EQ(tr_.Hora(), Hms(5, 6, 7));
+    EXPECT_EQ(tr_.Duracion(), Hms(11, 12, 13));
+    EXPECT_EQ(tr_.Ring(), Hms(14, 15, 16));
+  }
+}
+
+TEST_F(FieldKeys, ReadsLeaveTheActiveKeysAtTheKeysUsedLast) {
+  Write({7});
+  tr_.Extension();
+  EXPECT_EQ(cfg_->DATOActivo(), emParamExtensionSaliente);
+  tr_.Marcacion();
+  EXPECT_EQ(cfg_->DATOActivo(), emParamTelefonoSaliente);
+  EXPECT_EQ(cfg_->CTEActivo(), emDatoCteIdentInterExtensionEnTransferencia);
+  tr_.CodigoCuenta();
+  EXPECT_EQ(cfg_->CTEActivo(), emDatoCteIdentCodigoCuenta);
+}
+
+using TextFields = BoundTranslator;
+
+// The account code field (no account mark) shows the cut as it is.
+TEST_F(TextFields, FieldIsCutAtItsColumnsANumericOneKeepsOnlyDigits) {
+  const std::u16string line22 = u"12345678901234567894x2";
+  const struct {
+    int pos, size;
+    emTipoDato type;
+    std::u16string line;
+    const char16_t* expected;
+  } rows[] = {
+      {20, 5, emValorNumerico, line22, u"42"},  // runs past the line's end
+      {20, 5, emValorCadena, line22, u"4x2"},
+      {22, 2, emValorCadena, line22, u"2"},
+      {23, 2, emValorCadena, line22, u""},  // starts past the line's end
+      {1, 4, emValorNumerico, u" 1:2", u"12"},
+      {1, 4, emValorNumerico, u"-+a:", u""},
+      {1, 4, emValorNoDefinido, u"1234", u""},
+      {200, 55, emValorCadena, u"1", u""},  // ends at column 254
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(::testing::Message() << row.pos << "+" << row.size << " type " << row.type);
+    SetField(*cfg_, emParamCodigoCuenta, row.pos, row.size, row.type);
+    tr_.LlamadaActual(row.line);
+    EXPECT_EQ(tr_.CodigoCuenta(), row.expected);
+  }
+  SetText(*cfg_, emParamCodigoCuenta, 200, 56);
+  EXPECT_OVERFLOW(tr_.CodigoCuenta());
+}
+
+// Incoming mark I or extension-to-extension mark X in column 1, duration
+// 3 and 4, number 6-11, extension 13-18, trunk 20-23.
+TEST_F(TextFields, DialledNumberLosesThePrefixAfterTrimming) {
+  SetConstant(*cfg_, emDatoCteIdentEntrante, 1, u"I");
+  SetConstant(*cfg_, emDatoCteIdentInterExtension, 1, u"X");
+  SetField(*cfg_, emParamDuracionMinutos, 3, 1);
+  SetField(*cfg_, emParamDuracionSegundos, 4, 1);
+  SetText(*cfg_, emParamExtensionEntrante, 13, 6);
+  SetText(*cfg_, emParamTroncalEntrante, 20, 4);
+  const struct {
+    const char16_t* prefix;  // no position: its text alone counts
+    emTipoDato type;
+    const char16_t* line;
+    const char16_t* expected;
+  } rows[] = {
+      {u"", emValorCadena, u"I 00  1:2", u"1:2"},
+      {u"", emValorNumerico, u"I 00  1:2", u"12"},
+      {u"9", emValorCadena, u"I 00 9 555", u" 555"},
+      {u"9", emValorNumerico, u"I 00 9 555", u"555"},
+      {u"<i>", emValorCadena, u"I 00 <I>555", u"555"},
+      {u"<i>", emValorCadena, u"I 00 <I", u"<I"},
+      {u"<i>", emValorCadena, u"I 00 5<I>", u"5<I>"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(AUtf8(row.line));
+    SetField(*cfg_, emParamTelefonoEntrante, 6, 6, row.type);
+    cfg_->CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
+    cfg_->Constante(row.prefix);
+    tr_.LlamadaActual(row.line);
+    ASSERT_EQ(tr_.TipoLlamadaDetectada(), emTradEntrante);
+    EXPECT_EQ(tr_.Marcacion(), row.expected);
+  }
+  tr_.LlamadaActual(Cols({{1, "I 00"}, {13, "  201 "}, {20, " T1 "}}));
+  EXPECT_EQ(tr_.Extension(), u"201");
+  EXPECT_EQ(tr_.Troncal(), u"T1");
+
+  SetText(*cfg_, emParamCodigoCuenta, 6, 6);
+  tr_.LlamadaActual(u"I 00  1234 ");
+  EXPECT_EQ(tr_.CodigoCuenta(), u"1234");
+  cfg_->CTEActivo(emDatoCteIdentCodigoCuenta);
+  cfg_->Constante(u"A");  // a switch with an account mark: codes of marked records only
+  EXPECT_EQ(tr_.CodigoCuenta(), u"");
+
+  tr_.Conmutador(nullptr);  // no key for an incoming call: no configuration read
+  EXPECT_EQ(tr_.TroncalReceptor(), u"");
+  EXPECT_EQ(tr_.ExtensionReceptor(), u"");
+  EXPECT_UNBOUND(tr_.Marcacion());
+  tr_.Conmutador(cfg_);
+  SetText(*cfg_, emParamExtension2InterExtension, 6, 4);
+  tr_.LlamadaActual(u"X 00 202");
+  EXPECT_EQ(tr_.ExtensionReceptor(), u"202");
+  tr_.Conmutador(nullptr);
+  EXPECT_UNBOUND(tr_.ExtensionReceptor());
+}
+
+}  // namespace
+}  // namespace velqua_test
