@@ -19,7 +19,7 @@ class ConfigFileSave : public FileTest {};
 class ConfigFileOpen : public FileTest {};
 class ConfigFileVersion2 : public FileTest {};
 
-TEST_F(ConfigFileSave, WritesTheGoldenFileByteForByteOverAnOldFileSilently) {
+TEST_F(ConfigFileSave, WritesTheGoldenFileWholeAndSilentlyWhereverItCan) {
   ASSERT_EQ(Golden().size(), 750u);
   velqua_test::WriteFile(dir.Path("g.cfg"), std::string(5000, 'z'));
   MakeGoldenConfig(cfg);
@@ -28,33 +28,41 @@ TEST_F(ConfigFileSave, WritesTheGoldenFileByteForByteOverAnOldFileSilently) {
   EXPECT_EQ(Read("g.cfg"), Golden());
   EXPECT_FALSE(cfg.Modificado());
   EXPECT_TRUE(listener.events.empty());
+  std::filesystem::create_directory(dir.Path("dir.cfg"));
+  for (const std::u16string& name : {dir.Path16("dir.cfg"), dir.Path16("missing/x.cfg"),
+                                     dir.Path16("n.cfg") + std::u16string(1, u'\0') + u"x"}) {
+    cfg.Modificado(true);
+    cfg.GuardarComo(name);  // not reported
+    EXPECT_FALSE(cfg.Modificado());
+  }
+  EXPECT_TRUE(std::filesystem::is_directory(dir.Path("dir.cfg")));
+  EXPECT_FALSE(std::filesystem::exists(dir.Path("missing")) ||
+               std::filesystem::exists(dir.Path("n.cfg")));
 }
 
-TEST_F(ConfigFileSave, AlwaysWritesVersion3AndAQuestionMarkOutsideTheCodePage) {
+TEST_F(ConfigFileSave, WritesVersion3AnyCaseAndAQuestionMarkOutsideTheCodePage) {
   cfg.Abrir(U(DataPath("files/v2_estandar.cfg")));
   cfg.Marca(U("AΩB"));
+  cfg.Caso(emCasoAD_TES);  // saved, though Abrir refuses it
   cfg.GuardarComo(dir.Path16("v3.cfg"));
   EXPECT_EQ(cfg.Version(), emVersion2_0);
   EXPECT_EQ(I32At(Read("v3.cfg"), 0), 3);
   EXPECT_EQ(Read("v3.cfg").substr(4, 4), std::string("A?B\0", 4));
+  EXPECT_EQ(I32At(Read("v3.cfg"), 364), 12);
 }
 
 TEST_F(ConfigFileSave, RefusesABlankNameOrIncompleteDataAndChangesNothing) {
   const struct {
     std::u16string name, brand, model, separator;
     emCasos caso;
-    int32_t code;
   } rows[] = {
-      {u"   ", u"M", u"N", u"|", emCasoEstandar, emErrorNoHayArchivo},
-      {u"", u"M", u"N", u"|", emCasoEstandar, emErrorNoHayArchivo},
-      {u"x.cfg", u"", u"N", u"|", emCasoEstandar, emErrorConfigDatosIncompletos},
-      {u"x.cfg", u"M", u"", u"|", emCasoEstandar, emErrorConfigDatosIncompletos},
-      {u"x.cfg", u"M", u"N", u"", emCasoEstandar, emErrorConfigDatosIncompletos},
-      {u"x.cfg", u"M", u"N", u"|", emNoCaso, emErrorConfigDatosIncompletos},
-      {u"x.cfg", u"   ", u"N", u" ", emCasoEstandar, 0},  // blanks are content
+      {u"   ", u"M", u"N", u"|", emCasoEstandar}, {u"", u"M", u"N", u"|", emCasoEstandar},
+      {u"x", u"", u"N", u"|", emCasoEstandar},    {u"x", u"M", u"", u"|", emCasoEstandar},
+      {u"x", u"M", u"N", u"", emCasoEstandar},    {u"x", u"M", u"N", u"|", emNoCaso},
+      {u"x", u"   ", u"N", u" ", emCasoEstandar},  // saved: blanks are content
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(AUtf8(row.brand + u"/" + row.model + u"/" + row.separator));
+    SCOPED_TRACE(AUtf8(row.name + u"/" + row.brand + u"/" + row.model + u"/" + row.separator));
     clsCfgConmut c;
     c.Marca(row.brand);
     c.Modelo(row.model);
@@ -62,34 +70,19 @@ TEST_F(ConfigFileSave, RefusesABlankNameOrIncompleteDataAndChangesNothing) {
     c.Caso(row.caso);
     velqua_test::RecordingListener l;
     c.AgregaOyente(&l);
-    const std::u16string name = row.name.size() > 3 ? dir.Path16("x.cfg") : row.name;
-    if (row.code == 0) {
+    const std::u16string name = row.name == u"x" ? dir.Path16("x.cfg") : row.name;
+    if (row.brand == u"   ") {
       c.GuardarComo(name);
       EXPECT_EQ(Read("x.cfg").size(), 660u);
       continue;
     }
-    EXPECT_VELQUA_ERROR(c.GuardarComo(name), NumeroErrorObjeto(row.code),
-                        u"clsConfigConmut.GuardarComo",
-                        row.code == emErrorNoHayArchivo ? kMsg1501 : kMsg1502);
+    const bool blank = name.size() < 4;
+    EXPECT_VELQUA_ERROR(c.GuardarComo(name), NumeroErrorObjeto(blank ? 1501 : 1502),
+                        u"clsConfigConmut.GuardarComo", blank ? kMsg1501 : kMsg1502);
     EXPECT_TRUE(c.Modificado());
     EXPECT_TRUE(l.events.empty());
     EXPECT_EQ(Read("x.cfg"), "");
   }
-}
-
-TEST_F(ConfigFileSave, UnwritablePlacesAndCase12AreNotReported) {
-  MakeGoldenConfig(cfg);
-  std::filesystem::create_directory(dir.Path("dir.cfg"));
-  cfg.GuardarComo(dir.Path16("dir.cfg"));
-  cfg.GuardarComo(dir.Path16("missing/x.cfg"));
-  cfg.GuardarComo(dir.Path16("n.cfg") + std::u16string(1, u'\0') + u"x");
-  EXPECT_TRUE(std::filesystem::is_directory(dir.Path("dir.cfg")));
-  EXPECT_FALSE(std::filesystem::exists(dir.Path("missing")));
-  EXPECT_FALSE(std::filesystem::exists(dir.Path("n.cfg")));
-  EXPECT_FALSE(cfg.Modificado());
-  cfg.Caso(emCasoAD_TES);  // saved, but Abrir refuses it
-  cfg.GuardarComo(dir.Path16("c12.cfg"));
-  EXPECT_EQ(I32At(Read("c12.cfg"), 364), 12);
 }
 
 TEST_F(ConfigFileOpen, GoldenFileGivesBackTheConfigurationThatWroteIt) {
@@ -229,18 +222,16 @@ TEST_F(ConfigFileOpen, AFailingListenerMakesTheLoadFailWith1505) {
 
 TEST_F(ConfigFileVersion2, StandardFileIsConvertedByTheTwoTables) {
   cfg.Abrir(U(DataPath("files/v2_estandar.cfg")));
-  EXPECT_EQ(cfg.Version(), emVersion2_0);
-  EXPECT_EQ(cfg.NombreVersion(), u"2.0");
-  EXPECT_EQ(cfg.Caso(), emCasoEstandar);
-  EXPECT_EQ(cfg.NombreConmutador(), u"Siemens, Hicom 150");  // trimmed
-  EXPECT_EQ(cfg.Comentarios(), std::u16string(250, u'C'));
-  EXPECT_EQ(cfg.Separador(), u"|");  // unquoted
+  // Texts trimmed and unquoted; the separator one character.
+  const std::string head = "2.0;Siemens, Hicom 150;" + std::string(250, 'C') + ";|;1;";
+  EXPECT_EQ(Summary(cfg).substr(0, head.size() + 1), head + " ");
   EXPECT_FALSE(cfg.Modificado());
-  EXPECT_EQ(listener.events.front(), "Cambios");
-  EXPECT_EQ(listener.events[1], "CambioNombreConmutador");
-  EXPECT_EQ(listener.events.back(), "ConfiguracionCargada");
-  EXPECT_EQ(listener.Count("ConfiguracionCargada"), 1);
-  EXPECT_EQ(listener.Count("CambioNombreConmutador"), 2);
+  // The reset, then comments, brand, model and separator, then 48 data fields
+  // and 10 constants, each with two changes.
+  Events expected = {"Cambios", "CambioNombreConmutador", "Cambios", "CambioNombreConmutador"};
+  expected.resize(4 + 2 + 96 + 20, "Cambios");
+  expected.push_back("ConfiguracionCargada");
+  EXPECT_EQ(listener.events, expected);
   // The pair each key 2 to 68 takes (-1: none): pair i holds column i + 1 and
   // width 2, but pair 32 is (0, 0).
   const int pairs[] = {0,  1,  2,  3,  4,  5,  26, 27, 28, 29, 30, 31, -1, -1, -1, 32, 6,

@@ -1,5 +1,5 @@
-// How file errors reach the caller: the message of each code, the object
-// error number, and the two description forms.
+// How file errors reach the caller: the message and object error number of
+// each code, carried by velqua::Error.
 #include <string>
 
 #include "files/errores_archivo.h"
@@ -38,24 +38,12 @@ TEST(FileErrors, EachCodeHasItsMessageAndNumber) {
   }
 }
 
-TEST(FileErrors, DescriptionsAddTheFileOrTheDetailAndTheFile) {
-  EXPECT_EQ(archivos::DescripcionConArchivo(u"M", u" f "), u"M\r\n Archivo : f ");
-  EXPECT_EQ(archivos::DescripcionConDetalle(u"M", u"D", u"f"), u"M\r\nD\r\nf");
-}
-
 TEST(FileErrors, ErrorsKeepNumberSourceAndDescriptionAndGiveUtf8) {
   const Error e(6, u"Velqua", u"Desbordamiento ñ");
   EXPECT_EQ(e.Number(), 6);
   EXPECT_EQ(e.Source(), u"Velqua");
   EXPECT_EQ(e.Description(), u"Desbordamiento ñ");
   EXPECT_STREQ(e.what(), "Desbordamiento \xC3\xB1");
-  clsCfgConmut cfg;
-  try {
-    cfg.GuardarComo(u"");
-    FAIL() << "no error";
-  } catch (const std::exception& thrown) {
-    EXPECT_STREQ(thrown.what(), "No es posible encontrar el archivo deseado.");
-  }
 }
 
 }  // namespace

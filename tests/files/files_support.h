@@ -81,7 +81,7 @@ inline std::string Records(clsCfgConmut& cfg) {
 }
 
 // Everything a configuration holds: version; switch name; comments;
-// separator; case; the wiring entries that are not 0; the records.
+// separator; case; the wiring entries that are not 0 (P<port><pin>); the records.
 inline std::string Summary(clsCfgConmut& cfg) {
   std::string s = AUtf8(cfg.NombreVersion() + u";" + cfg.NombreConmutador() + u";" +
                         cfg.Comentarios() + u";" + cfg.Separador()) +
@@ -89,8 +89,7 @@ inline std::string Summary(clsCfgConmut& cfg) {
   for (int port = 1; port <= 3; ++port) {
     for (int16_t pin = 0; pin <= (port == 3 ? 25 : 9); ++pin) {
       const int64_t w = Wire(cfg, static_cast<emPuertoSerial>(port), pin);
-      if (w != 0)
-        s += " P" + std::to_string(port) + "." + std::to_string(pin) + "=" + std::to_string(w);
+      if (w != 0) s += " P" + std::to_string(port * 100 + pin) + "=" + std::to_string(w);
     }
   }
   return s + Records(cfg);

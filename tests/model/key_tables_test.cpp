@@ -41,23 +41,11 @@ class KeyTables : public ::testing::Test {
       cfg.DATOActivo(static_cast<emParamDato>(s.key));
       cfg.CTEActivo(static_cast<emParamDatoConstante>(s.key));
       const auto v = static_cast<uint8_t>(s.value);
-      switch (s.op) {
-        case 'P':
-          constants ? cfg.CTEPos(v) : cfg.DATOPos(v);
-          break;
-        case 'W':
-          constants ? cfg.CTETam(v) : cfg.DATOTam(v);
-          break;
-        case 'Y':
-          cfg.TipoDatoDATO(static_cast<emTipoDato>(s.value));
-          break;
-        case 'X':
-          cfg.Constante(s.text);
-          break;
-        case 'I':
-          cfg.Iniciar();
-          break;
-      }
+      if (s.op == 'P') constants ? cfg.CTEPos(v) : cfg.DATOPos(v);
+      if (s.op == 'W') constants ? cfg.CTETam(v) : cfg.DATOTam(v);
+      if (s.op == 'Y') cfg.TipoDatoDATO(static_cast<emTipoDato>(s.value));
+      if (s.op == 'X') cfg.Constante(s.text);
+      if (s.op == 'I') cfg.Iniciar();
       EXPECT_EQ(constants ? Cte(s.key) : Dato(s.key), s.record);
       EXPECT_EQ(listener.Count("Cambios"), s.sent);
       EXPECT_EQ(cfg.Modificado(), s.modified);
