@@ -85,7 +85,7 @@ TEST_F(ConfigFileSave, RefusesABlankNameOrIncompleteDataAndChangesNothing) {
   }
 }
 
-TEST_F(ConfigFileOpen, GoldenFileGivesBackTheConfigurationThatWroteIt) {
+TEST_F(ConfigFileOpen, GoldenAndSavedFilesGiveBackTheConfigurationThatWroteThem) {
   cfg.Comentarios(u"c");
   cfg.Marca(u"Old");
   listener.events.clear();
@@ -99,46 +99,32 @@ TEST_F(ConfigFileOpen, GoldenFileGivesBackTheConfigurationThatWroteIt) {
   clsCfgConmut made;
   MakeGoldenConfig(made);
   EXPECT_EQ(Summary(cfg), Summary(made));
-}
-
-TEST_F(ConfigFileOpen, EveryWiringEntryAndRecordComesBackFromASavedFile) {
-  MakeGoldenConfig(cfg);
-  for (int16_t pin = 1; pin <= 25; ++pin) {
-    if (pin <= 9) cfg.ActivaPin(emPuertoRJ45, pin, pin);
-    if (pin <= 9) cfg.ActivaPin(emPuertoDB9, pin, static_cast<int16_t>(10 + pin));
-    if (pin > 1) cfg.ActivaPin(emPuertoDB25, pin, pin);
+  for (int16_t pin = 1; pin <= 25; ++pin) {  // every wiring entry
+    if (pin <= 9) made.ActivaPin(emPuertoRJ45, pin, pin);
+    if (pin <= 9) made.ActivaPin(emPuertoDB9, pin, static_cast<int16_t>(10 + pin));
+    if (pin > 1) made.ActivaPin(emPuertoDB25, pin, pin);
   }
-  cfg.GuardarComo(dir.Path16("a.cfg"));
-  clsCfgConmut other;
-  other.Abrir(dir.Path16("a.cfg"));
-  EXPECT_EQ(Summary(other), Summary(cfg));
-  other.GuardarComo(dir.Path16("b.cfg"));
+  made.GuardarComo(dir.Path16("a.cfg"));
+  cfg.Abrir(dir.Path16("a.cfg"));
+  EXPECT_EQ(Summary(cfg), Summary(made));
+  cfg.GuardarComo(dir.Path16("b.cfg"));
   EXPECT_EQ(Read("b.cfg"), Read("a.cfg"));
 }
 
 TEST_F(ConfigFileOpen, EntryZeroAndTheReserveComeBackUnchangedAndStoredTypesAreDerived) {
   const std::string src = velqua_test::ReadFile(DataPath("files/v3_reserva.cfg"));
-  ASSERT_EQ(src.size(), 700u);
   cfg.Abrir(U(DataPath("files/v3_reserva.cfg")));
-  EXPECT_EQ(cfg.Caso(), emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto);
-  EXPECT_EQ(Wire(cfg, emPuertoRJ45, 0), 7);
-  EXPECT_EQ(Wire(cfg, emPuertoDB9, 0), 8);
-  EXPECT_EQ(Wire(cfg, emPuertoDB25, 0), 9);
-  EXPECT_EQ(Cte(cfg, emDatoCteIdentEntrante), "30,1,E");  // the file says type 3, width 9
-  EXPECT_EQ(cfg.TipoDatoCTE(), emValorConstante);
+  EXPECT_EQ(Summary(cfg), "3.0;Marca, Modelo;;|;11; P100=7 P200=8 P300=9 D2:1,2,1 C4:30,1,E");
   cfg.GuardarComo(dir.Path16("r.cfg"));
   const std::string out = Read("r.cfg");
   ASSERT_EQ(out.size(), 700u);
-  EXPECT_EQ(out.substr(0, 660), src.substr(0, 660));
-  EXPECT_EQ(I32At(out, 552 + 4 * 25), 125);
+  EXPECT_EQ(out.substr(0, 660), src.substr(0, 660));  // the reserve at 552 included
+  EXPECT_EQ(I32At(out, 674), emValorConstante);       // the file said type 3 and width 9
+  EXPECT_EQ(out[679], 1);
 }
 
 TEST_F(ConfigFileOpen, RefusedFilesRaiseTheirErrorAndLeaveTheObjectAsItWas) {
-  std::string garbage;
-  for (uint32_t x = 12345; garbage.size() < 5000;) {
-    x = x * 1103515245u + 12345u;
-    garbage.push_back(static_cast<char>(x >> 24));
-  }
+  const std::string garbage = Garbage(5000, 12345);
   const std::string v2 = V2();
   std::vector<std::string> bad = {Golden().substr(0, 659),
                                   Golden().replace(4, 50, std::string(50, '\0')),
@@ -221,9 +207,13 @@ TEST_F(ConfigFileOpen, AFailingListenerMakesTheLoadFailWith1505) {
 }
 
 TEST_F(ConfigFileVersion2, StandardFileIsConvertedByTheTwoTables) {
+  cfg.ActivaPin(emPuertoRJ45, 0, 3);  // entry 0 is never cleared, the others are
+  cfg.ActivaPin(emPuertoDB9, 9, 1);
+  cfg.ActivaPin(emPuertoDB25, 25, 1);
+  listener.events.clear();
   cfg.Abrir(U(DataPath("files/v2_estandar.cfg")));
   // Texts trimmed and unquoted; the separator one character.
-  const std::string head = "2.0;Siemens, Hicom 150;" + std::string(250, 'C') + ";|;1;";
+  const std::string head = "2.0;Siemens, Hicom 150;" + std::string(250, 'C') + ";|;1; P100=4";
   EXPECT_EQ(Summary(cfg).substr(0, head.size() + 1), head + " ");
   EXPECT_FALSE(cfg.Modificado());
   // The reset, then comments, brand, model and separator, then 48 data fields

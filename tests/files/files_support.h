@@ -108,6 +108,16 @@ inline std::string PutLE(std::string b, size_t off, int32_t v, size_t bytes = 4)
   return b;
 }
 
+// Pseudo-random bytes, the same for the same seed.
+inline std::string Garbage(size_t size, uint32_t seed) {
+  std::string bytes;
+  while (bytes.size() < size) {
+    seed = seed * 1664525u + 1013904223u;
+    bytes.push_back(static_cast<char>(seed >> 24));
+  }
+  return bytes;
+}
+
 inline std::string Golden() {
   return velqua_test::ReadFile(velqua_test::DataPath("files/v3_golden.cfg"));
 }

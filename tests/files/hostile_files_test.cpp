@@ -17,15 +17,6 @@ using Clock = std::chrono::steady_clock;
 const std::string kHeader =
     "[Conmutador]\r\nVersion=3\r\nMarca=B\r\nModelo=M\r\nCaso=1\r\nSeparador=124,\r\n";
 
-std::string Garbage(size_t size, uint32_t seed) {
-  std::string bytes;
-  while (bytes.size() < size) {
-    seed = seed * 1664525u + 1013904223u;
-    bytes.push_back(static_cast<char>(seed >> 24));
-  }
-  return bytes;
-}
-
 class HostileFiles : public FileTest {
  protected:
   void ExpectImportFails(const std::u16string& name, const std::string& detail) {

@@ -11,15 +11,10 @@ using namespace velqua;
 #define C(name) emDatoCte##name
 
 TEST(EnumValues, EachEnumerationRunsFromItsFirstNumberInDeclarationOrder) {
-  const struct {
-    const char* name;
-    int32_t first;
-    std::vector<int32_t> values;
-  } rows[] = {
+  // clang-format off
+  const struct { const char* name; int32_t first; std::vector<int32_t> values; } rows[] = {
       {"version", 0, {emNoVersion, emVersionActual, emVersion2_0, emVersion3_0}},
-      {"case",
-       0,
-       {emNoCaso, emCasoEstandar, emCasoSamsungNX_820, emCasoNortelMeridian01,
+      {"case", 0, {emNoCaso, emCasoEstandar, emCasoSamsungNX_820, emCasoNortelMeridian01,
         emCasoNortelNorstar0x32SMDR6, emCasoEstandarRestaFechasDuracion,
         emCasoEstandarDecimasMinuto, emCasoEstandarConSalienteDefecto,
         emCasoEstandarRestaFechasDuracionConSalienteDefecto,
@@ -28,12 +23,9 @@ TEST(EnumValues, EachEnumerationRunsFromItsFirstNumberInDeclarationOrder) {
         emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto, emCasoAD_TES}},
       {"value type", 0, {emValorNoDefinido, emValorNumerico, emValorConstante, emValorCadena}},
       {"port", 0, {emNoPuerto, emPuertoRJ45, emPuertoDB9, emPuertoDB25}},
-      {"call type",
-       0,
-       {emTradNoIdentificada, emTradEntrante, emTradSaliente, emTradInterExtension,
+      {"call type", 0, {emTradNoIdentificada, emTradEntrante, emTradSaliente, emTradInterExtension,
         emTradInterTroncal, emTradCodigoCuenta, emTradTransferida}},
       {"attribute", 0, {emATRNoAtributo, emATRIniTR, emATREnTR, emATRFinTR, emATRNoContestada}},
-      // clang-format off
       {"data-field key", 0, {emNoParamDato, emPrimerParamDato,
         D(FechaDia), D(FechaMes), D(FechaAnio), D(FechaHoras), D(FechaMinutos), D(FechaSegundos),
         D(DuracionDia), D(DuracionMes), D(DuracionAnio), D(DuracionHoras), D(DuracionMinutos),
@@ -75,12 +67,9 @@ TEST(EnumValues, EachEnumerationRunsFromItsFirstNumberInDeclarationOrder) {
         C(IdentSalienteEnTransferencia), C(IdentInterExtensionEnTransferencia),
         C(IdentInterTroncalEnTransferencia), C(IdentCodigoCuenta), C(IdentNoContestada),
         emUltimoParamDatoConstante}},
-      // clang-format on
-      {"file error",
-       1500,
-       {emErrorConfigNoHay, emErrorNoHayArchivo, emErrorConfigDatosIncompletos,
-        emErrorConfigExportar, emErrorConfigImportar, emErrorConfigAbrir, emErrorDesconocido}},
-  };
+      {"file error", 1500, {emErrorConfigNoHay, emErrorNoHayArchivo, emErrorConfigDatosIncompletos,
+        emErrorConfigExportar, emErrorConfigImportar, emErrorConfigAbrir, emErrorDesconocido}}};
+  // clang-format on
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
     for (size_t i = 0; i < row.values.size(); ++i) {

@@ -135,25 +135,6 @@ TEST_F(SwitchConfig, SeparatorCodesAreItsTenWindows1252Bytes) {
   }
 }
 
-TEST_F(SwitchConfig, IniciarClearsEveryWiringEntryButEntryZero) {
-  const struct {
-    emPuertoSerial port;
-    int16_t last;
-  } ports[] = {{emPuertoRJ45, 9}, {emPuertoDB9, 9}, {emPuertoDB25, 25}};
-  for (const auto& p : ports) {
-    cfg.ActivaPin(p.port, 0, 3);
-    cfg.ActivaPin(p.port, 2, 3);
-    cfg.ActivaPin(p.port, p.last, 2);
-  }
-  cfg.Iniciar();
-  for (const auto& p : ports) {
-    SCOPED_TRACE(p.port);
-    EXPECT_TRUE(cfg.PinesConectados(p.port, 0, 3));
-    EXPECT_FALSE(cfg.PinesConectados(p.port, 2, 3));
-    EXPECT_FALSE(cfg.PinesConectados(p.port, p.last, 2));
-  }
-}
-
 TEST_F(SwitchConfig, ListenersSeeTheNewValueInRegistrationOrderUntilRemoved) {
   struct Reader : EventosCfgConmut {
     Reader(clsCfgConmut* c, std::string* log, const char* tag) : cfg(c), out(log), name(tag) {}
