@@ -3,17 +3,31 @@
 namespace velqua_records {
 namespace {
 
-// Two instants of the same century (a printed two-digit year reads the same
-// under both) that differ in every component. Their hours are 0 and 1: both
-// morning hours, so a 12-hour record's afternoon correction moves both alike.
-constexpr FechaHora kProbeA{2000, 1, 1, 0, 0, 0};
-constexpr FechaHora kProbeB{2001, 2, 2, 1, 1, 1};
+// The partner of a value in the pairs (0, 1), (2, 3) ...: always a neighbour,
+// so a pair never straddles a multiple of 100 (a year's century), nor 12
+// (an hour's half of the day).
+int32_t Partner(int32_t v) { return v ^ 1; }
 
-struct DateTime {
-  int32_t day, month, year, time;
-};
+// An instant that differs from `now` in every component, in the same century
+// and the same half of the day, and still a valid date.
+FechaHora ProbeFor(const FechaHora& now) {
+  FechaHora p = now;
+  p.intAnio = Partner(now.intAnio);
+  p.intMes = Partner(now.intMes - 1) + 1;
+  p.intDia = now.intDia >= 31 ? 30 : Partner(now.intDia - 1) + 1;
+  p.intHora = Partner(now.intHora);
+  p.intMinuto = Partner(now.intMinuto);
+  p.intSegundo = Partner(now.intSegundo);
+  return p;
+}
 
-DateTime Read(velqua::clsTraductor& t) { return {t.Dia(), t.Mes(), t.Anio(), t.Hora()}; }
+// The step of one time component between two readings whose seconds and
+// minutes each moved by -1, 0 or +1: the remainder of `diff` by `unit`,
+// taken as -1, 0 or +1.
+int64_t Step(int64_t diff, int64_t unit) {
+  const int64_t r = ((diff % unit) + unit) % unit;
+  return r == 0 ? 0 : r == 1 ? 1 : -1;
+}
 
 }  // namespace
 
@@ -22,6 +36,12 @@ ProgramClock& ProgramClock::Instance() {
   static const bool installed = (velqua::plataforma::EstableceReloj(&clock), true);
   (void)installed;
   return clock;
+}
+
+FechaHora ProgramClock::Ahora() const {
+  if (probe_) return *probe_;
+  if (frozen_) return *frozen_;
+  return Now();
 }
 
 FechaHora ProgramClock::Now() const {
@@ -34,25 +54,32 @@ FechaHora ProgramClock::Now() const {
 // come out the same on every run, so the same input gives the same output.
 uint32_t ProgramClock::SemillaTemporizador() const { return 1; }
 
-uint8_t ProgramClock::PrintedParts(velqua::clsTraductor& traductor) {
+void ProgramClock::Freeze() { frozen_ = Now(); }
+
+void ProgramClock::Thaw() { frozen_.reset(); }
+
+uint8_t ProgramClock::PrintedParts(velqua::clsTraductor& traductor, const DateTime& read) {
   struct Restore {
     std::optional<FechaHora>& probe;
     ~Restore() { probe.reset(); }
   } restore{probe_};
-  probe_ = kProbeA;
-  const DateTime a = Read(traductor);
-  probe_ = kProbeB;
-  const DateTime b = Read(traductor);
-  // The time is hours * 3600 + minutes * 60 + seconds; between the probes each
-  // fallen-back component grows by exactly 1.
-  const int64_t grown = int64_t{b.time} - a.time;
+  probe_ = ProbeFor(Ahora());
+  const DateTime probed{traductor.Dia(), traductor.Mes(), traductor.Anio(), traductor.Hora()};
+  // A time is hours * 3600 + minutes * 60 + seconds; under the probe each
+  // component that came from the clock moved (by one, or by twelve hours for
+  // a 12-hour record at noon), each printed one stayed.
+  int64_t diff = int64_t{probed.time} - read.time;
+  const int64_t seconds = Step(diff, 60);
+  diff -= seconds;
+  const int64_t minutes = Step(diff / 60, 60);
+  diff -= 60 * minutes;
   uint8_t printed = 0;
-  if (a.day == b.day) printed |= kPrintedDay;
-  if (a.month == b.month) printed |= kPrintedMonth;
-  if (a.year == b.year) printed |= kPrintedYear;
-  if (grown / 3600 == 0) printed |= kPrintedHour;
-  if (grown % 3600 / 60 == 0) printed |= kPrintedMinute;
-  if (grown % 60 == 0) printed |= kPrintedSecond;
+  if (probed.day == read.day) printed |= kPrintedDay;
+  if (probed.month == read.month) printed |= kPrintedMonth;
+  if (probed.year == read.year) printed |= kPrintedYear;
+  if (diff == 0) printed |= kPrintedHour;
+  if (minutes == 0) printed |= kPrintedMinute;
+  if (seconds == 0) printed |= kPrintedSecond;
   return printed;
 }
 

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <csignal>
 #include <ctime>
 #include <utility>
@@ -15,8 +16,9 @@ namespace {
 // Whether the extension of the record just read was drawn at random: in the
 // account-code cases an outgoing call's code missing from the extension list
 // gets a random extension, drawn anew at each read, while a listed one reads
-// the same every time. Three equal reads leave one chance in 10^8 that a
-// random extension passes for a listed one.
+// the same every time. A drawn extension is always four digits, or "10000";
+// any other text was not drawn. Three equal reads leave one chance in 10^8
+// that a drawn extension passes for a listed one.
 bool ExtensionIsRandom(velqua::clsTraductor& t, const velqua::clsCfgConmut& cfg,
                        const std::u16string& first) {
   const int32_t c = cfg.Caso();
@@ -25,7 +27,10 @@ bool ExtensionIsRandom(velqua::clsTraductor& t, const velqua::clsCfgConmut& cfg,
        c != velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto)) {
     return false;
   }
-  return t.Extension() != first || t.Extension() != first;
+  const bool drawable =
+      (first.size() == 4 || first == u"10000") &&
+      std::all_of(first.begin(), first.end(), [](char16_t d) { return d >= u'0' && d <= u'9'; });
+  return drawable && (t.Extension() != first || t.Extension() != first);
 }
 
 // Decodes a line into *text, reusing its storage: ASCII bytes directly (the
@@ -80,6 +85,12 @@ void Translation::Input(const std::string& name, const FechaHora& received) {
 
 void Translation::Record(const std::u16string& record) {
   const int64_t number = ++counts_.read;
+  ProgramClock& clock = ProgramClock::Instance();
+  clock.Freeze();
+  struct Thaw {
+    ProgramClock& clock;
+    ~Thaw() { clock.Thaw(); }
+  } thaw{clock};
   Row row;
   try {
     traductor_.LlamadaActual(record);
@@ -112,7 +123,8 @@ Row Translation::ReadRow(int64_t number) {
     return row;
   }
   Row row(number, type, attribute, traductor_);
-  row.printed = ProgramClock::Instance().PrintedParts(traductor_);
+  row.printed =
+      ProgramClock::Instance().PrintedParts(traductor_, {row.day, row.month, row.year, row.time});
   if ((row.printed & kPrintedYear) == 0) row.year = YearReceived(row.month, row.day, received_);
   row.random_extension = ExtensionIsRandom(traductor_, *cfg_, row.extension);
   return row;

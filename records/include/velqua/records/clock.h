@@ -6,7 +6,8 @@
 // rely on always getting a value. The program must not present those values as
 // the switch's, so after reading a record it reads the date and the time again
 // under two probe instants that differ in every component: a component that
-// changes with the clock was not printed.
+// changes with the clock was not printed. The clock is frozen for the whole of
+// a record, so that every read of it sees the same instant.
 #pragma once
 
 #include <cstdint>
@@ -42,19 +43,30 @@ class ProgramClock : public velqua::plataforma::Reloj {
   // The current date and time (fixed or system), never a probe instant.
   FechaHora Now() const;
 
-  FechaHora Ahora() const override { return probe_ ? *probe_ : Now(); }
+  // The probe instant while probing, else the frozen instant, else Now().
+  FechaHora Ahora() const override;
   // The random generator's seed: always the same (see the .cpp).
   uint32_t SemillaTemporizador() const override;
 
-  // Which components of the translator's current record were printed; the
-  // translator must hold a recognised record. Leaves the clock as it was.
-  uint8_t PrintedParts(velqua::clsTraductor& traductor);
+  // Holds the current instant until Thaw: one record's reads all see it.
+  void Freeze();
+  void Thaw();
+
+  struct DateTime {
+    int32_t day, month, year, time;  // Dia, Mes, Anio, Hora as read
+  };
+  // Which components of the translator's current record were printed, given
+  // its date and time as read under the frozen clock: they are read once
+  // more under an instant that differs in every component. The translator
+  // must hold a recognised record. Leaves the clock as it was.
+  uint8_t PrintedParts(velqua::clsTraductor& traductor, const DateTime& read);
 
  private:
   ProgramClock() = default;
 
   std::optional<FechaHora> fixed_;
   std::optional<FechaHora> probe_;
+  std::optional<FechaHora> frozen_;
 };
 
 // The year of a record whose switch prints no year: the year it was received
