@@ -171,9 +171,10 @@ TEST_F(ConfigFileOpen, OnlyWholeCompleteRecordsLoadWhateverTheCountsSay) {
     std::string bytes, records;
     size_t saved;  // saving counts the records again
   } rows[] = {
-      {PutLE(PutLE(g.substr(0, 697), 656, 32767, 2), 658, 32767, 2), fields, 690},
+      {PutLE(PutLE(g.substr(0, 690), 656, 32767, 2), 658, 32767, 2), fields, 690},
       {g.substr(0, 745), fields + " C4:30,1,E", 720},
       {PutLE(PutLE(g, 656, -1, 2), 658, -32768, 2), "", 660},
+      {g.substr(0, 660), "", 660},
       {PutLE(g, 669, 0, 1), " D5:11,2,1 D19:30,20,3 C4:30,1,E C7:30,1,S", 740},  // width 0
   };
   for (const auto& row : rows) {
@@ -186,9 +187,11 @@ TEST_F(ConfigFileOpen, OnlyWholeCompleteRecordsLoadWhateverTheCountsSay) {
   }
 }
 
-TEST_F(ConfigFileOpen, HeaderAcceptsCase11AndABrandOfBlanks) {
-  cfg.Abrir(Put("c11.cfg", PutLE(Golden(), 364, 11)));
-  EXPECT_EQ(cfg.Caso(), 11);
+TEST_F(ConfigFileOpen, HeaderAcceptsCases1To11AndABrandOfBlanks) {
+  for (int32_t c : {1, 11}) {
+    cfg.Abrir(Put("c.cfg", PutLE(Golden(), 364, c)));
+    EXPECT_EQ(cfg.Caso(), c);
+  }
   cfg.Abrir(Put("blank.cfg", Golden().replace(4, 50, std::string(50, ' '))));
   EXPECT_EQ(cfg.Marca(), std::u16string(50, u' '));
 }

@@ -154,7 +154,7 @@ TEST_F(ProfileImport, ValuesOutOfRangeAreSkippedAndNumberedKeysStopAtTheFirstEmp
        "3.0;" + std::string(50, 'b') + ", quoted;;|;1;"},
       {Header() + "[Datos]\r\nDato1=2,1,5,2\r\nDato2=3,3,7,4,\r\nDato3=68,2,255,255,junk\r\n"
                   "Dato4=4,1,1,1\r\nDato5=5,0,5,2\r\nDato6=6,4,5,2\r\nDato7=7,1,0,2\r\n"
-                  "Dato8=8,1,256,2\r\nDato9=9,1,5,0\r\nDato10=10,1,5,256\r\nDato11=11,1,5\r\n"
+                  "Dato8=8,1,257,2\r\nDato9=9,1,5,0\r\nDato10=10,1,5,257\r\nDato11=11,1,5\r\n"
                   "Dato12=\r\nDato13=12,1,5,2\r\n",
        "3.0;M, N;;|;1; D2:5,2,1 D3:7,4,3 D4:1,1,1 D68:255,255,2"},
       {Header() +
