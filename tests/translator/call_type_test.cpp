@@ -1,7 +1,8 @@
-// The constant test, call type and attribute detection by constant marks, the
-// default outgoing call, and the letter-case folding every comparison uses.
+// The constant test, call type detection by constant marks, and the default
+// outgoing call. (Attributes: text_fields_test.cpp, with the keys they select.)
+#include <initializer_list>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "platform/mayusculas.h"
 #include "translator/translator_support.h"
@@ -11,126 +12,91 @@ namespace {
 
 using namespace velqua;
 
-struct Mark {
-  emParamDatoConstante key;
-  int pos;  // 0: no position, an incomplete constant
-  std::u16string text;
-  int size = 0;  // 0: the text's length
-};
+// Defines each key's mark, one character of `marks`, from column `col` on.
+void SetMarks(clsCfgConmut& cfg, int col, const std::string& marks,
+              std::initializer_list<emParamDatoConstante> keys) {
+  int i = 0;
+  for (const emParamDatoConstante key : keys) {
+    SetConstant(cfg, key, col + i, U(marks.substr(static_cast<size_t>(i), 1)));
+    ++i;
+  }
+}
 
-// Duration minutes in columns 1-2 and seconds in 4-5; marks from column 7.
+// Every record starts with its duration: minutes in columns 1-2, seconds 4-5.
 class CallTypeDetection : public BoundTranslator {
  protected:
   CallTypeDetection() {
     SetField(*cfg_, emParamDuracionMinutos, 1, 2);
     SetField(*cfg_, emParamDuracionSegundos, 4, 2);
   }
-  void Define(const std::vector<Mark>& marks) {
-    for (const Mark& m : marks) {
-      cfg_->CTEActivo(m.key);
-      cfg_->Constante(m.text);
-      if (m.pos != 0) cfg_->CTEPos(static_cast<uint8_t>(m.pos));
-      if (m.size != 0) cfg_->CTETam(static_cast<uint8_t>(m.size));
-    }
-  }
-  // A fresh configuration with these marks, then the record.
-  void Take(const std::vector<Mark>& marks, const std::u16string& line) {
-    cfg_ = MakeConfig(emCasoEstandar, u"|");
-    tr_.Conmutador(cfg_);
-    SetField(*cfg_, emParamDuracionMinutos, 1, 2);
-    SetField(*cfg_, emParamDuracionSegundos, 4, 2);
-    Define(marks);
-    tr_.LlamadaActual(line);
-  }
 };
 
 TEST_F(CallTypeDetection, ConstantMatchesItsWholeWidthAtItsColumnIgnoringCase) {
-  const std::u16string at250 = std::u16string(249, u' ') + u"abcde";
   const struct {
-    Mark mark;
+    int pos;  // 0: no position, an incomplete constant
+    const char* text;
+    int size;  // 0: the text's length
     std::u16string line;
     bool found;
   } rows[] = {
-      {{emDatoCteIdentEntrante, 10, u"E"}, u"         e", true},
-      {{emDatoCteIdentEntrante, 1, U("AÑO É")}, U("año é"), true},
-      {{emDatoCteIdentEntrante, 10, u"E"}, u"        E", false},
-      {{emDatoCteIdentEntrante, 40, u"E"}, u"E", false},
-      {{emDatoCteIdentEntrante, 5, u"0X"}, u"12340", false},  // cut off by the line's end
-      {{emDatoCteIdentEntrante, 5, u"0"}, u"12340", true},
-      {{emDatoCteIdentEntrante, 1, u"AB "}, u"ABC", false},
-      {{emDatoCteIdentEntrante, 1, u"AB "}, u"AB C", true},
-      {{emDatoCteIdentEntrante, 1, u"AB", 3}, u"ABC", false},  // text and width differ
-      {{emDatoCteIdentEntrante, 1, u"AB", 1}, u"ABC", false},
-      {{emDatoCteIdentEntrante, 0, u"E"}, u"E", false},
-      {{emDatoCteIdentEntrante, 250, u"ABCDE"}, at250, true},  // ends at column 255
+      {10, "E", 0, u"         e", true},
+      {1, "AÑO É", 0, U("año é"), true},
+      {10, "E", 0, u"        E", false},
+      {40, "E", 0, u"E", false},
+      {5, "0X", 0, u"12340", false},  // cut off by the line's end
+      {5, "0", 0, u"12340", true},
+      {1, "AB ", 0, u"ABC", false},
+      {1, "AB ", 0, u"AB C", true},
+      {1, "AB", 3, u"ABC", false},  // text and width differ
+      {1, "AB", 1, u"ABC", false},
+      {0, "E", 0, u"E", false},
+      {250, "ABCDE", 0, std::u16string(249, u' ') + u"abcde", true},  // ends at column 255
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(AUtf8(row.mark.text) + " at " + std::to_string(row.mark.pos));
-    Take({row.mark}, row.line);
+    SCOPED_TRACE(std::string(row.text) + " at " + std::to_string(row.pos));
+    cfg_ = MakeConfig(emCasoEstandar);
+    tr_.Conmutador(cfg_);
+    SetConstant(*cfg_, emDatoCteIdentEntrante, row.pos, U(row.text));
+    if (row.size != 0) cfg_->CTETam(static_cast<uint8_t>(row.size));
+    tr_.LlamadaActual(row.line);
     EXPECT_EQ(tr_.HayConstanteLlamada(emDatoCteIdentEntrante), row.found);
     EXPECT_EQ(cfg_->CTEActivo(), emDatoCteIdentEntrante);
     EXPECT_FALSE(tr_.HayConstanteLlamada(emDatoCteIdentSaliente));
   }
-  Define({{emDatoCteIdentSaliente, 250, u"ABCDEF"}});  // ends at column 256
+  SetConstant(*cfg_, emDatoCteIdentSaliente, 250, u"ABCDEF");  // ends at column 256
   EXPECT_OVERFLOW(tr_.HayConstanteLlamada(emDatoCteIdentSaliente));
   EXPECT_OVERFLOW(tr_.LlamadaActual(u"01:00 x"));
   tr_.Conmutador(nullptr);
   EXPECT_UNBOUND(tr_.HayConstanteLlamada(emDatoCteIdentEntrante));
 }
 
+// Plain marks I O X T A at 7-11, OR marks i o x t at 12-15, AND marks "&" for
+// incoming at 16 and trunk to trunk at 17.
 TEST_F(CallTypeDetection, PlainAndOrMarksInRoleOrderThenTheAccountMark) {
-  using M = std::vector<Mark>;
-  const M plain = {{emDatoCteIdentEntrante, 7, u"I"},
-                   {emDatoCteIdentSaliente, 7, u"O"},
-                   {emDatoCteIdentInterExtension, 7, u"X"},
-                   {emDatoCteIdentInterTroncal, 7, u"T"},
-                   {emDatoCteIdentCodigoCuenta, 7, u"A"}};
-  const M either = {{emDatoCteIdentEntranteOR, 8, u"i"},
-                    {emDatoCteIdentSalienteOR, 8, u"o"},
-                    {emDatoCteIdentInterExtensionOR, 8, u"x"},
-                    {emDatoCteIdentInterTroncalOR, 8, u"t"}};
-  const M both = {{emDatoCteIdentInterTroncal, 7, u"T"}, {emDatoCteIdentInterTroncalAND, 9, u"T"}};
-  const M and_absent = {{emDatoCteIdentEntrante, 7, u"T"},
-                        {emDatoCteIdentEntranteAND, 9, u"D"},
-                        {emDatoCteIdentSaliente, 9, u"T"}};
-  const M and_or = {{emDatoCteIdentEntrante, 7, u"I"},
-                    {emDatoCteIdentEntranteAND, 8, u"&"},
-                    {emDatoCteIdentEntranteOR, 9, u"|"}};
-  const M order = {{emDatoCteIdentEntrante, 10, u"I"},
-                   {emDatoCteIdentSaliente, 9, u"O"},
-                   {emDatoCteIdentInterExtension, 8, u"X"},
-                   {emDatoCteIdentInterTroncal, 7, u"T"}};
-  const M account = {{emDatoCteIdentSaliente, 7, u"O"}, {emDatoCteIdentCodigoCuenta, 8, u"A"}};
+  SetMarks(*cfg_, 7, "IOXTAioxt&&",
+           {emDatoCteIdentEntrante, emDatoCteIdentSaliente, emDatoCteIdentInterExtension,
+            emDatoCteIdentInterTroncal, emDatoCteIdentCodigoCuenta, emDatoCteIdentEntranteOR,
+            emDatoCteIdentSalienteOR, emDatoCteIdentInterExtensionOR, emDatoCteIdentInterTroncalOR,
+            emDatoCteIdentEntranteAND, emDatoCteIdentInterTroncalAND});
+  const emTipoLlamadaTraductor none = emTradNoIdentificada, in = emTradEntrante,
+                               out = emTradSaliente, ext = emTradInterExtension,
+                               trunk = emTradInterTroncal, code = emTradCodigoCuenta;
   const struct {
-    const M& marks;
     const char16_t* line;
     emTipoLlamadaTraductor type;
   } rows[] = {
-      {plain, u"00:00 I", emTradEntrante},  // the only digits are 0, then 9
-      {plain, u"99:99 O", emTradSaliente},
-      {plain, u"01:00 X", emTradInterExtension},
-      {plain, u"01:00 T", emTradInterTroncal},
-      {plain, u"01:00 A", emTradCodigoCuenta},
-      {plain, u"01:00 Z", emTradNoIdentificada},
-      {plain, u"--:-- A", emTradNoIdentificada},  // a line without digits
-      {either, u"01:00  I", emTradEntrante},
-      {either, u"01:00  O", emTradSaliente},
-      {either, u"01:00  X", emTradInterExtension},
-      {either, u"01:00  T", emTradInterTroncal},
-      {both, u"01:00 T T", emTradInterTroncal},
-      {both, u"01:00 T D", emTradNoIdentificada},
-      {and_absent, u"01:00 T T", emTradSaliente},
-      {and_absent, u"01:00 T D", emTradEntrante},
-      {and_or, u"01:00 I |", emTradNoIdentificada},  // the OR mark only stands in for the plain one
-      {and_or, u"01:00   |", emTradEntrante},
-      {order, u"01:00 TXOI", emTradEntrante},
-      {order, u"01:00 TXO", emTradSaliente},
-      {order, u"01:00 TX", emTradInterExtension},
-      {account, u"01:00 OA", emTradCodigoCuenta},
+      {u"01:00 I        &", in},   {u"01:00 I", none},  // the AND mark must accompany
+      {u"01:00 I    i", none},     {u"01:00 IO", out},  // OR only without the plain mark
+      {u"00:00  O", out},          {u"99:99  O", out},  // digits 0 only, 9 only
+      {u"01:00   X", ext},         {u"01:00    T", none},      {u"01:00    T      &", trunk},
+      {u"01:00      i", in},       {u"01:00       o", out},    {u"01:00        x", ext},
+      {u"01:00         t", trunk}, {u"01:00 IOXT     &&", in}, {u"01:00  OXT      &", out},
+      {u"01:00   XT", ext},        {u"01:00     A", code},     {u"01:00  O  A", code},
+      {u"01:00 Z", none},          {u"--:--     A", none},  // a line without digits
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(AUtf8(row.line));
-    Take(row.marks, row.line);
+    tr_.LlamadaActual(row.line);
     EXPECT_EQ(tr_.TipoLlamadaDetectada(), row.type);
   }
 }
@@ -141,96 +107,45 @@ TEST_F(CallTypeDetection, DefaultOutgoingNeedsNumberExtensionAndTrunkInItsCases)
   SetField(*cfg_, emParamExtensionSaliente, 11, 2);
   SetField(*cfg_, emParamTroncalSaliente, 14, 2);
   SetConstant(*cfg_, emDatoCteIdentCodigoCuenta, 17, u"A");
+  for (const emCasos caso :
+       {emCasoEstandarConSalienteDefecto, emCasoEstandarRestaFechasDuracionConSalienteDefecto,
+        emCasoEstandarDecimasMinutoConSalienteDefecto,
+        emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto, emCasoEstandar,
+        emCasoEstandarDecimasMinuto, emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100,
+        emCasoAD_TES}) {
+    SCOPED_TRACE(caso);
+    cfg_->Caso(caso);
+    tr_.LlamadaActual(u"59:59 555 20 01");
+    const bool by_default = caso == 7 || caso == 8 || caso == 9 || caso == 11;
+    EXPECT_EQ(tr_.TipoLlamadaDetectada(), by_default ? emTradSaliente : emTradNoIdentificada);
+  }
+  cfg_->Caso(emCasoEstandarConSalienteDefecto);
   const struct {
-    emCasos caso;
     const char16_t* line;
     emTipoLlamadaTraductor type;
   } rows[] = {
-      {emCasoEstandarConSalienteDefecto, u"59:59 555 20 01", emTradSaliente},
-      {emCasoEstandarRestaFechasDuracionConSalienteDefecto, u"59:59 555 20 01", emTradSaliente},
-      {emCasoEstandarDecimasMinutoConSalienteDefecto, u"59:59 555 20 01", emTradSaliente},
-      {emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto, u"59:59 555 20 01",
-       emTradSaliente},
-      {emCasoEstandar, u"59:59 555 20 01", emTradNoIdentificada},
-      {emCasoEstandarDecimasMinuto, u"59:59 555 20 01", emTradNoIdentificada},
-      {emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100, u"59:59 555 20 01",
-       emTradNoIdentificada},
-      {emCasoAD_TES, u"59:59 555 20 01", emTradNoIdentificada},
-      {emCasoEstandarConSalienteDefecto, u"59:59 555 20   ", emTradNoIdentificada},
-      {emCasoEstandarConSalienteDefecto, u"59:59 555    01", emTradNoIdentificada},
-      {emCasoEstandarConSalienteDefecto, u"59:59     20 01", emTradSaliente},  // text of blanks
-      {emCasoEstandarConSalienteDefecto, u"59:59 555 -- 01", emTradNoIdentificada},
-      {emCasoEstandarConSalienteDefecto, u"59:59 555 20 01 A", emTradCodigoCuenta},
+      {u"59:59 555 20   ", emTradNoIdentificada}, {u"59:59 555    01", emTradNoIdentificada},
+      {u"59:59     20 01", emTradSaliente},  // a text of blanks is there, a number is not
+      {u"59:59 555 -- 01", emTradNoIdentificada}, {u"59:59 555 20 01 A", emTradCodigoCuenta},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::Message() << "case " << row.caso << " " << AUtf8(row.line));
-    cfg_->Caso(row.caso);
+    SCOPED_TRACE(AUtf8(row.line));
     tr_.LlamadaActual(row.line);
     EXPECT_EQ(tr_.TipoLlamadaDetectada(), row.type);
   }
 }
 
-TEST_F(CallTypeDetection, AttributeMarksOfTheTypesOwnRowInOrder) {
-  Define({{emDatoCteIdentEntrante, 7, u"I"},
-          {emDatoCteIdentSaliente, 7, u"O"},
-          {emDatoCteIdentInterExtension, 7, u"X"},
-          {emDatoCteIdentInterTroncal, 7, u"T"},
-          {emDatoCteIdentCodigoCuenta, 7, u"A"},
-          {emDatoCteIdentEntranteInicioTransferida, 9, u"S"},
-          {emDatoCteIdentEntranteFinTransferida, 10, u"E"},
-          {emDatoCteIdentEntranteEnTransferencia, 11, u"T"},
-          {emDatoCteIdentNoContestada, 12, u"N"},
-          {emDatoCteIdentSalienteFinTransferida, 13, u"s"},
-          {emDatoCteIdentInterExtensionEnTransferencia, 14, u"x"},
-          {emDatoCteIdentInterTroncalInicioTransferida, 15, u"t"}});
-  const struct {
-    const char16_t* line;
-    emAtributoTraductor attr;
-  } rows[] = {
-      {u"01:00 I SETN", emATRIniTR},         {u"01:00 I  ETN", emATRFinTR},
-      {u"01:00 I   TN", emATREnTR},          {u"01:00 I    N", emATRNoContestada},
-      {u"01:00 I", emATRNoAtributo},         {u"01:00 O     sxt", emATRFinTR},
-      {u"01:00 X     sxt", emATREnTR},       {u"01:00 T     sxt", emATRIniTR},
-      {u"01:00 O    N", emATRNoAtributo},  // unanswered: incoming calls only
-      {u"01:00 A SETNsxt", emATRNoAtributo}, {u"01:00 Z SETNsxt", emATRNoAtributo},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(AUtf8(row.line));
-    tr_.LlamadaActual(row.line);
-    EXPECT_EQ(tr_.Atributo(), row.attr);
-  }
-}
-
-TEST(LetterCase, FoldsLatinGreekAndCyrillicLetters) {
-  const struct {
-    const char* a;
-    const char* b;
-    bool equal;
-  } rows[] = {
-      {"incoming call", "INCOMING CALL", true},
-      {"áéíóúñüç", "ÁÉÍÓÚÑÜÇ", true},
-      {"ÿœšž", "ŸŒŠŽ", true},
-      {"łńź", "ŁŃŹ", true},
-      {"αβγ жя", "ΑΒΓ ЖЯ", true},
-      {"a", "b", false},
-      {"a", "á", false},
-      {"ab", "ab ", false},
-      {"÷", "×", false},
-      {"@", "`", false},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(std::string(row.a) + " / " + row.b);
-    EXPECT_EQ(plataforma::IgualesSinMayusculas(U(row.a), U(row.b)), row.equal);
-  }
-}
-
+// Every comparison of marks, keywords and codes ignores letter case.
 TEST(LetterCase, SearchFindsTheFirstOccurrenceFromAPlace) {
+  EXPECT_FALSE(plataforma::IgualesSinMayusculas(u"ab", u"ab "));
+  EXPECT_FALSE(plataforma::IgualesSinMayusculas(U("a"), U("á")));
+  EXPECT_FALSE(plataforma::IgualesSinMayusculas(U("÷"), U("×")));
+  EXPECT_TRUE(plataforma::IgualesSinMayusculas(U("ÿœšžłńź αβγ жя"), U("ŸŒŠŽŁŃŹ ΑΒΓ ЖЯ")));
   constexpr size_t npos = std::u16string_view::npos;
   const struct {
     const char* text;
     const char* sought;
-    size_t from;
-    size_t found;
+    size_t from, found;
   } rows[] = {
       {"abcABC", "bc", 0, 1},   {"abcABC", "BC", 2, 4}, {"Año", "ÑO", 0, 1},
       {"abc", "abcd", 0, npos}, {"abc", "x", 0, npos},  {"abc", "", 3, 3},

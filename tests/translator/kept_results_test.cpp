@@ -20,9 +20,7 @@ using LineSearch = BoundTranslator;
 // The place returned is just past the found line's separator.
 TEST_F(LineSearch, FirstLineHoldingTheTextIgnoringCase) {
   const struct {
-    const char16_t* sep;
-    const char16_t* buffer;
-    const char16_t* text;
+    const char16_t *sep, *buffer, *text;
     int16_t place;
     const char16_t* line;
   } rows[] = {
@@ -46,10 +44,10 @@ TEST_F(LineSearch, FirstLineHoldingTheTextIgnoringCase) {
   }
   // Places are 16-bit: a scan reaching past 32767 overflows.
   cfg_->Separador(u"|");
-  std::u16string buffer(32764, u'a');
-  tr_.BufferMultiplesLineas(buffer + u"X");
+  const std::u16string a32764(32764, u'a');
+  tr_.BufferMultiplesLineas(a32764 + u"X");
   EXPECT_EQ(tr_.BuscaLinea(u"x"), 32767);
-  tr_.BufferMultiplesLineas(buffer + u"XY");
+  tr_.BufferMultiplesLineas(a32764 + u"XY");
   EXPECT_OVERFLOW(tr_.BuscaLinea(u"x"));
   tr_.BufferMultiplesLineas(u"first line|" + std::u16string(40000, u'a'));
   EXPECT_EQ(tr_.BuscaLinea(u"first"), 12);
@@ -58,29 +56,29 @@ TEST_F(LineSearch, FirstLineHoldingTheTextIgnoringCase) {
 
 using KeptResults = BoundTranslator;
 
+// Searches in order, each after a change (or none) to what the lines depend on.
 TEST_F(KeptResults, LinesFoundAreForgottenWithTheBufferSeparatorOrConfiguration) {
-  const std::shared_ptr<clsCfgConmut> other = MakeConfig(emCasoEstandar, u"1|");
-  const auto nothing = [] {};
+  const auto other = MakeConfig(emCasoEstandar, u"1|");
+  const auto none = [] {};
   const auto sep = [&](const char16_t* s) { return [this, s] { cfg_->Separador(s); }; };
   const auto buffer = [&](std::u16string b) { return [this, b] { tr_.BufferMultiplesLineas(b); }; };
-  const std::u16string c40000(40000, u'c');
   const struct {
     std::function<void()> change;
     const char16_t* text;
     int32_t place;
     const char16_t* line;
   } steps[] = {
-      {nothing, u"x", 13, u"uno x"},
-      {nothing, u"tres", 24, u"tres"},
-      {nothing, u"x", 13, u"uno x"},
-      {nothing, u"none", 0, u""},
-      {nothing, u"none", 0, u""},
-      {nothing, u"tres", 24, u"tres"},
-      {nothing, u"DOS", 19, u"dos x"},
-      {nothing, u"dos", 19, u"dos x"},
-      {nothing, u"Dos X", 19, u"dos x"},
+      {none, u"x", 13, u"uno x"},
+      {none, u"tres", 24, u"tres"},
+      {none, u"x", 13, u"uno x"},
+      {none, u"none", 0, u""},
+      {none, u"none", 0, u""},
+      {none, u"tres", 24, u"tres"},
+      {none, u"DOS", 19, u"dos x"},
+      {none, u"dos", 19, u"dos x"},
+      {none, u"Dos X", 19, u"dos x"},
       {sep(u" x|"), u"uno", 13, u"hdr 1|uno"},
-      {nothing, u"hdr", 13, u"hdr 1|uno"},
+      {none, u"hdr", 13, u"hdr 1|uno"},
       {sep(u""), u"uno", 23, u"hdr 1|uno x|dos x|tres"},
       {sep(u"|"), u"hdr", 7, u"hdr 1"},
       {buffer(u"x|y"), u"x", 3, u"x"},
@@ -93,18 +91,17 @@ TEST_F(KeptResults, LinesFoundAreForgottenWithTheBufferSeparatorOrConfiguration)
       {[&] { tr_.Conmutador(other); }, u"x", 10, u"a|b|c x"},
       {[&] {
          tr_.Conmutador(cfg_);
-         tr_.BufferMultiplesLineas(u"a|b|" + c40000 + u"|d");
+         tr_.BufferMultiplesLineas(u"a|b|" + std::u16string(40000, u'c') + u"|d");
        },
        u"b", 5, u"b"},
-      {nothing, u"d", kOverflow, u""},  // a line whose cut fails is cut again
-      {nothing, u"a", 3, u"a"},
-      {nothing, u"none", kOverflow, u""},
-      {nothing, u"B", 5, u"b"},
+      {none, u"d", kOverflow, u""},  // a line whose cut fails is cut again
+      {none, u"a", 3, u"a"},
+      {none, u"none", kOverflow, u""},
+      {none, u"B", 5, u"b"},
       {buffer(std::u16string(40000, u'a') + u"|b"), u"b", kOverflow, u""},
-      {nothing, u"b", kOverflow, u""},
+      {none, u"b", kOverflow, u""},
       {[&] { tr_.Conmutador(nullptr); }, u"dos", 0, u""},
   };
-  cfg_->Separador(u"|");
   tr_.BufferMultiplesLineas(u"hdr 1|uno x|dos x|tres");
   for (const auto& step : steps) {
     SCOPED_TRACE(AUtf8(step.text) + " -> " + std::to_string(step.place));
@@ -121,123 +118,95 @@ TEST_F(KeptResults, LinesFoundAreForgottenWithTheBufferSeparatorOrConfiguration)
   }
 }
 
-// Duration hours, minutes and seconds at columns 1, 4 and 7.
-void PlaceDuration(clsCfgConmut& cfg) {
-  SetField(cfg, emParamDuracionHoras, 1, 2);
-  SetField(cfg, emParamDuracionMinutos, 4, 2);
-  SetField(cfg, emParamDuracionSegundos, 7, 2);
-}
-
-// A configuration complete enough to be saved, with one duration column moved.
-std::shared_ptr<clsCfgConmut> Saved(emParamDato key, int pos) {
+// Duration hours, minutes and seconds at columns 1, 4 and 7 of "01:02:03 1234";
+// the start time 12:34 at 10 and 12 for the subtraction case.
+std::shared_ptr<clsCfgConmut> DurationConfig(emParamDato moved = emNoParamDato, int pos = 0) {
   auto cfg = MakeConfig(emCasoEstandar, u"\r\n");
   cfg->Marca(u"Prueba");
   cfg->Modelo(u"Duracion");
-  PlaceDuration(*cfg);
-  cfg->DATOActivo(key);
-  cfg->DATOPos(static_cast<uint8_t>(pos));
+  SetField(*cfg, emParamDuracionHoras, 1, 2);
+  SetField(*cfg, emParamDuracionMinutos, 4, 2);
+  SetField(*cfg, emParamDuracionSegundos, 7, 2);
+  SetField(*cfg, emParamFechaHoras, 10, 2);
+  SetField(*cfg, emParamFechaMinutos, 12, 2);
+  if (moved != emNoParamDato) SetField(*cfg, moved, pos, 2);
   return cfg;
 }
 
+// Reads in order on one translator, each after a change (or none) of the
+// record or the configuration, by every path a host has.
 TEST_F(KeptResults, DurationIsReadAfreshAfterEveryChangeOfRecordOrConfiguration) {
-  using Change = std::function<void(clsCfgConmut&, clsTraductor&)>;
-  const auto move = [](emParamDato key, int pos, int size) {
-    return [=](clsCfgConmut& c, clsTraductor&) {
-      c.DATOActivo(key);
-      c.DATOPos(static_cast<uint8_t>(pos));
-      c.DATOTam(static_cast<uint8_t>(size));
+  cfg_ = DurationConfig();
+  tr_.Conmutador(cfg_);
+  tr_.LlamadaActual(u"01:02:03 1234");
+  clsCfgConmut& c = *cfg_;
+  const auto none = [] {};
+  const auto field = [&](emParamDato key, int pos, int size, emTipoDato type = emValorNumerico) {
+    return [&c, key, pos, size, type] { SetField(c, key, pos, size, type); };
+  };
+  const auto caso = [&](emCasos k) { return [&c, k] { c.Caso(k); }; };
+  const auto bind = [&](std::shared_ptr<clsCfgConmut> k) {
+    return [this, k] { tr_.Conmutador(k); };
+  };
+  const auto file = [&](bool profile, emParamDato moved, int pos) {  // opened or imported
+    return [&c, path = dir_.Path16("saved"), profile, moved, pos] {
+      auto saved = DurationConfig(moved, pos);
+      profile ? saved->Exportar(path) : saved->GuardarComo(path);
+      profile ? c.Importar(path) : c.Abrir(path);
     };
   };
+  const emParamDato H = emParamDuracionHoras, M = emParamDuracionMinutos,
+                    S = emParamDuracionSegundos;
   const struct {
-    const char* what;
-    Change change;
+    std::function<void()> change;
     int32_t expected;
-  } rows[] = {
-      {"nothing", [](clsCfgConmut&, clsTraductor&) {}, Hms(1, 2, 3)},
-      {"seconds moved", move(emParamDuracionSegundos, 10, 2), Hms(1, 2, 12)},  // "12" of 1234
-      {"minutes widened", move(emParamDuracionMinutos, 10, 4), Hms(1, 1234, 3)},
-      {"hours unset",
-       [](clsCfgConmut& c, clsTraductor&) {
-         c.DATOActivo(emParamDuracionHoras);
-         c.TipoDatoDATO(emValorNoDefinido);
-       },
-       Hms(0, 2, 3)},
-      {"hours unset, read, set again",
-       [](clsCfgConmut& c, clsTraductor& t) {
-         c.DATOActivo(emParamDuracionHoras);
-         c.TipoDatoDATO(emValorNoDefinido);
-         EXPECT_EQ(t.Duracion(), Hms(0, 2, 3));
-         SetField(c, emParamDuracionHoras, 1, 2);
-       },
-       Hms(1, 2, 3)},
-      {"seconds made text",
-       [](clsCfgConmut& c, clsTraductor& t) {
-         SetField(c, emParamDuracionSegundos, 6, 3);  // ":03"
-         EXPECT_EQ(t.Duracion(), Hms(1, 2, 3));
-         c.TipoDatoDATO(emValorCadena);
-       },
-       -1},
-      {"tenths case", [](clsCfgConmut& c, clsTraductor&) { c.Caso(emCasoEstandarDecimasMinuto); },
-       Hms(1, 2, 18)},
-      {"subtraction case",  // the end 01:02:03 minus the start 12:34 and the clock's 03
-       [](clsCfgConmut& c, clsTraductor&) {
-         SetField(c, emParamFechaHoras, 10, 2);
-         SetField(c, emParamFechaMinutos, 12, 2);
-         c.Caso(emCasoEstandarRestaFechasDuracion);
-       },
-       Hms(1, 2, 3) - Hms(12, 34, 3)},
-      {"reset", [](clsCfgConmut& c, clsTraductor&) { c.Iniciar(); }, -1},
-      {"another configuration",
-       [](clsCfgConmut&, clsTraductor& t) { t.Conmutador(Saved(emParamDuracionHoras, 12)); },
-       Hms(34, 2, 3)},
-      {"opened file",
-       [&](clsCfgConmut& c, clsTraductor&) {
-         Saved(emParamDuracionMinutos, 10)->GuardarComo(dir_.Path16("otra.cfg"));
-         c.Abrir(dir_.Path16("otra.cfg"));
-       },
-       Hms(1, 12, 3)},
-      {"imported profile",
-       [&](clsCfgConmut& c, clsTraductor&) {
-         Saved(emParamDuracionSegundos, 12)->Exportar(dir_.Path16("otra.ini"));
-         c.Importar(dir_.Path16("otra.ini"));
-       },
-       Hms(1, 2, 34)},
-      {"new record", [](clsCfgConmut&, clsTraductor& t) { t.LlamadaActual(u"00:00:07"); }, 7},
-      {"new record whose intake failed",
-       [](clsCfgConmut& c, clsTraductor& t) {
+  } steps[] = {
+      {none, Hms(1, 2, 3)},
+      {none, Hms(1, 2, 3)},
+      {[&] { c.DATOActivo(S), c.DATOPos(10); }, Hms(1, 2, 12)},  // "12" of "1234"
+      {[&] { c.DATOPos(7); }, Hms(1, 2, 3)},
+      {[&] { c.DATOActivo(M), c.DATOPos(10), c.DATOTam(4); }, Hms(1, 1234, 3)},
+      {field(M, 4, 2), Hms(1, 2, 3)},
+      {[&] { c.DATOActivo(H), c.TipoDatoDATO(emValorNoDefinido); }, Hms(0, 2, 3)},
+      {field(H, 1, 2), Hms(1, 2, 3)},
+      {field(S, 6, 3), Hms(1, 2, 3)},  // ":03" keeps its digits
+      {field(S, 6, 3, emValorCadena), -1},
+      {field(S, 7, 2), Hms(1, 2, 3)},
+      {caso(emCasoEstandarDecimasMinuto), Hms(1, 2, 18)},
+      {caso(emCasoEstandar), Hms(1, 2, 3)},
+      {caso(emCasoEstandarRestaFechasDuracion), Hms(1, 2, 3) - Hms(12, 34, 3)},
+      {caso(emCasoEstandar), Hms(1, 2, 3)},
+      {bind(DurationConfig(H, 12)), Hms(34, 2, 3)},
+      {bind(cfg_), Hms(1, 2, 3)},
+      {file(false, M, 10), Hms(1, 12, 3)},
+      {file(true, S, 12), Hms(1, 2, 34)},
+      {field(S, 7, 2), Hms(1, 2, 3)},
+      {[&] { tr_.LlamadaActual(u"00:00:07"); }, 7},
+      {[&] {
          SetConstant(c, emDatoCteIdentEntrante, 250, u"XXXXXXXXXX");  // ends at column 259
-         EXPECT_OVERFLOW(t.LlamadaActual(u"00:00:07"));
+         EXPECT_OVERFLOW(tr_.LlamadaActual(u"01:02:03"));
          c.CTEPos(20);
        },
-       7},
-      {"unbound", [](clsCfgConmut&, clsTraductor& t) { t.Conmutador(nullptr); }, kUnbound},
-      {"overflowing seconds", move(emParamDuracionSegundos, 250, 10), kOverflow},
-      {"overflowing seconds, read, put back",
-       [](clsCfgConmut& c, clsTraductor& t) {
-         SetField(c, emParamDuracionSegundos, 250, 10);
-         EXPECT_OVERFLOW(t.Duracion());
-         SetField(c, emParamDuracionSegundos, 7, 2);
-       },
        Hms(1, 2, 3)},
+      {field(S, 250, 10), kOverflow},
+      {none, kOverflow},
+      {field(S, 7, 2), Hms(1, 2, 3)},
+      {bind(nullptr), kUnbound},
+      {bind(cfg_), Hms(1, 2, 3)},
+      {[&] { c.Iniciar(); }, -1},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.what);
-    auto cfg = MakeConfig(emCasoEstandar);
-    PlaceDuration(*cfg);
-    clsTraductor tr;
-    tr.Conmutador(cfg);
-    tr.LlamadaActual(u"01:02:03 1234");
-    cfg->DATOActivo(emParamTelefonoSaliente);
-    EXPECT_EQ(tr.Duracion(), Hms(1, 2, 3));
-    EXPECT_EQ(cfg->DATOActivo(), emParamDuracionSegundos);  // as the three cuts leave it
-    row.change(*cfg, tr);
-    if (row.expected == kOverflow) {
-      EXPECT_OVERFLOW(tr.Duracion());
-      EXPECT_OVERFLOW(tr.Duracion());
-    } else if (row.expected == kUnbound) {
-      EXPECT_UNBOUND(tr.Duracion());
+  c.DATOActivo(emParamTelefonoSaliente);
+  EXPECT_EQ(tr_.Duracion(), Hms(1, 2, 3));
+  EXPECT_EQ(c.DATOActivo(), emParamDuracionSegundos);  // as the three cuts leave it
+  for (const auto& step : steps) {
+    SCOPED_TRACE(::testing::Message() << "step " << (&step - steps));
+    step.change();
+    if (step.expected == kOverflow) {
+      EXPECT_OVERFLOW(tr_.Duracion());
+    } else if (step.expected == kUnbound) {
+      EXPECT_UNBOUND(tr_.Duracion());
     } else {
-      EXPECT_EQ(tr.Duracion(), row.expected);
+      EXPECT_EQ(tr_.Duracion(), step.expected);
     }
   }
 }

@@ -36,12 +36,9 @@ TEST_F(UnrecognisedLog, EmptyOrUnopenableLogIsSkippedSilently) {
 
 // A random stand-in: 1 to 10000, at least four digits.
 bool IsRandomExtension(const std::u16string& ext) {
-  if (ext.size() < 4 || ext.size() > 5) return false;
-  for (char16_t c : ext) {
-    if (c < u'0' || c > u'9') return false;
-  }
-  const int n = std::stoi(AUtf8(ext));
-  return n >= 1 && n <= 10000 && (ext.size() == 4 || n == 10000);
+  const std::string s = AUtf8(ext);
+  const bool digits = s.find_first_not_of("0123456789") == std::string::npos;
+  return (s.size() == 4 && digits && s != "0000") || s == "10000";
 }
 
 constexpr emCasos kCase10 = emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100;
@@ -147,6 +144,24 @@ TEST_F(AccountCodeExtension, ListLinesGiveCodeAndExtension) {
   WriteFile(dir_.Path("otra.txt"), "1234;288\r\n");
   tr_.ArchivoListaExtensionesKXTDA(dir_.Path16("otra.txt"));
   EXPECT_EQ(Lookup("1234"), u"288");
+}
+
+// The generator is seeded from the timer at construction and at each binding
+// in cases 10 and 11: the same seed repeats the draws, another does not.
+TEST_F(AccountCodeExtension, BindingInCases10And11ReseedsTheRandomExtensions) {
+  const auto draws = [this] { return Lookup("9") + Lookup("9") + Lookup("9"); };
+  tr_.Conmutador(cfg_);
+  const std::u16string first = draws(), second = draws();
+  cfg_->Caso(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto);
+  tr_.Conmutador(cfg_);
+  EXPECT_EQ(draws(), first);
+  cfg_->Caso(emCasoEstandar);
+  tr_.Conmutador(cfg_);  // no seed
+  cfg_->Caso(kCase10);
+  EXPECT_EQ(draws(), second);
+  FixedClock other(TestNow(), 12345);
+  tr_.Conmutador(cfg_);
+  EXPECT_NE(draws(), first);
 }
 
 TEST_F(AccountCodeExtension, WithoutAListedCodeTheExtensionIsRandom) {

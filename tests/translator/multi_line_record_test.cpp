@@ -36,46 +36,38 @@ TEST_F(MultiLineRecord, KeywordLinesAfterTheHeaderGiveTypeAttributeAndDuration) 
   const std::string H = kHeader + "|";
   const struct {
     std::string record;
-    emTipoLlamadaTraductor type;
-    emAtributoTraductor attr;
+    const char* kind;  // type/attribute
     int32_t duration;  // read when the record is kept
   } rows[] = {
-      {H + "00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED", emTradSaliente, emATRNoAtributo, 90},
-      {H + "00:00:00 outgoing call|00:01:30 call released", emTradSaliente, emATRNoAtributo, 90},
-      {H + "00:00:00 INCOMING CALL|00:02:00 CALL RELEASED", emTradEntrante, emATRNoAtributo, 120},
-      {H + "00:00:20 NO ANSWER RINGING 0:20", emTradEntrante, emATRNoAtributo, 0},
-      {H + "00:00:00 FROM TRANSFER|00:00:30 TRANSFERRED", emTradTransferida, emATREnTR, 30},
-      {H + "00:00:00 FROM TRANSFER|00:03:05 CALL RELEASED", emTradTransferida, emATRFinTR, 185},
-      {H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED", emTradSaliente, emATRIniTR, 40},
-      {H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED|02:00:00 CALL RELEASED", emTradSaliente,
-       emATRIniTR, 7200},
-      {"00:00:00 OUTGOING CALL|" + H + "00:00:01 INCOMING CALL|00:01:30 CALL RELEASED",
-       emTradNoIdentificada, emATRNoAtributo, 0},
-      {H + "00:01:30 CALL RELEASED", emTradNoIdentificada, emATRNoAtributo, 0},
-      {"00:00:20 NO ANSWER|" + kHeader, emTradNoIdentificada, emATRNoAtributo, 0},
-      {"00:01:30 CALL RELEASED|" + H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED",
-       emTradNoIdentificada, emATRIniTR, 0},
-      {"00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED", emTradNoIdentificada, emATRNoAtributo, 0},
-      {H + "00:00:00 OUTGOING CALL|xx:xx:xx CALL RELEASED", emTradNoIdentificada, emATRNoAtributo,
-       0},
+      {H + "00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED", "2/0", 90},
+      {H + "00:00:00 outgoing call|00:01:30 call released", "2/0", 90},
+      {H + "00:00:00 INCOMING CALL|00:02:00 CALL RELEASED", "1/0", 120},
+      {H + "00:00:00 INCOMING CALL OUTGOING CALL|00:01:00 CALL RELEASED", "2/0", 60},
+      {H + "00:00:20 NO ANSWER RINGING 0:20", "1/0", 0},
+      {H + "00:00:00 FROM TRANSFER|00:00:30 TRANSFERRED", "6/2", 30},
+      {H + "00:00:00 FROM TRANSFER|00:03:05 CALL RELEASED", "6/3", 185},
+      {H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED", "2/1", 40},
+      {H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED|02:00:00 CALL RELEASED", "2/1", 7200},
+      {"00:00:00 OUTGOING CALL|" + H + "00:00:01 INCOMING CALL|00:01:30 CALL RELEASED", "0/0", 0},
+      {H + "00:01:30 CALL RELEASED", "0/0", 0},
+      {"00:00:20 NO ANSWER|" + kHeader, "0/0", 0},
+      {"00:01:30 CALL RELEASED|" + H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED", "0/1", 0},
+      {"00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED", "0/0", 0},
+      {H + "00:00:00 OUTGOING CALL|xx:xx:xx CALL RELEASED", "0/0", 0},
       // a keyword on the header line itself is not after the header
-      {"00:01:30 -------- CALL RELEASED|00:00:00 OUTGOING CALL", emTradNoIdentificada,
-       emATRNoAtributo, 0},
-      {"00:00:40 -------- TRANSFERRED|00:00:00 OUTGOING CALL", emTradNoIdentificada, emATRIniTR, 0},
-      {"00:00:20 -------- NO ANSWER", emTradNoIdentificada, emATRNoAtributo, 0},
-      {"-------- OUTGOING CALL|00:01:30 CALL RELEASED", emTradNoIdentificada, emATRNoAtributo, 0},
-      {"-------- INCOMING CALL|00:01:30 CALL RELEASED", emTradNoIdentificada, emATRNoAtributo, 0},
-      {"-------- FROM TRANSFER|00:01:30 CALL RELEASED", emTradNoIdentificada, emATRFinTR, 0},
-      {H + "00:00:00 INCOMING CALL OUTGOING CALL|00:01:00 CALL RELEASED", emTradSaliente,
-       emATRNoAtributo, 60},
+      {"00:01:30 -------- CALL RELEASED|00:00:00 OUTGOING CALL", "0/0", 0},
+      {"00:00:40 -------- TRANSFERRED|00:00:00 OUTGOING CALL", "0/1", 0},
+      {"00:00:20 -------- NO ANSWER", "0/0", 0},
+      {"-------- OUTGOING CALL|00:01:30 CALL RELEASED", "0/0", 0},
+      {"-------- INCOMING CALL|00:01:30 CALL RELEASED", "0/0", 0},
+      {"-------- FROM TRANSFER|00:01:30 CALL RELEASED", "0/3", 0},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.record);
     std::remove(dir_.Path("log.txt").c_str());
     Write(row.record);
-    EXPECT_EQ(tr_.TipoLlamadaDetectada(), row.type);
-    EXPECT_EQ(tr_.Atributo(), row.attr);
-    const bool kept = row.type != emTradNoIdentificada;
+    EXPECT_EQ(Kind(tr_), row.kind);
+    const bool kept = row.kind[0] != '0';
     if (kept) {
       EXPECT_EQ(tr_.Duracion(), row.duration);
     }
@@ -92,20 +84,14 @@ TEST_F(MultiLineRecord, FieldsComeFromTheLinesOfTheirKeywords) {
   Write(kHeader +
         "|00:00:00 OUTGOING CALL|00:00:02 DIGITS DIALED 95551212|"
         "00:00:05 RESTRICTION PASSWORD 4321|00:01:30 CALL RELEASED");
-  ASSERT_EQ(tr_.TipoLlamadaDetectada(), emTradSaliente);
-  tr_.Duracion();
-  EXPECT_EQ(tr_.Ring(), 90);  // the ring time reads the line the last search left
+  EXPECT_TRUE(tr_.HayLlamada());  // the duration's search left CALL RELEASED
+  EXPECT_EQ(tr_.Ring(), 90);      // the ring time reads the line the last search left
   EXPECT_EQ(tr_.Dia(), 17);
   EXPECT_EQ(tr_.Ring(), -1);  // the header's columns 4-5 and 7-8 hold no digits
   EXPECT_EQ(tr_.Mes(), 11);
   EXPECT_EQ(tr_.Anio(), 2026);
   EXPECT_EQ(tr_.Hora(), Hms(10, 20, 30));
-  EXPECT_EQ(tr_.Extension(), u"7425");
-  EXPECT_EQ(tr_.Troncal(), u"0003");
-  EXPECT_EQ(tr_.ExtensionReceptor(), u"");
-  EXPECT_EQ(tr_.TroncalReceptor(), u"");
-  EXPECT_EQ(tr_.CodigoCuenta(), u"4321");
-  EXPECT_EQ(tr_.Marcacion(), u"95551212");
+  EXPECT_EQ(Summary(tr_), "2/0 95551212|7425|0003|||4321");
   cfg_->CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
   cfg_->Constante(u"9");
   EXPECT_EQ(tr_.Marcacion(), u"5551212");
@@ -120,11 +106,7 @@ TEST_F(MultiLineRecord, MissingLinesGiveTheClocksValuesAndEmptyTexts) {
   Write("00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED");
   EXPECT_EQ(tr_.Dia(), 18);
   EXPECT_EQ(tr_.Hora(), Hms(9, 5, 3));
-  EXPECT_FALSE(tr_.HayLlamada());
-  EXPECT_EQ(tr_.Extension(), u"");
-  EXPECT_EQ(tr_.Troncal(), u"");
-  EXPECT_EQ(tr_.Marcacion(), u"");
-  EXPECT_EQ(tr_.CodigoCuenta(), u"");
+  EXPECT_EQ(Summary(tr_), "0/0 |||||");
   EXPECT_FALSE(tr_.HayLlamada());
 }
 

@@ -91,20 +91,6 @@ TEST_F(RecordIntake, BufferWriteTriggersNothingAndCaseIsReadAtEveryUse) {
   EXPECT_EQ(tr_.TipoLlamadaDetectada(), emTradSaliente);
 }
 
-TEST_F(RecordIntake, NorstarRecordGoesToTheBuffer) {
-  cfg_->Caso(emCasoNortelNorstar0x32SMDR6);
-  SetField(*cfg_, emParamDuracionMinutos, 4, 2);
-  SetField(*cfg_, emParamDuracionSegundos, 7, 2);
-  const std::u16string record = u"-------- 11/18/26|00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED";
-  tr_.LlamadaActual(record);
-  EXPECT_EQ(tr_.TipoLlamadaDetectada(), emTradSaliente);
-  EXPECT_EQ(tr_.BufferMultiplesLineas(), record);
-  EXPECT_TRUE(tr_.HayLlamada());  // the duration's search left CALL RELEASED
-  tr_.BuscaLinea(u"DIGITS DIALED");
-  EXPECT_FALSE(tr_.HayLlamada());
-  EXPECT_EQ(tr_.LlamadaActual(), record);
-}
-
 TEST_F(RecordIntake, UnboundIntakeOnlyForgetsTheType) {
   clsTraductor fresh;
   fresh.LlamadaActual(u"I 02:30");
@@ -153,55 +139,6 @@ TEST(TranslatorBinding, UnboundReadsFailAndSearchesFindNothing) {
   EXPECT_FALSE(tr.HayLlamada());
   EXPECT_FALSE(tr.HayConstanteLlamada(emDatoCteIdentEntrante));  // empty line: no error
   EXPECT_EQ(tr.LlamadaActual(), u"");
-}
-
-// The generator shows through the random extension: a star code with no list.
-std::shared_ptr<clsCfgConmut> RandomConfig(emCasos caso) {
-  auto cfg = MakeConfig(caso);
-  SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
-  SetText(*cfg, emParamExtensionSaliente, 3, 5);
-  SetField(*cfg, emParamDuracionMinutos, 9, 2);
-  SetField(*cfg, emParamDuracionSegundos, 12, 2);
-  return cfg;
-}
-
-std::u16string Draws(clsTraductor& tr) {
-  std::u16string out;
-  for (int i = 0; i < 3; ++i) {
-    tr.LlamadaActual(u"O *9999 01:00");
-    out += tr.Extension();
-  }
-  return out;
-}
-
-constexpr emCasos kCase10 = emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100;
-constexpr emCasos kCase11 = emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto;
-
-TEST(RandomSeed, BindingInCases10And11SeedsFromTheTimer) {
-  FixedClock clock(TestNow(), 77);
-  clsTraductor tr;
-  tr.Conmutador(RandomConfig(kCase10));
-  const std::u16string first = Draws(tr);
-  tr.Conmutador(RandomConfig(kCase11));
-  EXPECT_EQ(Draws(tr), first);
-  FixedClock other(TestNow(), 12345);
-  tr.Conmutador(RandomConfig(kCase10));
-  EXPECT_NE(Draws(tr), first);
-}
-
-TEST(RandomSeed, BindingInAnotherCaseLeavesTheGenerator) {
-  FixedClock clock(TestNow(), 77);
-  clsTraductor reference;
-  reference.Conmutador(RandomConfig(kCase10));
-  Draws(reference);
-  const std::u16string second = Draws(reference);
-  clsTraductor tr;
-  tr.Conmutador(RandomConfig(kCase10));
-  Draws(tr);
-  auto other = RandomConfig(emCasoEstandar);
-  tr.Conmutador(other);
-  other->Caso(kCase10);
-  EXPECT_EQ(Draws(tr), second);
 }
 
 }  // namespace

@@ -32,51 +32,43 @@ class FieldKeys : public BoundTranslator {
   }
 };
 
+// Summary: type/attribute, then dialled|extension|trunk|receivers|code. Marks
+// are tested start, end, in transfer, unanswered (incoming calls only); each
+// type reads its own; the account mark wins and gives no attribute.
 TEST_F(FieldKeys, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
   const struct {
     std::vector<int> marks;
-    emTipoLlamadaTraductor type;
-    emAtributoTraductor attr;
-    const char* dialled;  // Marcacion, Extension, Troncal, ExtensionReceptor,
-    const char* ext;      // TroncalReceptor, CodigoCuenta
-    const char* trunk;
-    const char* ext2;
-    const char* trunk2;
-    const char* code;
+    const char* fields;
   } rows[] = {
-      {{4}, emTradEntrante, emATRNoAtributo, "K18", "K31", "K30", "", "", ""},
-      {{4, 16}, emTradEntrante, emATRIniTR, "K22", "K39", "K38", "", "", ""},
-      {{4, 24}, emTradEntrante, emATREnTR, "K54", "K59", "K58", "", "", ""},
-      {{4, 17}, emTradEntrante, emATRFinTR, "K23", "K41", "K40", "", "", ""},
-      {{4, 29}, emTradEntrante, emATRNoContestada, "K18", "K31", "K30", "", "", ""},
-      {{7}, emTradSaliente, emATRNoAtributo, "K19", "K33", "K32", "", "", ""},
-      {{7, 18}, emTradSaliente, emATRIniTR, "K24", "K43", "K42", "", "", ""},
-      {{7, 25}, emTradSaliente, emATREnTR, "K55", "K61", "K60", "", "", ""},
-      {{7, 19}, emTradSaliente, emATRFinTR, "K25", "K45", "K44", "", "", ""},
-      {{10}, emTradInterExtension, emATRNoAtributo, "K20", "K34", "", "K35", "", ""},
-      {{10, 20}, emTradInterExtension, emATRIniTR, "K26", "K46", "", "K47", "", ""},
-      {{10, 26}, emTradInterExtension, emATREnTR, "K56", "K62", "", "K63", "", ""},
-      {{10, 21}, emTradInterExtension, emATRFinTR, "K27", "K48", "", "K49", "", ""},
-      {{13}, emTradInterTroncal, emATRNoAtributo, "K21", "", "K36", "", "K37", ""},
-      {{13, 22}, emTradInterTroncal, emATRIniTR, "K28", "", "K50", "", "K51", ""},
-      {{13, 27}, emTradInterTroncal, emATREnTR, "K57", "", "K64", "", "K65", ""},
-      {{13, 23}, emTradInterTroncal, emATRFinTR, "K29", "", "K52", "", "K53", ""},
-      {{28}, emTradCodigoCuenta, emATRNoAtributo, "", "", "K66", "", "", "K17"},
-      {{28, 16}, emTradCodigoCuenta, emATRNoAtributo, "", "", "K66", "", "", "K17"},
-      {{}, emTradNoIdentificada, emATRNoAtributo, "", "", "", "", "", ""},
+      {{4}, "1/0 K18|K31|K30|||"},
+      {{4, 16, 17, 24, 29}, "1/1 K22|K39|K38|||"},
+      {{4, 17, 24, 29}, "1/3 K23|K41|K40|||"},
+      {{4, 24, 29}, "1/2 K54|K59|K58|||"},
+      {{4, 29}, "1/4 K18|K31|K30|||"},
+      {{7}, "2/0 K19|K33|K32|||"},
+      {{7, 16, 20, 22, 29}, "2/0 K19|K33|K32|||"},
+      {{7, 18}, "2/1 K24|K43|K42|||"},
+      {{7, 25}, "2/2 K55|K61|K60|||"},
+      {{7, 19}, "2/3 K25|K45|K44|||"},
+      {{10}, "3/0 K20|K34||K35||"},
+      {{10, 16, 18, 22}, "3/0 K20|K34||K35||"},
+      {{10, 20}, "3/1 K26|K46||K47||"},
+      {{10, 26}, "3/2 K56|K62||K63||"},
+      {{10, 21}, "3/3 K27|K48||K49||"},
+      {{13}, "4/0 K21||K36||K37|"},
+      {{13, 16, 18, 20}, "4/0 K21||K36||K37|"},
+      {{13, 22}, "4/1 K28||K50||K51|"},
+      {{13, 27}, "4/2 K57||K64||K65|"},
+      {{13, 23}, "4/3 K29||K52||K53|"},
+      {{28}, "5/0 ||K66|||K17"},
+      {{28, 7, 16}, "5/0 ||K66|||K17"},
+      {{16, 29}, "0/0 |||||"},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::Message() << "type " << row.type << " attribute " << row.attr);
+    SCOPED_TRACE(row.fields);
     tr_.LlamadaActual(u"");
     Write(row.marks);
-    ASSERT_EQ(tr_.TipoLlamadaDetectada(), row.type);
-    ASSERT_EQ(tr_.Atributo(), row.attr);
-    EXPECT_EQ(AUtf8(tr_.Marcacion()), row.dialled);
-    EXPECT_EQ(AUtf8(tr_.Extension()), row.ext);
-    EXPECT_EQ(AUtf8(tr_.Troncal()), row.trunk);
-    EXPECT_EQ(AUtf8(tr_.ExtensionReceptor()), row.ext2);
-    EXPECT_EQ(AUtf8(tr_.TroncalReceptor()), row.trunk2);
-    EXPECT_EQ(AUtf8(tr_.CodigoCuenta()), row.code);
+    EXPECT_EQ(Summary(tr_), row.fields);
     EXPECT_EQ(tr_.Dia(), 2);
     EXPECT_EQ(tr_.Mes(), 3);
     EXPECT_EQ(tr_.Anio(), 2004);
@@ -102,20 +94,21 @@ using TextFields = BoundTranslator;
 // The account code field (no account mark) shows the cut as it is.
 TEST_F(TextFields, FieldIsCutAtItsColumnsANumericOneKeepsOnlyDigits) {
   const std::u16string line22 = u"12345678901234567894x2";
+  const emTipoDato num = emValorNumerico, text = emValorCadena;
   const struct {
     int pos, size;
     emTipoDato type;
     std::u16string line;
     const char16_t* expected;
   } rows[] = {
-      {20, 5, emValorNumerico, line22, u"42"},  // runs past the line's end
-      {20, 5, emValorCadena, line22, u"4x2"},
-      {22, 2, emValorCadena, line22, u"2"},
-      {23, 2, emValorCadena, line22, u""},  // starts past the line's end
-      {1, 4, emValorNumerico, u" 1:2", u"12"},
-      {1, 4, emValorNumerico, u"-+a:", u""},
+      {20, 5, num, line22, u"42"},  // runs past the line's end
+      {20, 5, text, line22, u"4x2"},
+      {22, 2, text, line22, u"2"},
+      {23, 2, text, line22, u""},  // starts past the line's end
+      {1, 4, num, u" 1:2", u"12"},
+      {1, 4, num, u"-+a:", u""},
       {1, 4, emValorNoDefinido, u"1234", u""},
-      {200, 55, emValorCadena, u"1", u""},  // ends at column 254
+      {200, 55, text, u"1", u""},  // ends at column 254
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(::testing::Message() << row.pos << "+" << row.size << " type " << row.type);
@@ -136,19 +129,16 @@ TEST_F(TextFields, DialledNumberLosesThePrefixAfterTrimming) {
   SetField(*cfg_, emParamDuracionSegundos, 4, 1);
   SetText(*cfg_, emParamExtensionEntrante, 13, 6);
   SetText(*cfg_, emParamTroncalEntrante, 20, 4);
+  const emTipoDato num = emValorNumerico, text = emValorCadena;
   const struct {
     const char16_t* prefix;  // no position: its text alone counts
     emTipoDato type;
-    const char16_t* line;
-    const char16_t* expected;
+    const char16_t *line, *expected;
   } rows[] = {
-      {u"", emValorCadena, u"I 00  1:2", u"1:2"},
-      {u"", emValorNumerico, u"I 00  1:2", u"12"},
-      {u"9", emValorCadena, u"I 00 9 555", u" 555"},
-      {u"9", emValorNumerico, u"I 00 9 555", u"555"},
-      {u"<i>", emValorCadena, u"I 00 <I>555", u"555"},
-      {u"<i>", emValorCadena, u"I 00 <I", u"<I"},
-      {u"<i>", emValorCadena, u"I 00 5<I>", u"5<I>"},
+      {u"", text, u"I 00  1:2", u"1:2"},      {u"", num, u"I 00  1:2", u"12"},
+      {u"9", text, u"I 00 9 555", u" 555"},   {u"9", num, u"I 00 9 555", u"555"},
+      {u"<i>", text, u"I 00 <I>555", u"555"}, {u"<i>", text, u"I 00 <I", u"<I"},
+      {u"<i>", text, u"I 00 5<I>", u"5<I>"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(AUtf8(row.line));

@@ -67,6 +67,23 @@ inline std::string LogEntry(const std::string& record,
 // Seconds of a time of day.
 constexpr int32_t Hms(int h, int m, int s) { return h * 3600 + m * 60 + s; }
 
+// The type and attribute numbers and the text fields of the current record:
+// "type/attribute dialled|extension|trunk|receiving ext.|receiving trunk|code".
+inline std::string Kind(const velqua::clsTraductor& tr) {
+  return std::to_string(tr.TipoLlamadaDetectada()) + "/" + std::to_string(tr.Atributo());
+}
+inline std::string Summary(velqua::clsTraductor& tr) {
+  using T = velqua::clsTraductor;
+  std::string out = Kind(tr);
+  char sep = ' ';
+  for (auto read : {&T::Marcacion, &T::Extension, &T::Troncal, &T::ExtensionReceptor,
+                    &T::TroncalReceptor, &T::CodigoCuenta}) {
+    out += sep + velqua::AUtf8((tr.*read)());
+    sep = '|';
+  }
+  return out;
+}
+
 // The translator's two errors, number, source and description.
 #define EXPECT_OVERFLOW(stmt) EXPECT_VELQUA_ERROR(stmt, 6, u"Velqua", u"Desbordamiento")
 #define EXPECT_UNBOUND(stmt) \
