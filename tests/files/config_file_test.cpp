@@ -134,8 +134,9 @@ TEST_F(ConfigFileOpen, RefusedFilesRaiseTheirErrorAndLeaveTheObjectAsItWas) {
                                   PutLE(v2, 1, 1, 1),
                                   v2 + "x",
                                   v2.substr(0, 785)};
-  for (size_t size : {0, 1, 659, 660, 785, 786, 787, 4096}) bad.push_back(std::string(size, '\0'));
-  for (size_t size : {1, 100, 660, 786, 5000}) bad.push_back(garbage.substr(0, size));
+  for (size_t size : {0u, 1u, 659u, 660u, 785u, 786u, 787u, 4096u})
+    bad.push_back(std::string(size, '\0'));
+  for (size_t size : {1u, 100u, 660u, 786u, 5000u}) bad.push_back(garbage.substr(0, size));
   for (int32_t v : {0, 1, 2, 4, -1}) bad.push_back(PutLE(Golden(), 0, v));
   for (int32_t c : {0, 12, -1, 1000}) bad.push_back(PutLE(Golden(), 364, c));
   std::vector<std::pair<std::u16string, int32_t>> rows = {

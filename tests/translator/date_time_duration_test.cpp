@@ -60,7 +60,9 @@ TEST_F(DateTimeDuration, DateComponentsInRangeOrToday) {
   EXPECT_EQ(tr_.Anio(), 1907);  // the clock's century
 }
 
-// Hours 1-2, minutes 4-5, seconds 7-8; the clock reads 09:05:03.
+// Hours 1-2, minutes 4-5, seconds 7-8, no range check; the clock reads
+// 09:05:03. From the first "PM" row on, a morning mark "AM" in column 9 makes
+// a 12-hour clock: without it an hour below 12 (the clock's too) is afternoon.
 TEST_F(DateTimeDuration, TimeOfDayTakesWhatIsMissingFromTheClock) {
   SetField(*cfg_, emParamFechaHoras, 1, 2);
   SetField(*cfg_, emParamFechaMinutos, 4, 2);
@@ -70,16 +72,15 @@ TEST_F(DateTimeDuration, TimeOfDayTakesWhatIsMissingFromTheClock) {
     int32_t expected;
   } rows[] = {
       {u"14:03:27", Hms(14, 3, 27)},
-      {u"25:75:99", 25 * 3600 + 75 * 60 + 99},  // no range check
+      {u"25:75:99", Hms(25, 75, 99)},
       {u"14:03", Hms(14, 3, 3)},
       {u"xx:03", Hms(9, 3, 3)},
       {u"-", Hms(9, 5, 3)},
       {u"03", Hms(3, 5, 3)},
-      // with a morning mark "AM" in column 9 from here on: a 12-hour clock
       {u"03:10:00PM", Hms(15, 10, 0)},
       {u"11:00:00PM", Hms(23, 0, 0)},
       {u"12:10:00PM", Hms(12, 10, 0)},
-      {u"xx:10:00PM", Hms(21, 10, 0)},  // the clock's hour is an afternoon one too
+      {u"xx:10:00PM", Hms(21, 10, 0)},
       {u"12:10:00am", Hms(0, 10, 0)},
       {u"03:10:00AM", Hms(3, 10, 0)},
   };
@@ -101,27 +102,22 @@ TEST_F(DateTimeDuration, DurationAndRingNeedMinutesAndSeconds) {
     SetField(*cfg_, key, 7, 4);
   }
   SetField(*cfg_, emParamFechaSegundos, 7, 1);
-  const emCasos tenths = emCasoEstandarDecimasMinuto;
+  // Case 6 prints tenths of a minute in the duration's seconds column.
+  const emCasos one = emCasoEstandar, tenths = emCasoEstandarDecimasMinuto,
+                nine = emCasoEstandarDecimasMinutoConSalienteDefecto;
   const struct {
     emCasos caso;
     const char16_t* line;
     Read read;
     int32_t expected;
   } rows[] = {
-      {emCasoEstandar, u"   02:30", Length, 150},
-      {emCasoEstandar, u"01:02:30", Length, 3750},
-      {emCasoEstandar, u"   75:00", Length, 4500},
-      {emCasoEstandar, u"   --:30", Length, -1},
-      {emCasoEstandar, u"   02:", Length, -1},
-      {tenths, u"   01:5", Length, 90},  // tenths of a minute in the seconds column
-      {tenths, u"   00:5461", Length, 32766},
-      {emCasoEstandarDecimasMinutoConSalienteDefecto, u"   01:5", Length, 65},
-      {tenths, u"   01:5", RingTime, 65},
-      {tenths, u"   01:5", Time, Hms(9, 5, 5)},
-      {emCasoEstandar, u"01:00:12", RingTime, 3612},
-      {emCasoEstandar, u"   00:12", RingTime, 12},
-      {emCasoEstandar, u"   00:", RingTime, -1},
-      {emCasoEstandar, u"      12", RingTime, -1},
+      {one, u"   02:30", Length, 150},        {one, u"01:02:30", Length, 3750},
+      {one, u"   75:00", Length, 4500},       {one, u"   --:30", Length, -1},
+      {one, u"   02:", Length, -1},           {tenths, u"   01:5", Length, 90},
+      {tenths, u"   00:5461", Length, 32766}, {nine, u"   01:5", Length, 65},
+      {tenths, u"   01:5", RingTime, 65},     {tenths, u"   01:5", Time, Hms(9, 5, 5)},
+      {one, u"01:00:12", RingTime, 3612},     {one, u"   00:12", RingTime, 12},
+      {one, u"   00:", RingTime, -1},         {one, u"      12", RingTime, -1},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(::testing::Message() << "case " << row.caso << " " << AUtf8(row.line));
