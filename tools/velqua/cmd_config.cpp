@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "check_reasons.h"
 #include "cli_common.h"
 #include "velqua/cfg_conmut.h"
 #include "velqua/records/config_io.h"
@@ -189,6 +190,8 @@ void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
   check->add_option("--encoding", options.encoding, "Encoding of the records")
       ->check(CLI::IsMember({"windows-1252", "utf-8"}))
       ->capture_default_str();
+  config->add_subcommand("keys",
+                         "List the members and key names of the JSON form with their meaning");
 }
 
 int RunConfigShow(const ConfigOptions& options) {
@@ -243,20 +246,27 @@ int RunConfigCheck(const ConfigOptions& options) {
   std::unique_ptr<std::FILE, FileCloser> f(OpenFile(options.records, "rb", "records"));
   LineReader reader(f.get());
   std::string line;
-  int64_t number = 0;
+  int64_t number = 0, checked = 0;
   while (reader.Next(&line)) {
     ++number;
     if (line.empty()) continue;
+    ++checked;
     const std::u16string record =
         options.encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);
     std::printf("line %lld:\n", static_cast<long long>(number));
     try {
       if (traductor) traductor->LlamadaActual(record);
       CheckRecord(record, entries, traductor.get());
+      if (traductor && traductor->TipoLlamadaDetectada() == velqua::emTradNoIdentificada)
+        ExplainUnrecognised(*cfg, *traductor, record);
     } catch (const velqua::Error& e) {
       throw CliError("line " + std::to_string(number) + ": " + DescribeError(e));
     }
     std::printf("\n");
+  }
+  if (checked == 0) {
+    throw CliError("records '" + options.records + "': nothing to check, " +
+                   (number == 0 ? "the file is empty" : "only empty lines"));
   }
   return 0;
 }

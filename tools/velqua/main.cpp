@@ -73,6 +73,7 @@ int Run(int argc, char** argv) {
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
     if (cmd->got_subcommand("convert")) return velqua_cli::RunConfigConvert(config);
+    if (cmd->got_subcommand("keys")) return velqua_cli::RunConfigKeys();
     return velqua_cli::RunConfigCheck(config);
   }
   return velqua_cli::RunDraw(app, draw);

@@ -108,6 +108,11 @@ velqua_e2e(check_kx_tda 0 --now "2026-01-20 09:00:00" config check examples/kx-t
            tests/e2e/data/kx-tda-check.txt)
 velqua_e2e(check_utf8 0 config check --encoding utf-8 examples/hicom/hicom.json
            tests/e2e/data/hicom-utf8.txt)
+# why a record is unrecognised: no mark, a duration that cannot be read, no digit
+velqua_e2e(check_reasons 0 config check examples/hicom/hicom.json
+           tests/e2e/data/hicom-check-reasons.txt)
+velqua_e2e(error_check_empty 1 config check examples/hicom/hicom.json tests/e2e/data/empty.txt)
+velqua_e2e(config_keys 0 config keys)
 
 # errors: one line on stderr naming what is wrong, non-zero exit
 velqua_e2e(error_missing_config 1 translate -c examples/none.json ${KX_RECORDS})
