@@ -103,7 +103,7 @@ int32_t velqua_translation_next(velqua_translation* translation, velqua_call* ca
 
 int32_t velqua_translation_counts(const velqua_translation* translation, velqua_counts* counts) {
   return Guard([&] {
-    const velqua_records::Counts& c = velqua_c::Translation(translation).road.counts();
+    const velqua_records::Counts c = velqua_c::Translation(translation).road.counts();
     if (counts == nullptr) velqua_c::ThrowArgument();
     *counts = velqua_counts{c.read, c.unrecognised, c.failed, c.random_extensions};
   });

@@ -62,7 +62,7 @@ class Road::Collector : public velqua_records::RowSink {
 };
 
 Road::Road(std::shared_ptr<velqua::clsCfgConmut> cfg, const Settings& settings)
-    : collector_(std::make_unique<Collector>()), utf8_(settings.utf8) {
+    : cfg_(std::move(cfg)), settings_(settings), collector_(std::make_unique<Collector>()) {
   if (!settings.extensions.empty()) {
     velqua_records::RequireReadableFile(settings.extensions, "extension list");
   }
@@ -70,11 +70,21 @@ Road::Road(std::shared_ptr<velqua::clsCfgConmut> cfg, const Settings& settings)
     velqua_records::RequireAppendableFile(settings.errors_log, "error log");
   }
   InstallHostClock();
-  const OnRoad on_road;  // the translator's first seeds come from the road's clock
+}
+
+// Called on the road: the translator's first seeds come from the road's clock.
+void Road::Start() {
+  if (translation_ != nullptr) return;
   translation_ = std::make_unique<velqua_records::Translation>(
-      std::move(cfg), *collector_,
-      velqua_records::Translation::Settings{settings.errors_log, settings.extensions, utf8_});
-  translation_->Input("input", velqua_records::ReceivedAt("-", settings.year));
+      cfg_, *collector_,
+      velqua_records::Translation::Settings{settings_.errors_log, settings_.extensions,
+                                            settings_.utf8});
+  translation_->Input(settings_.input == "-" ? "input" : settings_.input,
+                      velqua_records::ReceivedAt(settings_.input, settings_.year));
+}
+
+velqua_records::Counts Road::counts() const {
+  return translation_ != nullptr ? translation_->counts() : velqua_records::Counts();
 }
 
 Road::~Road() = default;
@@ -98,6 +108,7 @@ void Road::Finish(std::vector<Row>* rows) {
   Translate(pending_, rows);
   pending_.clear();
   const OnRoad on_road;
+  Start();
   collector_->rows = rows;
   translation_->Finish();
 }
@@ -110,7 +121,7 @@ void Road::Translate(std::string_view lines, std::vector<Row>* rows) {
   // input's own first line may lose one, so a later block that starts with
   // one is given an empty first line (which carries no record).
   std::string shifted;
-  if (utf8_ && !first_block_ && lines.substr(0, 3) == "\xEF\xBB\xBF") {
+  if (settings_.utf8 && !first_block_ && lines.substr(0, 3) == "\xEF\xBB\xBF") {
     shifted = "\n";
     shifted.append(lines);
     lines = shifted;
@@ -120,6 +131,7 @@ void Road::Translate(std::string_view lines, std::vector<Row>* rows) {
       fmemopen(const_cast<char*>(lines.data()), lines.size(), "r"));
   if (!stream) throw std::bad_alloc();
   const OnRoad on_road;
+  Start();
   collector_->rows = rows;
   translation_->Stream(stream.get());
 }

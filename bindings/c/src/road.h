@@ -21,14 +21,17 @@ using velqua_records::Row;
 class Road {
  public:
   struct Settings {
-    std::string extensions;  // KX-TDA extension list, or ""
-    std::string errors_log;  // unrecognised-record log, or ""
-    bool utf8 = false;       // records in UTF-8 rather than Windows-1252
-    int32_t year = 0;        // year received for switches that print none; 0: today
+    std::string extensions;   // KX-TDA extension list, or ""
+    std::string errors_log;   // unrecognised-record log, or ""
+    bool utf8 = false;        // records in UTF-8 rather than Windows-1252
+    int32_t year = 0;         // year received for switches that print none; 0: see input
+    std::string input = "-";  // a file: its time is when its records were received
   };
 
   // Throws velqua_records::Failure naming a list that cannot be read or a
   // log that cannot be appended to (the library would skip them silently).
+  // The translation itself starts with the first bytes, so the encoding may
+  // be changed until then.
   Road(std::shared_ptr<velqua::clsCfgConmut> cfg, const Settings& settings);
   ~Road();
   Road(const Road&) = delete;
@@ -40,16 +43,21 @@ class Road {
   // The end of the input: the unfinished line and an open multi-line call.
   void Finish(std::vector<Row>* rows);
 
-  const velqua_records::Counts& counts() const { return translation_->counts(); }
+  // Records in UTF-8 (true) or Windows-1252; ignored once bytes came.
+  void Utf8(bool utf8) { settings_.utf8 = utf8; }
+
+  velqua_records::Counts counts() const;
 
  private:
   class Collector;
+  void Start();
   void Translate(std::string_view lines, std::vector<Row>* rows);
 
+  std::shared_ptr<velqua::clsCfgConmut> cfg_;
+  Settings settings_;
   std::unique_ptr<Collector> collector_;
-  std::unique_ptr<velqua_records::Translation> translation_;
-  std::string pending_;  // an unfinished line
-  bool utf8_;
+  std::unique_ptr<velqua_records::Translation> translation_;  // from the first bytes on
+  std::string pending_;                                       // an unfinished line
   bool first_block_ = true;
 };
 
