@@ -21,6 +21,9 @@ add_executable(velqua_rows ${PROJECT_SOURCE_DIR}/examples/c/velqua_rows.c)
 target_link_libraries(velqua_rows PRIVATE velqua_shared)
 set_target_properties(velqua_rows PROPERTIES C_STANDARD 99 C_STANDARD_REQUIRED ON C_EXTENSIONS OFF)
 target_compile_options(velqua_rows PRIVATE -Wall -Wextra -pedantic -Werror)
+if(VELQUA_SANITIZE)  # the library's C++ checks need the sanitizer's C++ runtime
+  set_target_properties(velqua_rows PROPERTIES LINKER_LANGUAGE CXX)
+endif()
 
 if(TARGET velqua_cli)
   add_test(NAME c.host_prints_the_programs_rows

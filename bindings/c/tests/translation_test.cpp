@@ -57,7 +57,8 @@ TEST(CTranslation, RowsDoNotDependOnWhereTheBytesAreCut) {
     const std::vector<std::string> whole =
         Rows(NewTranslation(cfg.get(), &settings).get(), input, input.size());
     ASSERT_GT(whole.size(), 10u);
-    for (size_t piece : {1, 2, 3, 7, 64, 1000}) {
+    const size_t pieces[] = {1, 2, 3, 7, 64, 1000};
+    for (size_t piece : pieces) {
       SCOPED_TRACE(piece);
       EXPECT_EQ(Rows(NewTranslation(cfg.get(), &settings).get(), input, piece), whole);
     }

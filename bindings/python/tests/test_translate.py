@@ -3,7 +3,7 @@ records come in, and velqua.Config reads the program's three forms."""
 
 import datetime
 import json
-import pathlib
+import os
 import subprocess
 import sys
 import threading
@@ -34,9 +34,11 @@ def as_jsonl(call):
 
 def program_rows(program, example, extra, records):
     config, _ = SWITCHES[example]
+    # The program carries its own sanitizer runtime, if any: not the one preloaded here.
+    env = {k: v for k, v in os.environ.items() if k != "LD_PRELOAD"}
     out = subprocess.run([program, "translate", "-c", str(EXAMPLES / example / config),
                           "--format", "jsonl", *extra, str(records)],
-                         capture_output=True, check=True)
+                         capture_output=True, check=True, env=env)
     return out.stdout.decode().splitlines()
 
 
