@@ -3,10 +3,13 @@
 // translated with the GIL released, and its rows handed out one Call at a
 // time. Without lines, the host writes the records itself (a live source).
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "block_worker.h"
 #include "call_maker.h"
 #include "python_support.h"
 #include "velqua/records/common.h"
@@ -35,18 +38,23 @@ class State {
       : road_(std::move(cfg), settings),
         source_(std::move(source)),
         file_(std::move(file)),
-        utf8_bytes_(utf8_bytes) {}
+        utf8_bytes_(utf8_bytes) {
+    road_.Utf8(utf8_bytes);
+  }
 
   // The next Call, or nullptr when no row is ready (the end, or a live
   // translation waiting for its next write).
   PyObject* Next() {
     while (next_ == rows_.size()) {
-      if (finished_ || !Refill()) return nullptr;
+      if (!Refill()) return nullptr;
     }
     return maker_.Make(rows_[next_++]);
   }
 
   void Write(const py::handle& data) {
+    if (file_ != nullptr || !source_.is_none()) {
+      throw py::value_error("this translation reads its own lines");
+    }
     if (finished_) throw py::value_error("the translation is finished");
     Take();
     Append(data, false);
@@ -54,12 +62,16 @@ class State {
   }
 
   void Finish() {
-    if (finished_) return;
+    if (finished_ || file_ != nullptr || !source_.is_none()) return;
     Take();
     Translate(true);
   }
 
-  py::dict Counts() const {
+  py::dict Counts() {
+    {
+      const py::gil_scoped_release release;
+      worker_.WaitIdle();
+    }
     const velqua_records::Counts c = road_.counts();
     py::dict counts;
     counts["read"] = c.read;
@@ -78,34 +90,59 @@ class State {
     next_ = 0;
   }
 
-  // Translates the next block of the input; false when none can come now.
+  // Makes the next rows ready; false when none can come now. While Python
+  // hands out one block's rows, the worker translates the next block.
   bool Refill() {
     Take();
-    if (file_ != nullptr) {
-      block_.resize(4 * kBlock);
-      size_t n;
+    if (in_flight_) {
+      in_flight_ = false;
       {
         const py::gil_scoped_release release;
-        n = std::fread(&block_[0], 1, block_.size(), file_.get());
+        finished_ = worker_.Wait(&rows_);
       }
-      if (std::ferror(file_.get())) throw velqua_records::Failure("cannot read the records");
-      block_.resize(n);
-      Translate(n == 0);
+      if (!finished_ && !error_) Submit();
       return true;
     }
-    if (source_.is_none()) return false;
-    bool end = false;
-    while (block_.size() < kBlock) {
-      const py::object item = py::reinterpret_steal<py::object>(PyIter_Next(source_.ptr()));
-      if (!item) {
-        if (PyErr_Occurred()) throw py::error_already_set();
-        end = true;
-        break;
-      }
-      Append(item, true);
-    }
-    Translate(end);
+    if (error_) std::rethrow_exception(std::exchange(error_, nullptr));
+    if (finished_ || (file_ == nullptr && source_.is_none())) return false;
+    Submit();
     return true;
+  }
+
+  // Gives the worker the next block: read from the file by the worker, or
+  // made here of the host's items. An error while taking the items comes
+  // after the rows of the items taken before it.
+  void Submit() {
+    in_flight_ = true;
+    if (file_ != nullptr) {
+      worker_.Run([this](std::vector<Row>* rows) {
+        std::string block(4 * kBlock, '\0');
+        const size_t n = std::fread(&block[0], 1, block.size(), file_.get());
+        if (std::ferror(file_.get())) throw velqua_records::Failure("cannot read the records");
+        block.resize(n);
+        road_.Write(block, rows);
+        if (n == 0) road_.Finish(rows);
+        return n == 0;
+      });
+      return;
+    }
+    bool end = false;
+    try {
+      while (!end && block_.size() < kBlock) {
+        const py::object item = py::reinterpret_steal<py::object>(PyIter_Next(source_.ptr()));
+        if (!item && PyErr_Occurred()) throw py::error_already_set();
+        if (!item) end = true;
+        if (item) Append(item, true);
+      }
+    } catch (...) {
+      error_ = std::current_exception();
+    }
+    worker_.Run([this, block = std::move(block_), end](std::vector<Row>* rows) {
+      road_.Write(block, rows);
+      if (end) road_.Finish(rows);
+      return end;
+    });
+    block_ = std::string();
   }
 
   // One item: str (text) or bytes (Windows-1252 or UTF-8); a line end is
@@ -146,6 +183,7 @@ class State {
     }
   }
 
+  // A live write: translated here, the GIL released.
   void Translate(bool end) {
     {
       const py::gil_scoped_release release;
@@ -165,7 +203,10 @@ class State {
   std::vector<Row> rows_;
   size_t next_ = 0;
   bool finished_ = false;
+  bool in_flight_ = false;    // a block is with the worker
+  std::exception_ptr error_;  // raised once the rows before it are handed out
   CallMaker maker_;
+  BlockWorker worker_;  // last: ends before the road it uses
 };
 
 struct TranslationObject {
