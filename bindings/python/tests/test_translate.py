@@ -11,13 +11,16 @@ import threading
 import pytest
 
 import velqua
-from conftest import EXAMPLES
+from conftest import EXAMPLES, SOURCE
 
-SWITCHES = {  # example: (configuration, extra program arguments)
-    "kx-tda": ("kx-tda.json", ["--extensions", str(EXAMPLES / "kx-tda" / "extensions.txt")]),
-    "norstar": ("norstar.cfg", ["--year", "2026"]),
-    "hicom": ("hicom.ini", []),
-    "definity": ("definity.cfg", ["--year", "2026"]),
+SWITCHES = {  # case: (example, configuration, records, extra program arguments)
+    "kx-tda": ("kx-tda", "kx-tda.json", None,
+               ["--extensions", str(EXAMPLES / "kx-tda" / "extensions.txt")]),
+    "norstar": ("norstar", "norstar.cfg", None, ["--year", "2026"]),
+    "hicom": ("hicom", "hicom.ini", None, []),
+    "definity": ("definity", "definity.cfg", None, ["--year", "2026"]),
+    "hicom in UTF-8": ("hicom", "hicom.cfg", SOURCE / "tests" / "e2e" / "data" / "hicom-utf8.txt",
+                       ["--encoding", "utf-8"]),
 }
 
 
@@ -32,38 +35,40 @@ def as_jsonl(call):
     return json.dumps(row, ensure_ascii=False, separators=(",", ":"))
 
 
-def program_rows(program, example, extra, records):
-    config, _ = SWITCHES[example]
+def program_rows(program, config, extra, records):
     # The program carries its own sanitizer runtime, if any: not the one preloaded here.
     env = {k: v for k, v in os.environ.items() if k != "LD_PRELOAD"}
-    out = subprocess.run([program, "translate", "-c", str(EXAMPLES / example / config),
-                          "--format", "jsonl", *extra, str(records)],
-                         capture_output=True, check=True, env=env)
+    out = subprocess.run([program, "translate", "-c", str(config), "--format", "jsonl", *extra,
+                          str(records)], capture_output=True, check=True, env=env)
     return out.stdout.decode().splitlines()
 
 
-def inputs(records):
+def inputs(records, encoding):
     """The same records in every form translate takes."""
     data = records.read_bytes()
+    text = data.decode(encoding)
     return {
         "a path": records,
         "a binary file": records.open("rb"),
         "bytes lines without line ends": data.splitlines(),
-        "one text": data.decode("cp1252"),
-        "text lines": [line + "\n" for line in data.decode("cp1252").splitlines()],
+        "one text": text,
+        "text lines": [line + "\n" for line in text.splitlines()],
     }
 
 
-@pytest.mark.parametrize("example", sorted(SWITCHES))
-def test_the_same_rows_as_the_program(program, example):
-    config, extra = SWITCHES[example]
-    records = EXAMPLES / example / "records.txt"
-    expected = program_rows(program, example, extra, records)
-    options = dict(extensions=extra[1]) if extra and extra[0] == "--extensions" else {}
-    if extra and extra[0] == "--year":
-        options["year"] = int(extra[1])
-    for form, lines in inputs(records).items():
-        rows = [as_jsonl(c) for c in velqua.translate(lines, EXAMPLES / example / config, **options)]
+@pytest.mark.parametrize("case", sorted(SWITCHES))
+def test_the_same_rows_as_the_program(program, case):
+    example, config, records, extra = SWITCHES[case]
+    config = EXAMPLES / example / config
+    records = records or EXAMPLES / example / "records.txt"
+    expected = program_rows(program, config, extra, records)
+    options = {{"--extensions": "extensions", "--year": "year", "--encoding": "encoding"}[extra[0]]:
+               extra[1]} if extra else {}
+    if "year" in options:
+        options["year"] = int(options["year"])
+    encoding = "utf-8" if "encoding" in options else "cp1252"
+    for form, lines in inputs(records, encoding).items():
+        rows = [as_jsonl(c) for c in velqua.translate(lines, config, **options)]
         assert rows == expected, form
 
 
@@ -77,7 +82,8 @@ def test_a_live_translation_gives_rows_as_lines_complete(program):
         rows += [as_jsonl(c) for c in live]
     live.finish()
     rows += [as_jsonl(c) for c in live]
-    assert rows == program_rows(program, "norstar", ["--year", "2026"], EXAMPLES / "norstar" / "records.txt")
+    assert rows == program_rows(program, EXAMPLES / "norstar" / "norstar.cfg", ["--year", "2026"],
+                                EXAMPLES / "norstar" / "records.txt")
     assert live.counts == {"read": len(rows), "translated": len(rows) - live.counts["unrecognised"],
                            "unrecognised": live.counts["unrecognised"], "failed": 0,
                            "random_extensions": 0}
@@ -124,14 +130,16 @@ def test_the_three_forms_of_a_configuration_load_alike(tmp_path):
 
 def test_translations_on_two_threads_take_turns_and_stay_exact(program):
     records = EXAMPLES / "kx-tda" / "records.txt"
-    expected = program_rows(program, "kx-tda", SWITCHES["kx-tda"][1], records)
+    extensions = SWITCHES["kx-tda"][3][1]
+    expected = program_rows(program, EXAMPLES / "kx-tda" / "kx-tda.cfg", ["--extensions", extensions],
+                            records)
     results = []
 
     def run():
         rows = []
         for _ in range(20):
             rows = [as_jsonl(c) for c in velqua.translate(records, EXAMPLES / "kx-tda" / "kx-tda.cfg",
-                                                          SWITCHES["kx-tda"][1][1])]
+                                                          extensions)]
         results.append(rows)
 
     threads = [threading.Thread(target=run) for _ in range(3)]
