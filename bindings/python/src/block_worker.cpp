@@ -14,13 +14,13 @@ BlockWorker::~BlockWorker() {
 }
 
 void BlockWorker::Run(Job job) {
+  if (!thread_.joinable()) thread_ = std::thread(&BlockWorker::Loop, this);  // may throw: no job
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     job_ = std::move(job);
     running_ = true;
   }
   changed_.notify_all();
-  if (!thread_.joinable()) thread_ = std::thread(&BlockWorker::Loop, this);
 }
 
 bool BlockWorker::Wait(std::vector<velqua_bindings::Row>* rows) {

@@ -113,7 +113,6 @@ class State {
   // made here of the host's items. An error while taking the items comes
   // after the rows of the items taken before it.
   void Submit() {
-    in_flight_ = true;
     if (file_ != nullptr) {
       worker_.Run([this](std::vector<Row>* rows) {
         std::string block(4 * kBlock, '\0');
@@ -124,6 +123,7 @@ class State {
         if (n == 0) road_.Finish(rows);
         return n == 0;
       });
+      in_flight_ = true;
       return;
     }
     bool end = false;
@@ -142,6 +142,7 @@ class State {
       if (end) road_.Finish(rows);
       return end;
     });
+    in_flight_ = true;
     block_ = std::string();
   }
 
@@ -336,7 +337,17 @@ void BindCalls(py::module_& m) {
       py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(gTranslationType));
   m.def("translate", &Translate, py::arg("lines"), py::arg("config"),
         py::arg("extensions") = py::none(), py::kw_only(), py::arg("encoding") = py::none(),
-        py::arg("year") = py::none(), py::arg("errors") = py::none());
+        py::arg("year") = py::none(), py::arg("errors") = py::none(),
+        R"(The rows of `velqua translate`: one velqua.Call per record.
+
+lines: an iterable of str or bytes items, each one or more lines (a file
+object is one); one str or bytes holding the records; an os.PathLike naming a
+file; or None, when the records are given with write() and finish().
+config: a configuration, or a path Config.load reads. extensions: the KX-TDA
+account code to extension list. str is text; bytes are Windows-1252 unless
+encoding="utf-8". year: the year received, for switches that print none.
+errors: the unrecognised-record log. Records are read and translated a block
+at a time, the GIL released.)");
   m.def("_register_call", &CallMaker::Register);
 }
 
