@@ -68,7 +68,7 @@ bool IsLive(std::FILE* stream, bool follow) {
 
 Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink,
                          const Settings& settings)
-    : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8) {
+    : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8), form_(settings.form) {
   ProgramClock::Instance();  // the library reads the records' clock from here on
   traductor_.Conmutador(cfg_);
   traductor_.ArchivoLlamadasError(U16(settings.errors_log));
@@ -130,26 +130,53 @@ Row Translation::ReadRow(int64_t number) {
   return row;
 }
 
+bool Translation::Line(std::u16string_view line) {
+  if (!form_.nul_ends_record) return Piece(line);
+  // Each NUL ends a record; an empty piece (a NUL then the line end) is none.
+  bool wrote = false;
+  for (size_t end; (end = line.find(u'\0')) != std::u16string_view::npos;) {
+    wrote = Piece(line.substr(0, end)) || wrote;
+    line.remove_prefix(end + 1);
+  }
+  return Piece(line) || wrote;
+}
+
+bool Translation::Piece(std::u16string_view piece) {
+  // An empty line carries no record (the Norstar report ends with two).
+  if (piece.empty()) return false;
+  if (!form_.headings.empty() && form_.IsHeading(piece)) {
+    ++counts_.headings;
+    if (on_heading) on_heading(input_, piece);
+    return false;
+  }
+  if (form_.delimited) {
+    const ShapeOutcome outcome = ShapeDelimited(form_.fields, piece, &shaped_);
+    counts_.more_fields += outcome.more;
+    counts_.fewer_fields += outcome.fewer;
+    piece = shaped_;
+  }
+  if (gatherer_ == nullptr) {
+    record_.assign(piece.data(), piece.size());  // reuses the storage of the last one
+    Record(record_);
+  } else if (std::u16string call; gatherer_->Add(piece, &call)) {
+    Record(call);
+  } else {
+    return false;
+  }
+  return true;
+}
+
 void Translation::Lines(LineReader& reader, bool live) {
   std::string_view line;
   std::u16string text;
-  std::u16string call;
   bool first = true;
   while (reader.Next(&line)) {
     std::string_view bytes = line;
     if (first && utf8_ && bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
     first = false;
-    // An empty line carries no record (the Norstar report ends with two).
     if (bytes.empty()) continue;
     Decode(bytes, utf8_, &text);
-    if (gatherer_ == nullptr) {
-      Record(text);
-    } else if (gatherer_->Add(text, &call)) {
-      Record(call);
-    } else {
-      continue;
-    }
-    if (live) sink_.Flush();  // each row out as soon as it is complete
+    if (Line(text) && live) sink_.Flush();  // each row out as soon as it is complete
   }
 }
 

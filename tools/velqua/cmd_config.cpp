@@ -8,6 +8,7 @@
 
 #include "cli_common.h"
 #include "velqua/cfg_conmut.h"
+#include "velqua/records/bundled.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/names.h"
 #include "velqua/records/record_reader.h"
@@ -169,13 +170,64 @@ void CheckRecord(const std::u16string& record, std::vector<Entry> entries,
   }
 }
 
+// The delivery and the record form, when the configuration has them.
+void ShowRecordForm(const SwitchConfig& config) {
+  if (!config.delivery.empty()) std::printf("Delivery:   %s\n", config.delivery.c_str());
+  const RecordForm& form = config.form;
+  if (form.Plain()) return;
+  std::printf("Records:    %s\n", form.Describe().c_str());
+  if (form.delimited) {
+    int width = 0;
+    const std::vector<int> columns = ShapedColumns(form.fields, &width);
+    std::printf("  separator \"%s\", quote \"%s\"; shaped line of %d columns:\n",
+                U8(std::u16string(1, form.fields.separator)).c_str(),
+                form.fields.quote == u'\0' ? "" : U8(std::u16string(1, form.fields.quote)).c_str(),
+                width);
+    for (size_t i = 0; i < form.fields.fields.size(); ++i) {
+      const DelimitedField& field = form.fields.fields[i];
+      const std::string where = field.width == 0 ? std::string("(not carried)")
+                                                 : "[" + Columns(columns[i], field.width) + "]";
+      std::printf("  %3zu %-32s %s%s\n", i + 1, field.name.c_str(), where.c_str(),
+                  field.seconds ? " seconds as H:MM:SS" : "");
+    }
+  }
+  for (const std::u16string& pattern : form.headings) {
+    std::printf("  heading \"%s\"\n", U8(pattern).c_str());
+  }
+}
+
+// Checks one record (one line, or one NUL-ended piece of it) of `check`.
+void CheckPiece(const SwitchConfig& config, std::u16string_view piece,
+                const std::vector<Entry>& entries, velqua::clsTraductor* traductor) {
+  if (config.form.IsHeading(piece)) {
+    std::printf("    page heading (skipped): ");
+    PrintLine(U8(piece));
+    return;
+  }
+  std::u16string record(piece);
+  if (config.form.delimited) {
+    std::printf("    record: ");
+    PrintLine(U8(piece));
+    const ShapeOutcome outcome = ShapeDelimited(config.form.fields, piece, &record);
+    std::printf("    %zu field%s, %zu declared%s; shaped:\n", outcome.fields,
+                outcome.fields == 1 ? "" : "s", config.form.fields.fields.size(),
+                outcome.more    ? " (the extra ones ignored)"
+                : outcome.fewer ? " (the missing ones blank)"
+                                : "");
+  }
+  if (traductor) traductor->LlamadaActual(record);
+  CheckRecord(record, entries, traductor);
+}
+
 }  // namespace
 
 void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
   CLI::App* config = app.add_subcommand("config", "Show, convert or check a configuration");
   config->require_subcommand(1);
   CLI::App* show = config->add_subcommand("show", "Print a configuration");
-  show->add_option("CONFIG", options.config, "Configuration (.cfg, .ini or .json)")->required();
+  show->add_option("CONFIG", options.config,
+                   "Configuration (.cfg, .ini or .json), or a bundled switch's name")
+      ->required();
   CLI::App* convert = config->add_subcommand(
       "convert", "Convert a configuration between .cfg, .ini and .json (by extension)");
   convert->add_option("IN", options.input, "Configuration to read")->required();
@@ -184,7 +236,10 @@ void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
                     "Write even when the output form cannot hold the whole configuration");
   CLI::App* check = config->add_subcommand(
       "check", "Show which columns each field and constant cuts from sample records");
-  check->add_option("CONFIG", options.config, "Configuration (.cfg, .ini or .json)")->required();
+  check
+      ->add_option("CONFIG", options.config,
+                   "Configuration (.cfg, .ini or .json), or a bundled switch's name")
+      ->required();
   check->add_option("RECORDS", options.records, "Sample records, one a line")->required();
   check->add_option("--encoding", options.encoding, "Encoding of the records")
       ->check(CLI::IsMember({"windows-1252", "utf-8"}))
@@ -192,7 +247,8 @@ void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
 }
 
 int RunConfigShow(const ConfigOptions& options) {
-  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.config);
+  const SwitchConfig config = LoadSwitchConfig(ResolveConfig(options.config));
+  const std::shared_ptr<clsCfgConmut>& cfg = config.cfg;
   const char* case_name = EnumNameOf(EnumKind::kCaso, cfg->Caso());
   std::printf("Brand:      %s\n", U8(cfg->Marca()).c_str());
   std::printf("Model:      %s\n", U8(cfg->Modelo()).c_str());
@@ -203,6 +259,7 @@ int RunConfigShow(const ConfigOptions& options) {
               spanish.empty() ? "(the library gives this case no name)" : spanish.c_str());
   std::printf("Separator:  %s\n", SeparatorCodes(cfg->Separador()).c_str());
   std::printf("Comments:   %s\n", U8(cfg->Comentarios()).c_str());
+  ShowRecordForm(config);
   const std::vector<Entry> entries = CompleteEntries(*cfg);
   const auto fields =
       std::count_if(entries.begin(), entries.end(), [](const Entry& e) { return !e.constant; });
@@ -224,14 +281,15 @@ int RunConfigShow(const ConfigOptions& options) {
 
 int RunConfigConvert(const ConfigOptions& options) {
   ConfigFormatOf(options.output);  // refuse a bad output name before reading
-  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.input);
-  SaveConfigChecked(*cfg, options.output, options.force);
+  SwitchConfig config = LoadSwitchConfig(ResolveConfig(options.input));
+  SaveSwitchConfigChecked(config, options.output, options.force);
   return 0;
 }
 
 int RunConfigCheck(const ConfigOptions& options) {
   RequireReadableFile(options.records, "records");
-  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.config);
+  const SwitchConfig config = LoadSwitchConfig(ResolveConfig(options.config));
+  const std::shared_ptr<clsCfgConmut>& cfg = config.cfg;
   const std::vector<Entry> entries = CompleteEntries(*cfg);
   // Detection is shown for single-line switches; a multi-line call's fields
   // lie on different lines of the call, so its lines are only measured.
@@ -251,8 +309,13 @@ int RunConfigCheck(const ConfigOptions& options) {
         options.encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);
     std::printf("line %lld:\n", static_cast<long long>(number));
     try {
-      if (traductor) traductor->LlamadaActual(record);
-      CheckRecord(record, entries, traductor.get());
+      std::u16string_view rest = record;
+      for (size_t end;
+           config.form.nul_ends_record && (end = rest.find(u'\0')) != std::u16string_view::npos;) {
+        if (end > 0) CheckPiece(config, rest.substr(0, end), entries, traductor.get());
+        rest.remove_prefix(end + 1);
+      }
+      if (!rest.empty()) CheckPiece(config, rest, entries, traductor.get());
     } catch (const velqua::Error& e) {
       throw CliError("line " + std::to_string(number) + ": " + DescribeError(e));
     }
