@@ -157,3 +157,6 @@ if(VELQUA_CLI_HAS_DRAW)
     PROPERTIES ENVIRONMENT
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/e2e/lsan.supp:print_suppressions=0")
 endif()
+
+# The bundled switches, their record forms, `switches` and `config guess`.
+include(${CMAKE_CURRENT_LIST_DIR}/switches.cmake)

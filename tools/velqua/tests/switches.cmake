@@ -1,0 +1,16 @@
+# End-to-end tests of the bundled switches (examples/<switch>/), included from
+# tests.cmake. The expected rows of each switch (tests/e2e/golden/switch_*.out)
+# were written by hand from the switch's documented layout and the sample
+# records, field by field, not taken from the program's output: a wrong column,
+# mark or case in a configuration shows up as a difference here.
+
+# velqua_switch(NAME [--year YYYY]): translates examples/NAME/records.txt with
+# the bundled switch NAME, chosen by name (not by path).
+function(velqua_switch name)
+  string(REPLACE "-" "_" case_name "${name}")
+  velqua_e2e(switch_${case_name} 0 --now "2026-03-11 09:00:00" translate -c ${name}
+             ${ARGN} --format csv examples/${name}/records.txt)
+endfunction()
+
+velqua_switch(ip-office)
+velqua_switch(asterisk)
