@@ -14,3 +14,6 @@ endfunction()
 
 velqua_switch(ip-office)
 velqua_switch(asterisk)
+velqua_switch(3cx)
+velqua_switch(esi-ivx)
+velqua_switch(nec-sv --year 2026)
