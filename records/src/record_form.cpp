@@ -146,6 +146,12 @@ bool RecordForm::IsHeading(std::u16string_view line) const {
   return false;
 }
 
+void RecordForm::Join(std::u16string_view line, std::u16string* record) const {
+  const size_t before = static_cast<size_t>(continuation_column > 0 ? continuation_column - 1 : 0);
+  if (record->size() < before) record->resize(before, u' ');
+  record->append(line.data(), line.size());
+}
+
 std::string RecordForm::Describe() const {
   std::string text = delimited ? "delimited (" + std::to_string(fields.fields.size()) + " fields)"
                                : "fixed columns";
@@ -154,6 +160,8 @@ std::string RecordForm::Describe() const {
             (headings.size() == 1 ? "" : "s");
   }
   if (nul_ends_record) text += " + NUL record ends";
+  if (!continuation.empty()) text += " + continuation lines";
+  if (seven_bit) text += " + 7-bit";
   return text;
 }
 

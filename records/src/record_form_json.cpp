@@ -101,12 +101,33 @@ std::vector<std::u16string> ReadHeadings(const json& headings) {
   return out;
 }
 
+void ReadContinuation(const json& continuation, RecordForm* form) {
+  const std::string where = "records.continuation";
+  CheckMembers(continuation, where, {"pattern", "column"});
+  if (!continuation.contains("pattern") || !continuation.at("pattern").is_string()) {
+    Fail(where + ".pattern", "must be a string");
+  }
+  form->continuation = U16(continuation.at("pattern").get<std::string>());
+  if (form->continuation.empty() || form->continuation.size() > kMaxPattern ||
+      form->continuation.find_first_not_of(u'*') == std::u16string::npos) {
+    Fail(where + ".pattern", "must be 1 to 255 characters, not only *");
+  }
+  if (!continuation.contains("column") || !continuation.at("column").is_number_integer()) {
+    Fail(where + ".column", "must be an integer");
+  }
+  const int64_t column = continuation.at("column").get<int64_t>();
+  if (column < 1 || column > 255) Fail(where + ".column", "must be 1 to 255");
+  form->continuation_column = static_cast<int>(column);
+  if (form->delimited) Fail(where, "delimited records have no continuation lines");
+}
+
 std::string Quote(std::u16string_view text) { return json(U8(text)).dump(); }
 
 }  // namespace
 
 RecordForm RecordFormFromJson(const json& records) {
-  CheckMembers(records, "records", {"delimited", "headings", "record_end"});
+  CheckMembers(records, "records",
+               {"delimited", "headings", "record_end", "continuation", "seven_bit"});
   RecordForm form;
   if (records.contains("delimited")) {
     form.delimited = true;
@@ -119,6 +140,11 @@ RecordForm RecordFormFromJson(const json& records) {
       Fail("records.record_end", "must be \"line\" or \"nul\"");
     }
     form.nul_ends_record = end == "nul";
+  }
+  if (records.contains("continuation")) ReadContinuation(records.at("continuation"), &form);
+  if (records.contains("seven_bit")) {
+    if (!records.at("seven_bit").is_boolean()) Fail("records.seven_bit", "must be true or false");
+    form.seven_bit = records.at("seven_bit").get<bool>();
   }
   return form;
 }
@@ -156,6 +182,17 @@ std::string RecordFormToJson(const RecordForm& form) {
   if (form.nul_ends_record) {
     out += next;
     out += "    \"record_end\": \"nul\"";
+    next = ",\n";
+  }
+  if (!form.continuation.empty()) {
+    out += next;
+    out += "    \"continuation\": {\"pattern\": " + Quote(form.continuation) +
+           ", \"column\": " + std::to_string(form.continuation_column) + "}";
+    next = ",\n";
+  }
+  if (form.seven_bit) {
+    out += next;
+    out += "    \"seven_bit\": true";
   }
   return out + "\n  }";
 }

@@ -149,16 +149,35 @@ bool Translation::Piece(std::u16string_view piece) {
     if (on_heading) on_heading(input_, piece);
     return false;
   }
+  if (holding_ && form_.IsContinuation(piece)) {
+    form_.Join(piece, &held_);
+    return false;
+  }
   if (form_.delimited) {
     const ShapeOutcome outcome = ShapeDelimited(form_.fields, piece, &shaped_);
     counts_.more_fields += outcome.more;
     counts_.fewer_fields += outcome.fewer;
     piece = shaped_;
   }
+  if (form_.continuation.empty()) return Emit(piece);
+  // The record is complete when the next line is not one of its continuations.
+  const bool wrote = FlushHeld();
+  held_.assign(piece.data(), piece.size());
+  holding_ = true;
+  return wrote;
+}
+
+bool Translation::FlushHeld() {
+  if (!holding_) return false;
+  holding_ = false;
+  return Emit(held_);
+}
+
+bool Translation::Emit(std::u16string_view record) {
   if (gatherer_ == nullptr) {
-    record_.assign(piece.data(), piece.size());  // reuses the storage of the last one
+    record_.assign(record.data(), record.size());  // reuses the storage of the last one
     Record(record_);
-  } else if (std::u16string call; gatherer_->Add(piece, &call)) {
+  } else if (std::u16string call; gatherer_->Add(record, &call)) {
     Record(call);
   } else {
     return false;
@@ -175,6 +194,11 @@ void Translation::Lines(LineReader& reader, bool live) {
     if (first && utf8_ && bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
     first = false;
     if (bytes.empty()) continue;
+    if (form_.seven_bit) {
+      bytes_.assign(bytes.data(), bytes.size());
+      for (char& c : bytes_) c = static_cast<char>(c & 0x7F);
+      bytes = bytes_;
+    }
     Decode(bytes, utf8_, &text);
     if (Line(text) && live) sink_.Flush();  // each row out as soon as it is complete
   }
@@ -191,16 +215,19 @@ void Translation::Stream(std::FILE* stream, const std::string& follow) {
   live.stop = [] { return g_stop != 0; };
   live.on_idle = [this] {
     std::u16string call;
+    bool wrote = FlushHeld();
     if (gatherer_ != nullptr && gatherer_->Finish(&call)) {
       Record(call);
-      sink_.Flush();
+      wrote = true;
     }
+    if (wrote) sink_.Flush();
   };
   LineReader reader(stream, std::move(live));
   Lines(reader, true);
 }
 
 void Translation::Finish() {
+  FlushHeld();
   std::u16string call;
   if (gatherer_ && gatherer_->Finish(&call)) Record(call);
   sink_.Flush();

@@ -196,6 +196,40 @@ void ShowRecordForm(const SwitchConfig& config) {
   }
 }
 
+struct CheckedRecord {
+  int64_t line;  // where it starts in the file
+  std::u16string text;
+};
+
+// The records of a (small) sample file as the record form frames them: each
+// line, or each NUL-ended piece of it, with its continuation lines joined.
+std::vector<CheckedRecord> ReadForCheck(const ConfigOptions& options, const RecordForm& form) {
+  std::unique_ptr<std::FILE, FileCloser> f(OpenFile(options.records, "rb", "records"));
+  LineReader reader(f.get());
+  std::string line;
+  std::vector<CheckedRecord> records;
+  for (int64_t number = 1; reader.Next(&line); ++number) {
+    if (form.seven_bit) {
+      for (char& c : line) c = static_cast<char>(c & 0x7F);
+    }
+    std::u16string text =
+        options.encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);
+    std::u16string_view rest = text;
+    while (!rest.empty()) {
+      const size_t end = form.nul_ends_record ? rest.find(u'\0') : std::u16string_view::npos;
+      const std::u16string_view piece = rest.substr(0, end);
+      rest.remove_prefix(end == std::u16string_view::npos ? rest.size() : end + 1);
+      if (piece.empty()) continue;
+      if (!records.empty() && form.IsContinuation(piece) && !form.IsHeading(records.back().text)) {
+        form.Join(piece, &records.back().text);
+      } else {
+        records.push_back({number, std::u16string(piece)});
+      }
+    }
+  }
+  return records;
+}
+
 // Checks one record (one line, or one NUL-ended piece of it) of `check`.
 void CheckPiece(const SwitchConfig& config, std::u16string_view piece,
                 const std::vector<Entry>& entries, velqua::clsTraductor* traductor) {
@@ -298,26 +332,12 @@ int RunConfigCheck(const ConfigOptions& options) {
     traductor = std::make_unique<velqua::clsTraductor>();
     traductor->Conmutador(cfg);
   }
-  std::unique_ptr<std::FILE, FileCloser> f(OpenFile(options.records, "rb", "records"));
-  LineReader reader(f.get());
-  std::string line;
-  int64_t number = 0;
-  while (reader.Next(&line)) {
-    ++number;
-    if (line.empty()) continue;
-    const std::u16string record =
-        options.encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);
-    std::printf("line %lld:\n", static_cast<long long>(number));
+  for (const CheckedRecord& record : ReadForCheck(options, config.form)) {
+    std::printf("line %lld:\n", static_cast<long long>(record.line));
     try {
-      std::u16string_view rest = record;
-      for (size_t end;
-           config.form.nul_ends_record && (end = rest.find(u'\0')) != std::u16string_view::npos;) {
-        if (end > 0) CheckPiece(config, rest.substr(0, end), entries, traductor.get());
-        rest.remove_prefix(end + 1);
-      }
-      if (!rest.empty()) CheckPiece(config, rest, entries, traductor.get());
+      CheckPiece(config, record.text, entries, traductor.get());
     } catch (const velqua::Error& e) {
-      throw CliError("line " + std::to_string(number) + ": " + DescribeError(e));
+      throw CliError("line " + std::to_string(record.line) + ": " + DescribeError(e));
     }
     std::printf("\n");
   }

@@ -13,6 +13,12 @@
 //   it is counted apart, never translated, never logged as unrecognised.
 // - Record ends. A switch that ends each record with a NUL byte rather than a
 //   line end (Samsung OfficeServ) has each line cut at its NULs.
+// - Continuation lines. Switches of the Meridian family print a call's caller
+//   ID or account code on following lines that start with "&": such a line
+//   is joined to the record before it at a fixed column, so that the
+//   configuration addresses its fields there.
+// - 7-bit lines. A port read with 8 data bits from a switch that sends 7 bits
+//   and parity has bit 7 set on some bytes; it is cleared before decoding.
 //
 // The JSON form declares it under "records" (doc/cli.md, "Record form"); the
 // binary and profile forms cannot hold it, so a configuration read from them
@@ -75,13 +81,26 @@ struct RecordForm {
   DelimitedForm fields;
   std::vector<std::u16string> headings;  // patterns of page-heading lines
   bool nul_ends_record = false;          // a NUL byte ends a record, as a line end does
+  std::u16string continuation;           // pattern of a continuation line; "" = none
+  int continuation_column = 0;           // its first column in the joined record (1-255)
+  bool seven_bit = false;                // clear bit 7 of every byte before decoding
 
   // Whether `line` (decoded, without its line end) is a page heading.
   bool IsHeading(std::u16string_view line) const;
   // Nothing beyond plain fixed-column lines.
-  bool Plain() const { return !delimited && headings.empty() && !nul_ends_record; }
-  // "fixed columns", "delimited (35 fields)", with "+ 2 heading patterns" and
-  // "+ NUL record ends" as they apply: how `velqua switches` shows it.
+  bool Plain() const {
+    return !delimited && headings.empty() && !nul_ends_record && continuation.empty() && !seven_bit;
+  }
+  // Whether `line` continues the record before it.
+  bool IsContinuation(std::u16string_view line) const {
+    return !continuation.empty() && MatchesPattern(continuation, line);
+  }
+  // Appends a continuation line to `record` at continuation_column (after
+  // blanks up to it; right after a record already reaching it).
+  void Join(std::u16string_view line, std::u16string* record) const;
+  // "fixed columns", "delimited (35 fields)", with "+ 2 heading patterns",
+  // "+ NUL record ends", "+ continuation lines" and "+ 7-bit" as they apply:
+  // how `velqua switches` shows it.
   std::string Describe() const;
 };
 

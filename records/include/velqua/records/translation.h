@@ -74,7 +74,8 @@ class Translation {
   // closed by the next call or after 2 s of quiet.
   void Stream(std::FILE* stream, const std::string& follow = "");
 
-  // Ends the input: a multi-line call still open is translated.
+  // Ends the input: a multi-line call or a record waiting for continuation
+  // lines is translated.
   void Finish();
 
   const Counts& counts() const { return counts_; }
@@ -83,6 +84,8 @@ class Translation {
   Row ReadRow(int64_t number);
   void Lines(LineReader& reader, bool live);
   bool Piece(std::u16string_view piece);
+  bool Emit(std::u16string_view record);
+  bool FlushHeld();
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
   velqua::clsTraductor traductor_;
@@ -92,6 +95,9 @@ class Translation {
   RecordForm form_;
   std::u16string shaped_;  // the shaped line of a delimited record
   std::u16string record_;  // the record being translated
+  std::u16string held_;    // a record waiting for its continuation lines
+  bool holding_ = false;
+  std::string bytes_;  // a line with bit 7 cleared
   Counts counts_;
   std::string input_ = "standard input";
   FechaHora received_;
