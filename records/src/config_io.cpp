@@ -138,11 +138,15 @@ void SaveSwitchConfigChecked(SwitchConfig& config, const std::string& path, bool
                     "anyway)");
     }
     SaveConfigChecked(*config.cfg, path, force);
-    if (!config.form.Plain() || !config.delivery.empty()) {
-      std::fprintf(stderr,
-                   "velqua: note: '%s' holds no record form (%s) nor delivery: only the JSON "
-                   "form does\n",
-                   path.c_str(), config.form.Describe().c_str());
+    std::string dropped;
+    if (!config.delivery.empty()) dropped = "the delivery";
+    if (!config.form.Plain()) {
+      dropped += std::string(dropped.empty() ? "" : " and ") + "the record form (" +
+                 config.form.Describe() + ")";
+    }
+    if (!dropped.empty()) {
+      std::fprintf(stderr, "velqua: note: '%s' does not keep %s: only the JSON form does\n",
+                   path.c_str(), dropped.c_str());
     }
     return;
   }

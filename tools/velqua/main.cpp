@@ -9,6 +9,7 @@
 #include "cli_common.h"
 #include "cmd_config.h"
 #include "cmd_draw.h"
+#include "cmd_switches.h"
 #include "cmd_translate.h"
 #include "velqua/error.h"
 #include "velqua/records/clock.h"
@@ -47,6 +48,7 @@ int Run(int argc, char** argv) {
   velqua_cli::AddConfigCommand(app, config);
   velqua_cli::DrawOptions draw;
   velqua_cli::AddDrawCommand(app, draw);
+  velqua_cli::AddSwitchesCommand(app);
 
   try {
     app.parse(argc, argv);
@@ -70,6 +72,7 @@ int Run(int argc, char** argv) {
   velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
+  if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
     if (cmd->got_subcommand("convert")) return velqua_cli::RunConfigConvert(config);

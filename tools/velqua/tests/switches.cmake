@@ -6,10 +6,15 @@
 
 # velqua_switch(NAME [--year YYYY]): translates examples/NAME/records.txt with
 # the bundled switch NAME, chosen by name (not by path).
+# Names are looked up in $VELQUA_EXAMPLES first: every case names this source
+# tree's folder, so that an installed copy never stands in for it.
+set(VELQUA_SOURCE_EXAMPLES "VELQUA_EXAMPLES=${PROJECT_SOURCE_DIR}/examples")
 function(velqua_switch name)
   string(REPLACE "-" "_" case_name "${name}")
   velqua_e2e(switch_${case_name} 0 --now "2026-03-11 09:00:00" translate -c ${name}
              ${ARGN} --format csv examples/${name}/records.txt)
+  set_tests_properties(cli.e2e.switch_${case_name} PROPERTIES ENVIRONMENT
+                       "${VELQUA_SOURCE_EXAMPLES}")
 endfunction()
 
 velqua_switch(ip-office)
@@ -24,3 +29,15 @@ velqua_switch(samsung-officeserv --year 2026)
 velqua_switch(mitel-5000)
 velqua_switch(toshiba-ctx --year 2026)
 velqua_switch(grandstream-ucm)
+
+# The list of bundled switches, from the source tree and from a folder named by
+# $VELQUA_EXAMPLES (an installed copy); an unknown name is refused.
+velqua_e2e(switches_list 0 switches)
+velqua_e2e(switches_from_environment 0 switches)
+velqua_e2e(error_unknown_switch 1 translate -c pbx-9000 examples/kx-tda/records.txt)
+set_tests_properties(cli.e2e.switches_list cli.e2e.error_unknown_switch PROPERTIES ENVIRONMENT
+                     "${VELQUA_SOURCE_EXAMPLES}")
+set_tests_properties(cli.e2e.switches_from_environment PROPERTIES ENVIRONMENT
+                     "VELQUA_EXAMPLES=${PROJECT_SOURCE_DIR}/tests/e2e/data/examples")
+velqua_e2e(convert_delimited_to_cfg_refused 1 config convert examples/ip-office/ip-office.json
+           ${VELQUA_E2E_TMP}/ip-office.cfg)
