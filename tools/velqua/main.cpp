@@ -9,6 +9,7 @@
 #include "cli_common.h"
 #include "cmd_config.h"
 #include "cmd_draw.h"
+#include "cmd_guess.h"
 #include "cmd_switches.h"
 #include "cmd_translate.h"
 #include "velqua/error.h"
@@ -46,6 +47,8 @@ int Run(int argc, char** argv) {
   velqua_cli::AddTranslateCommand(app, translate);
   velqua_cli::ConfigOptions config;
   velqua_cli::AddConfigCommand(app, config);
+  velqua_cli::GuessOptions guess;
+  velqua_cli::AddGuessCommand(*app.get_subcommand("config"), guess);
   velqua_cli::DrawOptions draw;
   velqua_cli::AddDrawCommand(app, draw);
   velqua_cli::AddSwitchesCommand(app);
@@ -74,6 +77,7 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
+    if (cmd->got_subcommand("guess")) return velqua_cli::RunConfigGuess(guess);
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
     if (cmd->got_subcommand("convert")) return velqua_cli::RunConfigConvert(config);
     return velqua_cli::RunConfigCheck(config);

@@ -1,0 +1,374 @@
+// Pass 3 of the layout guess: the runs of text between the dates and times.
+#include <algorithm>
+#include <cctype>
+#include <map>
+
+#include "guess_internal.h"
+
+namespace velqua_records {
+namespace guess {
+namespace {
+
+// A column group: the runs of text that start (or, right-aligned, end) at
+// one column, one value per record ("" where a record has none).
+struct Group {
+  int start = 0, end = 0;      // the field's columns once bounded
+  int first = 1000, last = 0;  // the runs' own extent
+  std::vector<std::u16string> values;
+  int count = 0;
+};
+
+// The call type or attribute a printed mark means (upper case), or 0.
+int32_t MarkKey(std::u16string_view value) {
+  std::string word;
+  for (char16_t c : value) {
+    word += static_cast<char>(c < 0x80 ? std::toupper(static_cast<unsigned char>(c)) : '?');
+  }
+  static const std::map<std::string, int32_t> kMarks = {
+      {"I", 4},    {"IN", 4},   {"PIN", 4}, {"IVIN", 4},       {"<I>", 4},
+      {"O", 7},    {"OUT", 7},  {"POT", 7}, {"IVOT", 7},       {"ICM", 10},
+      {"EXT", 10}, {"INT", 10}, {"NA", 29}, {"NO ANSWER", 29}, {"TR", 24},
+  };
+  const auto it = kMarks.find(word);
+  return it == kMarks.end() ? 0 : it->second;
+}
+
+// The runs of non-blank text of `line` outside placed columns, as
+// (first column, last column), 1-based.
+std::vector<std::pair<int, int>> Runs(std::u16string_view line, const Placed& placed) {
+  std::vector<std::pair<int, int>> runs;
+  int begin = 0;
+  for (int col = 1; col <= static_cast<int>(line.size()) + 1; ++col) {
+    const bool text = col <= static_cast<int>(line.size()) &&
+                      line[static_cast<size_t>(col) - 1] != u' ' && !placed.Taken(col);
+    if (text && begin == 0) begin = col;
+    if (!text && begin != 0) {
+      runs.push_back({begin, col - 1});
+      begin = 0;
+    }
+  }
+  return runs;
+}
+
+std::vector<Group> FixedGroups(const std::vector<std::u16string>& records, const Placed& placed) {
+  std::map<int, int> starts, ends;
+  std::vector<std::vector<std::pair<int, int>>> runs(records.size());
+  for (size_t i = 0; i < records.size(); ++i) {
+    if (!placed.record_lines[i]) continue;
+    runs[i] = Runs(records[i], placed);
+    for (const auto& [first, last] : runs[i]) ++starts[first], ++ends[last];
+  }
+  std::map<std::pair<bool, int>, Group> groups;  // (right-aligned, column)
+  for (size_t i = 0; i < records.size(); ++i) {
+    for (const auto& [first, last] : runs[i]) {
+      const bool right = ends[last] > starts[first];
+      Group& group = groups[{right, right ? last : first}];
+      group.values.resize(records.size());
+      group.values[i] =
+          records[i].substr(static_cast<size_t>(first) - 1, static_cast<size_t>(last - first + 1));
+      group.first = std::min(group.first, first);
+      group.last = std::max(group.last, last);
+      ++group.count;
+    }
+  }
+  std::vector<Group> out;
+  for (auto& entry : groups) {
+    if (entry.second.count >= 2 || records.size() < 3) out.push_back(std::move(entry.second));
+  }
+  return out;
+}
+
+bool BlankColumn(const std::vector<std::u16string>& records, const Placed& placed, int col) {
+  for (size_t i = 0; i < records.size(); ++i) {
+    const std::u16string& r = records[i];
+    if (placed.record_lines[i] && col >= 1 && col <= static_cast<int>(r.size()) &&
+        r[static_cast<size_t>(col) - 1] != u' ') {
+      return false;
+    }
+  }
+  return true;
+}
+
+// A group's field reaches from the column after what stands before it to the
+// column before what stands after it, less one blank column on each side.
+void Bound(const std::vector<std::u16string>& records, const Placed& placed,
+           std::vector<Group>* groups) {
+  for (Group& group : *groups) {
+    int before = 0, after = 1000;
+    for (const auto& [a, b] : placed.spans) {
+      if (b < group.first) before = std::max(before, b);
+      if (a > group.last) after = std::min(after, a);
+    }
+    for (const Group& other : *groups) {
+      if (other.last < group.first) before = std::max(before, other.last);
+      if (other.first > group.last) after = std::min(after, other.first);
+    }
+    group.start = before + 1;
+    if (group.start < group.first && BlankColumn(records, placed, group.start)) ++group.start;
+    group.end = after == 1000 ? group.last : after - 1;
+    if (group.end > group.last && BlankColumn(records, placed, group.end)) --group.end;
+  }
+}
+
+struct Digits {
+  std::u16string prefix;  // what stands before the first digit
+  size_t digits = 0;
+  bool plain = false;  // digits (and * # +) only after the prefix
+};
+
+Digits Split(std::u16string_view value) {
+  Digits d;
+  size_t i = 0;
+  while (i < value.size() && !IsDigit(value[i])) ++i;
+  d.prefix = value.substr(0, i);
+  d.plain = i < value.size();
+  for (; i < value.size(); ++i) {
+    if (IsDigit(value[i])) {
+      ++d.digits;
+    } else if (value[i] != u'*' && value[i] != u'#' && value[i] != u'+') {
+      d.plain = false;
+    }
+  }
+  return d;
+}
+
+std::string Evidence(int agree, size_t samples, const std::string& what) {
+  return std::to_string(agree) + " of " + std::to_string(samples) + " records " + what;
+}
+
+void AddField(Guess* guess, Datum datum, int pos, int size, bool numeric, int agree,
+              const std::string& evidence) {
+  if (size < 1 || pos + size > 255) return;
+  guess->fields.push_back({datum, pos, size, numeric, agree, evidence});
+}
+
+void AddMark(Guess* guess, int32_t key, int pos, std::u16string text, int agree,
+             const std::string& evidence) {
+  for (GuessedMark& mark : guess->marks) {
+    if (mark.key == key && mark.text == text) return;
+    // A second text for the same role is its alternative (OR) mark.
+    if (mark.key == key && (key == 4 || key == 7 || key == 10)) key += 2;
+  }
+  if (pos + static_cast<int>(text.size()) > 256) return;
+  guess->marks.push_back({key, pos, std::move(text), agree, evidence});
+}
+
+std::u16string Trim(std::u16string_view text) {
+  const size_t first = text.find_first_not_of(u' ');
+  if (first == std::u16string_view::npos) return u"";
+  return std::u16string(text.substr(first, text.find_last_not_of(u' ') - first + 1));
+}
+
+// What a group's values are.
+struct Profile {
+  int present = 0, marks = 0, numbers = 0, shorts = 0, zeros = 0, trunk_prefix = 0,
+      extension_prefix = 0;
+  std::map<std::u16string, int> mark_values;  // mark text -> records
+  std::map<std::u16string, int> prefixes;     // a mark before the digits -> records
+  bool lettered = false;                      // shorts with a letter before them
+};
+
+Profile Study(const Group& group) {
+  Profile p;
+  for (const std::u16string& raw : group.values) {
+    const std::u16string value = Trim(raw);
+    if (value.empty()) continue;
+    ++p.present;
+    if (MarkKey(value) != 0) {
+      ++p.marks;
+      ++p.mark_values[value];
+      continue;
+    }
+    const Digits d = Split(value);
+    if (!d.prefix.empty() && MarkKey(d.prefix) != 0) ++p.prefixes[d.prefix];
+    if (d.digits >= 6) {
+      ++p.numbers;
+    } else if (d.digits >= 2 && d.plain && d.prefix.size() <= 2) {
+      ++p.shorts;
+      const char16_t lead = value[d.prefix.size()];
+      p.zeros += lead == u'0';
+      p.trunk_prefix += d.prefix == u"T";
+      p.extension_prefix += d.prefix == u"E" || d.prefix == u"DN" || d.prefix == u"V";
+      p.lettered = p.lettered || !d.prefix.empty();
+    }
+  }
+  return p;
+}
+
+using Found = std::vector<std::pair<const Group*, Profile>>;
+
+// The columns a mark of `key` printed before the digits takes, or 0.
+int MarkBefore(const Group& group, const Profile& p, int32_t key, size_t samples, Guess* guess) {
+  for (const auto& [prefix, n] : p.prefixes) {
+    if (MarkKey(prefix) != key) continue;
+    AddMark(guess, key, group.first, prefix, n,
+            Evidence(n, samples,
+                     "print \"" + std::string(prefix.begin(), prefix.end()) +
+                         "\" before the digits at column " + std::to_string(group.first)));
+    return static_cast<int>(prefix.size());
+  }
+  return 0;
+}
+
+// The caller's number is the first column of long numbers; the number dialled
+// the second when there are two, else the same one.
+void AssignNumbers(const Found& numbers, size_t samples, Guess* guess) {
+  if (numbers.empty()) {
+    guess->notes.push_back("no number: no column where most records print six digits or more");
+    return;
+  }
+  const auto& [first, p] = numbers.front();
+  const auto& [second, q] = numbers.size() > 1 ? numbers[1] : numbers.front();
+  const int in = MarkBefore(*first, p, 4, samples, guess);
+  const int internal = MarkBefore(*second, q, 10, samples, guess);
+  const auto why = [samples](const Group& g, const Profile& pr, const char* what) {
+    return Evidence(pr.numbers, samples,
+                    "print six digits or more at column " + std::to_string(g.start) + what);
+  };
+  const int size1 = first->end - first->start + 1, size2 = second->end - second->start + 1;
+  AddField(guess, Datum::kNumberIn, first->start + in, size1 - in, false, p.numbers,
+           why(*first, p, numbers.size() > 1 ? ", the first such column" : ""));
+  AddField(guess, Datum::kNumberOut, second->start, size2, false, q.numbers,
+           why(*second, q, numbers.size() > 1 ? ", the second such column" : ""));
+  AddField(guess, Datum::kNumberInternal, second->start + internal, size2 - internal, false,
+           q.numbers, why(*second, q, ""));
+  AddField(guess, Datum::kCalledExtension, second->start + internal, size2 - internal, false,
+           q.numbers, why(*second, q, ": the extension an internal call dialled"));
+}
+
+// The extension is the most printed column of short numbers, the trunk the
+// one whose numbers start with 0 (or T), else the next column of short numbers.
+void AssignShorts(const Found& extensions, const Found& trunks, size_t samples, Guess* guess) {
+  const auto most = [](const Found& found) {
+    return std::max_element(found.begin(), found.end(), [](const auto& a, const auto& b) {
+      return a.second.shorts < b.second.shorts;
+    });
+  };
+  Found::const_iterator extension = extensions.end(), trunk = trunks.end();
+  if (!extensions.empty()) extension = most(extensions);
+  if (!trunks.empty()) trunk = most(trunks);
+  if (extension != extensions.end()) {
+    const auto& [g, p] = *extension;
+    const std::string why =
+        Evidence(p.shorts, samples, "print a short number at column " + std::to_string(g->start));
+    const int size = g->end - g->start + 1;
+    for (Datum d : {Datum::kExtensionIn, Datum::kExtensionOut, Datum::kExtensionInternal}) {
+      AddField(guess, d, g->start, size, p.lettered, p.shorts, why);
+    }
+  } else {
+    guess->notes.push_back("no extension: no column of short numbers");
+  }
+  const Group* trunk_group = trunk != trunks.end() ? trunk->first : nullptr;
+  const Profile* trunk_profile = trunk != trunks.end() ? &trunk->second : nullptr;
+  if (trunk_group == nullptr && extension != extensions.end() &&
+      extension + 1 != extensions.end()) {
+    trunk_group = (extension + 1)->first;
+    trunk_profile = &(extension + 1)->second;
+  }
+  if (trunk_group == nullptr) {
+    guess->notes.push_back("no trunk: no second column of short numbers");
+    return;
+  }
+  const std::string why =
+      Evidence(trunk_profile->shorts, samples,
+               "print a short number at column " + std::to_string(trunk_group->start) +
+                   (trunk != trunks.end() ? " starting with 0 or T" : ", after the extension"));
+  const int size = trunk_group->end - trunk_group->start + 1;
+  for (Datum d : {Datum::kTrunkIn, Datum::kTrunkOut}) {
+    AddField(guess, d, trunk_group->start, size, trunk_profile->lettered, trunk_profile->shorts,
+             why);
+  }
+}
+
+void Classify(const std::vector<Group>& groups, size_t samples, Guess* guess) {
+  std::vector<std::pair<const Group*, Profile>> numbers, extensions, trunks, sparse;
+  for (const Group& group : groups) {
+    Profile p = Study(group);
+    for (const auto& [text, n] : p.mark_values) {
+      AddMark(guess, MarkKey(text), group.first, text, n,
+              Evidence(n, samples,
+                       "print \"" + std::string(text.begin(), text.end()) + "\" at column " +
+                           std::to_string(group.first)));
+    }
+    const int data = p.present - p.marks;
+    if (data <= 0) continue;
+    if (p.numbers > 0 && p.numbers * 2 >= data) {
+      numbers.push_back({&group, p});
+    } else if (p.shorts * 2 > data) {
+      const bool trunk = p.zeros * 2 > p.shorts || p.trunk_prefix * 2 > p.shorts;
+      (trunk ? trunks : extensions).push_back({&group, p});
+    }
+    if (static_cast<size_t>(data) * 2 < samples) sparse.push_back({&group, p});
+  }
+  const auto by_column = [](const auto& a, const auto& b) {
+    return a.first->start < b.first->start;
+  };
+  std::sort(numbers.begin(), numbers.end(), by_column);
+  std::sort(extensions.begin(), extensions.end(), by_column);
+  AssignNumbers(numbers, samples, guess);
+  AssignShorts(extensions, trunks, samples, guess);
+  for (const auto& [group, p] : sparse) {
+    if (numbers.empty() || group->start <= numbers.front().first->start) continue;
+    AddField(guess, Datum::kAccountCode, group->start, group->end - group->start + 1, false,
+             p.present - p.marks,
+             Evidence(p.present - p.marks, samples,
+                      "print digits at column " + std::to_string(group->start) +
+                          ", right of the number, and most records none"));
+    break;
+  }
+  bool in = false, out = false;
+  for (const GuessedMark& mark : guess->marks) {
+    in = in || mark.key == 4 || mark.key == 6;
+    out = out || mark.key == 7 || mark.key == 9;
+  }
+  guess->handling_case = in && out ? 1 : 7;
+  if (!(in && out)) {
+    guess->notes.push_back(
+        "no mark of both incoming and outgoing calls: case 7, a record with a "
+        "number, an extension and a trunk is outgoing by default");
+  }
+}
+
+}  // namespace
+
+void TextRuns(const std::vector<std::u16string>& records, Guess* guess, Placed* placed) {
+  std::vector<Group> groups;
+  if (guess->form.delimited) {
+    for (size_t f = 0; f < placed->delimited_fields.size(); ++f) {
+      const auto [col, width] = placed->delimited_fields[f];
+      if (width == 0 || placed->Taken(col)) continue;
+      Group group;
+      group.start = group.first = col;
+      group.end = group.last = col + width - 1;
+      for (size_t i = 0; i < records.size(); ++i) {
+        const std::u16string& r = records[i];
+        std::u16string value =
+            r.size() >= static_cast<size_t>(col)
+                ? r.substr(static_cast<size_t>(col) - 1, static_cast<size_t>(width))
+                : u"";
+        while (!value.empty() && value.back() == u' ') value.pop_back();
+        group.count += !value.empty() && placed->record_lines[i];
+        group.values.push_back(placed->record_lines[i] ? value : u"");
+      }
+      if (group.count > 0) groups.push_back(std::move(group));
+    }
+  } else {
+    groups = FixedGroups(records, *placed);
+    Bound(records, *placed, &groups);
+  }
+  int lines = 0;
+  for (bool is : placed->record_lines) lines += is;
+  for (size_t i = 0; i < records.size(); ++i) {
+    if (placed->record_lines[i]) continue;
+    const std::u16string pattern = HeadingPattern(records[i]);
+    auto& headings = guess->form.headings;
+    if (std::find(headings.begin(), headings.end(), pattern) == headings.end()) {
+      headings.push_back(pattern);
+    }
+  }
+  const size_t samples = static_cast<size_t>(std::max(lines, 1));
+  Classify(groups, samples, guess);
+}
+
+}  // namespace guess
+}  // namespace velqua_records
