@@ -59,6 +59,7 @@ std::vector<ShapeGroup> FindShapes(const std::vector<std::u16string>& lines) {
   for (size_t n = 0; n < lines.size(); ++n) {
     const Text line = lines[n];
     size_t last_end = 0;
+    bool last_date = false;
     for (size_t at = 0; at < line.size();) {
       size_t taken = 1;
       for (size_t s = 0; s < std::size(kShapes); ++s) {
@@ -69,8 +70,10 @@ std::vector<ShapeGroup> FindShapes(const std::vector<std::u16string>& lines) {
         group.shape = shape;
         group.date = kShapes[s].date;
         group.lines.push_back(static_cast<int>(n));
+        group.after_date += last_date && at == last_end + 1 && !kShapes[s].date;
         taken = shape.size();
         last_end = at + taken;
+        last_date = kShapes[s].date;
         break;
       }
       at += taken;
@@ -139,17 +142,59 @@ bool DatumOfKey(int32_t key, Datum* datum) {
   return true;
 }
 
-Guess GuessLayout(const std::vector<std::u16string>& lines) {
-  Guess guess;
-  std::vector<std::u16string> records = guess::Frame(lines, &guess);
-  guess.samples = static_cast<int>(records.size());
-  if (records.empty()) {
-    guess.notes.push_back("no record with a digit: nothing to go by");
-    return guess;
+namespace {
+
+bool Has(const Guess& guess, Datum datum) {
+  return std::any_of(guess.fields.begin(), guess.fields.end(),
+                     [datum](const GuessedField& f) { return f.datum == datum; });
+}
+
+// The delimited field to read as a count of seconds next: the duration when
+// no clock shape gave one (the first such field), else the ring time when the
+// field right after the duration may be one; `seconds` lists the candidates.
+size_t NextSeconds(const Guess& guess, const guess::Placed& placed,
+                   const std::vector<size_t>& seconds) {
+  if (seconds.empty()) return std::string::npos;
+  if (!Has(guess, Datum::kDurationMinutes)) return seconds.front();
+  if (Has(guess, Datum::kRingMinutes)) return std::string::npos;
+  for (const GuessedField& field : guess.fields) {
+    if (field.datum != Datum::kDurationMinutes) continue;
+    const int index = guess::FieldAt(placed, field.pos);
+    const auto next = std::find(seconds.begin(), seconds.end(), static_cast<size_t>(index + 1));
+    if (index >= 0 && next != seconds.end()) return *next;
   }
-  guess::Placed placed;
-  guess::DatesAndTimes(records, &guess, &placed);
-  guess::TextRuns(records, &guess, &placed);
+  return std::string::npos;
+}
+
+}  // namespace
+
+Guess GuessLayout(const std::vector<std::u16string>& lines) {
+  Guess base;
+  std::vector<size_t> seconds;
+  const std::vector<std::u16string> raw = guess::Frame(lines, &base, &seconds);
+  base.samples = static_cast<int>(raw.size());
+  if (raw.empty()) {
+    base.notes.push_back("no record with a digit: nothing to go by");
+    return base;
+  }
+  Guess guess;
+  for (;;) {
+    guess = base;
+    const std::vector<std::u16string> records = guess::ShapeAll(raw, guess.form);
+    guess::Placed placed;
+    guess::DatesAndTimes(records, &guess, &placed);
+    const size_t next = guess.form.delimited ? NextSeconds(guess, placed, seconds)
+                                             : std::string::npos;
+    if (next != std::string::npos) {
+      // Read it as seconds and look again: its columns now show a clock.
+      base.form.fields.fields[next].seconds = true;
+      base.form.fields.fields[next].width = 9;
+      seconds.erase(std::find(seconds.begin(), seconds.end(), next));
+      continue;
+    }
+    guess::TextRuns(records, &guess, &placed);
+    break;
+  }
   std::stable_sort(guess.fields.begin(), guess.fields.end(),
                    [](const GuessedField& a, const GuessedField& b) { return a.pos < b.pos; });
   return guess;

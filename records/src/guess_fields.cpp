@@ -12,6 +12,14 @@ bool Placed::Taken(int col) const {
                      [col](const auto& s) { return col >= s.first && col <= s.second; });
 }
 
+int FieldAt(const Placed& placed, int col) {
+  for (size_t i = 0; i < placed.delimited_fields.size(); ++i) {
+    const auto [first, width] = placed.delimited_fields[i];
+    if (width > 0 && col >= first && col < first + width) return static_cast<int>(i);
+  }
+  return -1;
+}
+
 namespace {
 
 std::string Evidence(size_t agree, size_t samples, const std::string& what) {
@@ -127,6 +135,94 @@ void AddClock(const ShapeGroup& group, const Placed& placed, Datum hours, Guess*
   }
 }
 
+bool Has(const Guess& guess, Datum datum) {
+  return std::any_of(guess.fields.begin(), guess.fields.end(),
+                     [datum](const GuessedField& f) { return f.datum == datum; });
+}
+
+// The lines whose delimited field at `col` holds exactly `width` digits, or
+// none when another record holds something else there.
+std::vector<int> DigitLines(const std::vector<std::u16string>& records, int col, int width) {
+  std::vector<int> lines;
+  for (size_t i = 0; i < records.size(); ++i) {
+    const std::u16string_view r = records[i];
+    const std::u16string_view field =
+        r.size() >= static_cast<size_t>(col) ? r.substr(static_cast<size_t>(col) - 1,
+                                                        static_cast<size_t>(width))
+                                             : std::u16string_view();
+    if (field.find_first_not_of(u' ') == std::u16string_view::npos) continue;
+    if (field.size() != static_cast<size_t>(width) ||
+        !std::all_of(field.begin(), field.end(), IsDigit)) {
+      return {};
+    }
+    lines.push_back(static_cast<int>(i));
+  }
+  return lines;
+}
+
+// Delimited fields printed as bare digits: a date of 8 (YYYYMMDD, MMDDYYYY or
+// DDMMYYYY) and clocks of 6 (HHMMSS), the first whose hours are not mostly
+// 00 the time of day, the next the duration.
+void CompactFields(const std::vector<std::u16string>& records, Guess* guess, Placed* placed) {
+  const size_t samples = records.size();
+  for (const auto& [col, width] : placed->delimited_fields) {
+    if (width != 8 && width != 6) continue;
+    const std::vector<int> lines = DigitLines(records, col, width);
+    if (static_cast<int>(lines.size()) < Threshold(samples, 40)) continue;
+    bool ymd = width == 8, dmy_year = width == 8, day_first = false, month_first = false;
+    bool clock = width == 6;
+    size_t zero = 0;
+    for (int line : lines) {
+      const std::u16string_view r = records[static_cast<size_t>(line)];
+      const size_t c = static_cast<size_t>(col) - 1;
+      const int y4 = Value(r, c, 4), m = Value(r, c + 4, 2), d = Value(r, c + 6, 2);
+      ymd = ymd && y4 >= 1990 && y4 <= 2099 && m >= 1 && m <= 12 && d >= 1 && d <= 31;
+      const int year = Value(r, c + 4, 4);
+      dmy_year = dmy_year && year >= 1990 && year <= 2099;
+      day_first = day_first || Value(r, c, 2) > 12;
+      month_first = month_first || Value(r, c + 2, 2) > 12;
+      clock = clock && Value(r, c, 2) < 24 && Value(r, c + 2, 2) < 60 && Value(r, c + 4, 2) < 60;
+      zero += r.substr(c, 2) == u"00";
+    }
+    const std::string because = Evidence(lines.size(), samples,
+                                         "print " + std::to_string(width) +
+                                             " digits in the field at column " +
+                                             std::to_string(col));
+    const size_t n = lines.size();
+    if (width == 8 && !Has(*guess, Datum::kDay) && (ymd || dmy_year)) {
+      Mark(lines, placed);
+      if (ymd) {
+        Add(guess, placed, Datum::kYear, col, 4, n, because + " (YYYYMMDD)");
+        Add(guess, placed, Datum::kMonth, col + 4, 2, n, because + " (YYYYMMDD)");
+        Add(guess, placed, Datum::kDay, col + 6, 2, n, because + " (YYYYMMDD)");
+      } else {
+        const bool dmy = day_first && !month_first;
+        Add(guess, placed, dmy ? Datum::kDay : Datum::kMonth, col, 2, n, because);
+        Add(guess, placed, dmy ? Datum::kMonth : Datum::kDay, col + 2, 2, n, because);
+        Add(guess, placed, Datum::kYear, col + 4, 4, n, because);
+      }
+    } else if (clock) {
+      Mark(lines, placed);
+      const bool time = !Has(*guess, Datum::kHour) && zero * 2 < n;
+      if (!time && Has(*guess, Datum::kDurationHours)) continue;
+      const Datum hours = time ? Datum::kHour : Datum::kDurationHours;
+      const std::string what = because + (time ? " (HHMMSS, hours other than 00)" : " (HHMMSS)");
+      Add(guess, placed, hours, col, 2, n, what);
+      Add(guess, placed, static_cast<Datum>(static_cast<int>(hours) + 1), col + 2, 2, n, what);
+      Add(guess, placed, static_cast<Datum>(static_cast<int>(hours) + 2), col + 4, 2, n, what);
+    }
+  }
+}
+
+// Whether most of a group's lines are records (they show the time of day or
+// the date): a clock printed in a page heading is not a duration.
+bool OnRecords(const ShapeGroup& group, const std::vector<int>& base) {
+  if (base.empty()) return true;
+  size_t in = 0;
+  for (int line : group.lines) in += std::binary_search(base.begin(), base.end(), line);
+  return in * 5 >= group.lines.size() * 4;
+}
+
 }  // namespace
 
 void DatesAndTimes(const std::vector<std::u16string>& records, Guess* guess, Placed* placed) {
@@ -139,11 +235,13 @@ void DatesAndTimes(const std::vector<std::u16string>& records, Guess* guess, Pla
     }
   }
   placed->record_lines.assign(records.size(), false);
+  CompactFields(records, guess, placed);
   const std::vector<ShapeGroup> shapes = FindShapes(records);
-  PlaceDate(records, shapes, guess, placed);
+  if (!Has(*guess, Datum::kDay)) PlaceDate(records, shapes, guess, placed);
   const size_t samples = records.size();
   const ShapeGroup* time = nullptr;
   for (const ShapeGroup& group : shapes) {
+    if (Has(*guess, Datum::kHour)) break;
     if (group.date || Overlaps(*placed, group) ||
         static_cast<int>(group.lines.size()) < Threshold(samples, 40) ||
         (group.shape != u"99:99:99" && group.shape != u"99:99") ||
@@ -178,15 +276,21 @@ void DatesAndTimes(const std::vector<std::u16string>& records, Guess* guess, Pla
                               Evidence(marked, samples, "end the time with AM or PM")});
       placed->spans.push_back({col, col + 1});
     }
-  } else {
+  } else if (!Has(*guess, Datum::kHour)) {
     guess->notes.push_back("no time of day: no hh:mm with hours other than 00 in enough records");
+  }
+  std::vector<int> base;
+  for (size_t i = 0; i < placed->record_lines.size(); ++i) {
+    if (placed->record_lines[i]) base.push_back(static_cast<int>(i));
   }
   // Duration, then ring time: the leftmost clock shapes still free.
   for (const Datum hours : {Datum::kDurationHours, Datum::kRingHours}) {
     const bool duration = hours == Datum::kDurationHours;
+    if (Has(*guess, hours)) continue;
     const ShapeGroup* found = nullptr;
     for (const ShapeGroup& group : shapes) {
-      if (group.date || Overlaps(*placed, group) ||
+      if (group.date || group.after_date * 2 >= static_cast<int>(group.lines.size()) ||
+          Overlaps(*placed, group) || !OnRecords(group, base) ||
           static_cast<int>(group.lines.size()) < Threshold(samples, duration ? 40 : 15) ||
           (duration && (group.shape == u"99:99" || group.shape == u"9'99"))) {
         continue;

@@ -91,30 +91,37 @@ bool AllDigits(Text text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), IsDigit);
 }
 
-// A field of whole seconds: plain numbers, not all 0 or 1, not a counter that
-// goes up by one from record to record (a record number).
+// A field that may be whole seconds: plain numbers, some under a minute, not
+// all 0 or 1, not a counter that goes up by one from record to record (a
+// record number).
 bool IsSeconds(const std::vector<std::u16string>& values) {
-  int high = -1, previous = -2;
+  int high = -1, low = 1 << 30, previous = -2;
+  size_t other = 0, present = 0;
   bool counter = true, any = false;
   for (const std::u16string& value : values) {
     if (value.empty()) continue;
-    if (!AllDigits(value) || value.size() > 6 || (value.size() > 1 && value[0] == u'0')) {
-      return false;
+    ++present;
+    // A record whose fields shifted may show something else here.
+    if (!AllDigits(value)) {
+      ++other;
+      continue;
     }
+    if (value.size() > 6 || (value.size() > 1 && value[0] == u'0')) return false;
     const int v = Value(value, 0, value.size());
     counter = counter && (previous == -2 || v == previous + 1);
     previous = v;
     high = std::max(high, v);
+    low = std::min(low, v);
     any = true;
   }
-  return any && high >= 2 && !counter;
+  return any && other * 5 <= present && high >= 2 && low < 60 && !counter;
 }
 
-// Declares the fields of a delimited form: seconds fields shaped as H:MM:SS,
-// text fields as wide as their longest sample (at most 32), fields with no
-// digit and many values (names) left out.
+// Declares the fields of a delimited form: text fields as wide as their
+// longest sample (at most 32), fields with no digit and many values (names)
+// left out. Fields that may be counts of seconds are listed in *seconds.
 DelimitedForm DeclareFields(const std::vector<std::u16string>& records, char16_t separator,
-                            size_t count, Guess* guess) {
+                            size_t count, Guess* guess, std::vector<size_t>* seconds) {
   DelimitedForm form{separator, u'"', std::vector<DelimitedField>(count)};
   std::vector<std::vector<std::u16string>> values;
   for (size_t i = 0; i < count; ++i) values.push_back(FieldValues(records, form, i));
@@ -130,17 +137,18 @@ DelimitedForm DeclareFields(const std::vector<std::u16string>& records, char16_t
         distinct.push_back(value);
       }
     }
-    if (IsSeconds(values[i])) {
-      field.seconds = true;
-      field.width = 9;
-    } else if (longest > 0 && (digits > 0 || (longest <= 12 && distinct.size() <= 8))) {
+    if (IsSeconds(values[i])) seconds->push_back(i);
+    if (longest > 0 && (digits > 0 || (longest <= 12 && distinct.size() <= 8))) {
       field.width = static_cast<int>(std::min(longest, kMaxWidth));
     }
   }
   // Two counts of seconds side by side, the second never above the first:
   // the first is the whole call with its ringing, the second the talk time.
+  const auto listed = [seconds](size_t i) {
+    return std::find(seconds->begin(), seconds->end(), i) != seconds->end();
+  };
   for (size_t i = 0; i + 1 < count; ++i) {
-    if (!form.fields[i].seconds || !form.fields[i + 1].seconds) continue;
+    if (!listed(i) || !listed(i + 1)) continue;
     bool below = true;
     for (size_t r = 0; r < records.size(); ++r) {
       below = below && Value(values[i + 1][r], 0, values[i + 1][r].size()) <=
@@ -148,6 +156,7 @@ DelimitedForm DeclareFields(const std::vector<std::u16string>& records, char16_t
     }
     if (!below) continue;
     form.fields[i] = {form.fields[i].name, 0, false};
+    seconds->erase(std::find(seconds->begin(), seconds->end(), i));
     guess->notes.push_back(form.fields[i].name + " left out: a count of seconds never below " +
                            form.fields[i + 1].name + ", read as the whole call with its ringing");
   }
@@ -156,7 +165,8 @@ DelimitedForm DeclareFields(const std::vector<std::u16string>& records, char16_t
 
 }  // namespace
 
-std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Guess* guess) {
+std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Guess* guess,
+                                  std::vector<size_t>* seconds) {
   std::vector<std::u16string> pieces;
   for (const std::u16string& line : lines) {
     Text rest = line;
@@ -200,11 +210,16 @@ std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Gues
   const auto [separator, count] = Delimiter(records);
   if (separator == u'\0') return records;
   guess->form.delimited = true;
-  guess->form.fields = DeclareFields(records, separator, count, guess);
+  guess->form.continuation.clear();
+  guess->form.fields = DeclareFields(records, separator, count, guess, seconds);
+  return records;
+}
+
+std::vector<std::u16string> ShapeAll(const std::vector<std::u16string>& records,
+                                     const RecordForm& form) {
+  if (!form.delimited) return records;
   std::vector<std::u16string> shaped(records.size());
-  for (size_t i = 0; i < records.size(); ++i) {
-    ShapeDelimited(guess->form.fields, records[i], &shaped[i]);
-  }
+  for (size_t i = 0; i < records.size(); ++i) ShapeDelimited(form.fields, records[i], &shaped[i]);
   return shaped;
 }
 

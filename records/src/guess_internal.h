@@ -28,6 +28,7 @@ struct ShapeGroup {
   std::u16string_view shape;
   bool date = false;
   std::vector<int> lines;  // indexes into the records
+  int after_date = 0;      // lines where a date stands right before it (a date and time)
 };
 
 // Every shape of every record, grouped by column and shape.
@@ -43,9 +44,18 @@ struct Placed {
   bool Taken(int col) const;
 };
 
-// Pass 1 (guess_frame.cpp): the records the samples hold, shaped when they
-// are delimited; notes the record form in guess->form.
-std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Guess* guess);
+// Pass 1 (guess_frame.cpp): the records the samples hold; notes the record
+// form in guess->form. Delimited fields that may hold counts of seconds are
+// listed in *seconds (they are declared as text until a pass needs them).
+std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Guess* guess,
+                                  std::vector<size_t>* seconds);
+
+// The records shaped by a delimited form (as they are when fixed).
+std::vector<std::u16string> ShapeAll(const std::vector<std::u16string>& records,
+                                     const RecordForm& form);
+
+// The field of a delimited form a column lies in, or -1.
+int FieldAt(const Placed& placed, int col);
 
 // Pass 2 (guess_fields.cpp): date, time of day, duration, ring time.
 void DatesAndTimes(const std::vector<std::u16string>& records, Guess* guess, Placed* placed);

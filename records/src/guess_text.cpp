@@ -14,6 +14,7 @@ namespace {
 struct Group {
   int start = 0, end = 0;      // the field's columns once bounded
   int first = 1000, last = 0;  // the runs' own extent
+  bool right = false;          // right-aligned: its runs end at one column
   std::vector<std::u16string> values;
   int count = 0;
 };
@@ -61,8 +62,14 @@ std::vector<Group> FixedGroups(const std::vector<std::u16string>& records, const
   std::map<std::pair<bool, int>, Group> groups;  // (right-aligned, column)
   for (size_t i = 0; i < records.size(); ++i) {
     for (const auto& [first, last] : runs[i]) {
-      const bool right = ends[last] > starts[first];
+      // Numbers of equal length say nothing of their alignment: short
+      // numbers in fixed columns (trunks, extensions) are printed right-aligned.
+      const std::u16string_view run = std::u16string_view(records[i]).substr(
+          static_cast<size_t>(first) - 1, static_cast<size_t>(last - first + 1));
+      const bool digits = run.size() <= 5 && std::all_of(run.begin(), run.end(), IsDigit);
+      const bool right = ends[last] > starts[first] || (ends[last] == starts[first] && digits);
       Group& group = groups[{right, right ? last : first}];
+      group.right = right;
       group.values.resize(records.size());
       group.values[i] =
           records[i].substr(static_cast<size_t>(first) - 1, static_cast<size_t>(last - first + 1));
@@ -103,7 +110,7 @@ void Bound(const std::vector<std::u16string>& records, const Placed& placed,
       if (other.last < group.first) before = std::max(before, other.last);
       if (other.first > group.last) after = std::min(after, other.first);
     }
-    group.start = before + 1;
+    group.start = group.right ? before + 1 : group.first;
     if (group.start < group.first && BlankColumn(records, placed, group.start)) ++group.start;
     group.end = after == 1000 ? group.last : after - 1;
     if (group.end > group.last && BlankColumn(records, placed, group.end)) --group.end;
@@ -166,10 +173,13 @@ struct Profile {
   std::map<std::u16string, int> mark_values;  // mark text -> records
   std::map<std::u16string, int> prefixes;     // a mark before the digits -> records
   bool lettered = false;                      // shorts with a letter before them
+  bool counter = true;                        // values going up by one: a record number
+  std::vector<std::u16string> distinct;       // the short numbers seen
 };
 
-Profile Study(const Group& group) {
+Profile Study(const Group& group, bool fixed) {
   Profile p;
+  int previous = -2;
   for (const std::u16string& raw : group.values) {
     const std::u16string value = Trim(raw);
     if (value.empty()) continue;
@@ -183,8 +193,14 @@ Profile Study(const Group& group) {
     if (!d.prefix.empty() && MarkKey(d.prefix) != 0) ++p.prefixes[d.prefix];
     if (d.digits >= 6) {
       ++p.numbers;
-    } else if (d.digits >= 2 && d.plain && d.prefix.size() <= 2) {
+    } else if (d.digits >= (fixed ? 1u : 2u) && d.plain && d.prefix.size() <= 2) {
       ++p.shorts;
+      const int v = Value(value, d.prefix.size(), d.digits);
+      p.counter = p.counter && (previous == -2 || v == previous + 1);
+      previous = v;
+      if (std::find(p.distinct.begin(), p.distinct.end(), value) == p.distinct.end()) {
+        p.distinct.push_back(value);
+      }
       const char16_t lead = value[d.prefix.size()];
       p.zeros += lead == u'0';
       p.trunk_prefix += d.prefix == u"T";
@@ -236,54 +252,64 @@ void AssignNumbers(const Found& numbers, size_t samples, Guess* guess) {
            q.numbers, why(*second, q, ": the extension an internal call dialled"));
 }
 
-// The extension is the most printed column of short numbers, the trunk the
-// one whose numbers start with 0 (or T), else the next column of short numbers.
-void AssignShorts(const Found& extensions, const Found& trunks, size_t samples, Guess* guess) {
-  const auto most = [](const Found& found) {
-    return std::max_element(found.begin(), found.end(), [](const auto& a, const auto& b) {
-      return a.second.shorts < b.second.shorts;
-    });
-  };
-  Found::const_iterator extension = extensions.end(), trunk = trunks.end();
-  if (!extensions.empty()) extension = most(extensions);
-  if (!trunks.empty()) trunk = most(trunks);
-  if (extension != extensions.end()) {
-    const auto& [g, p] = *extension;
-    const std::string why =
-        Evidence(p.shorts, samples, "print a short number at column " + std::to_string(g->start));
-    const int size = g->end - g->start + 1;
-    for (Datum d : {Datum::kExtensionIn, Datum::kExtensionOut, Datum::kExtensionInternal}) {
-      AddField(guess, d, g->start, size, p.lettered, p.shorts, why);
+// The extension is the column of short numbers with the most different
+// values; the trunk the one whose numbers start with 0 (or T), else the other
+// column of short numbers. Records with a from and a to number but no
+// column of extensions: the extension is the from side of outgoing and
+// internal calls and the to side of incoming ones.
+void AssignShorts(const Found& numbers, const Found& extensions, const Found& trunks,
+                  size_t samples, Guess* guess) {
+  const auto most = [](const Found& found, const Group* besides) {
+    auto best = found.end();
+    for (auto it = found.begin(); it != found.end(); ++it) {
+      if (it->first == besides) continue;
+      if (best == found.end() || it->second.distinct.size() > best->second.distinct.size()) {
+        best = it;
+      }
     }
+    return best;
+  };
+  const auto extension = most(extensions, nullptr);
+  const auto add = [guess, samples](const Group& g, const Profile& p, Datum d, const char* what) {
+    AddField(guess, d, g.start, g.end - g.start + 1, p.lettered, p.shorts,
+             Evidence(p.shorts, samples,
+                      "print a short number at column " + std::to_string(g.start) + what));
+  };
+  if (extension != extensions.end()) {
+    for (Datum d : {Datum::kExtensionIn, Datum::kExtensionOut, Datum::kExtensionInternal}) {
+      add(*extension->first, extension->second, d, ", the most varied such column");
+    }
+  } else if (numbers.size() >= 2) {
+    const auto& [from, p] = numbers[0];
+    const auto& [to, q] = numbers[1];
+    const std::string why = Evidence(p.present, samples, "print a from and a to number");
+    AddField(guess, Datum::kExtensionOut, from->start, from->end - from->start + 1, false,
+             p.present, why + ": the extension of an outgoing call calls from it");
+    AddField(guess, Datum::kExtensionInternal, from->start, from->end - from->start + 1, false,
+             p.present, why);
+    AddField(guess, Datum::kExtensionIn, to->start, to->end - to->start + 1, false, q.present,
+             why + ": the extension of an incoming call is called at it");
   } else {
     guess->notes.push_back("no extension: no column of short numbers");
   }
-  const Group* trunk_group = trunk != trunks.end() ? trunk->first : nullptr;
-  const Profile* trunk_profile = trunk != trunks.end() ? &trunk->second : nullptr;
-  if (trunk_group == nullptr && extension != extensions.end() &&
-      extension + 1 != extensions.end()) {
-    trunk_group = (extension + 1)->first;
-    trunk_profile = &(extension + 1)->second;
-  }
-  if (trunk_group == nullptr) {
+  auto trunk = most(trunks, nullptr);
+  const bool marked = trunk != trunks.end();
+  const Found& from = marked ? trunks : extensions;
+  if (!marked) trunk = most(extensions, extension == extensions.end() ? nullptr : extension->first);
+  if (trunk == from.end()) {
     guess->notes.push_back("no trunk: no second column of short numbers");
     return;
   }
-  const std::string why =
-      Evidence(trunk_profile->shorts, samples,
-               "print a short number at column " + std::to_string(trunk_group->start) +
-                   (trunk != trunks.end() ? " starting with 0 or T" : ", after the extension"));
-  const int size = trunk_group->end - trunk_group->start + 1;
   for (Datum d : {Datum::kTrunkIn, Datum::kTrunkOut}) {
-    AddField(guess, d, trunk_group->start, size, trunk_profile->lettered, trunk_profile->shorts,
-             why);
+    add(*trunk->first, trunk->second, d,
+        marked ? " starting with 0 or T" : ", the other column of short numbers");
   }
 }
 
-void Classify(const std::vector<Group>& groups, size_t samples, Guess* guess) {
+void Classify(const std::vector<Group>& groups, size_t samples, bool fixed, Guess* guess) {
   std::vector<std::pair<const Group*, Profile>> numbers, extensions, trunks, sparse;
   for (const Group& group : groups) {
-    Profile p = Study(group);
+    Profile p = Study(group, fixed);
     for (const auto& [text, n] : p.mark_values) {
       AddMark(guess, MarkKey(text), group.first, text, n,
               Evidence(n, samples,
@@ -292,9 +318,11 @@ void Classify(const std::vector<Group>& groups, size_t samples, Guess* guess) {
     }
     const int data = p.present - p.marks;
     if (data <= 0) continue;
-    if (p.numbers > 0 && p.numbers * 2 >= data) {
+    // A column of long numbers that also holds short ones (an extension
+    // called) is a column of numbers.
+    if (p.numbers > 0 && (p.numbers + p.shorts) * 2 > data) {
       numbers.push_back({&group, p});
-    } else if (p.shorts * 2 > data) {
+    } else if (p.shorts * 2 > data && !(p.counter && p.shorts > 2)) {
       const bool trunk = p.zeros * 2 > p.shorts || p.trunk_prefix * 2 > p.shorts;
       (trunk ? trunks : extensions).push_back({&group, p});
     }
@@ -306,7 +334,7 @@ void Classify(const std::vector<Group>& groups, size_t samples, Guess* guess) {
   std::sort(numbers.begin(), numbers.end(), by_column);
   std::sort(extensions.begin(), extensions.end(), by_column);
   AssignNumbers(numbers, samples, guess);
-  AssignShorts(extensions, trunks, samples, guess);
+  AssignShorts(numbers, extensions, trunks, samples, guess);
   for (const auto& [group, p] : sparse) {
     if (numbers.empty() || group->start <= numbers.front().first->start) continue;
     AddField(guess, Datum::kAccountCode, group->start, group->end - group->start + 1, false,
@@ -367,7 +395,7 @@ void TextRuns(const std::vector<std::u16string>& records, Guess* guess, Placed* 
     }
   }
   const size_t samples = static_cast<size_t>(std::max(lines, 1));
-  Classify(groups, samples, guess);
+  Classify(groups, samples, !guess->form.delimited, guess);
 }
 
 }  // namespace guess
