@@ -171,7 +171,9 @@ size_t NextSeconds(const Guess& guess, const guess::Placed& placed,
 Guess GuessLayout(const std::vector<std::u16string>& lines) {
   Guess base;
   std::vector<size_t> seconds;
-  const std::vector<std::u16string> raw = guess::Frame(lines, &base, &seconds);
+  std::vector<int> titles;
+  const std::vector<std::u16string> raw = guess::Frame(lines, &base, &seconds, &titles);
+  std::sort(titles.begin(), titles.end());
   base.samples = static_cast<int>(raw.size());
   if (raw.empty()) {
     base.notes.push_back("no record with a digit: nothing to go by");
@@ -182,6 +184,7 @@ Guess GuessLayout(const std::vector<std::u16string>& lines) {
     guess = base;
     const std::vector<std::u16string> records = guess::ShapeAll(raw, guess.form);
     guess::Placed placed;
+    placed.titles = titles;
     guess::DatesAndTimes(records, &guess, &placed);
     const size_t next = guess.form.delimited ? NextSeconds(guess, placed, seconds)
                                              : std::string::npos;

@@ -166,7 +166,7 @@ DelimitedForm DeclareFields(const std::vector<std::u16string>& records, char16_t
 }  // namespace
 
 std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Guess* guess,
-                                  std::vector<size_t>* seconds) {
+                                  std::vector<size_t>* seconds, std::vector<int>* titles) {
   std::vector<std::u16string> pieces;
   for (const std::u16string& line : lines) {
     Text rest = line;
@@ -181,6 +181,12 @@ std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Gues
   for (std::u16string& piece : pieces) {
     const size_t first = piece.find_first_not_of(u' ');
     if (!HasDigit(piece)) {
+      // Column titles start where the fields under them start.
+      for (size_t i = 0; i < piece.size(); ++i) {
+        const bool letter = (piece[i] >= u'A' && piece[i] <= u'Z') ||
+                            (piece[i] >= u'a' && piece[i] <= u'z');
+        if (letter && (i == 0 || piece[i - 1] == u' ')) titles->push_back(static_cast<int>(i) + 1);
+      }
       const std::u16string pattern = HeadingPattern(piece);
       auto& headings = guess->form.headings;
       if (std::find(headings.begin(), headings.end(), pattern) == headings.end()) {

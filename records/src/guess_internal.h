@@ -41,6 +41,7 @@ struct Placed {
   std::vector<std::pair<int, int>> delimited_fields;
   std::vector<bool> seconds_fields;  // of delimited_fields
   std::vector<bool> record_lines;    // the records that show a placed date or clock
+  std::vector<int> titles;           // where the words of page headings start (1-based)
   bool Taken(int col) const;
 };
 
@@ -48,7 +49,7 @@ struct Placed {
 // form in guess->form. Delimited fields that may hold counts of seconds are
 // listed in *seconds (they are declared as text until a pass needs them).
 std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Guess* guess,
-                                  std::vector<size_t>* seconds);
+                                  std::vector<size_t>* seconds, std::vector<int>* titles);
 
 // The records shaped by a delimited form (as they are when fixed).
 std::vector<std::u16string> ShapeAll(const std::vector<std::u16string>& records,

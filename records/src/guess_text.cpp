@@ -67,7 +67,10 @@ std::vector<Group> FixedGroups(const std::vector<std::u16string>& records, const
       const std::u16string_view run = std::u16string_view(records[i]).substr(
           static_cast<size_t>(first) - 1, static_cast<size_t>(last - first + 1));
       const bool digits = run.size() <= 5 && std::all_of(run.begin(), run.end(), IsDigit);
-      const bool right = ends[last] > starts[first] || (ends[last] == starts[first] && digits);
+      const bool titled =
+          std::find(placed.titles.begin(), placed.titles.end(), first) != placed.titles.end();
+      const bool right =
+          !titled && (ends[last] > starts[first] || (ends[last] == starts[first] && digits));
       Group& group = groups[{right, right ? last : first}];
       group.right = right;
       group.values.resize(records.size());
@@ -96,24 +99,50 @@ bool BlankColumn(const std::vector<std::u16string>& records, const Placed& place
   return true;
 }
 
-// A group's field reaches from the column after what stands before it to the
-// column before what stands after it, less one blank column on each side.
+// A left-aligned group's field reaches from its first column to the column
+// before what stands after it, less the blank between them; a right-aligned
+// one from the column after the field before it (plus that blank) to its last
+// column. Where page headings print column titles, a title starting in the
+// blank stretch after a field's text ends the field there.
 void Bound(const std::vector<std::u16string>& records, const Placed& placed,
            std::vector<Group>* groups) {
-  for (Group& group : *groups) {
-    int before = 0, after = 1000;
+  const auto next_start = [&](const Group& group) {
+    int after = 1000;
     for (const auto& [a, b] : placed.spans) {
-      if (b < group.first) before = std::max(before, b);
       if (a > group.last) after = std::min(after, a);
     }
     for (const Group& other : *groups) {
-      if (other.last < group.first) before = std::max(before, other.last);
       if (other.first > group.last) after = std::min(after, other.first);
     }
-    group.start = group.right ? before + 1 : group.first;
+    return after;
+  };
+  for (Group& group : *groups) {
+    if (group.right) continue;
+    group.start = group.first;
+    const int after = next_start(group);
+    int end = after == 1000 ? group.last : after - 1;
+    for (int title : placed.titles) {
+      if (title > group.last + 1 && (title <= end || after == 1000)) {
+        end = title - 1;
+        break;
+      }
+    }
+    if (end > group.last && BlankColumn(records, placed, end)) --end;
+    group.end = std::max(end, group.last);
+  }
+  for (Group& group : *groups) {
+    if (!group.right) continue;
+    int before = 0;
+    for (const auto& [a, b] : placed.spans) {
+      if (b < group.first) before = std::max(before, b);
+    }
+    for (const Group& other : *groups) {
+      const int other_end = other.right ? other.last : other.end;
+      if (other.last < group.first) before = std::max(before, std::min(other_end, group.first - 1));
+    }
+    group.start = before + 1;
     if (group.start < group.first && BlankColumn(records, placed, group.start)) ++group.start;
-    group.end = after == 1000 ? group.last : after - 1;
-    if (group.end > group.last && BlankColumn(records, placed, group.end)) --group.end;
+    group.end = group.last;
   }
 }
 
@@ -308,8 +337,11 @@ void AssignShorts(const Found& numbers, const Found& extensions, const Found& tr
 
 void Classify(const std::vector<Group>& groups, size_t samples, bool fixed, Guess* guess) {
   std::vector<std::pair<const Group*, Profile>> numbers, extensions, trunks, sparse;
+  bool leftmost = true;  // a record number, when there is one, comes first
   for (const Group& group : groups) {
     Profile p = Study(group, fixed);
+    p.counter = p.counter && leftmost;
+    leftmost = leftmost && p.shorts + p.numbers == 0;
     for (const auto& [text, n] : p.mark_values) {
       AddMark(guess, MarkKey(text), group.first, text, n,
               Evidence(n, samples,
