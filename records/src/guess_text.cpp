@@ -15,6 +15,7 @@ struct Group {
   int start = 0, end = 0;      // the field's columns once bounded
   int first = 1000, last = 0;  // the runs' own extent
   bool right = false;          // right-aligned: its runs end at one column
+  bool uniform = true;         // every run as long: its alignment is open
   std::vector<std::u16string> values;
   int count = 0;
 };
@@ -67,15 +68,13 @@ std::vector<Group> FixedGroups(const std::vector<std::u16string>& records, const
       const std::u16string_view run = std::u16string_view(records[i]).substr(
           static_cast<size_t>(first) - 1, static_cast<size_t>(last - first + 1));
       const bool digits = run.size() <= 5 && std::all_of(run.begin(), run.end(), IsDigit);
-      const bool titled =
-          std::find(placed.titles.begin(), placed.titles.end(), first) != placed.titles.end();
-      const bool right =
-          !titled && (ends[last] > starts[first] || (ends[last] == starts[first] && digits));
+      const bool right = ends[last] > starts[first] || (ends[last] == starts[first] && digits);
       Group& group = groups[{right, right ? last : first}];
       group.right = right;
       group.values.resize(records.size());
       group.values[i] =
           records[i].substr(static_cast<size_t>(first) - 1, static_cast<size_t>(last - first + 1));
+      if (group.count > 0 && (first != group.first || last != group.last)) group.uniform = false;
       group.first = std::min(group.first, first);
       group.last = std::max(group.last, last);
       ++group.count;
@@ -116,6 +115,21 @@ void Bound(const std::vector<std::u16string>& records, const Placed& placed,
     }
     return after;
   };
+  // Runs all of one length fit either alignment: a column title starting over
+  // them, or a blank stretch after them and none before, makes them left-aligned.
+  for (Group& group : *groups) {
+    if (!group.right || !group.uniform) continue;
+    int before = 0;
+    for (const auto& [a, b] : placed.spans) {
+      if (b < group.first) before = std::max(before, b);
+    }
+    for (const Group& other : *groups) {
+      if (other.last < group.first) before = std::max(before, other.last);
+    }
+    const bool titled =
+        std::find(placed.titles.begin(), placed.titles.end(), group.first) != placed.titles.end();
+    group.right = !titled && !(next_start(group) - group.last >= 4 && group.first - before <= 2);
+  }
   for (Group& group : *groups) {
     if (group.right) continue;
     group.start = group.first;
