@@ -45,7 +45,11 @@ constexpr Shape kShapes[] = {
 // print fields without blanks between them run a date into a time).
 bool ShapeAt(Text line, size_t at, std::u16string_view shape, bool after_shape) {
   if (at + shape.size() > line.size()) return false;
-  if (at > 0 && IsDigit(line[at - 1]) && !after_shape) return false;
+  // A clock may follow a count of seconds printed without a blank; a date is
+  // never followed by a colon (that is a date running into a time).
+  const bool clock = shape.find(u':') != std::u16string_view::npos;
+  if (at > 0 && IsDigit(line[at - 1]) && !after_shape && !clock) return false;
+  if (!clock && at + shape.size() < line.size() && line[at + shape.size()] == u':') return false;
   for (size_t i = 0; i < shape.size(); ++i) {
     if (shape[i] == u'9' ? !IsDigit(line[at + i]) : line[at + i] != shape[i]) return false;
   }

@@ -234,7 +234,13 @@ Profile Study(const Group& group, bool fixed) {
     }
     const Digits d = Split(value);
     if (!d.prefix.empty() && MarkKey(d.prefix) != 0) ++p.prefixes[d.prefix];
-    if (d.digits >= 6) {
+    // A letter or two before the digits name a device (T001005, DN201, E23):
+    // a trunk or an extension, however many digits follow.
+    const bool device = !d.prefix.empty() && d.prefix.size() <= 2 && d.digits <= 7 &&
+                        std::all_of(d.prefix.begin(), d.prefix.end(), [](char16_t c) {
+                          return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
+                        });
+    if (d.digits >= 6 && !device) {
       ++p.numbers;
     } else if (d.digits >= (fixed ? 1u : 2u) && d.plain && d.prefix.size() <= 2) {
       ++p.shorts;
@@ -312,12 +318,41 @@ void AssignShorts(const Found& numbers, const Found& extensions, const Found& tr
     }
     return best;
   };
-  const auto extension = most(extensions, nullptr);
   const auto add = [guess, samples](const Group& g, const Profile& p, Datum d, const char* what) {
     AddField(guess, d, g.start, g.end - g.start + 1, p.lettered, p.shorts,
              Evidence(p.shorts, samples,
                       "print a short number at column " + std::to_string(g.start) + what));
   };
+  // Two columns of devices, trunks and extensions mixed, are the two ends of
+  // the call: the originating end is the extension of an outgoing or
+  // internal call and the trunk of an incoming one; the terminating end the
+  // other way round.
+  Found ends;
+  for (const Found* found : {&extensions, &trunks}) {
+    for (const auto& entry : *found) {
+      if (entry.second.trunk_prefix > 0 && entry.second.extension_prefix > 0) ends.push_back(entry);
+    }
+  }
+  std::sort(ends.begin(), ends.end(),
+            [](const auto& a, const auto& b) { return a.first->start < b.first->start; });
+  if (ends.size() >= 2) {
+    auto& fields = guess->fields;  // the called extension is the terminating end, not the number
+    fields.erase(std::remove_if(fields.begin(), fields.end(),
+                                [](const GuessedField& f) {
+                                  return f.datum == Datum::kCalledExtension;
+                                }),
+                 fields.end());
+    const auto& [from, p] = ends[0];
+    const auto& [to, q] = ends[1];
+    for (Datum d : {Datum::kExtensionOut, Datum::kExtensionInternal, Datum::kTrunkIn}) {
+      add(*from, p, d, ", the originating end (trunks and extensions mixed)");
+    }
+    for (Datum d : {Datum::kExtensionIn, Datum::kCalledExtension, Datum::kTrunkOut}) {
+      add(*to, q, d, ", the terminating end (trunks and extensions mixed)");
+    }
+    return;
+  }
+  const auto extension = most(extensions, nullptr);
   if (extension != extensions.end()) {
     for (Datum d : {Datum::kExtensionIn, Datum::kExtensionOut, Datum::kExtensionInternal}) {
       add(*extension->first, extension->second, d, ", the most varied such column");
@@ -429,6 +464,8 @@ void TextRuns(const std::vector<std::u16string>& records, Guess* guess, Placed* 
   } else {
     groups = FixedGroups(records, *placed);
     Bound(records, *placed, &groups);
+    std::sort(groups.begin(), groups.end(),
+              [](const Group& a, const Group& b) { return a.start < b.start; });
   }
   int lines = 0;
   for (bool is : placed->record_lines) lines += is;
