@@ -240,9 +240,9 @@ Profile Study(const Group& group, bool fixed) {
                         std::all_of(d.prefix.begin(), d.prefix.end(), [](char16_t c) {
                           return (c >= u'A' && c <= u'Z') || (c >= u'a' && c <= u'z');
                         });
-    if (d.digits >= 6 && !device) {
+    if (d.digits >= 6 && d.plain && !device) {
       ++p.numbers;
-    } else if (d.digits >= (fixed ? 1u : 2u) && d.plain && d.prefix.size() <= 2) {
+    } else if (d.digits >= (fixed ? 1u : 2u) && d.plain && d.prefix.size() <= 4) {
       ++p.shorts;
       const int v = Value(value, d.prefix.size(), d.digits);
       p.counter = p.counter && (previous == -2 || v == previous + 1);
@@ -253,7 +253,8 @@ Profile Study(const Group& group, bool fixed) {
       const char16_t lead = value[d.prefix.size()];
       p.zeros += lead == u'0';
       p.trunk_prefix += d.prefix == u"T";
-      p.extension_prefix += d.prefix == u"E" || d.prefix == u"DN" || d.prefix == u"V";
+      p.extension_prefix +=
+          d.prefix == u"E" || d.prefix == u"DN" || d.prefix == u"V" || d.prefix == u"Ext.";
       p.lettered = p.lettered || !d.prefix.empty();
     }
   }
@@ -386,10 +387,16 @@ void AssignShorts(const Found& numbers, const Found& extensions, const Found& tr
 
 void Classify(const std::vector<Group>& groups, size_t samples, bool fixed, Guess* guess) {
   std::vector<std::pair<const Group*, Profile>> numbers, extensions, trunks, sparse;
-  bool leftmost = true;  // a record number, when there is one, comes first
+  // A record number, when there is one, is the first number of the record,
+  // before its date.
+  int date = 1000;
+  for (const GuessedField& field : guess->fields) {
+    if (field.datum == Datum::kDay) date = field.pos;
+  }
+  bool leftmost = true;
   for (const Group& group : groups) {
     Profile p = Study(group, fixed);
-    p.counter = p.counter && leftmost;
+    p.counter = p.counter && leftmost && group.start < date;
     leftmost = leftmost && p.shorts + p.numbers == 0;
     for (const auto& [text, n] : p.mark_values) {
       AddMark(guess, MarkKey(text), group.first, text, n,
