@@ -157,6 +157,9 @@ DelimitedForm DeclareFields(const std::vector<std::u16string>& records, char16_t
     if (!below) continue;
     form.fields[i] = {form.fields[i].name, 0, false};
     seconds->erase(std::find(seconds->begin(), seconds->end(), i));
+    // The talk time is the duration before any other count of seconds.
+    seconds->erase(std::find(seconds->begin(), seconds->end(), i + 1));
+    seconds->insert(seconds->begin(), i + 1);
     guess->notes.push_back(form.fields[i].name + " left out: a count of seconds never below " +
                            form.fields[i + 1].name + ", read as the whole call with its ringing");
   }

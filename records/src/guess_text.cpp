@@ -1,6 +1,7 @@
 // Pass 3 of the layout guess: the runs of text between the dates and times.
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <map>
 
 #include "guess_internal.h"
@@ -374,14 +375,24 @@ void AssignShorts(const Found& numbers, const Found& extensions, const Found& tr
   auto trunk = most(trunks, nullptr);
   const bool marked = trunk != trunks.end();
   const Found& from = marked ? trunks : extensions;
-  if (!marked) trunk = most(extensions, extension == extensions.end() ? nullptr : extension->first);
+  if (!marked) trunk = extensions.end();
+  if (!marked && extension != extensions.end()) {
+    // Else the other column of short numbers nearest the extension.
+    const auto distance = [&extension](const Group* g) {
+      return std::abs(g->start - extension->first->start);
+    };
+    for (auto it = extensions.begin(); it != extensions.end(); ++it) {
+      if (it == extension) continue;
+      if (trunk == from.end() || distance(it->first) < distance(trunk->first)) trunk = it;
+    }
+  }
   if (trunk == from.end()) {
     guess->notes.push_back("no trunk: no second column of short numbers");
     return;
   }
   for (Datum d : {Datum::kTrunkIn, Datum::kTrunkOut}) {
     add(*trunk->first, trunk->second, d,
-        marked ? " starting with 0 or T" : ", the other column of short numbers");
+        marked ? " starting with 0 or T" : ", the column of short numbers nearest the extension");
   }
 }
 
@@ -410,7 +421,8 @@ void Classify(const std::vector<Group>& groups, size_t samples, bool fixed, Gues
     // called) is a column of numbers.
     if (p.numbers > 0 && (p.numbers + p.shorts) * 2 > data) {
       numbers.push_back({&group, p});
-    } else if (p.shorts * 2 > data && !(p.counter && p.shorts > 2)) {
+    } else if (p.shorts * 2 > data && !(p.counter && p.shorts > 2) &&
+               !(p.distinct.size() == 1 && p.shorts >= 3)) {  // one value throughout: a constant
       const bool trunk = p.zeros * 2 > p.shorts || p.trunk_prefix * 2 > p.shorts;
       (trunk ? trunks : extensions).push_back({&group, p});
     }
