@@ -190,8 +190,8 @@ Guess GuessLayout(const std::vector<std::u16string>& lines) {
     guess::Placed placed;
     placed.titles = titles;
     guess::DatesAndTimes(records, &guess, &placed);
-    const size_t next = guess.form.delimited ? NextSeconds(guess, placed, seconds)
-                                             : std::string::npos;
+    const size_t next =
+        guess.form.delimited ? NextSeconds(guess, placed, seconds) : std::string::npos;
     if (next != std::string::npos) {
       // Read it as seconds and look again: its columns now show a clock.
       base.form.fields.fields[next].seconds = true;

@@ -147,9 +147,9 @@ std::vector<int> DigitLines(const std::vector<std::u16string>& records, int col,
   for (size_t i = 0; i < records.size(); ++i) {
     const std::u16string_view r = records[i];
     const std::u16string_view field =
-        r.size() >= static_cast<size_t>(col) ? r.substr(static_cast<size_t>(col) - 1,
-                                                        static_cast<size_t>(width))
-                                             : std::u16string_view();
+        r.size() >= static_cast<size_t>(col)
+            ? r.substr(static_cast<size_t>(col) - 1, static_cast<size_t>(width))
+            : std::u16string_view();
     if (field.find_first_not_of(u' ') == std::u16string_view::npos) continue;
     if (field.size() != static_cast<size_t>(width) ||
         !std::all_of(field.begin(), field.end(), IsDigit)) {
@@ -184,10 +184,9 @@ void CompactFields(const std::vector<std::u16string>& records, Guess* guess, Pla
       clock = clock && Value(r, c, 2) < 24 && Value(r, c + 2, 2) < 60 && Value(r, c + 4, 2) < 60;
       zero += r.substr(c, 2) == u"00";
     }
-    const std::string because = Evidence(lines.size(), samples,
-                                         "print " + std::to_string(width) +
-                                             " digits in the field at column " +
-                                             std::to_string(col));
+    const std::string because = Evidence(
+        lines.size(), samples,
+        "print " + std::to_string(width) + " digits in the field at column " + std::to_string(col));
     const size_t n = lines.size();
     if (width == 8 && !Has(*guess, Datum::kDay) && (ymd || dmy_year)) {
       Mark(lines, placed);
@@ -212,6 +211,42 @@ void CompactFields(const std::vector<std::u16string>& records, Guess* guess, Pla
       Add(guess, placed, static_cast<Datum>(static_cast<int>(hours) + 2), col + 4, 2, n, what);
     }
   }
+}
+
+// A time of day printed as hhmm without a colon: four digits standing alone
+// at one column in nearly every record, valid as hours and minutes, hours
+// not mostly 00; the leftmost such column.
+bool CompactTime(const std::vector<std::u16string>& records, Guess* guess, Placed* placed) {
+  std::map<int, std::vector<int>> columns;
+  for (size_t i = 0; i < records.size(); ++i) {
+    const std::u16string_view r = records[i];
+    for (size_t at = 0; at + 4 <= r.size(); ++at) {
+      const bool alone =
+          (at == 0 || r[at - 1] == u' ') && (at + 4 == r.size() || r[at + 4] == u' ');
+      if (!alone || !std::all_of(r.begin() + static_cast<std::ptrdiff_t>(at),
+                                 r.begin() + static_cast<std::ptrdiff_t>(at + 4), IsDigit)) {
+        continue;
+      }
+      if (Value(r, at, 2) < 24 && Value(r, at + 2, 2) < 60) {
+        columns[static_cast<int>(at) + 1].push_back(static_cast<int>(i));
+      }
+    }
+  }
+  for (const auto& [col, lines] : columns) {
+    if (lines.size() * 5 < records.size() * 4 || placed->Taken(col)) continue;
+    size_t zero = 0;
+    for (int line : lines) zero += Value(records[static_cast<size_t>(line)], col - 1, 2) == 0;
+    if (zero * 2 >= lines.size()) continue;
+    Mark(lines, placed);
+    const std::string because =
+        Evidence(lines.size(), records.size(),
+                 "print four digits alone at column " + std::to_string(col) + ", valid as hhmm");
+    Add(guess, placed, Datum::kHour, col, 2, lines.size(), because);
+    Add(guess, placed, Datum::kMinute, col + 2, 2, lines.size(), because);
+    guess->notes.push_back("no seconds: the time prints hours and minutes only");
+    return true;
+  }
+  return false;
 }
 
 // Whether most of a group's lines are records (they show the time of day or
@@ -276,7 +311,7 @@ void DatesAndTimes(const std::vector<std::u16string>& records, Guess* guess, Pla
                               Evidence(marked, samples, "end the time with AM or PM")});
       placed->spans.push_back({col, col + 1});
     }
-  } else if (!Has(*guess, Datum::kHour)) {
+  } else if (!Has(*guess, Datum::kHour) && !CompactTime(records, guess, placed)) {
     guess->notes.push_back("no time of day: no hh:mm with hours other than 00 in enough records");
   }
   std::vector<int> base;

@@ -186,8 +186,8 @@ std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Gues
     if (!HasDigit(piece)) {
       // Column titles start where the fields under them start.
       for (size_t i = 0; i < piece.size(); ++i) {
-        const bool letter = (piece[i] >= u'A' && piece[i] <= u'Z') ||
-                            (piece[i] >= u'a' && piece[i] <= u'z');
+        const bool letter =
+            (piece[i] >= u'A' && piece[i] <= u'Z') || (piece[i] >= u'a' && piece[i] <= u'z');
         if (letter && (i == 0 || piece[i - 1] == u' ')) titles->push_back(static_cast<int>(i) + 1);
       }
       const std::u16string pattern = HeadingPattern(piece);

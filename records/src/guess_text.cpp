@@ -66,8 +66,9 @@ std::vector<Group> FixedGroups(const std::vector<std::u16string>& records, const
     for (const auto& [first, last] : runs[i]) {
       // Numbers of equal length say nothing of their alignment: short
       // numbers in fixed columns (trunks, extensions) are printed right-aligned.
-      const std::u16string_view run = std::u16string_view(records[i]).substr(
-          static_cast<size_t>(first) - 1, static_cast<size_t>(last - first + 1));
+      const std::u16string_view run =
+          std::u16string_view(records[i])
+              .substr(static_cast<size_t>(first) - 1, static_cast<size_t>(last - first + 1));
       const bool digits = run.size() <= 5 && std::all_of(run.begin(), run.end(), IsDigit);
       const bool right = ends[last] > starts[first] || (ends[last] == starts[first] && digits);
       Group& group = groups[{right, right ? last : first}];
@@ -339,11 +340,10 @@ void AssignShorts(const Found& numbers, const Found& extensions, const Found& tr
             [](const auto& a, const auto& b) { return a.first->start < b.first->start; });
   if (ends.size() >= 2) {
     auto& fields = guess->fields;  // the called extension is the terminating end, not the number
-    fields.erase(std::remove_if(fields.begin(), fields.end(),
-                                [](const GuessedField& f) {
-                                  return f.datum == Datum::kCalledExtension;
-                                }),
-                 fields.end());
+    fields.erase(
+        std::remove_if(fields.begin(), fields.end(),
+                       [](const GuessedField& f) { return f.datum == Datum::kCalledExtension; }),
+        fields.end());
     const auto& [from, p] = ends[0];
     const auto& [to, q] = ends[1];
     for (Datum d : {Datum::kExtensionOut, Datum::kExtensionInternal, Datum::kTrunkIn}) {
