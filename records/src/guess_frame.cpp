@@ -15,11 +15,13 @@ constexpr size_t kMaxWidth = 32;  // a wider text field is cut to this in the sh
 }  // namespace
 
 std::u16string HeadingPattern(Text line) {
-  std::u16string pattern(line.substr(0, 40));
-  for (char16_t& c : pattern) {
-    if (IsDigit(c)) c = u'?';
-  }
-  if (line.size() > 40) pattern += u'*';
+  // A heading pushed right (a page number, a date) is matched by its text.
+  const size_t first = line.find_first_not_of(u' ');
+  const bool indented = first != Text::npos && first >= 10;
+  const Text text = indented ? line.substr(first) : line;
+  std::u16string pattern = indented ? u"*" : u"";
+  for (char16_t c : text.substr(0, 40)) pattern += IsDigit(c) ? u'?' : c;
+  if (text.size() > 40) pattern += u'*';
   return pattern;
 }
 

@@ -18,8 +18,9 @@ bool HasDigit(Text line);
 // The value of the digits of line[at, at + n).
 int Value(Text line, size_t at, size_t n);
 
-// A page-heading pattern for `line`: its first 40 characters, digits
-// matching any character (dates and page numbers change), then "*".
+// A page-heading pattern for `line`: its first 40 characters (from its text
+// when it starts far right), digits matching any character (dates and page
+// numbers change), "*" for what is cut.
 std::u16string HeadingPattern(Text line);
 
 // The lines at which one date or time shape stands at one column.

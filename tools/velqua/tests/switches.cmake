@@ -41,3 +41,22 @@ set_tests_properties(cli.e2e.switches_from_environment PROPERTIES ENVIRONMENT
                      "VELQUA_EXAMPLES=${PROJECT_SOURCE_DIR}/tests/e2e/data/examples")
 velqua_e2e(convert_delimited_to_cfg_refused 1 config convert examples/ip-office/ip-office.json
            ${VELQUA_E2E_TMP}/ip-office.cfg)
+
+# config guess on every bundled switch's sample, scored against its own
+# configuration: the figures of doc/guess.md, pinned so that a change to the
+# guess shows here as a better or worse score.
+file(GLOB VELQUA_BUNDLED LIST_DIRECTORIES true RELATIVE ${PROJECT_SOURCE_DIR}/examples
+     ${PROJECT_SOURCE_DIR}/examples/*)
+foreach(name ${VELQUA_BUNDLED})
+  if(EXISTS ${PROJECT_SOURCE_DIR}/examples/${name}/${name}.json)
+    string(REPLACE "-" "_" case_name "${name}")
+    velqua_e2e(guess_${case_name} 0 config guess examples/${name}/records.txt --compare ${name})
+    set_tests_properties(cli.e2e.guess_${case_name} PROPERTIES ENVIRONMENT
+                         "${VELQUA_SOURCE_EXAMPLES}")
+  endif()
+endforeach()
+# The draft itself, in the JSON form, for a switch with page headings.
+velqua_e2e(guess_draft_nec 0 config guess --brand NEC --model SV9100 examples/nec-sv/records.txt
+           -o ${VELQUA_E2E_TMP}/nec-draft.json PRODUCED ${VELQUA_E2E_TMP}/nec-draft.json
+           GOLDEN tests/e2e/golden/guess_draft_nec.json)
+velqua_e2e(error_guess_missing_records 1 config guess examples/none.txt)
