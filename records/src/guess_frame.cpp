@@ -11,6 +11,9 @@ namespace {
 // Separators a delimited record may use, most common first.
 constexpr char16_t kSeparators[] = {u',', u';', u'\t', u'|'};
 constexpr size_t kMaxWidth = 32;  // a wider text field is cut to this in the shaped line
+// What the JSON form takes: heading patterns and delimited fields.
+constexpr size_t kMaxHeadings = 100;
+constexpr size_t kMaxFields = 1000;
 
 }  // namespace
 
@@ -20,7 +23,10 @@ std::u16string HeadingPattern(Text line) {
   const bool indented = first != Text::npos && first >= 10;
   const Text text = indented ? line.substr(first) : line;
   std::u16string pattern = indented ? u"*" : u"";
-  for (char16_t c : text.substr(0, 40)) pattern += IsDigit(c) ? u'?' : c;
+  // A digit may change from page to page; a printed * or ? is matched by ?.
+  for (char16_t c : text.substr(0, 40)) {
+    pattern += IsDigit(c) || c == u'*' || c == u'?' ? u'?' : c;
+  }
   if (text.size() > 40) pattern += u'*';
   return pattern;
 }
@@ -61,7 +67,8 @@ std::pair<char16_t, size_t> Delimiter(const std::vector<std::u16string>& records
     for (const std::u16string& record : records) ++counts[FieldCount(record, separator)];
     const auto mode = std::max_element(counts.begin(), counts.end(),
                                        [](auto& a, auto& b) { return a.second < b.second; });
-    if (mode->first >= 4 && mode->second * 5 >= records.size() * 3 && mode->first > best.second) {
+    if (mode->first >= 4 && mode->first <= kMaxFields && mode->second * 5 >= records.size() * 3 &&
+        mode->first > best.second) {
       best = {separator, mode->first};
     }
   }
@@ -194,7 +201,8 @@ std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Gues
       }
       const std::u16string pattern = HeadingPattern(piece);
       auto& headings = guess->form.headings;
-      if (std::find(headings.begin(), headings.end(), pattern) == headings.end()) {
+      if (headings.size() < kMaxHeadings &&
+          std::find(headings.begin(), headings.end(), pattern) == headings.end()) {
         headings.push_back(pattern);
       }
     } else if (first != std::u16string::npos && piece[first] == u'&' && !records.empty()) {

@@ -492,7 +492,8 @@ void TextRuns(const std::vector<std::u16string>& records, Guess* guess, Placed* 
     if (placed->record_lines[i]) continue;
     const std::u16string pattern = HeadingPattern(records[i]);
     auto& headings = guess->form.headings;
-    if (std::find(headings.begin(), headings.end(), pattern) == headings.end()) {
+    if (headings.size() < 100 &&
+        std::find(headings.begin(), headings.end(), pattern) == headings.end()) {
       headings.push_back(pattern);
     }
   }

@@ -122,12 +122,12 @@ bool MatchesPattern(std::u16string_view pattern, std::u16string_view text) {
   // Iterative glob: on a mismatch, let the last `*` take one more character.
   size_t p = 0, t = 0, star = std::u16string_view::npos, resume = 0;
   while (t < text.size()) {
-    if (p < pattern.size() && (pattern[p] == u'?' || pattern[p] == text[t])) {
-      ++p;
-      ++t;
-    } else if (p < pattern.size() && pattern[p] == u'*') {
+    if (p < pattern.size() && pattern[p] == u'*') {  // before a literal '*' of the text
       star = p++;
       resume = t;
+    } else if (p < pattern.size() && (pattern[p] == u'?' || pattern[p] == text[t])) {
+      ++p;
+      ++t;
     } else if (star != std::u16string_view::npos) {
       p = star + 1;
       t = ++resume;

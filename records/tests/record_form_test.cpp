@@ -99,6 +99,8 @@ TEST(MatchesPattern, StarAndQuestionMarkOverTheWholeLine) {
       {u"a*b*c", u"axxbyy", false},
       {u"*a*a*a*a*b", u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", false},
       {u"\f*", u"\fSMDR REPORT", true},
+      {u"*N", u"*xN", true},  // a star printed in the line is no wildcard
+      {u"?*", u"*", true},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(U8(c.pattern) + " / " + U8(c.text));
