@@ -60,3 +60,10 @@ velqua_e2e(guess_draft_nec 0 config guess --brand NEC --model SV9100 examples/ne
            -o ${VELQUA_E2E_TMP}/nec-draft.json PRODUCED ${VELQUA_E2E_TMP}/nec-draft.json
            GOLDEN tests/e2e/golden/guess_draft_nec.json)
 velqua_e2e(error_guess_missing_records 1 config guess examples/none.txt)
+
+# config check frames its sample as translate does: a delimited record shown
+# as it came and shaped under the ruler, page headings shown as skipped.
+velqua_e2e(check_asterisk_delimited 0 config check examples/asterisk/asterisk.json
+           examples/asterisk/records.txt)
+velqua_e2e(check_nec_headings 0 config check examples/nec-sv/nec-sv.json
+           examples/nec-sv/records.txt)
