@@ -69,6 +69,7 @@ bool IsLive(std::FILE* stream, bool follow) {
 Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink,
                          const Settings& settings)
     : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8), form_(settings.form) {
+  plain_ = form_.Plain() && cfg_->Caso() != velqua::emCasoNortelNorstar0x32SMDR6;
   ProgramClock::Instance();  // the library reads the records' clock from here on
   traductor_.Conmutador(cfg_);
   traductor_.ArchivoLlamadasError(U16(settings.errors_log));
@@ -200,7 +201,9 @@ void Translation::Lines(LineReader& reader, bool live) {
       bytes = bytes_;
     }
     Decode(bytes, utf8_, &text);
-    if (Line(text) && live) sink_.Flush();  // each row out as soon as it is complete
+    // Plain fixed-column lines, the common case, go to the library as decoded.
+    const bool wrote = plain_ ? (Record(text), true) : Line(text);
+    if (wrote && live) sink_.Flush();  // each row out as soon as it is complete
   }
 }
 
