@@ -93,7 +93,7 @@ class Translation {
   RowSink& sink_;
   bool utf8_;
   RecordForm form_;
-  bool plain_ = false;  // no record form and no multi-line calls: lines are records
+  bool plain_ = false;     // no record form and no multi-line calls: lines are records
   std::u16string shaped_;  // the shaped line of a delimited record
   std::u16string record_;  // the record being translated
   std::u16string held_;    // a record waiting for its continuation lines
