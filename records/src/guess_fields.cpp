@@ -69,8 +69,10 @@ void PlaceDate(const std::vector<std::u16string>& records, const std::vector<Sha
   } else {
     bool first_day = false, second_day = false;
     for (int line : best->lines) {
-      first_day = first_day || Value(records[line], c - 1, 2) > 12;
-      second_day = second_day || Value(records[line], c + 2, 2) > 12;
+      first_day = first_day ||
+                  Value(records[static_cast<size_t>(line)], static_cast<size_t>(c - 1), 2) > 12;
+      second_day = second_day ||
+                   Value(records[static_cast<size_t>(line)], static_cast<size_t>(c + 2), 2) > 12;
     }
     const bool day_first = first_day || (!second_day && shape[2] == u'.');
     const std::string order = first_day    ? "; a first part above 12: day first"
@@ -92,7 +94,8 @@ void PlaceDate(const std::vector<std::u16string>& records, const std::vector<Sha
 double ZeroHours(const std::vector<std::u16string>& records, const ShapeGroup& group) {
   size_t zero = 0;
   for (int line : group.lines) {
-    zero += records[line].substr(static_cast<size_t>(group.col) - 1, 2) == u"00";
+    zero +=
+        records[static_cast<size_t>(line)].substr(static_cast<size_t>(group.col) - 1, 2) == u"00";
   }
   return static_cast<double>(zero) / static_cast<double>(group.lines.size());
 }
@@ -235,7 +238,8 @@ bool CompactTime(const std::vector<std::u16string>& records, Guess* guess, Place
   for (const auto& [col, lines] : columns) {
     if (lines.size() * 5 < records.size() * 4 || placed->Taken(col)) continue;
     size_t zero = 0;
-    for (int line : lines) zero += Value(records[static_cast<size_t>(line)], col - 1, 2) == 0;
+    for (int line : lines)
+      zero += Value(records[static_cast<size_t>(line)], static_cast<size_t>(col - 1), 2) == 0;
     if (zero * 2 >= lines.size()) continue;
     Mark(lines, placed);
     const std::string because =
@@ -302,7 +306,8 @@ void DatesAndTimes(const std::vector<std::u16string>& records, Guess* guess, Pla
     const size_t after = static_cast<size_t>(c - 1) + time->shape.size();
     size_t marked = 0;
     for (int line : time->lines) {
-      const std::u16string_view mark = std::u16string_view(records[line]).substr(after, 2);
+      const std::u16string_view mark =
+          std::u16string_view(records[static_cast<size_t>(line)]).substr(after, 2);
       marked += mark == u"AM" || mark == u"PM";
     }
     if (marked * 2 >= n) {
