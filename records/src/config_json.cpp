@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "record_form_json.h"
 #include "velqua/enums.h"
 #include "velqua/records/common.h"
 #include "velqua/records/names.h"
@@ -237,7 +238,11 @@ void ReadWiring(const json& wiring, clsCfgConmut& cfg) {
 
 }  // namespace
 
-std::string ConfigToJson(clsCfgConmut& cfg) {
+namespace {
+
+// The whole JSON form; `extra` (members with their trailing ",\n") goes after
+// the comments.
+std::string WriteForm(clsCfgConmut& cfg, const std::string& extra) {
   const velqua::emParamDato dato = cfg.DATOActivo();
   const velqua::emParamDatoConstante cte = cfg.CTEActivo();
   std::string out = "{\n";
@@ -248,6 +253,7 @@ std::string ConfigToJson(clsCfgConmut& cfg) {
          ",\n";
   out += "  \"separator\": " + Quote(U8(cfg.Separador())) + ",\n";
   out += "  \"comments\": " + Quote(U8(cfg.Comentarios())) + ",\n";
+  out += extra;
   WriteFields(cfg, out);
   WriteConstants(cfg, out);
   WriteWiring(cfg, out);
@@ -257,10 +263,9 @@ std::string ConfigToJson(clsCfgConmut& cfg) {
   return out;
 }
 
-void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
-  json root;
+json Parse(std::string_view json_text) {
   try {
-    root = json::parse(json_text.begin(), json_text.end());
+    return json::parse(json_text.begin(), json_text.end());
   } catch (const json::parse_error& e) {
     // nlohmann's message ends with the position; keep only its last clause.
     std::string message = e.what();
@@ -268,9 +273,45 @@ void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
     throw Failure("not valid JSON: " +
                   (colon == std::string::npos ? message : message.substr(colon)));
   }
-  CheckMembers(
-      root, "",
-      {"brand", "model", "case", "separator", "comments", "fields", "constants", "wiring"});
+}
+
+void ReadForm(const json& root, clsCfgConmut& cfg);
+
+}  // namespace
+
+std::string ConfigToJson(clsCfgConmut& cfg) { return WriteForm(cfg, ""); }
+
+std::string SwitchConfigToJson(clsCfgConmut& cfg, const RecordForm& form,
+                               const std::string& delivery) {
+  std::string extra;
+  if (!delivery.empty()) extra += "  \"delivery\": " + Quote(delivery) + ",\n";
+  const std::string records = RecordFormToJson(form);
+  if (!records.empty()) extra += "  \"records\": " + records + ",\n";
+  return WriteForm(cfg, extra);
+}
+
+void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
+  ReadForm(Parse(json_text), cfg);
+}
+
+void SwitchConfigFromJson(std::string_view json_text, clsCfgConmut& cfg, RecordForm* form,
+                          std::string* delivery) {
+  const json root = Parse(json_text);
+  ReadForm(root, cfg);
+  *form = root.contains("records") ? RecordFormFromJson(root.at("records")) : RecordForm();
+  delivery->clear();
+  if (root.contains("delivery")) {
+    if (!root.at("delivery").is_string()) Fail("delivery", "must be a string");
+    *delivery = root.at("delivery").get<std::string>();
+  }
+}
+
+namespace {
+
+void ReadForm(const json& root, clsCfgConmut& cfg) {
+  CheckMembers(root, "",
+               {"brand", "model", "case", "separator", "comments", "delivery", "records", "fields",
+                "constants", "wiring"});
   cfg.Marca(Text(root, "brand", "", static_cast<size_t>(velqua::kTamMarca)));
   cfg.Modelo(Text(root, "model", "", static_cast<size_t>(velqua::kTamModelo)));
   if (root.contains("case")) {
@@ -300,4 +341,5 @@ void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
   cfg.Modificado(false);
 }
 
+}  // namespace
 }  // namespace velqua_records

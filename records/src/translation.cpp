@@ -68,7 +68,8 @@ bool IsLive(std::FILE* stream, bool follow) {
 
 Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink,
                          const Settings& settings)
-    : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8) {
+    : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8), form_(settings.form) {
+  plain_ = form_.Plain() && cfg_->Caso() != velqua::emCasoNortelNorstar0x32SMDR6;
   ProgramClock::Instance();  // the library reads the records' clock from here on
   traductor_.Conmutador(cfg_);
   traductor_.ArchivoLlamadasError(U16(settings.errors_log));
@@ -130,26 +131,79 @@ Row Translation::ReadRow(int64_t number) {
   return row;
 }
 
+bool Translation::Line(std::u16string_view line) {
+  if (!form_.nul_ends_record) return Piece(line);
+  // Each NUL ends a record; an empty piece (a NUL then the line end) is none.
+  bool wrote = false;
+  for (size_t end; (end = line.find(u'\0')) != std::u16string_view::npos;) {
+    wrote = Piece(line.substr(0, end)) || wrote;
+    line.remove_prefix(end + 1);
+  }
+  return Piece(line) || wrote;
+}
+
+bool Translation::Piece(std::u16string_view piece) {
+  // An empty line carries no record (the Norstar report ends with two).
+  if (piece.empty()) return false;
+  if (!form_.headings.empty() && form_.IsHeading(piece)) {
+    ++counts_.headings;
+    if (on_heading) on_heading(input_, piece);
+    return false;
+  }
+  if (holding_ && form_.IsContinuation(piece)) {
+    form_.Join(piece, &held_);
+    return false;
+  }
+  if (form_.delimited) {
+    const ShapeOutcome outcome = ShapeDelimited(form_.fields, piece, &shaped_);
+    counts_.more_fields += outcome.more;
+    counts_.fewer_fields += outcome.fewer;
+    piece = shaped_;
+  }
+  if (form_.continuation.empty()) return Emit(piece);
+  // The record is complete when the next line is not one of its continuations.
+  const bool wrote = FlushHeld();
+  held_.assign(piece.data(), piece.size());
+  holding_ = true;
+  return wrote;
+}
+
+bool Translation::FlushHeld() {
+  if (!holding_) return false;
+  holding_ = false;
+  return Emit(held_);
+}
+
+bool Translation::Emit(std::u16string_view record) {
+  if (gatherer_ == nullptr) {
+    record_.assign(record.data(), record.size());  // reuses the storage of the last one
+    Record(record_);
+  } else if (std::u16string call; gatherer_->Add(record, &call)) {
+    Record(call);
+  } else {
+    return false;
+  }
+  return true;
+}
+
 void Translation::Lines(LineReader& reader, bool live) {
   std::string_view line;
   std::u16string text;
-  std::u16string call;
   bool first = true;
   while (reader.Next(&line)) {
     std::string_view bytes = line;
     if (first && utf8_ && bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
     first = false;
-    // An empty line carries no record (the Norstar report ends with two).
     if (bytes.empty()) continue;
-    Decode(bytes, utf8_, &text);
-    if (gatherer_ == nullptr) {
-      Record(text);
-    } else if (gatherer_->Add(text, &call)) {
-      Record(call);
-    } else {
-      continue;
+    if (form_.seven_bit) {
+      bytes_.assign(bytes.data(), bytes.size());
+      for (char& c : bytes_) c = static_cast<char>(c & 0x7F);
+      bytes = bytes_;
     }
-    if (live) sink_.Flush();  // each row out as soon as it is complete
+    Decode(bytes, utf8_, &text);
+    // Plain fixed-column lines, the common case, go to the library as decoded.
+    const bool wrote = plain_ ? (Record(text), true) : Line(text);
+    if (wrote && live) sink_.Flush();  // each row out as soon as it is complete
   }
 }
 
@@ -164,16 +218,19 @@ void Translation::Stream(std::FILE* stream, const std::string& follow) {
   live.stop = [] { return g_stop != 0; };
   live.on_idle = [this] {
     std::u16string call;
+    bool wrote = FlushHeld();
     if (gatherer_ != nullptr && gatherer_->Finish(&call)) {
       Record(call);
-      sink_.Flush();
+      wrote = true;
     }
+    if (wrote) sink_.Flush();
   };
   LineReader reader(stream, std::move(live));
   Lines(reader, true);
 }
 
 void Translation::Finish() {
+  FlushHeld();
   std::u16string call;
   if (gatherer_ && gatherer_->Finish(&call)) Record(call);
   sink_.Flush();

@@ -9,6 +9,8 @@
 #include "cli_common.h"
 #include "cmd_config.h"
 #include "cmd_draw.h"
+#include "cmd_guess.h"
+#include "cmd_switches.h"
 #include "cmd_translate.h"
 #include "velqua/error.h"
 #include "velqua/records/clock.h"
@@ -45,8 +47,11 @@ int Run(int argc, char** argv) {
   velqua_cli::AddTranslateCommand(app, translate);
   velqua_cli::ConfigOptions config;
   velqua_cli::AddConfigCommand(app, config);
+  velqua_cli::GuessOptions guess;
+  velqua_cli::AddGuessCommand(*app.get_subcommand("config"), guess);
   velqua_cli::DrawOptions draw;
   velqua_cli::AddDrawCommand(app, draw);
+  velqua_cli::AddSwitchesCommand(app);
 
   try {
     app.parse(argc, argv);
@@ -70,7 +75,9 @@ int Run(int argc, char** argv) {
   velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
+  if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
+    if (cmd->got_subcommand("guess")) return velqua_cli::RunConfigGuess(guess);
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
     if (cmd->got_subcommand("convert")) return velqua_cli::RunConfigConvert(config);
     if (cmd->got_subcommand("keys")) return velqua_cli::RunConfigKeys();

@@ -97,13 +97,13 @@ velqua_e2e(convert_json_to_cfg 0 config convert examples/kx-tda/kx-tda.json
            GOLDEN examples/kx-tda/kx-tda.cfg)
 velqua_e2e(convert_cfg_to_json 0 config convert examples/norstar/norstar.cfg
            ${VELQUA_E2E_TMP}/norstar.json PRODUCED ${VELQUA_E2E_TMP}/norstar.json
-           GOLDEN examples/norstar/norstar.json)
+           GOLDEN tests/e2e/golden/norstar_from_cfg.json)
 velqua_e2e(convert_json_to_ini 0 config convert examples/hicom/hicom.json
            ${VELQUA_E2E_TMP}/hicom.ini PRODUCED ${VELQUA_E2E_TMP}/hicom.ini
            GOLDEN examples/hicom/hicom.ini)
 velqua_e2e(convert_ini_to_json 0 config convert examples/hicom/hicom.ini
            ${VELQUA_E2E_TMP}/hicom.json PRODUCED ${VELQUA_E2E_TMP}/hicom.json
-           GOLDEN examples/hicom/hicom.json)
+           GOLDEN tests/e2e/golden/hicom_from_ini.json)
 velqua_e2e(check_kx_tda 0 --now "2026-01-20 09:00:00" config check examples/kx-tda/kx-tda.json
            tests/e2e/data/kx-tda-check.txt)
 velqua_e2e(check_utf8 0 config check --encoding utf-8 examples/hicom/hicom.json
@@ -162,3 +162,6 @@ if(VELQUA_CLI_HAS_DRAW)
     PROPERTIES ENVIRONMENT
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/e2e/lsan.supp:print_suppressions=0")
 endif()
+
+# The bundled switches, their record forms, `switches` and `config guess`.
+include(${CMAKE_CURRENT_LIST_DIR}/switches.cmake)
