@@ -5,6 +5,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli_common.h"
 #include "cmd_config.h"
@@ -33,6 +34,18 @@ void InstallFixedClock(const std::string& text) {
     throw CliError("--now: expected \"YYYY-MM-DD HH:MM:SS\", got \"" + text + "\"");
   }
   velqua_records::ProgramClock::Instance().Fix(now);
+}
+
+// "translate, config, draw or switches": the program's commands in the order
+// they were added.
+std::string CommandNames(CLI::App& app) {
+  const std::vector<CLI::App*> commands = app.get_subcommands([](CLI::App*) { return true; });
+  std::string names;
+  for (size_t i = 0; i < commands.size(); ++i) {
+    if (i > 0) names += i + 1 == commands.size() ? " or " : ", ";
+    names += commands[i]->get_name();
+  }
+  return names;
 }
 
 int Run(int argc, char** argv) {
@@ -68,8 +81,8 @@ int Run(int argc, char** argv) {
   }
 
   if (app.get_subcommands().empty()) {
-    std::fprintf(stderr,
-                 "velqua: a command is required: translate, config or draw (see velqua --help)\n");
+    std::fprintf(stderr, "velqua: a command is required: %s (see velqua --help)\n",
+                 CommandNames(app).c_str());
     return 2;
   }
   velqua_records::ProgramClock::Instance();  // the library reads the program's clock

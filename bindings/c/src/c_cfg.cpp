@@ -37,7 +37,7 @@ template <typename Make>
 int32_t Create(velqua_cfg** out, Make&& make) {
   return Guard([&] {
     if (out == nullptr) velqua_c::ThrowArgument();
-    *out = new velqua_cfg(make());
+    *out = make();
   });
 }
 
@@ -46,11 +46,15 @@ int32_t Create(velqua_cfg** out, Make&& make) {
 extern "C" {
 
 int32_t velqua_cfg_create(velqua_cfg** cfg) {
-  return Create(cfg, [] { return std::make_shared<clsCfgConmut>(); });
+  return Create(cfg, [] { return new velqua_cfg(std::make_shared<clsCfgConmut>()); });
 }
 
 int32_t velqua_cfg_load(const char* path, velqua_cfg** cfg) {
-  return Create(cfg, [&] { return velqua_records::LoadConfig(path == nullptr ? "" : path); });
+  return Create(cfg, [&] {
+    velqua_records::SwitchConfig loaded =
+        velqua_records::LoadSwitchConfig(path == nullptr ? "" : path);
+    return new velqua_cfg(std::move(loaded.cfg), std::move(loaded.form));
+  });
 }
 
 void velqua_cfg_release(velqua_cfg* cfg) {

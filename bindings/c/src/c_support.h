@@ -24,7 +24,9 @@ enum class HandleKind : uint32_t {
 };
 
 struct velqua_cfg {
-  explicit velqua_cfg(std::shared_ptr<velqua::clsCfgConmut> cfg) : object(std::move(cfg)) {}
+  explicit velqua_cfg(std::shared_ptr<velqua::clsCfgConmut> cfg,
+                      velqua_records::RecordForm form = {})
+      : object(std::move(cfg), std::move(form)) {}
   HandleKind kind = HandleKind::kCfg;
   velqua_bindings::ListenedConfig object;
 };

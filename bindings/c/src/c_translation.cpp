@@ -67,7 +67,10 @@ int32_t velqua_translation_create(const velqua_cfg* cfg,
   (void)kHostClock;
   return Guard([&] {
     if (translation == nullptr) velqua_c::ThrowArgument();
-    *translation = new velqua_translation(velqua_c::Cfg(cfg).shared(), SettingsOf(settings));
+    const velqua_bindings::ListenedConfig& held = velqua_c::Cfg(cfg);
+    velqua_bindings::Road::Settings road = SettingsOf(settings);
+    road.form = held.form();  // delimited records shaped, page headings skipped
+    *translation = new velqua_translation(held.shared(), road);
   });
 }
 

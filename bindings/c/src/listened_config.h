@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "velqua/cfg_conmut.h"
+#include "velqua/records/record_form.h"
 
 namespace velqua_bindings {
 
@@ -44,7 +45,9 @@ class Listener : public velqua::EventosCfgConmut {
 
 class ListenedConfig {
  public:
-  explicit ListenedConfig(std::shared_ptr<velqua::clsCfgConmut> cfg) : cfg_(std::move(cfg)) {}
+  explicit ListenedConfig(std::shared_ptr<velqua::clsCfgConmut> cfg,
+                          velqua_records::RecordForm form = {})
+      : cfg_(std::move(cfg)), form_(std::move(form)) {}
   // Unregisters every listener; translators keep the configuration itself.
   ~ListenedConfig();
   ListenedConfig(const ListenedConfig&) = delete;
@@ -52,6 +55,9 @@ class ListenedConfig {
 
   velqua::clsCfgConmut& cfg() const { return *cfg_; }
   const std::shared_ptr<velqua::clsCfgConmut>& shared() const { return cfg_; }
+  // How its records are framed and shaped (delimited fields, page headings),
+  // as its JSON form declares; plain for a new one or one read from .cfg/.ini.
+  const velqua_records::RecordForm& form() const { return form_; }
 
   // Registers a listener after the others (twice registered, twice called).
   void Add(std::unique_ptr<Listener> listener);
@@ -76,6 +82,7 @@ class ListenedConfig {
   };
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
+  velqua_records::RecordForm form_;
   std::vector<std::unique_ptr<Listener>> listeners_;
   std::vector<std::unique_ptr<Listener>> retired_;
   int depth_ = 0;

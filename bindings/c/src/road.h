@@ -21,11 +21,12 @@ using velqua_records::Row;
 class Road {
  public:
   struct Settings {
-    std::string extensions;   // KX-TDA extension list, or ""
-    std::string errors_log;   // unrecognised-record log, or ""
-    bool utf8 = false;        // records in UTF-8 rather than Windows-1252
-    int32_t year = 0;         // year received for switches that print none; 0: see input
-    std::string input = "-";  // a file: its time is when its records were received
+    std::string extensions;           // KX-TDA extension list, or ""
+    std::string errors_log;           // unrecognised-record log, or ""
+    bool utf8 = false;                // records in UTF-8 rather than Windows-1252
+    int32_t year = 0;                 // year received for switches that print none; 0: see input
+    std::string input = "-";          // a file: its time is when its records were received
+    velqua_records::RecordForm form;  // delimited shaping, page headings (the JSON form's)
   };
 
   // Throws velqua_records::Failure naming a list that cannot be read or a

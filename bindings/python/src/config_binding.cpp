@@ -282,7 +282,8 @@ std::shared_ptr<PyConfig> Load(const py::object& path) {
     PyErr_SetFromErrnoWithFilename(PyExc_OSError, name.c_str());
     throw py::error_already_set();
   }
-  return std::make_shared<PyConfig>(velqua_records::LoadConfig(name));
+  velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(name);
+  return std::make_shared<PyConfig>(std::move(loaded.cfg), std::move(loaded.form));
 }
 
 void BindPythonic(ConfigClass& c) {

@@ -290,17 +290,20 @@ PyType_Slot kSlots[] = {
 PyType_Spec kSpec = {"velqua.Translation", sizeof(TranslationObject), 0, Py_TPFLAGS_DEFAULT,
                      kSlots};
 
-std::shared_ptr<velqua::clsCfgConmut> ConfigOf(const py::object& config) {
-  if (py::isinstance<PyConfig>(config)) return config.cast<PyConfig&>().shared();
+// The configuration given, or the one its path names, with its record form.
+std::shared_ptr<PyConfig> ConfigOf(const py::object& config) {
+  if (py::isinstance<PyConfig>(config)) return config.cast<std::shared_ptr<PyConfig>>();
   const py::object load = py::module_::import("velqua").attr("Config").attr("load");
-  return load(config).cast<PyConfig&>().shared();
+  return load(config).cast<std::shared_ptr<PyConfig>>();
 }
 
 py::object Translate(const py::object& lines, const py::object& config,
                      const py::object& extensions, const py::object& encoding,
                      const py::object& year, const py::object& errors) {
-  std::shared_ptr<velqua::clsCfgConmut> cfg = ConfigOf(config);
+  const std::shared_ptr<PyConfig> held = ConfigOf(config);
+  std::shared_ptr<velqua::clsCfgConmut> cfg = held->shared();
   Road::Settings settings;
+  settings.form = held->form();
   if (!extensions.is_none()) settings.extensions = velqua_records::U8(FileName(extensions));
   if (!errors.is_none()) settings.errors_log = velqua_records::U8(FileName(errors));
   if (!year.is_none()) settings.year = Narrow<int32_t>(year.cast<int64_t>());

@@ -19,6 +19,9 @@ SWITCHES = {  # case: (example, configuration, records, extra program arguments)
     "norstar": ("norstar", "norstar.cfg", None, ["--year", "2026"]),
     "hicom": ("hicom", "hicom.ini", None, []),
     "definity": ("definity", "definity.cfg", None, ["--year", "2026"]),
+    "ip-office, comma-separated": ("ip-office", "ip-office.json", None, ["--year", "2026"]),
+    "samsung, NUL-ended with headings": ("samsung-officeserv", "samsung-officeserv.json", None,
+                                         ["--year", "2026"]),
     "hicom in UTF-8": ("hicom", "hicom.cfg", SOURCE / "tests" / "e2e" / "data" / "hicom-utf8.txt",
                        ["--encoding", "utf-8"]),
 }
