@@ -15,20 +15,6 @@ constexpr size_t kMaxFields = 1000;
 constexpr size_t kMaxHeadings = 100;
 constexpr size_t kMaxPattern = 255;
 
-[[noreturn]] void Fail(const std::string& where, const std::string& what) {
-  throw Failure(where + ": " + what);
-}
-
-void CheckMembers(const json& object, const std::string& where,
-                  std::initializer_list<const char*> allowed) {
-  if (!object.is_object()) Fail(where, "must be an object");
-  for (auto it = object.begin(); it != object.end(); ++it) {
-    bool known = false;
-    for (const char* name : allowed) known = known || it.key() == name;
-    if (!known) Fail(where + "." + it.key(), "unknown member");
-  }
-}
-
 // A member holding one character ("" gives u'\0' when `may_be_empty`).
 char16_t Character(const json& object, const char* name, const std::string& where,
                    char16_t fallback, bool may_be_empty) {
@@ -37,28 +23,28 @@ char16_t Character(const json& object, const char* name, const std::string& wher
   const std::u16string text = value.is_string() ? U16(value.get<std::string>()) : u"??";
   if (text.size() == 1) return text[0];
   if (text.empty() && may_be_empty) return u'\0';
-  Fail(where + "." + name,
-       may_be_empty ? "must be one character or \"\"" : "must be one character");
+  FailJson(where + "." + name,
+           may_be_empty ? "must be one character or \"\"" : "must be one character");
 }
 
 DelimitedField ReadField(const json& field, const std::string& where) {
-  CheckMembers(field, where, {"name", "width", "seconds"});
+  CheckJsonMembers(field, where, {"name", "width", "seconds"});
   DelimitedField out;
   if (field.contains("name")) {
-    if (!field.at("name").is_string()) Fail(where + ".name", "must be a string");
+    if (!field.at("name").is_string()) FailJson(where + ".name", "must be a string");
     out.name = field.at("name").get<std::string>();
   }
   if (!field.contains("width") || !field.at("width").is_number_integer()) {
-    Fail(where + ".width", "must be an integer");
+    FailJson(where + ".width", "must be an integer");
   }
   const int64_t width = field.at("width").get<int64_t>();
-  if (width < 0 || width > 255) Fail(where + ".width", "must be 0 to 255");
+  if (width < 0 || width > 255) FailJson(where + ".width", "must be 0 to 255");
   out.width = static_cast<int>(width);
   if (field.contains("seconds")) {
-    if (!field.at("seconds").is_boolean()) Fail(where + ".seconds", "must be true or false");
+    if (!field.at("seconds").is_boolean()) FailJson(where + ".seconds", "must be true or false");
     out.seconds = field.at("seconds").get<bool>();
     if (out.seconds && out.width < 7) {
-      Fail(where + ".width", "a field of seconds needs at least 7 columns (H:MM:SS)");
+      FailJson(where + ".width", "a field of seconds needs at least 7 columns (H:MM:SS)");
     }
   }
   return out;
@@ -66,17 +52,17 @@ DelimitedField ReadField(const json& field, const std::string& where) {
 
 DelimitedForm ReadDelimited(const json& delimited) {
   const std::string where = "records.delimited";
-  CheckMembers(delimited, where, {"separator", "quote", "fields"});
+  CheckJsonMembers(delimited, where, {"separator", "quote", "fields"});
   DelimitedForm form;
   form.separator = Character(delimited, "separator", where, u',', false);
   form.quote = Character(delimited, "quote", where, u'"', true);
-  if (form.quote == form.separator) Fail(where + ".quote", "must differ from the separator");
+  if (form.quote == form.separator) FailJson(where + ".quote", "must differ from the separator");
   if (!delimited.contains("fields") || !delimited.at("fields").is_array() ||
       delimited.at("fields").empty()) {
-    Fail(where + ".fields", "must be a list of fields ({\"name\", \"width\"})");
+    FailJson(where + ".fields", "must be a list of fields ({\"name\", \"width\"})");
   }
   const json& fields = delimited.at("fields");
-  if (fields.size() > kMaxFields) Fail(where + ".fields", "more than 1000 fields");
+  if (fields.size() > kMaxFields) FailJson(where + ".fields", "more than 1000 fields");
   for (size_t i = 0; i < fields.size(); ++i) {
     form.fields.push_back(ReadField(fields[i], where + ".fields[" + std::to_string(i) + "]"));
   }
@@ -85,16 +71,17 @@ DelimitedForm ReadDelimited(const json& delimited) {
 
 std::vector<std::u16string> ReadHeadings(const json& headings) {
   const std::string where = "records.headings";
-  if (!headings.is_array()) Fail(where, "must be a list of patterns");
-  if (headings.size() > kMaxHeadings) Fail(where, "more than 100 patterns");
+  if (!headings.is_array()) FailJson(where, "must be a list of patterns");
+  if (headings.size() > kMaxHeadings) FailJson(where, "more than 100 patterns");
   std::vector<std::u16string> out;
   for (size_t i = 0; i < headings.size(); ++i) {
     const std::string at = where + "[" + std::to_string(i) + "]";
-    if (!headings[i].is_string()) Fail(at, "must be a string");
+    if (!headings[i].is_string()) FailJson(at, "must be a string");
     std::u16string pattern = U16(headings[i].get<std::string>());
-    if (pattern.empty() || pattern.size() > kMaxPattern) Fail(at, "must be 1 to 255 characters");
+    if (pattern.empty() || pattern.size() > kMaxPattern)
+      FailJson(at, "must be 1 to 255 characters");
     if (pattern.find_first_not_of(u'*') == std::u16string::npos) {
-      Fail(at, "matches every line");
+      FailJson(at, "matches every line");
     }
     out.push_back(std::move(pattern));
   }
@@ -103,22 +90,22 @@ std::vector<std::u16string> ReadHeadings(const json& headings) {
 
 void ReadContinuation(const json& continuation, RecordForm* form) {
   const std::string where = "records.continuation";
-  CheckMembers(continuation, where, {"pattern", "column"});
+  CheckJsonMembers(continuation, where, {"pattern", "column"});
   if (!continuation.contains("pattern") || !continuation.at("pattern").is_string()) {
-    Fail(where + ".pattern", "must be a string");
+    FailJson(where + ".pattern", "must be a string");
   }
   form->continuation = U16(continuation.at("pattern").get<std::string>());
   if (form->continuation.empty() || form->continuation.size() > kMaxPattern ||
       form->continuation.find_first_not_of(u'*') == std::u16string::npos) {
-    Fail(where + ".pattern", "must be 1 to 255 characters, not only *");
+    FailJson(where + ".pattern", "must be 1 to 255 characters, not only *");
   }
   if (!continuation.contains("column") || !continuation.at("column").is_number_integer()) {
-    Fail(where + ".column", "must be an integer");
+    FailJson(where + ".column", "must be an integer");
   }
   const int64_t column = continuation.at("column").get<int64_t>();
-  if (column < 1 || column > 255) Fail(where + ".column", "must be 1 to 255");
+  if (column < 1 || column > 255) FailJson(where + ".column", "must be 1 to 255");
   form->continuation_column = static_cast<int>(column);
-  if (form->delimited) Fail(where, "delimited records have no continuation lines");
+  if (form->delimited) FailJson(where, "delimited records have no continuation lines");
 }
 
 std::string Quote(std::u16string_view text) { return json(U8(text)).dump(); }
@@ -126,8 +113,8 @@ std::string Quote(std::u16string_view text) { return json(U8(text)).dump(); }
 }  // namespace
 
 RecordForm RecordFormFromJson(const json& records) {
-  CheckMembers(records, "records",
-               {"delimited", "headings", "record_end", "continuation", "seven_bit"});
+  CheckJsonMembers(records, "records",
+                   {"delimited", "headings", "record_end", "continuation", "seven_bit"});
   RecordForm form;
   if (records.contains("delimited")) {
     form.delimited = true;
@@ -137,13 +124,14 @@ RecordForm RecordFormFromJson(const json& records) {
   if (records.contains("record_end")) {
     const json& end = records.at("record_end");
     if (!end.is_string() || (end != "line" && end != "nul")) {
-      Fail("records.record_end", "must be \"line\" or \"nul\"");
+      FailJson("records.record_end", "must be \"line\" or \"nul\"");
     }
     form.nul_ends_record = end == "nul";
   }
   if (records.contains("continuation")) ReadContinuation(records.at("continuation"), &form);
   if (records.contains("seven_bit")) {
-    if (!records.at("seven_bit").is_boolean()) Fail("records.seven_bit", "must be true or false");
+    if (!records.at("seven_bit").is_boolean())
+      FailJson("records.seven_bit", "must be true or false");
     form.seven_bit = records.at("seven_bit").get<bool>();
   }
   return form;
@@ -195,6 +183,20 @@ std::string RecordFormToJson(const RecordForm& form) {
     out += "    \"seven_bit\": true";
   }
   return out + "\n  }";
+}
+
+void FailJson(const std::string& where, const std::string& what) {
+  throw Failure(where + ": " + what);
+}
+
+void CheckJsonMembers(const nlohmann::json& object, const std::string& where,
+                      std::initializer_list<const char*> allowed) {
+  if (!object.is_object()) FailJson(where, "must be an object");
+  for (auto it = object.begin(); it != object.end(); ++it) {
+    bool known = false;
+    for (const char* name : allowed) known = known || it.key() == name;
+    if (!known) FailJson(where.empty() ? it.key() : where + "." + it.key(), "unknown member");
+  }
 }
 
 }  // namespace velqua_records
