@@ -78,12 +78,13 @@ Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sin
   }
 }
 
-void Translation::Input(const std::string& name, const FechaHora& received) {
+void Translation::Input(const std::string& name, const FechaHora& received, int64_t offset) {
   input_ = name;
   received_ = received;
+  start_offset_ = offset;
 }
 
-void Translation::Record(const std::u16string& record) {
+void Translation::Record(const std::u16string& record, int64_t offset) {
   const int64_t number = ++counts_.read;
   ProgramClock& clock = ProgramClock::Instance();
   clock.Freeze();
@@ -107,6 +108,8 @@ void Translation::Record(const std::u16string& record) {
     if (counts_.listed.size() < Counts::kListed) counts_.listed.push_back(number);
   }
   counts_.random_extensions += row.random_extension;
+  row.offset = offset;
+  row.text = record;
   sink_.Write(row);
 }
 
@@ -130,11 +133,23 @@ Row Translation::ReadRow(int64_t number) {
   return row;
 }
 
+// Adds a line to the multi-line call gathered so far; the call it closes
+// is translated with the offset of its first line.
+void Translation::Gather(std::u16string_view line, int64_t offset) {
+  const int64_t closed_offset = call_offset_;
+  if (gatherer_->Add(line, &call_)) {
+    call_offset_ = offset;
+    Record(call_, closed_offset);
+  } else if (call_offset_ < 0) {
+    call_offset_ = offset;
+  }
+}
+
 void Translation::Lines(LineReader& reader, bool live) {
   std::string_view line;
   std::u16string text;
-  std::u16string call;
-  bool first = true;
+  // A byte-order mark can only open an input, not a resumed one.
+  bool first = reader.line_offset() == 0;
   while (reader.Next(&line)) {
     std::string_view bytes = line;
     if (first && utf8_ && bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
@@ -143,19 +158,20 @@ void Translation::Lines(LineReader& reader, bool live) {
     if (bytes.empty()) continue;
     Decode(bytes, utf8_, &text);
     if (gatherer_ == nullptr) {
-      Record(text);
-    } else if (gatherer_->Add(text, &call)) {
-      Record(call);
+      Record(text, reader.line_offset());
     } else {
-      continue;
+      const int64_t before = counts_.read;
+      Gather(text, reader.line_offset());
+      if (counts_.read == before) continue;
     }
     if (live) sink_.Flush();  // each row out as soon as it is complete
   }
+  end_offset_ = reader.end_offset();
 }
 
 void Translation::Stream(std::FILE* stream, const std::string& follow) {
   if (!IsLive(stream, !follow.empty())) {
-    LineReader reader(stream);
+    LineReader reader(stream, start_offset_);
     Lines(reader, false);
     return;
   }
@@ -163,9 +179,8 @@ void Translation::Stream(std::FILE* stream, const std::string& follow) {
   live.follow = follow;
   live.stop = [] { return g_stop != 0; };
   live.on_idle = [this] {
-    std::u16string call;
-    if (gatherer_ != nullptr && gatherer_->Finish(&call)) {
-      Record(call);
+    if (gatherer_ != nullptr && gatherer_->Finish(&call_)) {
+      Record(call_, std::exchange(call_offset_, -1));
       sink_.Flush();
     }
   };
@@ -174,8 +189,7 @@ void Translation::Stream(std::FILE* stream, const std::string& follow) {
 }
 
 void Translation::Finish() {
-  std::u16string call;
-  if (gatherer_ && gatherer_->Finish(&call)) Record(call);
+  if (gatherer_ && gatherer_->Finish(&call_)) Record(call_, std::exchange(call_offset_, -1));
   sink_.Flush();
 }
 

@@ -45,13 +45,14 @@ class Translation {
   std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
 
   // The input the next records come from, and when they were received (the
-  // year of a record whose switch prints none).
-  void Input(const std::string& name, const FechaHora& received);
+  // year of a record whose switch prints none). `offset` is where the next
+  // stream stands in that input: rows carry their byte offsets from it.
+  void Input(const std::string& name, const FechaHora& received, int64_t offset = 0);
 
   // Translates one record (a multi-line call already joined) and writes its
-  // row. A record the library fails on is kept as an unrecognised row
-  // carrying the error; the run goes on.
-  void Record(const std::u16string& record);
+  // row, which carries `offset` and the record's text. A record the library
+  // fails on is kept as an unrecognised row carrying the error; the run goes on.
+  void Record(const std::u16string& record, int64_t offset = -1);
 
   // Reads records from a stream to its end: a file in large blocks; a live
   // source (pipe, device, or `follow`ed file) with each row written and the
@@ -62,11 +63,16 @@ class Translation {
   // Ends the input: a multi-line call still open is translated.
   void Finish();
 
+  // The byte offset just past what the last Stream call read: where reading
+  // would resume for a record after the last one written.
+  int64_t end_offset() const { return end_offset_; }
+
   const Counts& counts() const { return counts_; }
 
  private:
   Row ReadRow(int64_t number);
   void Lines(LineReader& reader, bool live);
+  void Gather(std::u16string_view line, int64_t offset);
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
   velqua::clsTraductor traductor_;
@@ -76,6 +82,10 @@ class Translation {
   Counts counts_;
   std::string input_ = "standard input";
   FechaHora received_;
+  int64_t start_offset_ = 0;
+  int64_t end_offset_ = 0;
+  int64_t call_offset_ = -1;  // of the multi-line call still open, -1 when none
+  std::u16string call_;
 };
 
 // When the records of a file were received: 31 December of `year` when it is
