@@ -1,0 +1,203 @@
+#include "velqua/store/import.h"
+
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <memory>
+#include <utility>
+
+#include "velqua/records/common.h"
+#include "velqua/records/config_io.h"
+#include "velqua/records/translation.h"
+
+namespace velqua_store {
+namespace {
+
+using velqua_records::Failure;
+using velqua_records::FileCloser;
+
+// A file is known by the hash of its first bytes (up to this many): a file
+// that grew keeps them, another file put under the same name does not.
+constexpr int64_t kFingerprintBytes = 4096;
+
+// About this many bytes a record, to guess the size of a load from its files.
+constexpr int64_t kBytesPerRecord = 80;
+
+// "<n>:<FNV-1a of the first n bytes>", n = min(size, kFingerprintBytes).
+std::string Fingerprint(std::FILE* f, int64_t n) {
+  std::string bytes(static_cast<size_t>(n), '\0');
+  std::rewind(f);
+  const size_t got = std::fread(&bytes[0], 1, bytes.size(), f);
+  bytes.resize(got);
+  uint64_t hash = 14695981039346656037ull;
+  for (unsigned char c : bytes) {
+    hash ^= c;
+    hash *= 1099511628211ull;
+  }
+  char text[48];
+  std::snprintf(text, sizeof text, "%zu:%016llx", got, static_cast<unsigned long long>(hash));
+  return text;
+}
+
+int64_t FileSize(std::FILE* f) {
+  struct stat st {};
+  return ::fstat(::fileno(f), &st) == 0 ? static_cast<int64_t>(st.st_size) : 0;
+}
+
+}  // namespace
+
+std::string LocalToUtc(const velqua_records::FechaHora& local) {
+  std::tm tm{};
+  tm.tm_year = local.intAnio - 1900;
+  tm.tm_mon = local.intMes - 1;
+  tm.tm_mday = local.intDia;
+  tm.tm_hour = local.intHora;
+  tm.tm_min = local.intMinuto;
+  tm.tm_sec = local.intSegundo;
+  tm.tm_isdst = -1;
+  const std::time_t t = std::mktime(&tm);
+  std::tm utc{};
+  gmtime_r(&t, &utc);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
+  return text;
+}
+
+velqua_records::FechaHora UtcToLocal(const std::string& utc) {
+  std::tm tm{};
+  if (std::sscanf(utc.c_str(), "%d-%d-%dT%d:%d:%d", &tm.tm_year, &tm.tm_mon, &tm.tm_mday,
+                  &tm.tm_hour, &tm.tm_min, &tm.tm_sec) != 6) {
+    return velqua_records::ProgramClock::Instance().Now();
+  }
+  tm.tm_year -= 1900;
+  tm.tm_mon -= 1;
+  const std::time_t t = timegm(&tm);
+  std::tm local{};
+  localtime_r(&t, &local);
+  return velqua_records::FechaHora{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                                   local.tm_hour,        local.tm_min,     local.tm_sec};
+}
+
+// Gathers translated rows into batches and writes each in its transaction,
+// with the checkpoint where reading resumes after it: the offset of the
+// next record (every byte before it is stored), or the end of the file.
+class Importer::Batcher : public velqua_records::RowSink {
+ public:
+  Batcher(Store& store, size_t size) : store_(store), size_(size) {}
+
+  void Start(const Source& source, std::string received_utc, ImportResult* result,
+             std::function<void(int64_t)> after_batch) {
+    source_ = source;
+    received_utc_ = std::move(received_utc);
+    result_ = result;
+    after_batch_ = std::move(after_batch);
+  }
+
+  void Write(const velqua_records::Row& row) override {
+    if (n_ == size_) Commit(row.offset);
+    if (records_.size() <= n_) records_.resize(n_ + 1);
+    Record& record = records_[n_++];
+    record.position = row.offset;
+    record.raw.clear();
+    velqua_records::AppendUtf8(record.raw, row.text);
+    record.received_utc = received_utc_;
+    record.row = row;
+    record.row.text = {};
+  }
+
+  // Writes what is gathered, the source's checkpoint moved to `resume_at`.
+  void Commit(int64_t resume_at) {
+    records_.resize(n_);  // only ever shorter at a file's end
+    const WriteResult w = store_.Write(source_, records_, resume_at);
+    result_->written.calls += w.calls;
+    result_->written.unrecognised += w.unrecognised;
+    result_->written.duplicates += w.duplicates;
+    n_ = 0;
+    if (after_batch_) after_batch_(resume_at);
+  }
+
+ private:
+  Store& store_;
+  size_t size_;
+  Source source_;
+  std::string received_utc_;
+  ImportResult* result_ = nullptr;
+  std::function<void(int64_t)> after_batch_;
+  std::vector<Record> records_;  // reused: their strings keep their storage
+  size_t n_ = 0;
+};
+
+Importer::Importer(Store& store, const ImportSettings& settings)
+    : store_(store), settings_(settings) {
+  if (!settings_.extensions.empty()) {
+    velqua_records::RequireReadableFile(settings_.extensions, "extension list");
+  }
+  cfg_ = velqua_records::LoadConfig(settings_.config);
+  store_.PutSwitch({settings_.switch_name, std::filesystem::absolute(settings_.config).string(),
+                    ConfigHash(settings_.config), settings_.time_zone});
+  batcher_ = std::make_unique<Batcher>(store_, settings_.batch > 0 ? settings_.batch : 1);
+}
+
+Importer::~Importer() = default;
+
+ImportResult Importer::Import(const std::vector<std::string>& files,
+                              const std::function<void(const ImportProgress&)>& progress) {
+  progress_ = progress;
+  int64_t bytes = 0;
+  for (const std::string& file : files) {
+    velqua_records::RequireReadableFile(file, "input");
+    bytes += static_cast<int64_t>(std::filesystem::file_size(file));
+  }
+  ImportResult result;
+  store_.BeginBulk(bytes / kBytesPerRecord);
+  try {
+    for (const std::string& file : files) ImportFile(file, *batcher_, result);
+  } catch (...) {
+    store_.EndBulk();
+    throw;
+  }
+  store_.EndBulk();
+  return result;
+}
+
+void Importer::ImportFile(const std::string& path, Batcher& batcher, ImportResult& result) {
+  const std::string name = std::filesystem::canonical(path).string();
+  std::unique_ptr<std::FILE, FileCloser> f(velqua_records::OpenFile(path, "rb", "input"));
+  const int64_t size = FileSize(f.get());
+  Source source = store_.OpenSource(settings_.switch_name, name, "file");
+  if (!source.fingerprint.empty()) {
+    const int64_t n = std::stoll(source.fingerprint);
+    if (Fingerprint(f.get(), n) != source.fingerprint) {
+      throw Failure("input '" + path + "' is not the file imported under that name before (its " +
+                    "first bytes differ): rename it to import it as a new file");
+    }
+  }
+  const int64_t from = source.checkpoint.value_or(0);
+  if (from > size) {
+    throw Failure("input '" + path + "' is shorter (" + std::to_string(size) +
+                  " bytes) than the part already imported (" + std::to_string(from) + " bytes)");
+  }
+  store_.SetFingerprint(source, Fingerprint(f.get(), std::min(size, kFingerprintBytes)));
+  std::fseek(f.get(), static_cast<long>(from), SEEK_SET);
+
+  velqua_records::Translation translation(cfg_, batcher,
+                                          {"", settings_.extensions, settings_.utf8});
+  const velqua_records::FechaHora received = velqua_records::ReceivedAt(path, settings_.year);
+  const int64_t read_before = result.read;
+  batcher.Start(source, LocalToUtc(received), &result, [&](int64_t offset) {
+    result.read = read_before + translation.counts().read;
+    if (progress_) progress_({path, offset, size, result.read});
+  });
+  translation.Input(path, received, from);
+  translation.Stream(f.get());
+  translation.Finish();
+  batcher.Commit(translation.end_offset());
+  result.failed += translation.counts().failed;
+  ++result.files;
+  store_.AddEvent(source, {"import", "", translation.counts().read,
+                           "bytes " + std::to_string(from) + " to " + std::to_string(size)});
+}
+
+}  // namespace velqua_store

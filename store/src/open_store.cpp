@@ -1,0 +1,58 @@
+// Opening a store by its URL, and the small helpers of the store's callers.
+#include <ctime>
+#include <memory>
+#include <string>
+
+#include "engines.h"
+#include "sql_store.h"
+#include "velqua/records/common.h"
+#include "velqua/store/store.h"
+
+namespace velqua_store {
+namespace {
+
+bool StartsWith(const std::string& text, const char* prefix) { return text.rfind(prefix, 0) == 0; }
+
+// A PostgreSQL URL as shown in messages: any password left out.
+std::string WithoutPassword(const std::string& url) {
+  const size_t scheme = url.find("://");
+  const size_t at = url.find('@', scheme + 3);
+  const size_t colon = url.find(':', scheme + 3);
+  if (at == std::string::npos || colon == std::string::npos || colon > at) return url;
+  return url.substr(0, colon) + url.substr(at);
+}
+
+}  // namespace
+
+std::unique_ptr<Store> OpenStore(const std::string& url) {
+  if (StartsWith(url, "postgresql://") || StartsWith(url, "postgres://")) {
+    const std::string name = WithoutPassword(url);
+    return std::make_unique<SqlStore>(ConnectPostgres(url, name), name);
+  }
+  const std::string path = StartsWith(url, "sqlite:") ? url.substr(7) : url;
+  if (path.empty()) throw StoreError("database '" + url + "': no file name");
+  return std::make_unique<SqlStore>(ConnectSqlite(path, path), path);
+}
+
+std::string ConfigHash(const std::string& path) {
+  const std::string content = velqua_records::ReadWholeFile(path, "configuration");
+  uint64_t hash = 14695981039346656037ull;  // FNV-1a, 64 bits
+  for (unsigned char c : content) {
+    hash ^= c;
+    hash *= 1099511628211ull;
+  }
+  char text[17];
+  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
+  return text;
+}
+
+std::string UtcNow() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  gmtime_r(&now, &utc);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
+  return text;
+}
+
+}  // namespace velqua_store
