@@ -163,7 +163,8 @@ ImportResult Importer::Import(const std::vector<std::string>& files,
 }
 
 void Importer::ImportFile(const std::string& path, Batcher& batcher, ImportResult& result) {
-  const std::string name = std::filesystem::canonical(path).string();
+  const std::string name =
+      settings_.source.empty() ? std::filesystem::canonical(path).string() : settings_.source;
   std::unique_ptr<std::FILE, FileCloser> f(velqua_records::OpenFile(path, "rb", "input"));
   const int64_t size = FileSize(f.get());
   Source source = store_.OpenSource(settings_.switch_name, name, "file");

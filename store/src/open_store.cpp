@@ -1,5 +1,6 @@
 // Opening a store by its URL, and the small helpers of the store's callers.
 #include <ctime>
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -24,13 +25,16 @@ std::string WithoutPassword(const std::string& url) {
 
 }  // namespace
 
-std::unique_ptr<Store> OpenStore(const std::string& url) {
+std::unique_ptr<Store> OpenStore(const std::string& url, bool create) {
   if (StartsWith(url, "postgresql://") || StartsWith(url, "postgres://")) {
     const std::string name = WithoutPassword(url);
     return std::make_unique<SqlStore>(ConnectPostgres(url, name), name);
   }
   const std::string path = StartsWith(url, "sqlite:") ? url.substr(7) : url;
   if (path.empty()) throw StoreError("database '" + url + "': no file name");
+  if (!create && !std::filesystem::exists(path)) {
+    throw StoreError("database '" + path + "' does not exist");
+  }
   return std::make_unique<SqlStore>(ConnectSqlite(path, path), path);
 }
 

@@ -166,6 +166,35 @@ TEST_P(StoreTest, AnUnknownTimeZoneIsRefused) {
   EXPECT_FALSE(store_->FindSwitch("hq"));
 }
 
+// A server that goes away: the write fails as ConnectionLost (the capture
+// service keeps spooling), nothing of it is stored, and once the server is
+// back the same store object writes the same batch.
+TEST(PostgresConnection, ALostServerIsReportedAndTheStoreReconnects) {
+  velqua_store_testing::PgTestServer server;
+  const std::string url = server.NewDatabase();
+  std::unique_ptr<Store> store = OpenStore(url);
+  store->PutSwitch({"hq", "", "", ""});
+  const Source source = store->OpenSource("hq", "spool", "capture");
+  store->Write(source, {Call(0, "201", "2026-03-09 08:00:00")}, 1);
+  server.Stop();
+  const std::vector<Record> batch = {Call(1, "202", "2026-03-09 08:01:00"),
+                                     Call(2, "203", "2026-03-09 08:02:00")};
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    SCOPED_TRACE(attempt);
+    try {
+      store->Write(source, batch, 3);
+      FAIL() << "written with the server stopped";
+    } catch (const ConnectionLost& e) {
+      EXPECT_EQ(std::string(e.what()).rfind("database '" + url + "': ", 0), 0u) << e.what();
+    }
+  }
+  server.Start();
+  const WriteResult w = store->Write(source, batch, 3);
+  EXPECT_EQ(w.calls, 2);
+  EXPECT_EQ(store->CountCalls("hq"), 3);
+  EXPECT_EQ(store->Checkpoint(source), 3);
+}
+
 INSTANTIATE_TEST_SUITE_P(Engines, StoreTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
                          velqua_store_testing::EngineName);
 

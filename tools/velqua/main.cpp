@@ -7,8 +7,11 @@
 #include <string>
 
 #include "cli_common.h"
+#include "cmd_calls.h"
 #include "cmd_config.h"
 #include "cmd_draw.h"
+#include "cmd_import.h"
+#include "cmd_retranslate.h"
 #include "cmd_translate.h"
 #include "velqua/error.h"
 #include "velqua/records/clock.h"
@@ -47,6 +50,12 @@ int Run(int argc, char** argv) {
   velqua_cli::AddConfigCommand(app, config);
   velqua_cli::DrawOptions draw;
   velqua_cli::AddDrawCommand(app, draw);
+  velqua_cli::ImportOptions import;
+  velqua_cli::AddImportCommand(app, import);
+  velqua_cli::CallsOptions calls;
+  velqua_cli::AddCallsCommand(app, calls);
+  velqua_cli::RetranslateOptions retranslate;
+  velqua_cli::AddRetranslateCommand(app, retranslate);
 
   try {
     app.parse(argc, argv);
@@ -64,12 +73,16 @@ int Run(int argc, char** argv) {
 
   if (app.get_subcommands().empty()) {
     std::fprintf(stderr,
-                 "velqua: a command is required: translate, config or draw (see velqua --help)\n");
+                 "velqua: a command is required: translate, import, calls, retranslate, config "
+                 "or draw (see velqua --help)\n");
     return 2;
   }
   velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
+  if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
+  if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
+  if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
     if (cmd->got_subcommand("convert")) return velqua_cli::RunConfigConvert(config);

@@ -12,6 +12,19 @@ target_compile_definitions(test_cli_units PRIVATE
 velqua_warnings(test_cli_units)
 gtest_discover_tests(test_cli_units TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
 
+# An import killed midway and run again, on both engines (a real child process).
+if(TARGET velqua_store_testing)
+  find_package(SQLite3 REQUIRED)
+  add_executable(test_cli_import_kill ${CMAKE_CURRENT_LIST_DIR}/import_kill_test.cpp)
+  target_link_libraries(test_cli_import_kill PRIVATE velqua_store_testing SQLite::SQLite3
+                        GTest::gtest_main)
+  target_compile_definitions(test_cli_import_kill PRIVATE
+    VELQUA_PROGRAM="$<TARGET_FILE:velqua_cli>" VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  velqua_warnings(test_cli_import_kill)
+  add_dependencies(test_cli_import_kill velqua_cli)
+  add_test(NAME cli.import_killed_and_resumed COMMAND test_cli_import_kill)
+endif()
+
 # End-to-end: the built program on examples/ and tests/e2e/data/, against
 # tests/e2e/golden/. Every run fixes the clock (--now) because the library
 # falls back to the current date and time for what a switch does not print.

@@ -30,6 +30,7 @@ struct ImportSettings {
   bool utf8 = false;       // records in UTF-8 rather than Windows-1252
   std::string time_zone;   // the switch's IANA time zone; "" keeps the stored one
   int32_t year = 0;        // year received for switches that print none; 0: file time
+  std::string source;      // the source's name for a single file, instead of its path
   size_t batch = 20000;    // records a transaction
 };
 

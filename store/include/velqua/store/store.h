@@ -234,12 +234,12 @@ class Store {
   std::string name_;
 };
 
-// Opens (creating when missing) the store named by `url`: "calls.db" or
-// "sqlite:calls.db" (SQLite), or "postgresql://user@host:port/dbname" (also
-// "postgres://"). Brings its schema up to date; a schema newer than this
-// program is refused. Throws StoreError (ConnectionLost when the server
-// cannot be reached).
-std::unique_ptr<Store> OpenStore(const std::string& url);
+// Opens the store named by `url`: "calls.db" or "sqlite:calls.db" (SQLite),
+// or "postgresql://user@host:port/dbname" (also "postgres://"); a missing
+// SQLite file is created, or refused when `create` is false. Brings the
+// schema up to date; a schema newer than this program is refused. Throws
+// StoreError (ConnectionLost when the server cannot be reached).
+std::unique_ptr<Store> OpenStore(const std::string& url, bool create = true);
 
 // The content hash of a configuration file, as kept in `switches`: 16
 // hexadecimal digits (64-bit FNV-1a). Throws velqua_records::Failure when
