@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "call_forms.h"
+#include "values.h"
 #include "velqua/records/names.h"
 
 namespace velqua_store {
@@ -117,15 +118,7 @@ std::string LocalTime(const std::optional<std::string>& start, int64_t seconds) 
 // The same id for the same record in every store: FNV-1a of its switch,
 // source and position.
 std::string UniqueId(const StoredCall& c) {
-  uint64_t hash = 14695981039346656037ull;
-  const std::string key = c.switch_name + '\0' + c.source_name + '\0' + std::to_string(c.position);
-  for (unsigned char ch : key) {
-    hash ^= ch;
-    hash *= 1099511628211ull;
-  }
-  char text[17];
-  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
-  return text;
+  return Fnv1aHex(c.switch_name + '\0' + c.source_name + '\0' + std::to_string(c.position));
 }
 
 class CdrCsvWriter : public CallWriter {

@@ -8,6 +8,7 @@
 #include <memory>
 #include <utility>
 
+#include "values.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/translation.h"
@@ -31,14 +32,7 @@ std::string Fingerprint(std::FILE* f, int64_t n) {
   std::rewind(f);
   const size_t got = std::fread(&bytes[0], 1, bytes.size(), f);
   bytes.resize(got);
-  uint64_t hash = 14695981039346656037ull;
-  for (unsigned char c : bytes) {
-    hash ^= c;
-    hash *= 1099511628211ull;
-  }
-  char text[48];
-  std::snprintf(text, sizeof text, "%zu:%016llx", got, static_cast<unsigned long long>(hash));
-  return text;
+  return std::to_string(got) + ":" + Fnv1aHex(bytes);
 }
 
 int64_t FileSize(std::FILE* f) {

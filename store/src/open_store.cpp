@@ -6,6 +6,7 @@
 
 #include "engines.h"
 #include "sql_store.h"
+#include "values.h"
 #include "velqua/records/common.h"
 #include "velqua/store/store.h"
 
@@ -40,14 +41,7 @@ std::unique_ptr<Store> OpenStore(const std::string& url, bool create) {
 
 std::string ConfigHash(const std::string& path) {
   const std::string content = velqua_records::ReadWholeFile(path, "configuration");
-  uint64_t hash = 14695981039346656037ull;  // FNV-1a, 64 bits
-  for (unsigned char c : content) {
-    hash ^= c;
-    hash *= 1099511628211ull;
-  }
-  char text[17];
-  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
-  return text;
+  return Fnv1aHex(content);
 }
 
 std::string UtcNow() {

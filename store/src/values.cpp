@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <chrono>
+#include <cstdio>
 #include <exception>
 
 #include "velqua/records/common.h"
@@ -84,6 +85,17 @@ void AppendStart(std::string& out, const velqua_records::Row& row) {
   if (!row.HasSeconds()) return;
   out += ':';
   AppendPadded(out, row.time % 60, 2);
+}
+
+std::string Fnv1aHex(std::string_view bytes) {
+  uint64_t hash = 14695981039346656037ull;
+  for (const char c : bytes) {
+    hash ^= static_cast<unsigned char>(c);
+    hash *= 1099511628211ull;
+  }
+  char text[17];
+  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
+  return text;
 }
 
 std::string Reason(const velqua_records::Row& row) {

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "velqua/records/call_row.h"
 
@@ -59,6 +60,12 @@ struct CallValues {
 // "2026-01-15T09:05:00", "2026-01-15T09:05" without printed seconds,
 // "2026-01-15" without a printed time, "" without a printed date.
 void AppendStart(std::string& out, const velqua_records::Row& row);
+
+// The 64-bit FNV-1a hash of `bytes` as 16 hexadecimal digits: the content
+// hash of configurations, the fingerprint of imported files and the
+// cdr-csv unique id. It tells contents apart; it is no protection against
+// someone who wants two to collide.
+std::string Fnv1aHex(std::string_view bytes);
 
 // Why a record without call data is kept in `unrecognised`.
 std::string Reason(const velqua_records::Row& row);

@@ -23,7 +23,7 @@ int32_t TypeNamed(const std::string& text) {
   }
   throw CliError("--type: unknown call type '" + text +
                  "': expected incoming, outgoing, internal, trunk-to-trunk, account-code, "
-                 "transferred, unrecognised or their numbers 1 to 6, 0");
+                 "transferred or a number from 1 to 6");
 }
 
 }  // namespace
