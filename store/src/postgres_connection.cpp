@@ -178,7 +178,10 @@ class PgConnection : public Connection {
     PQfinish(conn_);
     conn_ = PQconnectdb(url_.c_str());
     if (PQstatus(conn_) != CONNECTION_OK) {
-      throw ConnectionLost("database '" + name_ + "': cannot connect: " + FirstLine(conn_));
+      const std::string why = FirstLine(conn_);
+      PQfinish(conn_);
+      conn_ = nullptr;
+      throw ConnectionLost("database '" + name_ + "': cannot connect: " + why);
     }
     PQsetNoticeProcessor(
         conn_, [](void*, const char*) {}, nullptr);  // "already exists, skipping" and the like
