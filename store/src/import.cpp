@@ -8,6 +8,7 @@
 #include <memory>
 #include <utility>
 
+#include "batch_writer.h"
 #include "values.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
@@ -74,55 +75,6 @@ velqua_records::FechaHora UtcToLocal(const std::string& utc) {
                                    local.tm_hour,        local.tm_min,     local.tm_sec};
 }
 
-// Gathers translated rows into batches and writes each in its transaction,
-// with the checkpoint where reading resumes after it: the offset of the
-// next record (every byte before it is stored), or the end of the file.
-class Importer::Batcher : public velqua_records::RowSink {
- public:
-  Batcher(Store& store, size_t size) : store_(store), size_(size) {}
-
-  void Start(const Source& source, std::string received_utc, ImportResult* result,
-             std::function<void(int64_t)> after_batch) {
-    source_ = source;
-    received_utc_ = std::move(received_utc);
-    result_ = result;
-    after_batch_ = std::move(after_batch);
-  }
-
-  void Write(const velqua_records::Row& row) override {
-    if (n_ == size_) Commit(row.offset);
-    if (records_.size() <= n_) records_.resize(n_ + 1);
-    Record& record = records_[n_++];
-    record.position = row.offset;
-    record.raw.clear();
-    velqua_records::AppendUtf8(record.raw, row.text);
-    record.received_utc = received_utc_;
-    record.row = row;
-    record.row.text = {};
-  }
-
-  // Writes what is gathered, the source's checkpoint moved to `resume_at`.
-  void Commit(int64_t resume_at) {
-    records_.resize(n_);  // only ever shorter at a file's end
-    const WriteResult w = store_.Write(source_, records_, resume_at);
-    result_->written.calls += w.calls;
-    result_->written.unrecognised += w.unrecognised;
-    result_->written.duplicates += w.duplicates;
-    n_ = 0;
-    if (after_batch_) after_batch_(resume_at);
-  }
-
- private:
-  Store& store_;
-  size_t size_;
-  Source source_;
-  std::string received_utc_;
-  ImportResult* result_ = nullptr;
-  std::function<void(int64_t)> after_batch_;
-  std::vector<Record> records_;  // reused: their strings keep their storage
-  size_t n_ = 0;
-};
-
 Importer::Importer(Store& store, const ImportSettings& settings)
     : store_(store), settings_(settings) {
   if (!settings_.extensions.empty()) {
@@ -131,7 +83,7 @@ Importer::Importer(Store& store, const ImportSettings& settings)
   cfg_ = velqua_records::LoadConfig(settings_.config);
   store_.PutSwitch({settings_.switch_name, std::filesystem::absolute(settings_.config).string(),
                     ConfigHash(settings_.config), settings_.time_zone});
-  batcher_ = std::make_unique<Batcher>(store_, settings_.batch > 0 ? settings_.batch : 1);
+  batcher_ = std::make_unique<BatchWriter>(store_, settings_.batch);
 }
 
 Importer::~Importer() = default;
@@ -147,7 +99,7 @@ ImportResult Importer::Import(const std::vector<std::string>& files,
   ImportResult result;
   store_.BeginBulk(bytes / kBytesPerRecord);
   try {
-    for (const std::string& file : files) ImportFile(file, *batcher_, result);
+    for (const std::string& file : files) ImportFile(file, result);
   } catch (...) {
     store_.EndBulk();
     throw;
@@ -156,7 +108,7 @@ ImportResult Importer::Import(const std::vector<std::string>& files,
   return result;
 }
 
-void Importer::ImportFile(const std::string& path, Batcher& batcher, ImportResult& result) {
+void Importer::ImportFile(const std::string& path, ImportResult& result) {
   const std::string name =
       settings_.source.empty() ? std::filesystem::canonical(path).string() : settings_.source;
   std::unique_ptr<std::FILE, FileCloser> f(velqua_records::OpenFile(path, "rb", "input"));
@@ -177,18 +129,24 @@ void Importer::ImportFile(const std::string& path, Batcher& batcher, ImportResul
   store_.SetFingerprint(source, Fingerprint(f.get(), std::min(size, kFingerprintBytes)));
   std::fseek(f.get(), static_cast<long>(from), SEEK_SET);
 
-  velqua_records::Translation translation(cfg_, batcher,
+  velqua_records::Translation translation(cfg_, *batcher_,
                                           {"", settings_.extensions, settings_.utf8});
   const velqua_records::FechaHora received = velqua_records::ReceivedAt(path, settings_.year);
   const int64_t read_before = result.read;
-  batcher.Start(source, LocalToUtc(received), &result, [&](int64_t offset) {
-    result.read = read_before + translation.counts().read;
-    if (progress_) progress_({path, offset, size, result.read});
-  });
+  // Runs on the writer's thread, while this one waits or translates: it
+  // touches only `result`, which this thread reads once the file is written.
+  batcher_->Start(source, LocalToUtc(received),
+                  [&, read_before](const WriteResult& w, int64_t offset, int64_t read) {
+                    result.written.calls += w.calls;
+                    result.written.unrecognised += w.unrecognised;
+                    result.written.duplicates += w.duplicates;
+                    result.read = read_before + read;
+                    if (progress_) progress_({path, offset, size, result.read});
+                  });
   translation.Input(path, received, from);
   translation.Stream(f.get());
   translation.Finish();
-  batcher.Commit(translation.end_offset());
+  batcher_->Commit(translation.end_offset());
   result.failed += translation.counts().failed;
   ++result.files;
   store_.AddEvent(source, {"import", "", translation.counts().read,

@@ -23,6 +23,8 @@
 
 namespace velqua_store {
 
+class BatchWriter;
+
 struct ImportSettings {
   std::string switch_name;
   std::string config;      // the configuration file (.cfg, .ini or .json)
@@ -67,13 +69,12 @@ class Importer {
                       const std::function<void(const ImportProgress&)>& progress = nullptr);
 
  private:
-  class Batcher;
-  void ImportFile(const std::string& path, Batcher& batcher, ImportResult& result);
+  void ImportFile(const std::string& path, ImportResult& result);
 
   Store& store_;
   ImportSettings settings_;
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
-  std::unique_ptr<Batcher> batcher_;
+  std::unique_ptr<BatchWriter> batcher_;
   std::function<void(const ImportProgress&)> progress_;
 };
 
