@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <unordered_set>
 
 #include "schema.h"
 
@@ -131,30 +132,40 @@ const Zone& SqlStore::ZoneOf(int64_t switch_id) {
   return zones_.emplace(switch_id, Zone(name)).first->second;
 }
 
-std::unordered_set<int64_t> SqlStore::StoredPositions(const Source& source,
-                                                      const std::vector<Record>& records) {
-  std::unordered_set<int64_t> stored;
-  if (records.empty()) return stored;
+std::vector<bool> SqlStore::Skipped(const Source& source, const std::vector<Record>& records) {
+  std::vector<bool> skip(records.size(), false);
+  if (records.empty()) return skip;
   const auto [low, high] =
       std::minmax_element(records.begin(), records.end(),
                           [](const Record& a, const Record& b) { return a.position < b.position; });
+  std::vector<int64_t> stored;
   db_->Run(
       "SELECT position FROM calls WHERE source_id = $1 AND position BETWEEN $2 AND $3 "
       "UNION ALL SELECT position FROM unrecognised WHERE source_id = $1 "
       "AND position BETWEEN $2 AND $3",
       {source.id, low->position, high->position},
-      [&](const ResultRow& r) { stored.insert(r.Int(0)); });
-  return stored;
+      [&](const ResultRow& r) { stored.push_back(r.Int(0)); });
+  // The usual batch, new records in the order of their positions, needs no
+  // set: no position can repeat.
+  bool increasing = true;
+  for (size_t i = 1; increasing && i < records.size(); ++i) {
+    increasing = records[i - 1].position < records[i].position;
+  }
+  if (increasing && stored.empty()) return skip;
+  std::unordered_set<int64_t> seen(stored.begin(), stored.end());
+  for (size_t i = 0; i < records.size(); ++i) skip[i] = !seen.insert(records[i].position).second;
+  return skip;
 }
 
 WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>& records,
                                 std::optional<int64_t> checkpoint) {
-  std::unordered_set<int64_t> seen = StoredPositions(source, records);
+  const std::vector<bool> skip = Skipped(source, records);
   const Zone& zone = ZoneOf(source.switch_id);
   WriteResult result;
   size_t n_calls = 0, n_unrecognised = 0;
-  for (const Record& record : records) {
-    if (!seen.insert(record.position).second) {
+  for (size_t i = 0; i < records.size(); ++i) {
+    const Record& record = records[i];
+    if (skip[i]) {
       ++result.duplicates;
       continue;
     }

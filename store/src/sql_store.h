@@ -7,7 +7,6 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "sql.h"
@@ -62,8 +61,9 @@ class SqlStore : public Store {
 
   WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,
                         std::optional<int64_t> checkpoint);
-  std::unordered_set<int64_t> StoredPositions(const Source& source,
-                                              const std::vector<Record>& records);
+  // Which records of a batch to skip: those whose position the source has
+  // already, and the repeats of a position within the batch.
+  std::vector<bool> Skipped(const Source& source, const std::vector<Record>& records);
   RewriteResult RewriteOnce(int64_t switch_id, const std::vector<Retranslated>& records);
   int64_t Count(const char* table, const std::string& switch_name);
   int64_t SwitchId(const std::string& switch_name);
