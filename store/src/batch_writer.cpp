@@ -5,9 +5,18 @@
 #include "velqua/records/common.h"
 
 namespace velqua_store {
+namespace {
 
-BatchWriter::BatchWriter(Store& store, size_t size)
-    : store_(store), size_(size > 0 ? size : 1), thread_([this] { Run(); }) {}
+// Thrown inside a batch's transaction when an earlier batch failed: the
+// batch must not commit past the hole.
+struct EarlierBatchFailed {};
+
+}  // namespace
+
+BatchWriter::BatchWriter(const std::vector<Store*>& stores, size_t size)
+    : size_(size > 0 ? size : 1) {
+  for (Store* store : stores) threads_.emplace_back([this, store] { Run(*store); });
+}
 
 BatchWriter::~BatchWriter() {
   {
@@ -16,7 +25,7 @@ BatchWriter::~BatchWriter() {
     stop_ = true;
   }
   changed_.notify_all();
-  thread_.join();
+  for (std::thread& thread : threads_) thread.join();
 }
 
 void BatchWriter::Start(const Source& source, std::string received_utc, Committed committed) {
@@ -47,47 +56,64 @@ void BatchWriter::Commit(int64_t resume_at) {
 }
 
 void BatchWriter::Hand(int64_t resume_at) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  changed_.wait(lock, [this] { return queue_.empty() || error_; });
+  if (error_) std::rethrow_exception(error_);
   filling_.checkpoint = resume_at;
   filling_.read = rows_;
-  {
-    std::unique_lock<std::mutex> lock(mutex_);
-    WaitIdle(lock);
-    if (error_) std::rethrow_exception(std::exchange(error_, nullptr));
-    std::swap(filling_, pending_);
-    busy_ = true;
+  filling_.sequence = ++handed_;
+  Batch next;
+  if (!pool_.empty()) {
+    next = std::move(pool_.back());
+    pool_.pop_back();
   }
+  next.n = 0;
+  next.source = filling_.source;
+  next.committed = filling_.committed;
+  queue_.push_back(std::move(filling_));
+  filling_ = std::move(next);
   changed_.notify_all();
-  filling_.n = 0;
-  filling_.source = pending_.source;
-  filling_.committed = pending_.committed;
 }
 
 void BatchWriter::WaitIdle(std::unique_lock<std::mutex>& lock) {
-  changed_.wait(lock, [this] { return !busy_; });
+  changed_.wait(lock, [this] { return queue_.empty() && in_flight_ == 0; });
 }
 
-void BatchWriter::Run() {
+void BatchWriter::Run(Store& store) {
   std::unique_lock<std::mutex> lock(mutex_);
   for (;;) {
-    changed_.wait(lock, [this] { return busy_ || stop_; });
-    if (!busy_) return;
-    lock.unlock();
-    try {
-      // Only this thread touches pending_ while busy_.
-      std::vector<Record>& records = pending_.records;
-      records.resize(pending_.n);  // shorter only at a file's end
-      const WriteResult written = store_.Write(pending_.source, records, pending_.checkpoint);
-      if (pending_.committed) pending_.committed(written, pending_.checkpoint, pending_.read);
-    } catch (...) {
-      lock.lock();
-      error_ = std::current_exception();
-      busy_ = false;
-      changed_.notify_all();
-      continue;
-    }
-    lock.lock();
-    busy_ = false;
+    changed_.wait(lock, [this] { return !queue_.empty() || stop_; });
+    if (queue_.empty()) return;
+    Batch batch = std::move(queue_.front());
+    queue_.pop_front();
+    ++in_flight_;
     changed_.notify_all();
+    lock.unlock();
+    WriteOne(store, batch);
+    lock.lock();
+    --in_flight_;
+    pool_.push_back(std::move(batch));
+    changed_.notify_all();
+  }
+}
+
+void BatchWriter::WriteOne(Store& store, Batch& batch) {
+  // Commits wait for the batch before, and give up if it failed.
+  const auto in_turn = [&] {
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait(lock, [&] { return committed_ == batch.sequence - 1 || error_; });
+    if (error_) throw EarlierBatchFailed();
+  };
+  try {
+    batch.records.resize(batch.n);  // shorter only at a file's end
+    const WriteResult written = store.Write(batch.source, batch.records, batch.checkpoint, in_turn);
+    if (batch.committed) batch.committed(written, batch.checkpoint, batch.read);
+    std::lock_guard<std::mutex> lock(mutex_);
+    committed_ = batch.sequence;
+  } catch (const EarlierBatchFailed&) {
+  } catch (...) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!error_) error_ = std::current_exception();
   }
 }
 

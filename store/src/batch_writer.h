@@ -1,13 +1,17 @@
 // The import's writer: translated rows gathered into batches, each batch
 // written in its own transaction with the checkpoint where reading resumes
-// after it. Batches are written on a thread of their own while the next one
-// is translated, so that reading and translating (one core) and the
-// database's work (another) overlap; two batches are held at most, so
-// memory stays flat whatever the size of the input.
+// after it. Batches are written on threads of their own while the next one
+// is translated, so that reading and translating and the database's work
+// overlap. With several stores (connections to one PostgreSQL database),
+// batches are written on all of them at once but committed in order, so
+// that the checkpoint only ever covers batches that are all stored. At most
+// one batch a store plus one are held, so memory stays flat whatever the
+// size of the input.
 #pragma once
 
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <exception>
 #include <functional>
 #include <mutex>
@@ -22,12 +26,13 @@ namespace velqua_store {
 
 class BatchWriter : public velqua_records::RowSink {
  public:
-  // Called on the writer's thread after each batch is committed, with what
-  // it wrote, the checkpoint and the number of records read up to it.
+  // Called on a writer's thread after each batch is committed (in order),
+  // with what it wrote, the checkpoint and the number of records read up to it.
   using Committed = std::function<void(const WriteResult&, int64_t checkpoint, int64_t read)>;
 
-  BatchWriter(Store& store, size_t size);
-  // Writes the batch in hand (if any) and stops the thread.
+  // One writer thread a store; the stores must all open the same database.
+  BatchWriter(const std::vector<Store*>& stores, size_t size);
+  // Writes the batches in hand and stops the threads.
   ~BatchWriter() override;
   BatchWriter(const BatchWriter&) = delete;
   BatchWriter& operator=(const BatchWriter&) = delete;
@@ -36,17 +41,14 @@ class BatchWriter : public velqua_records::RowSink {
   // to call after each batch.
   void Start(const Source& source, std::string received_utc, Committed committed);
 
-  // Adds a row; a full batch is handed to the writer, the checkpoint set
+  // Adds a row; a full batch is handed to the writers, its checkpoint set
   // to this row's offset (every byte before it is then stored).
   void Write(const velqua_records::Row& row) override;
 
   // Hands over what is gathered with the checkpoint `resume_at` (a file's
-  // end), waits until everything is written, and throws what the writer
-  // met (StoreError, ConnectionLost), if anything.
+  // end), waits until everything is written, and throws what a writer met
+  // (StoreError, ConnectionLost), if anything.
   void Commit(int64_t resume_at);
-
-  // The number of rows added since Start.
-  int64_t rows() const { return rows_; }
 
  private:
   struct Batch {
@@ -55,14 +57,15 @@ class BatchWriter : public velqua_records::RowSink {
     Source source;
     int64_t checkpoint = 0;
     int64_t read = 0;
+    int64_t sequence = 0;
     Committed committed;
   };
 
   void Hand(int64_t resume_at);
   void WaitIdle(std::unique_lock<std::mutex>& lock);
-  void Run();
+  void Run(Store& store);
+  void WriteOne(Store& store, Batch& batch);
 
-  Store& store_;
   size_t size_;
   Batch filling_;
   std::string received_utc_;
@@ -70,11 +73,14 @@ class BatchWriter : public velqua_records::RowSink {
 
   std::mutex mutex_;
   std::condition_variable changed_;
-  Batch pending_;  // the writer's, while busy_
-  bool busy_ = false;
+  std::deque<Batch> queue_;  // handed, not yet taken by a writer
+  std::vector<Batch> pool_;  // written, to be filled again
+  int in_flight_ = 0;
+  int64_t handed_ = 0;     // sequence number of the last batch handed
+  int64_t committed_ = 0;  // and of the last one committed
   bool stop_ = false;
-  std::exception_ptr error_;
-  std::thread thread_;
+  std::exception_ptr error_;  // the first failure; no later batch commits
+  std::vector<std::thread> threads_;
 };
 
 }  // namespace velqua_store

@@ -75,7 +75,8 @@ velqua_records::FechaHora UtcToLocal(const std::string& utc) {
                                    local.tm_hour,        local.tm_min,     local.tm_sec};
 }
 
-Importer::Importer(Store& store, const ImportSettings& settings)
+Importer::Importer(Store& store, const ImportSettings& settings,
+                   const std::vector<Store*>& more_writers)
     : store_(store), settings_(settings) {
   if (!settings_.extensions.empty()) {
     velqua_records::RequireReadableFile(settings_.extensions, "extension list");
@@ -83,7 +84,9 @@ Importer::Importer(Store& store, const ImportSettings& settings)
   cfg_ = velqua_records::LoadConfig(settings_.config);
   store_.PutSwitch({settings_.switch_name, std::filesystem::absolute(settings_.config).string(),
                     ConfigHash(settings_.config), settings_.time_zone});
-  batcher_ = std::make_unique<BatchWriter>(store_, settings_.batch);
+  std::vector<Store*> writers = {&store_};
+  writers.insert(writers.end(), more_writers.begin(), more_writers.end());
+  batcher_ = std::make_unique<BatchWriter>(writers, settings_.batch);
 }
 
 Importer::~Importer() = default;

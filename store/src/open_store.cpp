@@ -26,8 +26,12 @@ std::string WithoutPassword(const std::string& url) {
 
 }  // namespace
 
+bool IsPostgresUrl(const std::string& url) {
+  return StartsWith(url, "postgresql://") || StartsWith(url, "postgres://");
+}
+
 std::unique_ptr<Store> OpenStore(const std::string& url, bool create) {
-  if (StartsWith(url, "postgresql://") || StartsWith(url, "postgres://")) {
+  if (IsPostgresUrl(url)) {
     const std::string name = WithoutPassword(url);
     return std::make_unique<SqlStore>(ConnectPostgres(url, name), name);
   }

@@ -74,10 +74,11 @@ void SqlStore::SetFingerprint(const Source& source, const std::string& fingerpri
 }
 
 WriteResult SqlStore::Write(const Source& source, const std::vector<Record>& records,
-                            std::optional<int64_t> checkpoint) {
+                            std::optional<int64_t> checkpoint,
+                            const std::function<void()>& before_commit) {
   for (int attempt = 1;; ++attempt) {
     try {
-      return Transaction([&] { return WriteOnce(source, records, checkpoint); });
+      return Transaction([&] { return WriteOnce(source, records, checkpoint, before_commit); });
     } catch (const UniqueViolation&) {
       if (attempt == kWriteTries) throw;  // the other writer's copies are seen on the next try
     }
@@ -158,7 +159,8 @@ std::vector<bool> SqlStore::Skipped(const Source& source, const std::vector<Reco
 }
 
 WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>& records,
-                                std::optional<int64_t> checkpoint) {
+                                std::optional<int64_t> checkpoint,
+                                const std::function<void()>& before_commit) {
   const std::vector<bool> skip = Skipped(source, records);
   const Zone& zone = ZoneOf(source.switch_id);
   WriteResult result;
@@ -175,6 +177,7 @@ WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>&
   }
   db_->InsertCalls(calls_.data(), n_calls);
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
+  if (before_commit) before_commit();
   if (checkpoint) {
     db_->Run("UPDATE sources SET checkpoint = $2 WHERE id = $1", {source.id, *checkpoint});
   }

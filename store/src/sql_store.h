@@ -26,7 +26,8 @@ class SqlStore : public Store {
                     const std::string& kind) override;
   void SetFingerprint(const Source& source, const std::string& fingerprint) override;
   WriteResult Write(const Source& source, const std::vector<Record>& records,
-                    std::optional<int64_t> checkpoint) override;
+                    std::optional<int64_t> checkpoint,
+                    const std::function<void()>& before_commit) override;
   std::optional<int64_t> Checkpoint(const Source& source) override;
   std::vector<RawRecord> RecentRecords(const Source& source, int64_t limit,
                                        const std::string& since_utc) override;
@@ -60,7 +61,8 @@ class SqlStore : public Store {
   }
 
   WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,
-                        std::optional<int64_t> checkpoint);
+                        std::optional<int64_t> checkpoint,
+                        const std::function<void()>& before_commit);
   // Which records of a batch to skip: those whose position the source has
   // already, and the repeats of a position within the batch.
   std::vector<bool> Skipped(const Source& source, const std::vector<Record>& records);

@@ -54,8 +54,12 @@ struct ImportResult {
 class Importer {
  public:
   // Loads the configuration and puts the switch in the store with it (and
-  // the time zone). Throws velqua_records::Failure, velqua::Error or StoreError.
-  Importer(Store& store, const ImportSettings& settings);
+  // the time zone). `more_writers` are further stores open on the same
+  // PostgreSQL database: batches are then written on all at once (the
+  // server works on each on a core of its own) and committed in order.
+  // Throws velqua_records::Failure, velqua::Error or StoreError.
+  Importer(Store& store, const ImportSettings& settings,
+           const std::vector<Store*>& more_writers = {});
   ~Importer();
   Importer(const Importer&) = delete;
   Importer& operator=(const Importer&) = delete;

@@ -178,9 +178,14 @@ class Store {
   // a record whose position the source already has (in calls or
   // unrecognised, or earlier in the batch) is skipped. Start times are given
   // in UTC too when the switch has a time zone. Throws ConnectionLost or
-  // StoreError; then nothing of the batch is written.
+  // StoreError; then nothing of the batch is written. `before_commit`, when
+  // set, is called once the records are written, before the checkpoint is
+  // set and the transaction committed; what it throws rolls the batch back.
+  // A writer that writes one source's batches on several connections at
+  // once makes them commit in order with it.
   virtual WriteResult Write(const Source& source, const std::vector<Record>& records,
-                            std::optional<int64_t> checkpoint) = 0;
+                            std::optional<int64_t> checkpoint,
+                            const std::function<void()>& before_commit = nullptr) = 0;
 
   // The source's checkpoint as last committed.
   virtual std::optional<int64_t> Checkpoint(const Source& source) = 0;
@@ -240,6 +245,9 @@ class Store {
 // schema up to date; a schema newer than this program is refused. Throws
 // StoreError (ConnectionLost when the server cannot be reached).
 std::unique_ptr<Store> OpenStore(const std::string& url, bool create = true);
+
+// Whether `url` names a PostgreSQL database (else a SQLite file).
+bool IsPostgresUrl(const std::string& url);
 
 // The content hash of a configuration file, as kept in `switches`: 16
 // hexadecimal digits (64-bit FNV-1a). Throws velqua_records::Failure when
