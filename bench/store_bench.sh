@@ -132,8 +132,8 @@ bench_query() {
   file=$(records_file "$n")
   store="$cache/store-$n.db"
   if [ ! -s "$store" ]; then
-    echo "making the store of $n calls (once)..."
-    import "$store" "$file" >/dev/null
+    read -r wall cpu rss < <(import "$store" "$file")
+    echo "made the store once: velqua import of $n records: $wall s wall, $cpu s cpu, peak RSS $rss MB"
   fi
   machine
   echo "store: $(sqlite3 "$store" 'SELECT count(*) FROM calls') calls, $(stat -c %s "$store") bytes"
@@ -143,14 +143,19 @@ bench_query() {
     read -r wall cpu rss < <(timed "$velqua" "${query[@]}" -o /dev/null)
     echo "run $run: velqua ${query[*]}: $(awk -v w="$wall" 'BEGIN { printf "%.0f", w * 1000 }') ms"
   done
-  echo "the query alone (sqlite3 .timer):"
-  sqlite3 "$store" ".timer on" "SELECT count(*), sum(duration) FROM calls WHERE extension = '201' AND start >= '2025-03-01' AND start < '2025-04-01'"
+  echo "the query alone (sqlite3 .timer), and its plan:"
+  sqlite3 "$store" <<EOF
+.timer on
+SELECT count(*), sum(duration) FROM calls WHERE extension = '201' AND start >= '2025-03-01' AND start < '2025-04-01';
+.timer off
+EXPLAIN QUERY PLAN SELECT * FROM calls WHERE extension = '201' AND start >= '2025-03-01' AND start < '2025-04-01';
+EOF
 }
 
 bench_memory() {
   machine
   for mb in 10 100 1000; do
-    local n=$((mb * 1000000 / 81)) file
+    local n=$((mb * 1000000 / 81)) file  # the records are 81 bytes
     file=$(records_file "$n")
     rm -f "$work"/calls.db*
     read -r wall cpu rss < <(import "$work/calls.db" "$file")
