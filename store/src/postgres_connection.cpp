@@ -1,36 +1,37 @@
 // The PostgreSQL engine through libpq: statements with text parameters, bulk
 // writes with COPY, and a lost connection reported as ConnectionLost and
 // made again by the next transaction.
-#include <libpq-fe.h>
-
 #include <cstring>
 #include <memory>
 #include <string>
 
 #include "engines.h"
+#include "libpq.h"
 #include "sql.h"
 
 namespace velqua_store {
 namespace {
 
 struct ResultFree {
-  void operator()(PGresult* r) const { PQclear(r); }
+  decltype(&PQclear) clear;
+  void operator()(PGresult* r) const { clear(r); }
 };
 using Result = std::unique_ptr<PGresult, ResultFree>;
 
 class PgRow : public ResultRow {
  public:
-  PgRow(const PGresult* result, int row) : result_(result), row_(row) {}
-  bool IsNull(int column) const override { return PQgetisnull(result_, row_, column) != 0; }
+  PgRow(const LibPq& pq, const PGresult* result, int row) : pq_(pq), result_(result), row_(row) {}
+  bool IsNull(int column) const override { return pq_.PQgetisnull(result_, row_, column) != 0; }
   int64_t Int(int column) const override {
-    return std::strtoll(PQgetvalue(result_, row_, column), nullptr, 10);
+    return std::strtoll(pq_.PQgetvalue(result_, row_, column), nullptr, 10);
   }
   std::string Text(int column) const override {
-    return std::string(PQgetvalue(result_, row_, column),
-                       static_cast<size_t>(PQgetlength(result_, row_, column)));
+    return std::string(pq_.PQgetvalue(result_, row_, column),
+                       static_cast<size_t>(pq_.PQgetlength(result_, row_, column)));
   }
 
  private:
+  const LibPq& pq_;
   const PGresult* result_;
   int row_;
 };
@@ -84,10 +85,11 @@ void AppendCommon(std::string& out, const CallValues& v) {
 
 class PgConnection : public Connection {
  public:
-  PgConnection(const std::string& url, const std::string& name) : url_(url), name_(name) {
+  PgConnection(const std::string& url, const std::string& name)
+      : pq_(Pq(name)), url_(url), name_(name) {
     Connect();
   }
-  ~PgConnection() override { PQfinish(conn_); }
+  ~PgConnection() override { pq_.PQfinish(conn_); }
 
   int64_t Run(std::string_view sql, const std::vector<Value>& params, const RowFn& row) override {
     EnsureConnected();
@@ -98,37 +100,38 @@ class PgConnection : public Connection {
       texts[i] = params[i].kind == Value::kInt ? std::to_string(params[i].number) : params[i].text;
       values[i] = texts[i].c_str();
     }
-    Result result(PQexecParams(conn_, std::string(sql).c_str(), static_cast<int>(params.size()),
-                               nullptr, values.data(), nullptr, nullptr, 0));
+    Result result(pq_.PQexecParams(conn_, std::string(sql).c_str(), static_cast<int>(params.size()),
+                                   nullptr, values.data(), nullptr, nullptr, 0),
+                  ResultFree{pq_.PQclear});
     Check(result.get());
-    if (row && PQresultStatus(result.get()) == PGRES_TUPLES_OK) {
-      for (int r = 0; r < PQntuples(result.get()); ++r) row(PgRow(result.get(), r));
+    if (row && pq_.PQresultStatus(result.get()) == PGRES_TUPLES_OK) {
+      for (int r = 0; r < pq_.PQntuples(result.get()); ++r) row(PgRow(pq_, result.get(), r));
     }
-    const char* changed = PQcmdTuples(result.get());
+    const char* changed = pq_.PQcmdTuples(result.get());
     return *changed == '\0' ? 0 : std::strtoll(changed, nullptr, 10);
   }
 
   void Script(const std::string& sql) override {
     EnsureConnected();
-    Result result(PQexec(conn_, sql.c_str()));
+    Result result(pq_.PQexec(conn_, sql.c_str()), ResultFree{pq_.PQclear});
     Check(result.get());
   }
 
   void Begin() override {
     EnsureConnected();
-    Result result(PQexec(conn_, "BEGIN"));
+    Result result(pq_.PQexec(conn_, "BEGIN"), ResultFree{pq_.PQclear});
     Check(result.get());
     in_transaction_ = true;
   }
   void Commit() override {
     in_transaction_ = false;
-    Result result(PQexec(conn_, "COMMIT"));
+    Result result(pq_.PQexec(conn_, "COMMIT"), ResultFree{pq_.PQclear});
     Check(result.get());
   }
   void Rollback() noexcept override {
     in_transaction_ = false;
-    if (PQstatus(conn_) == CONNECTION_OK && PQtransactionStatus(conn_) != PQTRANS_IDLE) {
-      PQclear(PQexec(conn_, "ROLLBACK"));
+    if (pq_.PQstatus(conn_) == CONNECTION_OK && pq_.PQtransactionStatus(conn_) != PQTRANS_IDLE) {
+      pq_.PQclear(pq_.PQexec(conn_, "ROLLBACK"));
     }
   }
 
@@ -175,43 +178,43 @@ class PgConnection : public Connection {
 
  private:
   void Connect() {
-    PQfinish(conn_);
-    conn_ = PQconnectdb(url_.c_str());
-    if (PQstatus(conn_) != CONNECTION_OK) {
+    pq_.PQfinish(conn_);
+    conn_ = pq_.PQconnectdb(url_.c_str());
+    if (pq_.PQstatus(conn_) != CONNECTION_OK) {
       const std::string why = FirstLine(conn_);
-      PQfinish(conn_);
+      pq_.PQfinish(conn_);
       conn_ = nullptr;
       throw ConnectionLost("database '" + name_ + "': cannot connect: " + why);
     }
-    PQsetNoticeProcessor(
+    pq_.PQsetNoticeProcessor(
         conn_, [](void*, const char*) {}, nullptr);  // "already exists, skipping" and the like
-    Result result(PQexec(conn_, "SET client_encoding = 'UTF8'"));
+    Result result(pq_.PQexec(conn_, "SET client_encoding = 'UTF8'"), ResultFree{pq_.PQclear});
     Check(result.get());
   }
 
   // A connection lost between transactions is made again; one lost inside a
   // transaction has lost the transaction, which the caller rolls back.
   void EnsureConnected() {
-    if (PQstatus(conn_) == CONNECTION_OK) return;
+    if (pq_.PQstatus(conn_) == CONNECTION_OK) return;
     if (in_transaction_) throw ConnectionLost("database '" + name_ + "': connection lost");
     Connect();
   }
 
-  static std::string FirstLine(PGconn* conn) {
-    std::string message = PQerrorMessage(conn);
+  std::string FirstLine(PGconn* conn) const {
+    std::string message = pq_.PQerrorMessage(conn);
     const size_t end = message.find('\n');
     if (end != std::string::npos) message.resize(end);
     return message.empty() ? "unknown error" : message;
   }
 
   void Check(const PGresult* result) {
-    const ExecStatusType status = PQresultStatus(result);
+    const ExecStatusType status = pq_.PQresultStatus(result);
     if (status == PGRES_COMMAND_OK || status == PGRES_TUPLES_OK || status == PGRES_COPY_IN) {
       return;
     }
     const std::string message = "database '" + name_ + "': " + FirstLine(conn_);
-    if (PQstatus(conn_) != CONNECTION_OK) throw ConnectionLost(message);
-    const char* state = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+    if (pq_.PQstatus(conn_) != CONNECTION_OK) throw ConnectionLost(message);
+    const char* state = pq_.PQresultErrorField(result, PG_DIAG_SQLSTATE);
     if (state != nullptr && std::strcmp(state, "23505") == 0) throw UniqueViolation(message);
     throw StoreError(message);
   }
@@ -219,7 +222,7 @@ class PgConnection : public Connection {
   // Sends rows through COPY ... FROM STDIN in blocks of about 256 KiB.
   template <typename Format>
   void Copy(const char* sql, const CallValues* rows, size_t n, Format format) {
-    Result start(PQexec(conn_, sql));
+    Result start(pq_.PQexec(conn_, sql), ResultFree{pq_.PQclear});
     Check(start.get());
     std::string block;
     block.reserve(kBlock + 4096);
@@ -227,21 +230,22 @@ class PgConnection : public Connection {
     for (size_t i = 0; i < n; ++i) {
       format(block, rows[i]);
       if (block.size() >= kBlock) {
-        sent = PQputCopyData(conn_, block.data(), static_cast<int>(block.size())) == 1;
+        sent = pq_.PQputCopyData(conn_, block.data(), static_cast<int>(block.size())) == 1;
         block.clear();
         if (!sent) break;
       }
     }
     if (sent && !block.empty()) {
-      sent = PQputCopyData(conn_, block.data(), static_cast<int>(block.size())) == 1;
+      sent = pq_.PQputCopyData(conn_, block.data(), static_cast<int>(block.size())) == 1;
     }
-    PQputCopyEnd(conn_, sent ? nullptr : "the client could not send the rows");
-    Result end(PQgetResult(conn_));
-    while (PGresult* more = PQgetResult(conn_)) PQclear(more);
+    pq_.PQputCopyEnd(conn_, sent ? nullptr : "the client could not send the rows");
+    Result end(pq_.PQgetResult(conn_), ResultFree{pq_.PQclear});
+    while (PGresult* more = pq_.PQgetResult(conn_)) pq_.PQclear(more);
     Check(end.get());
   }
 
   static constexpr size_t kBlock = 256 * 1024;
+  const LibPq& pq_;
   std::string url_;
   std::string name_;
   PGconn* conn_ = nullptr;
