@@ -10,12 +10,13 @@
 
 namespace velqua_store {
 
-#define VELQUA_LIBPQ_FUNCTIONS(X)                                                              \
-  X(PQclear)                                                                                   \
-  X(PQcmdTuples) X(PQconnectdb) X(PQerrorMessage) X(PQexec) X(PQexecParams) X(PQfinish)        \
-      X(PQgetResult) X(PQgetisnull) X(PQgetlength) X(PQgetvalue) X(PQntuples) X(PQputCopyData) \
-          X(PQputCopyEnd) X(PQresultErrorField) X(PQresultStatus) X(PQsetNoticeProcessor)      \
-              X(PQstatus) X(PQtransactionStatus)
+// clang-format off
+#define VELQUA_LIBPQ_FUNCTIONS(X)                                                          \
+  X(PQclear) X(PQcmdTuples) X(PQconnectdb) X(PQerrorMessage) X(PQexec) X(PQexecParams)     \
+  X(PQfinish) X(PQgetResult) X(PQgetisnull) X(PQgetlength) X(PQgetvalue) X(PQntuples)      \
+  X(PQputCopyData) X(PQputCopyEnd) X(PQresultErrorField) X(PQresultStatus)                 \
+  X(PQsetNoticeProcessor) X(PQstatus) X(PQtransactionStatus)
+// clang-format on
 
 // The functions the store calls, by their libpq names.
 struct LibPq {
