@@ -140,8 +140,10 @@ bench_query() {
   local query=(calls --db "$store" --extension 201 --from 2025-03-01 --to 2025-03-31 --format csv)
   echo "calls of extension 201 in March 2025: $("$velqua" "${query[@]}" | tail -n +2 | wc -l)"
   for run in $(seq 1 "$runs"); do
-    read -r wall cpu rss < <(timed "$velqua" "${query[@]}" -o /dev/null)
-    echo "run $run: velqua ${query[*]}: $(awk -v w="$wall" 'BEGIN { printf "%.0f", w * 1000 }') ms"
+    local start=$EPOCHREALTIME
+    "$velqua" "${query[@]}" -o /dev/null
+    local end=$EPOCHREALTIME
+    echo "run $run: velqua ${query[*]}: $(awk -v a="$start" -v b="$end" 'BEGIN { printf "%.1f", (b - a) * 1000 }') ms"
   done
   echo "the query alone (sqlite3 .timer), and its plan:"
   sqlite3 "$store" <<EOF
