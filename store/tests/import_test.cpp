@@ -136,8 +136,10 @@ TEST_P(ImportTest, RetranslationRewritesOnlyWhatChanges) {
 INSTANTIATE_TEST_SUITE_P(Engines, ImportTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
                          velqua_store_testing::EngineName);
 
-// Every output form of every example's calls, with UTC times, from one store.
-std::string ExportAll(const std::string& url) {
+// Every output form of every example's calls, with UTC times, from one
+// store; the hicom example imported with a configuration that misses its
+// incoming calls, then translated again with the right one.
+std::string ExportAll(const std::string& url, const std::string& dir) {
   std::unique_ptr<Store> store = OpenStore(url);
   struct Example {
     const char* name;
@@ -146,14 +148,19 @@ std::string ExportAll(const std::string& url) {
   };
   for (const Example& e :
        {Example{"kx-tda", "kx-tda.json", "extensions.txt"}, Example{"norstar", "norstar.cfg", ""},
-        Example{"hicom", "hicom.ini", ""}, Example{"definity", "definity.json", ""}}) {
-    const std::string dir = kExamples + e.name + "/";
-    ImportSettings s = Settings(e.name, dir + e.config);
+        Example{"hicom", "", ""}, Example{"definity", "definity.json", ""}}) {
+    const std::string examples = kExamples + e.name + "/";
+    const std::string no_incoming = "\"emDatoCteIdentEntrante\": {\"pos\": 79, \"text\": \"1\"},";
+    ImportSettings s =
+        Settings(e.name, *e.config != '\0' ? examples + e.config
+                                           : EditedHicom(dir, "no-incoming", no_incoming, ""));
     s.time_zone = "America/New_York";
     s.source = std::string(e.name) + "/records.txt";  // the same on every machine
-    if (*e.extensions != '\0') s.extensions = dir + e.extensions;
-    Importer(*store, s).Import({dir + "records.txt"});
+    if (*e.extensions != '\0') s.extensions = examples + e.extensions;
+    Importer(*store, s).Import({examples + "records.txt"});
   }
+  const RewriteResult r = Retranslate(*store, "hicom", kExamples + "hicom/hicom.ini", "");
+  EXPECT_EQ(r.recognised, 6);
   std::string all;
   for (const char* format : {"table", "csv", "jsonl", "cdr-csv"}) {
     char* text = nullptr;
@@ -171,9 +178,9 @@ std::string ExportAll(const std::string& url) {
 
 TEST(PostgresAndSqlite, ExportTheSameBytes) {
   const std::string dir = velqua_store_testing::TempDir("exports");
-  const std::string sqlite = ExportAll(dir + "/calls.db");
+  const std::string sqlite = ExportAll(dir + "/calls.db", dir);
   const std::string postgres =
-      ExportAll(velqua_store_testing::PgTestServer::Shared().NewDatabase());
+      ExportAll(velqua_store_testing::PgTestServer::Shared().NewDatabase(), dir);
   EXPECT_GT(sqlite.size(), 20000u);
   EXPECT_EQ(sqlite, postgres);
   std::filesystem::remove_all(dir);

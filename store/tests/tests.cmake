@@ -13,10 +13,12 @@ velqua_warnings(velqua_store_testing)
 
 add_executable(velqua_store_tests
   ${CMAKE_CURRENT_LIST_DIR}/import_test.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/store_test.cpp)
+  ${CMAKE_CURRENT_LIST_DIR}/store_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/values_test.cpp)
 target_link_libraries(velqua_store_tests PRIVATE velqua_store_testing SQLite::SQLite3
                       GTest::gtest_main)
 target_include_directories(velqua_store_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)
+target_link_libraries(velqua_store_tests PRIVATE date::date-tz)
 target_compile_definitions(velqua_store_tests PRIVATE VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 velqua_warnings(velqua_store_tests)
 add_test(NAME store.sqlite COMMAND velqua_store_tests --gtest_filter=-*Postgres*)
