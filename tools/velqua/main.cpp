@@ -8,9 +8,12 @@
 #include <vector>
 
 #include "cli_common.h"
+#include "cmd_calls.h"
 #include "cmd_config.h"
 #include "cmd_draw.h"
 #include "cmd_guess.h"
+#include "cmd_import.h"
+#include "cmd_retranslate.h"
 #include "cmd_switches.h"
 #include "cmd_translate.h"
 #include "velqua/error.h"
@@ -64,6 +67,12 @@ int Run(int argc, char** argv) {
   velqua_cli::AddGuessCommand(*app.get_subcommand("config"), guess);
   velqua_cli::DrawOptions draw;
   velqua_cli::AddDrawCommand(app, draw);
+  velqua_cli::ImportOptions import;
+  velqua_cli::AddImportCommand(app, import);
+  velqua_cli::CallsOptions calls;
+  velqua_cli::AddCallsCommand(app, calls);
+  velqua_cli::RetranslateOptions retranslate;
+  velqua_cli::AddRetranslateCommand(app, retranslate);
   velqua_cli::AddSwitchesCommand(app);
 
   try {
@@ -88,6 +97,9 @@ int Run(int argc, char** argv) {
   velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
+  if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
+  if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
+  if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
     if (cmd->got_subcommand("guess")) return velqua_cli::RunConfigGuess(guess);

@@ -12,6 +12,19 @@ target_compile_definitions(test_cli_units PRIVATE
 velqua_warnings(test_cli_units)
 gtest_discover_tests(test_cli_units TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
 
+# An import killed midway and run again, on both engines (a real child process).
+if(TARGET velqua_store_testing)
+  find_package(SQLite3 REQUIRED)
+  add_executable(test_cli_import_kill ${CMAKE_CURRENT_LIST_DIR}/import_kill_test.cpp)
+  target_link_libraries(test_cli_import_kill PRIVATE velqua_store_testing SQLite::SQLite3
+                        GTest::gtest_main)
+  target_compile_definitions(test_cli_import_kill PRIVATE
+    VELQUA_PROGRAM="$<TARGET_FILE:velqua_cli>" VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  velqua_warnings(test_cli_import_kill)
+  add_dependencies(test_cli_import_kill velqua_cli)
+  add_test(NAME cli.import_killed_and_resumed COMMAND test_cli_import_kill)
+endif()
+
 # End-to-end: the built program on examples/ and tests/e2e/data/, against
 # tests/e2e/golden/. Every run fixes the clock (--now) because the library
 # falls back to the current date and time for what a switch does not print.
@@ -86,6 +99,30 @@ velqua_e2e(encoding_windows_1252 0 --now "2026-03-10 09:00:00" translate
            -c examples/hicom/hicom.json --format jsonl tests/e2e/data/hicom-latin1.txt)
 velqua_e2e(encoding_utf8 0 --now "2026-03-10 09:00:00" translate -c examples/hicom/hicom.json
            --format jsonl --encoding utf-8 tests/e2e/data/hicom-utf8.txt)
+
+# The call store (SQLite): import, import again, list, translate again. TZ is
+# fixed: times received are stored in UTC.
+set(STORE ${VELQUA_E2E_TMP}/e2e-store.db)
+set(HICOM_IMPORT import --db ${STORE} --switch hicom -c examples/hicom/hicom.json --year 2026
+                 --time-zone Europe/Berlin --source hicom.txt examples/hicom/records.txt)
+velqua_e2e(store_import 0 ${HICOM_IMPORT} PRODUCED ${STORE})
+velqua_e2e(store_import_again 0 ${HICOM_IMPORT})
+velqua_e2e(store_calls_csv 0 calls --db ${STORE} --format csv)
+velqua_e2e(store_calls_cdr_csv 0 calls --db ${STORE} --format cdr-csv --type incoming)
+velqua_e2e(store_calls_one_extension 0 calls --db ${STORE} --format table --extension 21
+           --from 2026-03-09 --to 2026-03-09)
+velqua_e2e(store_retranslate 0 retranslate --db ${STORE} --switch hicom -c examples/hicom/hicom.ini)
+velqua_e2e(error_store_missing 1 calls --db ${VELQUA_E2E_TMP}/none/calls.db)
+velqua_e2e(error_store_unreachable 1 calls --db postgresql://velqua@127.0.0.1:1/calls)
+velqua_e2e(error_store_bad_date 1 calls --db ${STORE} --from 2026-02-30)
+velqua_e2e(error_store_unknown_type 1 calls --db ${STORE} --type fax)
+velqua_e2e(error_store_unknown_switch 1 retranslate --db ${STORE} --switch nowhere
+           -c examples/hicom/hicom.json)
+set_tests_properties(cli.e2e.store_import PROPERTIES FIXTURES_SETUP e2e_store ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.store_import_again cli.e2e.store_calls_csv
+  cli.e2e.store_calls_cdr_csv cli.e2e.store_calls_one_extension cli.e2e.store_retranslate
+  cli.e2e.error_store_bad_date cli.e2e.error_store_unknown_type cli.e2e.error_store_unknown_switch
+  PROPERTIES FIXTURES_REQUIRED e2e_store ENVIRONMENT TZ=UTC)
 
 # config show / convert / check
 velqua_e2e(show_kx_tda 0 config show examples/kx-tda/kx-tda.cfg)

@@ -50,23 +50,28 @@ class Translation {
   std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
 
   // Called for each page-heading line skipped (input name, the line as
-  // decoded), so that a caller keeping raw input keeps headings too.
-  std::function<void(const std::string&, std::u16string_view)> on_heading;
+  // decoded, its byte offset), so that a caller keeping raw input keeps
+  // headings too.
+  std::function<void(const std::string&, std::u16string_view, int64_t)> on_heading;
 
   // The input the next records come from, and when they were received (the
-  // year of a record whose switch prints none).
-  void Input(const std::string& name, const FechaHora& received);
+  // year of a record whose switch prints none). `offset` is where the next
+  // stream stands in that input: rows carry their byte offsets from it.
+  void Input(const std::string& name, const FechaHora& received, int64_t offset = 0);
 
-  // Translates one record (a multi-line call already joined; a delimited
-  // record already shaped) and writes its row. A record the library fails on
-  // is kept as an unrecognised row carrying the error; the run goes on.
-  void Record(const std::u16string& record);
+  // Translates one record as received (a multi-line call already joined; a
+  // delimited record is shaped here) and writes its row, which carries
+  // `offset` and the record's text as received, so that a stored record can
+  // be translated again the same way. A record the library fails on is kept
+  // as an unrecognised row carrying the error; the run goes on.
+  void Record(const std::u16string& record, int64_t offset = -1);
 
-  // One line as read, decoded, without its line end: a page heading is
-  // skipped and counted, a delimited record shaped, the lines of a
-  // multi-line call gathered; each record completed is translated. True
-  // when a row was written.
-  bool Line(std::u16string_view line);
+  // One line as read, decoded, without its line end, and the byte offset of
+  // its first byte in the input (-1: unknown): a page heading is skipped and
+  // counted, a delimited record shaped, the lines of a multi-line call
+  // gathered; each record completed is translated with the offset where it
+  // starts. True when a row was written.
+  bool Line(std::u16string_view line, int64_t offset = -1);
 
   // Reads records from a stream to its end: a file in large blocks; a live
   // source (pipe, device, or `follow`ed file) with each row written and the
@@ -78,14 +83,19 @@ class Translation {
   // lines is translated.
   void Finish();
 
+  // The byte offset just past what the last Stream call read: where reading
+  // would resume for a record after the last one written.
+  int64_t end_offset() const { return end_offset_; }
+
   const Counts& counts() const { return counts_; }
 
  private:
   Row ReadRow(int64_t number);
   void Lines(LineReader& reader, bool live);
-  bool Piece(std::u16string_view piece);
-  bool Emit(std::u16string_view record);
+  bool Piece(std::u16string_view piece, int64_t offset);
+  bool Emit(std::u16string_view record, int64_t offset);
   bool FlushHeld();
+  bool FinishCall();
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
   velqua::clsTraductor traductor_;
@@ -94,14 +104,19 @@ class Translation {
   bool utf8_;
   RecordForm form_;
   bool plain_ = false;     // no record form and no multi-line calls: lines are records
-  std::u16string shaped_;  // the shaped line of a delimited record
+  std::u16string shaped_;  // the shaped text of a delimited record
   std::u16string record_;  // the record being translated
   std::u16string held_;    // a record waiting for its continuation lines
+  int64_t held_offset_ = -1;
   bool holding_ = false;
   std::string bytes_;  // a line with bit 7 cleared
   Counts counts_;
   std::string input_ = "standard input";
   FechaHora received_;
+  int64_t start_offset_ = 0;
+  int64_t end_offset_ = 0;
+  int64_t call_offset_ = -1;  // of the multi-line call still open, -1 when none
+  std::u16string call_;       // the multi-line call closed last
 };
 
 // When the records of a file were received: 31 December of `year` when it is
