@@ -86,7 +86,7 @@ struct ServiceSettings {
   std::string store;  // a store location (sqlite:FILE, FILE, postgresql://...)
   std::string spool;  // the spool folder, resolved path
   FsyncPolicy fsync = FsyncPolicy::kAlways;
-  Millis fsync_interval{1000};    // with fsync = "interval"
+  Millis fsync_interval{1000};     // with fsync = "interval"
   Millis silence{60 * 60 * 1000};  // default silence warning: 60 min
   std::vector<SwitchSettings> switches;
 };
