@@ -26,6 +26,29 @@ bool RecordEndOf(std::string_view word, RecordEnd* end) {
   return false;
 }
 
+size_t WholeRecordsSize(std::string_view bytes, RecordEnd end) {
+  size_t at = std::string_view::npos;
+  switch (end) {
+    case RecordEnd::kLine:
+      at = bytes.find_last_of("\r\n");
+      break;
+    case RecordEnd::kCr:
+      at = bytes.rfind('\r');
+      break;
+    case RecordEnd::kLf:
+    case RecordEnd::kCrLf:
+      at = bytes.rfind('\n');
+      break;
+    case RecordEnd::kNul:
+      at = bytes.rfind('\0');
+      break;
+    case RecordEnd::kStxEtx:
+      at = bytes.rfind(static_cast<char>(kEtx));
+      break;
+  }
+  return at == std::string_view::npos ? 0 : at + 1;
+}
+
 Framer::Framer(const FramingSettings& settings) : settings_(settings) {
   for (const std::string& pattern : settings_.page_headings) {
     try {

@@ -30,6 +30,12 @@ enum class RecordEnd {
 // "crlf", "nul", "stx-etx"); false for any other word.
 bool RecordEndOf(std::string_view word, RecordEnd* end);
 
+// The length of the leading part of `bytes` that holds only whole records:
+// up to and including the last byte that ends a record (0 when none does).
+// A reader that must not cut a record in two (a followed file) hands over
+// that much and keeps the rest for later.
+size_t WholeRecordsSize(std::string_view bytes, RecordEnd end);
+
 struct FramingSettings {
   RecordEnd end = RecordEnd::kLine;
   // Clears bit 7 of every byte before anything else, so that a CR sent with
