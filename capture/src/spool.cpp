@@ -231,7 +231,7 @@ int64_t SpoolWriter::Append(SpoolKind kind, std::string_view source, int64_t rec
   for (int i = 0; i < 4; ++i)
     buffer_[4 + static_cast<size_t>(i)] = static_cast<char>(crc >> (8 * i));
   if (!WriteFully(fd_, buffer_.data(), buffer_.size()) ||
-      (policy_ == FsyncPolicy::kAlways && ::fdatasync(fd_) != 0)) {
+      (policy_ == FsyncPolicy::kAlways && !deferred_sync_ && ::fdatasync(fd_) != 0)) {
     const std::string why = Errno();
     // Leave the segment ending with its last whole record, so that the
     // retried append follows it.

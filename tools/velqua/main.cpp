@@ -7,6 +7,9 @@
 #include <string>
 
 #include "cli_common.h"
+#ifdef VELQUA_CLI_HAS_CAPTURE
+#include "cmd_capture.h"
+#endif
 #include "cmd_config.h"
 #include "cmd_draw.h"
 #include "cmd_translate.h"
@@ -47,6 +50,10 @@ int Run(int argc, char** argv) {
   velqua_cli::AddConfigCommand(app, config);
   velqua_cli::DrawOptions draw;
   velqua_cli::AddDrawCommand(app, draw);
+#ifdef VELQUA_CLI_HAS_CAPTURE
+  velqua_cli::CaptureOptions capture;
+  velqua_cli::AddCaptureCommand(app, capture);
+#endif
 
   try {
     app.parse(argc, argv);
@@ -70,6 +77,12 @@ int Run(int argc, char** argv) {
   velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
+#ifdef VELQUA_CLI_HAS_CAPTURE
+  if (CLI::App* cmd = app.get_subcommand("capture"); cmd->parsed()) {
+    return cmd->got_subcommand("status") ? velqua_cli::RunCaptureStatus(capture)
+                                         : velqua_cli::RunCapture(capture);
+  }
+#endif
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
     if (cmd->got_subcommand("convert")) return velqua_cli::RunConfigConvert(config);

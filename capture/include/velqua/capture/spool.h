@@ -79,6 +79,9 @@ class SpoolWriter {
   // being written.
   void Release(int64_t position);
 
+  // With kAlways, leaves the sync of each append to the caller's Sync(), so
+  // that appends made together reach the disk in one sync. Default: off.
+  void set_deferred_sync(bool deferred) { deferred_sync_ = deferred; }
   // Segments grow to about this size. Default: 64 MiB.
   void set_segment_bytes(int64_t bytes) { segment_bytes_ = bytes; }
 
@@ -93,6 +96,7 @@ class SpoolWriter {
   int64_t first_ = 0;  // of the segment being written
   int64_t end_ = 0;
   int64_t segment_bytes_ = 64ll << 20;
+  bool deferred_sync_ = false;
   std::string buffer_;
 };
 

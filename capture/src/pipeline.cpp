@@ -1,0 +1,422 @@
+#include "pipeline.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+
+#include "velqua/error.h"
+#include "velqua/records/common.h"
+#include "velqua/records/config_io.h"
+#include "velqua/texto.h"
+
+namespace velqua_capture {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t kBatchRows = 2000;
+constexpr std::chrono::milliseconds kIdleWait{100};
+constexpr std::chrono::seconds kStoreRetry{1};
+
+// Thrown by Retry when the service stops while the store is unavailable:
+// what is not stored yet stays in the spool for the next start.
+struct Abandon {};
+
+// Keeps the row the translation wrote last.
+class Catcher : public velqua_records::RowSink {
+ public:
+  void Write(const velqua_records::Row& row) override { row_ = row; }
+  velqua_records::Row Take() { return std::move(row_); }
+
+ private:
+  velqua_records::Row row_;
+};
+
+velqua::plataforma::FechaHora LocalTime(int64_t micros) {
+  const std::time_t seconds = static_cast<std::time_t>(micros / 1000000);
+  std::tm t{};
+  localtime_r(&seconds, &t);
+  return velqua::plataforma::FechaHora{t.tm_year + 1900, t.tm_mon + 1, t.tm_mday,
+                                       t.tm_hour,        t.tm_min,     t.tm_sec};
+}
+
+// "YYYY-MM-DDTHH:MM:SSZ" to microseconds since 1970; 0 when unreadable.
+int64_t ParseUtc(const std::string& text) {
+  std::tm t{};
+  if (std::sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d", &t.tm_year, &t.tm_mon, &t.tm_mday, &t.tm_hour,
+                  &t.tm_min, &t.tm_sec) != 6) {
+    return 0;
+  }
+  t.tm_year -= 1900;
+  t.tm_mon -= 1;
+  return static_cast<int64_t>(timegm(&t)) * 1000000;
+}
+
+}  // namespace
+
+struct Pipeline::SwitchState {
+  SwitchSettings settings;
+  Catcher catcher;
+  std::unique_ptr<velqua_records::Translation> translation;
+  bool gather = false;  // multi-line calls
+  std::u16string separator;
+};
+
+struct Pipeline::StreamState {
+  std::string name;
+  SwitchState* sw = nullptr;
+  velqua_store::Source source;
+  int64_t checkpoint = -1;  // entries before it were stored by an earlier run
+  std::unique_ptr<velqua_records::Framer> framer;
+  std::unique_ptr<velqua_records::CallGatherer> gatherer;
+  bool call_open = false;
+  int64_t call_position = -1;
+  ResendFilter resend;
+  int64_t connect_position = -1;  // while the connection is in its re-sent part
+  int64_t dropped = 0;            // re-sent records dropped in this connection
+  int64_t last_received_us = 0;
+  std::vector<velqua_store::Record> rows;  // translated, not yet stored
+};
+
+Pipeline::Pipeline(const ServiceSettings& settings, StatusBoard& board, Logger& log,
+                   std::function<void(int64_t)> release)
+    : settings_(settings), board_(board), log_(log), release_(std::move(release)) {}
+
+Pipeline::~Pipeline() {
+  if (thread_.joinable()) Stop(Clock::now());
+}
+
+void Pipeline::Start() {
+  velqua_records::ProgramClock::Instance();  // the library reads the program's clock
+  std::ifstream in(settings_.spool + "/replay-from");
+  if (!(in >> replay_from_)) replay_from_ = 0;
+  Apply(settings_);
+  thread_ = std::thread([this] { Run(); });
+}
+
+void Pipeline::Published(int64_t end) {
+  published_.store(end);
+  wake_.notify_one();
+}
+
+void Pipeline::Reload(const ServiceSettings& settings) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  reload_ = settings;
+}
+
+void Pipeline::Stop(Clock::time_point deadline) {
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    stop_ = true;
+    deadline_ = deadline;
+  }
+  wake_.notify_one();
+  if (thread_.joinable()) thread_.join();
+}
+
+bool Pipeline::Stopping() const { return stop_ && Clock::now() >= deadline_; }
+
+// Builds the translation of each switch (the configurations were checked
+// when the settings were loaded; one that became unreadable since is logged
+// and its records wait in the spool).
+void Pipeline::Apply(const ServiceSettings& settings) {
+  settings_ = settings;
+  for (const SwitchSettings& sw : settings.switches) {
+    auto state = std::make_unique<SwitchState>();
+    state->settings = sw;
+    try {
+      auto cfg = velqua_records::LoadConfig(sw.config);
+      state->gather = cfg->Caso() == velqua::emCasoNortelNorstar0x32SMDR6;
+      state->separator = cfg->Separador();
+      state->translation = std::make_unique<velqua_records::Translation>(
+          cfg, state->catcher, velqua_records::Translation::Settings{"", sw.extensions, sw.utf8});
+    } catch (const std::exception& e) {
+      log_.Error("switch " + sw.name + ": " + e.what());
+      continue;
+    }
+    switches_[sw.name] = std::move(state);
+  }
+  for (auto& [name, stream] : streams_) {
+    const auto it = stream->sw ? switches_.find(stream->sw->settings.name) : switches_.end();
+    stream->sw = it == switches_.end() ? nullptr : it->second.get();
+  }
+}
+
+void Pipeline::Run() {
+  reader_ = std::make_unique<SpoolReader>(settings_.spool, replay_from_,
+                                          [this](const std::string& line) { log_.Warn(line); });
+  try {
+    Retry([] {});  // the store opens
+    Loop();
+    Retry([this] { Commit(); });
+  } catch (const Abandon&) {
+    log_.Warn(
+        "stopping with records not yet stored: they are stored from the spool on the next start");
+  }
+}
+
+void Pipeline::Loop() {
+  SpoolEntry e;
+  for (;;) {
+    {
+      std::unique_lock<std::mutex> lock(mutex_);
+      if (reload_) {
+        ServiceSettings next = std::move(*reload_);
+        reload_.reset();
+        lock.unlock();
+        Retry([this] { Commit(); });
+        Apply(next);
+      }
+    }
+    bool caught_up = false;
+    while (pending_rows_ < kBatchRows) {
+      if (!reader_->Next(published_.load(), &e)) {
+        caught_up = true;
+        break;
+      }
+      if (pending_rows_ == 0) first_pending_ = Clock::now();
+      Process(e);
+    }
+    if (pending_rows_ > 0) Retry([this] { Commit(); });
+    if (caught_up) {
+      std::unique_lock<std::mutex> lock(mutex_);
+      if (stop_) return;
+      const int64_t seen = published_.load();
+      wake_.wait_for(lock, kIdleWait, [&] { return stop_ || published_.load() != seen; });
+    }
+    if (Stopping()) return;
+  }
+}
+
+void Pipeline::Retry(const std::function<void()>& work) {
+  bool down = false;
+  std::string last;
+  for (;;) {
+    try {
+      if (!store_) store_ = velqua_store::OpenStore(settings_.store);
+      work();
+      if (down) log_.Info("store available again: catching up from the spool");
+      return;
+    } catch (const std::exception& e) {
+      if (!down || last != e.what()) {
+        log_.Warn(std::string("store unavailable: ") + e.what() +
+                  "; records wait in the spool, retrying");
+      }
+      down = true;
+      last = e.what();
+      if (dynamic_cast<const velqua_store::ConnectionLost*>(&e) == nullptr &&
+          dynamic_cast<const velqua_store::StoreError*>(&e) == nullptr) {
+        store_.reset();  // opened again on the next try
+      }
+    }
+    std::unique_lock<std::mutex> lock(mutex_);
+    wake_.wait_for(lock, kStoreRetry, [this] { return Stopping(); });
+    if (Stopping()) throw Abandon{};
+  }
+}
+
+Pipeline::StreamState* Pipeline::Stream(const std::string& name) {
+  if (auto it = streams_.find(name); it != streams_.end()) return it->second.get();
+  const std::string source(SourceOfStream(name));
+  SwitchState* sw = nullptr;
+  for (const auto& [switch_name, state] : switches_) {
+    for (const SourceSettings& s : state->settings.sources) {
+      if (s.name == source) sw = state.get();
+    }
+  }
+  if (sw == nullptr) {
+    if (unknown_.insert(name).second) {
+      log_.Warn("the spool holds records of \"" + name +
+                "\", a source no longer configured: they are left in the spool");
+    }
+    return nullptr;
+  }
+  auto s = std::make_unique<StreamState>();
+  s->name = name;
+  s->sw = sw;
+  Retry([&] {
+    store_->PutSwitch({sw->settings.name, sw->settings.config,
+                       velqua_store::ConfigHash(sw->settings.config), sw->settings.time_zone});
+    s->source = store_->OpenSource(sw->settings.name, name, "capture");
+  });
+  s->checkpoint = s->source.checkpoint.value_or(-1);
+  NewConnection(*s);
+  board_.Update(name, [&](StreamStatus& st) {
+    st.source = source;
+    st.switch_name = sw->settings.name;
+  });
+  return (streams_[name] = std::move(s)).get();
+}
+
+void Pipeline::Process(const SpoolEntry& e) {
+  const int64_t end = e.data_position + static_cast<int64_t>(e.bytes.size());
+  processed_end_ = std::max(processed_end_, end);
+  if (e.kind == SpoolKind::kStart) {
+    for (auto& [name, s] : streams_) EndConnection(*s);
+    return;
+  }
+  StreamState* s = Stream(e.source);
+  if (s == nullptr || s->sw == nullptr || end <= s->checkpoint) return;
+  switch (e.kind) {
+    case SpoolKind::kConnect:
+      EndConnection(*s);
+      Connect(*s, e);
+      break;
+    case SpoolKind::kData: {
+      const int64_t skip = std::max<int64_t>(0, s->checkpoint - e.data_position);
+      s->last_received_us = e.received_us;
+      Feed(*s, std::string_view(e.bytes).substr(static_cast<size_t>(skip)), e.data_position + skip);
+      break;
+    }
+    case SpoolKind::kFlush:
+    case SpoolKind::kDisconnect: {
+      const bool disconnect = e.kind == SpoolKind::kDisconnect;
+      if (disconnect) {
+        EndConnection(*s);
+      } else {
+        s->framer->Flush([&](const velqua_records::Framer::Record& r) { Framed(*s, r); });
+        std::u16string call;
+        if (s->gatherer && s->gatherer->Finish(&call)) Call(*s, call, s->call_position);
+        s->call_open = false;
+      }
+      break;
+    }
+    case SpoolKind::kStart:
+      break;
+  }
+}
+
+void Pipeline::Feed(StreamState& s, std::string_view bytes, int64_t position) {
+  s.framer->Feed(bytes, position, [&](const velqua_records::Framer::Record& r) { Framed(s, r); });
+}
+
+// The end of a connection: what it left open is complete, its re-sent part over.
+void Pipeline::EndConnection(StreamState& s) {
+  if (s.sw == nullptr) return;
+  s.framer->Flush([&](const velqua_records::Framer::Record& r) { Framed(s, r); });
+  std::u16string call;
+  if (s.gatherer && s.gatherer->Finish(&call)) Call(s, call, s.call_position);
+  s.call_open = false;
+  if (s.dropped > 0) {
+    log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
+  }
+  s.dropped = 0;
+  s.resend.End();
+  s.connect_position = -1;
+  NewConnection(s);
+}
+
+// A connection's bytes start a new stream: nothing carries over from the last.
+void Pipeline::NewConnection(StreamState& s) {
+  s.framer = std::make_unique<velqua_records::Framer>(s.sw->settings.framing);
+  s.gatherer.reset();
+  if (s.sw->gather) s.gatherer = std::make_unique<velqua_records::CallGatherer>(s.sw->separator);
+  s.call_open = false;
+}
+
+// A new connection: what was stored before it decides what it re-sends.
+void Pipeline::Connect(StreamState& s, const SpoolEntry& e) {
+  Retry([this] { Commit(); });
+  const SwitchSettings& sw = s.sw->settings;
+  std::vector<ResendFilter::Stored> stored;
+  const int64_t age_us = sw.resend_age.count() * 1000;
+  if (sw.resend_records > 0) {
+    Retry([&] {
+      stored.clear();
+      for (const velqua_store::RawRecord& r :
+           store_->RecentRecords(s.source, sw.resend_records, IsoTime(e.received_us - age_us))) {
+        stored.push_back({r.raw, ParseUtc(r.received_utc)});
+      }
+    });
+  }
+  s.resend.Connect(std::move(stored), e.received_us, sw.resend_records, age_us + 1000000);
+  s.connect_position = s.resend.active() ? e.position : -1;
+}
+
+void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
+  if (r.heading) {
+    board_.Update(s.name, [](StreamStatus& st) { ++st.headings; });
+    return;
+  }
+  std::u16string line =
+      s.sw->settings.utf8 ? velqua::DesdeUtf8(r.bytes) : velqua::DesdeAnsi(r.bytes);
+  if (!s.gatherer) return Call(s, line, r.position);
+  std::u16string call;
+  const bool was_open = s.call_open;
+  const int64_t closed_position = s.call_position;
+  const bool closed = s.gatherer->Add(line, &call);
+  s.call_open = true;
+  if (closed || !was_open) s.call_position = r.position;
+  if (closed) Call(s, call, closed_position);
+}
+
+void Pipeline::Call(StreamState& s, const std::u16string& text, int64_t position) {
+  std::string raw = velqua_records::U8(text);
+  if (s.resend.active()) {
+    if (s.resend.Drop(raw)) {
+      ++s.dropped;
+      board_.Update(s.name, [](StreamStatus& st) { ++st.resent_dropped; });
+      return;
+    }
+    s.connect_position = -1;
+  }
+  if (!s.resend.active() && s.dropped > 0) {
+    log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
+    s.dropped = 0;
+  }
+  velqua_records::Translation& t = *s.sw->translation;
+  t.Input(s.name, LocalTime(s.last_received_us));
+  t.Record(text);
+  velqua_store::Record record;
+  record.position = position;
+  record.raw = std::move(raw);
+  record.received_utc = IsoTime(s.last_received_us);
+  record.row = s.sw->catcher.Take();
+  s.rows.push_back(std::move(record));
+  ++pending_rows_;
+}
+
+// Where replay must start for the stream: the first byte of what it holds
+// open (a record, a multi-line call, a connection still in its re-sent
+// part), or -1 when it holds nothing.
+int64_t Pipeline::Hold(const StreamState& s) const {
+  int64_t hold = INT64_MAX;
+  if (s.framer && s.framer->OpenPosition() >= 0) hold = s.framer->OpenPosition();
+  if (s.call_open) hold = std::min(hold, s.call_position);
+  if (s.resend.active() && s.connect_position >= 0) hold = std::min(hold, s.connect_position);
+  return hold == INT64_MAX ? -1 : hold;
+}
+
+void Pipeline::Commit() {
+  int64_t safe = processed_end_;
+  for (auto& [name, s] : streams_) {
+    const int64_t hold = Hold(*s);
+    if (hold >= 0) safe = std::min(safe, hold);
+    if (s->rows.empty()) continue;
+    const velqua_store::WriteResult result =
+        store_->Write(s->source, s->rows, hold >= 0 ? hold : processed_end_);
+    int64_t last_us = 0;
+    for (const auto& r : s->rows) last_us = std::max(last_us, ParseUtc(r.received_utc));
+    board_.Update(name, [&](StreamStatus& st) {
+      st.records += result.calls;
+      st.unrecognised += result.unrecognised;
+      st.last_record_us = std::max(st.last_record_us, last_us);
+    });
+    pending_rows_ -= s->rows.size();
+    s->rows.clear();
+  }
+  if (safe > replay_from_) {
+    const std::string path = settings_.spool + "/replay-from";
+    {
+      std::ofstream out(path + ".new", std::ios::trunc);
+      out << safe << '\n';
+    }
+    if (std::rename((path + ".new").c_str(), path.c_str()) == 0) {
+      replay_from_ = safe;
+      release_(safe);
+    }
+  }
+}
+
+}  // namespace velqua_capture
