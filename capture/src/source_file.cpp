@@ -22,7 +22,7 @@
 namespace velqua_capture {
 namespace {
 
-constexpr Millis kPoll{200};
+constexpr Millis kPoll{100};
 constexpr size_t kReadSize = 1 << 16;
 
 class FileSource : public Source, public std::enable_shared_from_this<FileSource> {

@@ -3,9 +3,14 @@
 // only ends a stuck test; no test measures time).
 #pragma once
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <functional>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace velqua_capture_test {
 
@@ -19,7 +24,41 @@ int FreePort();
 bool WaitFor(const std::function<bool()>& done,
              std::chrono::milliseconds deadline = std::chrono::seconds(20));
 
+// "" when `got` equals `expected`, else where they first differ and a few
+// bytes of each from there (a whole record file in a message helps no one).
+std::string Diff(const std::string& got, const std::string& expected);
+
 // The whole content of a file ("" when missing).
 std::string ReadFile(const std::string& path);
+
+// A program run for a test (an emulator, the service), its standard output
+// gathered; killed when the test ends.
+class Child {
+ public:
+  // Runs `args` (args[0] is the program's path); standard error goes to
+  // `stderr_file` ("" = the test's own).
+  explicit Child(const std::vector<std::string>& args, const std::string& stderr_file = "");
+  ~Child();
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+
+  // The first line of its output that starts with `prefix` (waiting for it);
+  // "" when it does not come.
+  std::string WaitLine(const std::string& prefix,
+                       std::chrono::milliseconds deadline = std::chrono::seconds(20));
+  // Sends `signal` and waits for the end; the exit status (-1: killed by a signal).
+  int Stop(int signal);
+  pid_t pid() const { return pid_; }
+
+ private:
+  pid_t pid_ = -1;
+  int out_ = -1;
+  std::thread reader_;
+  std::mutex mutex_;
+  std::vector<std::string> lines_;
+};
+
+// The path of the emulator built with the tests.
+inline std::string EmulatorPath() { return VELQUA_EMULATOR; }
 
 }  // namespace velqua_capture_test
