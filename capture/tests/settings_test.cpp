@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 
 namespace velqua_capture {
@@ -151,6 +152,14 @@ TEST(Settings, ValuesThatOnlyTheirMeaningMakesWrongAreRefused) {
     } catch (const SettingsError& e) {
       EXPECT_EQ(std::string(e.what()).rfind(kFile + ":" + row.expected, 0), 0u) << e.what();
     }
+  }
+}
+
+TEST(Settings, EveryBundledExampleLoads) {
+  for (const auto& e : std::filesystem::directory_iterator(kExamples + "/capture")) {
+    if (e.path().extension() != ".toml") continue;
+    SCOPED_TRACE(e.path().string());
+    EXPECT_NO_THROW(LoadSettings(e.path().string()));
   }
 }
 
