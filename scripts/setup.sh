@@ -6,7 +6,9 @@ cd "$(dirname "$0")/.."
 
 PACKAGES=(build-essential cmake g++ clang libgtest-dev libbenchmark-dev libcairo2-dev
           libcli11-dev nlohmann-json3-dev fonts-liberation clang-format libclang-rt-14-dev
-          pkg-config time)  # time: GNU time for bench/cli_bench.sh
+          pkg-config time  # time: GNU time for bench/cli_bench.sh
+          # the capture service: Asio (sources), toml++ (its configuration), zlib (spool checksums)
+          libasio-dev libtomlplusplus-dev zlib1g-dev)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
