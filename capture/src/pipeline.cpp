@@ -77,6 +77,7 @@ struct Pipeline::StreamState {
   int64_t dropped = 0;            // re-sent records dropped in this connection
   int64_t last_received_us = 0;
   std::vector<velqua_store::Record> rows;  // translated, not yet stored
+  std::vector<int64_t> rows_received_us;   // when each row's last byte came
 };
 
 Pipeline::Pipeline(const ServiceSettings& settings, StatusBoard& board, Logger& log,
@@ -374,6 +375,7 @@ void Pipeline::Call(StreamState& s, const std::u16string& text, int64_t position
   record.received_utc = IsoTime(s.last_received_us);
   record.row = s.sw->catcher.Take();
   s.rows.push_back(std::move(record));
+  s.rows_received_us.push_back(s.last_received_us);
   ++pending_rows_;
 }
 
@@ -396,8 +398,12 @@ void Pipeline::Commit() {
     if (s->rows.empty()) continue;
     const velqua_store::WriteResult result =
         store_->Write(s->source, s->rows, hold >= 0 ? hold : processed_end_);
+    const int64_t now = NowMicros();
     int64_t last_us = 0;
-    for (const auto& r : s->rows) last_us = std::max(last_us, ParseUtc(r.received_utc));
+    for (int64_t received : s->rows_received_us) {
+      last_us = std::max(last_us, received);
+      board_.Committed(now - received);
+    }
     board_.Update(name, [&](StreamStatus& st) {
       st.records += result.calls;
       st.unrecognised += result.unrecognised;
@@ -405,6 +411,7 @@ void Pipeline::Commit() {
     });
     pending_rows_ -= s->rows.size();
     s->rows.clear();
+    s->rows_received_us.clear();
   }
   if (safe > replay_from_) {
     const std::string path = settings_.spool + "/replay-from";

@@ -61,7 +61,7 @@ void Spooler::Stop() {
     log_.Error(e.what());
   }
   WriteStatusFile(settings_.spool + "/status.json", static_cast<int>(::getpid()), started_us_,
-                  NowMicros(), board_.Snapshot());
+                  NowMicros(), board_.Snapshot(), board_.latency());
 }
 
 void Spooler::Release(int64_t position) {
@@ -209,7 +209,7 @@ void Spooler::Tick() {
     next_status_ = now + kStatusEvery;
     CheckSilence(now);
     WriteStatusFile(settings_.spool + "/status.json", static_cast<int>(::getpid()), started_us_,
-                    NowMicros(), board_.Snapshot());
+                    NowMicros(), board_.Snapshot(), board_.latency());
   }
   tick_.expires_after(kTick);
   tick_.async_wait([this](const asio::error_code& ec) {

@@ -25,9 +25,31 @@ std::string IsoTime(int64_t micros) {
   return text;
 }
 
+Latency StatusBoard::latency() const {
+  std::lock_guard<std::mutex> lock(mutex_);
+  Latency l;
+  for (int64_t n : latency_) l.count += n;
+  int64_t seen = 0;
+  for (size_t ms = 0; ms < latency_.size(); ++ms) {
+    if (seen < (l.count + 1) / 2 && seen + latency_[ms] >= (l.count + 1) / 2) {
+      l.p50_ms = static_cast<int64_t>(ms);
+    }
+    if (seen < (l.count * 99 + 99) / 100 && seen + latency_[ms] >= (l.count * 99 + 99) / 100) {
+      l.p99_ms = static_cast<int64_t>(ms);
+    }
+    seen += latency_[ms];
+  }
+  l.max_ms = max_ms_;
+  return l;
+}
+
 void WriteStatusFile(const std::string& path, int pid, int64_t started_us, int64_t now_us,
-                     const std::vector<StreamStatus>& streams) {
+                     const std::vector<StreamStatus>& streams, const Latency& latency) {
   nlohmann::json j;
+  j["latency_ms"] = {{"count", latency.count},
+                     {"p50", latency.p50_ms},
+                     {"p99", latency.p99_ms},
+                     {"max", latency.max_ms}};
   j["pid"] = pid;
   j["started_us"] = started_us;
   j["written_us"] = now_us;

@@ -32,7 +32,8 @@ int main(int argc, char** argv) {
   CLI::App* panasonic =
       app.add_subcommand("panasonic", "A Panasonic KX-TDA/NS SMDR port: TCP (2300) with a login");
   server(panasonic);
-  panasonic->add_option("--user", o.user)->capture_default_str();
+  panasonic->add_option("--user", o.user, "The login's user (\"\": no login)")
+      ->capture_default_str();
   panasonic->add_option("--password", o.password)->capture_default_str();
   CLI::App* samsung = app.add_subcommand(
       "samsung", "A Samsung OfficeServ: TCP (5100), records ended by NUL, form-feed headings");

@@ -28,9 +28,25 @@ struct StreamStatus {
   std::string last_event;  // the last disconnection's reason, a login failure, ...
 };
 
+// From a byte received to its record committed in the store: how long,
+// for the records stored so far (milliseconds, in 1 ms steps up to 10 s).
+struct Latency {
+  int64_t count = 0;
+  int64_t p50_ms = 0, p99_ms = 0, max_ms = 0;
+};
+
 // The counts of every stream, updated under one lock.
 class StatusBoard {
  public:
+  // Adds the time from a byte received to its record committed.
+  void Committed(int64_t micros) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    const int64_t ms = micros < 0 ? 0 : micros / 1000;
+    ++latency_[static_cast<size_t>(ms < kLatencySlots - 1 ? ms : kLatencySlots - 1)];
+    max_ms_ = ms > max_ms_ ? ms : max_ms_;
+  }
+  Latency latency() const;
+
   // Runs `change` on the stream's status (created on first use) under the lock.
   template <typename Change>
   void Update(const std::string& stream, Change change) {
@@ -47,13 +63,16 @@ class StatusBoard {
   }
 
  private:
+  static constexpr int64_t kLatencySlots = 10001;
   mutable std::mutex mutex_;
   std::map<std::string, StreamStatus> streams_;
+  std::vector<int64_t> latency_ = std::vector<int64_t>(kLatencySlots);
+  int64_t max_ms_ = 0;
 };
 
 // Writes the status file (replaced whole, so a reader never sees half of it).
 void WriteStatusFile(const std::string& path, int pid, int64_t started_us, int64_t now_us,
-                     const std::vector<StreamStatus>& streams);
+                     const std::vector<StreamStatus>& streams, const Latency& latency);
 
 // Reads a status file; false when it is missing or unreadable.
 bool ReadStatusFile(const std::string& path, int* pid, int64_t* started_us, int64_t* written_us,
