@@ -5,6 +5,7 @@
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
 #include <asio/write.hpp>
+#include <deque>
 #include <map>
 
 #include "backoff.h"
@@ -18,6 +19,8 @@ using asio::ip::tcp;
 
 constexpr size_t kReadSize = 1 << 16;
 constexpr Millis kHeldPoll{50};
+constexpr Millis kTakeOver{5000};
+constexpr const char* kReplaced = "replaced by a new connection from the same address";
 
 std::string Reason(const asio::error_code& ec) {
   return ec == asio::error::eof ? "closed by the switch" : ec.message();
@@ -173,6 +176,7 @@ class PeerConnection : public std::enable_shared_from_this<PeerConnection> {
   PeerConnection(tcp::socket socket, std::string stream, SourceEvents& events)
       : socket_(std::move(socket)),
         timer_(socket_.get_executor()),
+        takeover_(socket_.get_executor()),
         stream_(std::move(stream)),
         events_(events),
         buffer_(kReadSize, '\0') {}
@@ -185,12 +189,22 @@ class PeerConnection : public std::enable_shared_from_this<PeerConnection> {
     Read();
   }
 
+  // Ends the connection after `wait` unless it ends by itself first.
+  void EndWithin(Millis wait, const std::string& reason) {
+    auto self = shared_from_this();
+    takeover_.expires_after(wait);
+    takeover_.async_wait([this, self, reason](const asio::error_code& ec) {
+      if (!ec) End(reason);
+    });
+  }
+
   void End(const std::string& reason) {
     if (ended_) return;
     ended_ = true;
     asio::error_code ignored;
     socket_.close(ignored);
     timer_.cancel();
+    takeover_.cancel();
     events_.Disconnected(stream_, reason);
     if (on_end_) on_end_();
   }
@@ -216,6 +230,7 @@ class PeerConnection : public std::enable_shared_from_this<PeerConnection> {
 
   tcp::socket socket_;
   asio::steady_timer timer_;
+  asio::steady_timer takeover_;
   std::string stream_;
   SourceEvents& events_;
   std::string buffer_;
@@ -236,6 +251,7 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
     asio::error_code ignored;
     acceptor_.close(ignored);
     timer_.cancel();
+    waiting_.clear();
     auto peers = std::move(peers_);
     for (auto& [stream, peer] : peers) peer->End(reason);
   }
@@ -309,18 +325,34 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
       return;
     }
     const std::string stream = s_.name + "/" + address.to_string();
-    if (auto old = peers_.find(stream); old != peers_.end()) {
-      auto previous = old->second;
-      peers_.erase(old);
-      previous->End("replaced by a new connection from the same address");
-    }
+    const auto old = peers_.find(stream);
+    if (old == peers_.end()) return Serve(stream, std::move(socket));
+    // The same switch again while its last connection is open. That one is
+    // read to its end first: a switch that reconnects has usually closed it,
+    // and what it sent before closing is still to be read. One that does
+    // not end (it died silently) is closed after kTakeOver. Meanwhile the
+    // new connection's bytes wait in the operating system.
+    waiting_[stream].push_back(std::move(socket));
+    old->second->EndWithin(kTakeOver, kReplaced);
+  }
+
+  void Serve(const std::string& stream, tcp::socket socket) {
     auto peer = std::make_shared<PeerConnection>(std::move(socket), stream, events_);
     peers_[stream] = peer;
     std::weak_ptr<PeerConnection> weak = peer;
     auto self = shared_from_this();
     peer->Start([this, self, stream, weak] {
       const auto it = peers_.find(stream);
-      if (it != peers_.end() && it->second == weak.lock()) peers_.erase(it);
+      if (it == peers_.end() || it->second != weak.lock()) return;
+      peers_.erase(it);
+      const auto next = waiting_.find(stream);
+      if (next == waiting_.end() || stopped_) return;
+      tcp::socket queued = std::move(next->second.front());
+      next->second.pop_front();
+      const bool more = !next->second.empty();
+      if (!more) waiting_.erase(next);
+      Serve(stream, std::move(queued));
+      if (more) peers_[stream]->EndWithin(kTakeOver, kReplaced);
     });
   }
 
@@ -330,6 +362,7 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
   asio::steady_timer timer_;
   Backoff backoff_;
   std::map<std::string, std::shared_ptr<PeerConnection>> peers_;
+  std::map<std::string, std::deque<tcp::socket>> waiting_;  // a peer's next connections
   bool stopped_ = false;
 };
 
