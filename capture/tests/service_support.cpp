@@ -1,6 +1,7 @@
 #include "service_support.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 
 #include "velqua/store/store.h"
@@ -36,6 +37,13 @@ std::vector<std::string> RecordsOf(const std::string& file, const std::vector<st
   }
   std::sort(records.begin(), records.end());
   return records;
+}
+
+std::vector<std::string> GenerateRecords(const std::string& path, int64_t count) {
+  const std::string command =
+      EmulatorPath() + " generate " + std::to_string(count) + " > '" + path + "'";
+  if (std::system(command.c_str()) != 0) return {};
+  return RecordsOf(path);
 }
 
 namespace {

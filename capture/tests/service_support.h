@@ -27,6 +27,10 @@ std::unique_ptr<Child> StartService(const std::string& config, const std::string
 std::vector<std::string> RecordsOf(const std::string& file,
                                    const std::vector<std::string>& skip = {});
 
+// Writes `count` distinct Panasonic records (the emulator's `generate`) to
+// `path` and returns them, sorted.
+std::vector<std::string> GenerateRecords(const std::string& path, int64_t count);
+
 // The raw texts of the calls, and of the unrecognised records, in the store, sorted.
 std::vector<std::string> StoredCalls(const std::string& store);
 std::vector<std::string> StoredUnrecognised(const std::string& store);

@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "capture_test.h"
+#include "pg_test_server.h"
 #include "service_support.h"
 #include "velqua/capture/spool.h"
 #include "velqua/capture/status.h"
@@ -139,6 +140,155 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
     EXPECT_EQ(service->Stop(SIGTERM), 0);
     EXPECT_EQ(Joined(StoredCalls(store), StoredUnrecognised(store)), row.expected);
   }
+}
+
+}  // namespace
+}  // namespace velqua_capture_test
+
+namespace velqua_capture_test {
+namespace {
+
+const std::string kListen = "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = ";
+
+std::unique_ptr<Child> Pusher(int port, const std::string& records, const std::string& rate) {
+  return std::make_unique<Child>(
+      std::vector<std::string>{EmulatorPath(), "ipoffice", "--port", std::to_string(port),
+                               "--records", records, "--rate", rate, "--retry-ms", "50"});
+}
+
+// A restart goes on from the checkpoints; a spool tail torn while the
+// service was down is cut, logged, and costs no record.
+TEST(CaptureService, ARestartWithATornSpoolTailStoresNothingTwice) {
+  const std::string dir = TempDir("restart");
+  const int port = FreePort();
+  const std::string store = dir + "/calls.db";
+  const std::string config = WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
+  const std::vector<std::string> first = GenerateRecords(dir + "/first.txt", 200);
+  const std::vector<std::string> second = GenerateRecords(dir + "/second.txt", 300);
+  {
+    auto service = StartService(config, dir);
+    auto pusher = Pusher(port, dir + "/first.txt", "0");
+    EXPECT_TRUE(WaitForRecords(store, first.size()));
+    EXPECT_EQ(service->Stop(SIGTERM), 0);
+  }
+  const auto segments = velqua_capture::ListSegments(dir + "/spool");
+  ASSERT_FALSE(segments.empty());
+  std::ofstream(segments.back().second, std::ios::app) << std::string(23, '\x5a');
+  auto service = StartService(config, dir);
+  // The second file repeats the first one's records and adds 100 more: the
+  // pusher's first 200 are dropped as re-sent, the rest stored.
+  auto pusher = Pusher(port, dir + "/second.txt", "0");
+  EXPECT_TRUE(WaitForRecords(store, second.size()));
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), second);
+  const std::string log = ReadFile(dir + "/service.log");
+  EXPECT_NE(log.find("torn tail cut: 23 bytes"), std::string::npos) << log;
+  EXPECT_NE(log.find("200 re-sent records dropped"), std::string::npos) << log;
+}
+
+// A disk that refuses writes (a file-size limit set on the running service)
+// holds the bytes in memory; when there is room again every record is stored.
+TEST(CaptureService, AFullDiskHoldsAndCatchesUp) {
+  const std::string dir = TempDir("full");
+  const int port = FreePort();
+  const std::string store = dir + "/calls.db";
+  const std::string config = WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
+  const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 400);
+  auto service = StartService(config, dir);
+  ASSERT_TRUE(WaitFor(
+      [&] { return ReadFile(dir + "/service.log").find("listening") != std::string::npos; }));
+  rlimit full{}, saved{};
+  ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, nullptr, &saved), 0);
+  full = saved;
+  full.rlim_cur = 8192;
+  ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &full, nullptr), 0);
+  auto pusher = Pusher(port, dir + "/records.txt", "400");
+  EXPECT_TRUE(WaitFor([&] {
+    return ReadFile(dir + "/service.log").find("holding what sources send") != std::string::npos;
+  }));
+  ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &saved, nullptr), 0);
+  EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), records);
+  EXPECT_NE(ReadFile(dir + "/service.log").find("writing again"), std::string::npos);
+}
+
+TEST(CaptureService, ABadConfigurationStartsNothing) {
+  const std::string dir = TempDir("bad");
+  const std::string config = WriteConfig(dir, dir + "/calls.db", "", kListen + "70000");
+  auto service = StartService(config, dir);
+  EXPECT_EQ(service->Stop(0), 1);
+  EXPECT_NE(ReadFile(dir + "/service.log")
+                .find(config + ":11: switch[0].source[0].port: 70000 is outside 1..65535"),
+            std::string::npos)
+      << ReadFile(dir + "/service.log");
+  EXPECT_FALSE(std::filesystem::exists(dir + "/spool"));
+}
+
+// SIGHUP: a new source starts, the others keep their connections; a file
+// with a mistake is refused and the running settings kept.
+TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
+  const std::string dir = TempDir("reload");
+  const int port = FreePort();
+  const int second_port = FreePort();
+  const std::string store = dir + "/calls.db";
+  const std::string config = WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
+  const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 60);
+  auto service = StartService(config, dir);
+  ASSERT_TRUE(WaitFor(
+      [&] { return ReadFile(dir + "/service.log").find("listening") != std::string::npos; }));
+  auto pusher = Pusher(port, dir + "/records.txt", "20");
+  WriteConfig(dir, store, kHeadings,
+              kListen + std::to_string(port) +
+                  "\n[[switch.source]]\nname = \"second\"\n"
+                  "kind = \"tcp-listen\"\nport = " +
+                  std::to_string(second_port));
+  ::kill(service->pid(), SIGHUP);
+  EXPECT_TRUE(WaitFor([&] {
+    return ReadFile(dir + "/service.log").find("0 source(s) stopped, 1 started") !=
+           std::string::npos;
+  }));
+  auto other = Pusher(second_port, kKxRecords, "0");
+  std::ofstream(config, std::ios::app) << "nonsense = 1\n";
+  ::kill(service->pid(), SIGHUP);
+  EXPECT_TRUE(WaitFor(
+      [&] { return ReadFile(dir + "/service.log").find("reload refused") != std::string::npos; }));
+  const std::vector<std::string> kx = RecordsOf(kKxRecords, kHeadingLines);
+  EXPECT_TRUE(WaitForRecords(store, records.size() + kx.size())) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), Joined(records, kx));
+  const std::string log = ReadFile(dir + "/service.log");
+  EXPECT_EQ(log.find("ipo/127.0.0.1: disconnected: configuration reloaded"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace velqua_capture_test
+
+namespace velqua_capture_test {
+namespace {
+
+// PostgreSQL stopped under a running service and started again: the records
+// wait in the spool meanwhile and are all stored once it is back.
+TEST(CaptureService, APostgresStoppedAndStartedAgainLosesNothing) {
+  velqua_store_testing::PgTestServer server;
+  const std::string url = server.NewDatabase();
+  const std::string dir = TempDir("postgres");
+  const int port = FreePort();
+  const std::string config = WriteConfig(dir, url, kHeadings, kListen + std::to_string(port));
+  const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 300);
+  auto service = StartService(config, dir);
+  auto pusher = Pusher(port, dir + "/records.txt", "150");
+  EXPECT_TRUE(WaitForRecords(url, 50));
+  server.Stop();
+  EXPECT_TRUE(WaitFor([&] {
+    return ReadFile(dir + "/service.log").find("store unavailable") != std::string::npos;
+  }));
+  EXPECT_NE(pusher->WaitLine("played"), "");  // everything sent while the store was down
+  server.Start();
+  EXPECT_TRUE(WaitForRecords(url, records.size())) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(url), records);
+  EXPECT_NE(ReadFile(dir + "/service.log").find("store available again"), std::string::npos);
 }
 
 }  // namespace
