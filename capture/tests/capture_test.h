@@ -49,6 +49,11 @@ class Child {
   // Sends `signal` and waits for the end; the exit status (-1: killed by a signal).
   int Stop(int signal);
   pid_t pid() const { return pid_; }
+  // The lines of its output so far.
+  std::vector<std::string> lines() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return lines_;
+  }
 
  private:
   pid_t pid_ = -1;

@@ -149,13 +149,14 @@ int RunIpOffice(const Options& o) {
     const int fd = socket.native_handle();
     bool lost = false;
     for (const std::string& r : last) lost = lost || !Send(fd, r + "\r\n", o.one_byte);
-    for (int64_t sent = 0; more && !lost;) {
+    while (more && !lost) {
       player.Pace();
       last.push_back(record);  // it may be lost with the connection: re-sent next time
       if (static_cast<int64_t>(last.size()) > o.resend) last.pop_front();
       lost = !Send(fd, record + "\r\n", o.one_byte);
+      const int64_t sent = player.played();  // this record's number
       more = player.Next(&record);
-      if (o.cut_every > 0 && ++sent % o.cut_every == 0 && !lost) {
+      if (o.cut_every > 0 && sent % o.cut_every == 0 && !lost) {
         socket.shutdown(tcp::socket::shutdown_both);
         Say("cut");
         lost = true;
