@@ -57,6 +57,8 @@ int64_t ParseUtc(const std::string& text) {
 
 struct Pipeline::SwitchState {
   SwitchSettings settings;
+  std::string input;  // the stream and second Translation::Input was last told
+  int64_t input_second = -1;
   Catcher catcher;
   std::unique_ptr<velqua_records::Translation> translation;
   bool gather = false;  // multi-line calls
@@ -76,6 +78,7 @@ struct Pipeline::StreamState {
   int64_t connect_position = -1;  // while the connection is in its re-sent part
   int64_t dropped = 0;            // re-sent records dropped in this connection
   int64_t last_received_us = 0;
+  std::string received_utc;                // of last_received_us
   std::vector<velqua_store::Record> rows;  // translated, not yet stored
   std::vector<int64_t> rows_received_us;   // when each row's last byte came
 };
@@ -367,12 +370,18 @@ void Pipeline::Call(StreamState& s, const std::u16string& text, int64_t position
     s.dropped = 0;
   }
   velqua_records::Translation& t = *s.sw->translation;
-  t.Input(s.name, LocalTime(s.last_received_us));
+  const int64_t second = s.last_received_us / 1000000;
+  if (second != s.sw->input_second || s.name != s.sw->input) {
+    t.Input(s.name, LocalTime(s.last_received_us));  // the year of a record that prints none
+    s.sw->input = s.name;
+    s.sw->input_second = second;
+    s.received_utc = IsoTime(s.last_received_us);
+  }
   t.Record(text);
   velqua_store::Record record;
   record.position = position;
   record.raw = std::move(raw);
-  record.received_utc = IsoTime(s.last_received_us);
+  record.received_utc = s.received_utc;
   record.row = s.sw->catcher.Take();
   s.rows.push_back(std::move(record));
   s.rows_received_us.push_back(s.last_received_us);
@@ -400,10 +409,11 @@ void Pipeline::Commit() {
         store_->Write(s->source, s->rows, hold >= 0 ? hold : processed_end_);
     const int64_t now = NowMicros();
     int64_t last_us = 0;
-    for (int64_t received : s->rows_received_us) {
+    for (int64_t& received : s->rows_received_us) {
       last_us = std::max(last_us, received);
-      board_.Committed(now - received);
+      received = now - received;
     }
+    board_.Committed(s->rows_received_us);
     board_.Update(name, [&](StreamStatus& st) {
       st.records += result.calls;
       st.unrecognised += result.unrecognised;

@@ -38,12 +38,14 @@ struct Latency {
 // The counts of every stream, updated under one lock.
 class StatusBoard {
  public:
-  // Adds the time from a byte received to its record committed.
-  void Committed(int64_t micros) {
+  // Adds the times from a byte received to its record committed.
+  void Committed(const std::vector<int64_t>& micros) {
     std::lock_guard<std::mutex> lock(mutex_);
-    const int64_t ms = micros < 0 ? 0 : micros / 1000;
-    ++latency_[static_cast<size_t>(ms < kLatencySlots - 1 ? ms : kLatencySlots - 1)];
-    max_ms_ = ms > max_ms_ ? ms : max_ms_;
+    for (int64_t us : micros) {
+      const int64_t ms = us < 0 ? 0 : us / 1000;
+      ++latency_[static_cast<size_t>(ms < kLatencySlots - 1 ? ms : kLatencySlots - 1)];
+      max_ms_ = ms > max_ms_ ? ms : max_ms_;
+    }
   }
   Latency latency() const;
 
