@@ -16,6 +16,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr size_t kBatchRows = 2000;
+constexpr int64_t kLoggedUnrecognised = 20;
 constexpr std::chrono::milliseconds kIdleWait{100};
 constexpr std::chrono::seconds kStoreRetry{1};
 
@@ -79,6 +80,7 @@ struct Pipeline::StreamState {
   int64_t dropped = 0;            // re-sent records dropped in this connection
   int64_t last_received_us = 0;
   std::string received_utc;                // of last_received_us
+  int64_t unrecognised = 0;                // seen by this run
   std::vector<velqua_store::Record> rows;  // translated, not yet stored
   std::vector<int64_t> rows_received_us;   // when each row's last byte came
 };
@@ -383,9 +385,25 @@ void Pipeline::Call(StreamState& s, const std::u16string& text, int64_t position
   record.raw = std::move(raw);
   record.received_utc = s.received_utc;
   record.row = s.sw->catcher.Take();
+  if (!record.row.has_fields) Unrecognised(s, record);
   s.rows.push_back(std::move(record));
   s.rows_received_us.push_back(s.last_received_us);
   ++pending_rows_;
+}
+
+// Logs an unrecognised record: each of a stream's first 20, then one line
+// for every 1,000 more (a configuration that does not fit the switch would
+// otherwise fill the log).
+void Pipeline::Unrecognised(StreamState& s, const velqua_store::Record& record) {
+  const int64_t n = ++s.unrecognised;
+  if (n <= kLoggedUnrecognised) {
+    log_.Warn("source " + s.name + ": unrecognised record at position " +
+              std::to_string(record.position) +
+              (record.row.error.empty() ? "" : " (" + record.row.error + ")") + ": " +
+              record.raw.substr(0, 120));
+  } else if (n % 1000 == 0) {
+    log_.Warn("source " + s.name + ": " + std::to_string(n) + " unrecognised records so far");
+  }
 }
 
 // Where replay must start for the stream: the first byte of what it holds

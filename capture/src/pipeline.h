@@ -70,6 +70,7 @@ class Pipeline {
   void Connect(StreamState& s, const SpoolEntry& e);
   void Framed(StreamState& s, const velqua_records::Framer::Record& r);
   void Call(StreamState& s, const std::u16string& text, int64_t position);
+  void Unrecognised(StreamState& s, const velqua_store::Record& record);
   int64_t Hold(const StreamState& s) const;
   void Commit();
   // Runs `work` until it succeeds, waiting while the store is unavailable;
