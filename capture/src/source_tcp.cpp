@@ -266,7 +266,8 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
     if (!ec) acceptor_.bind(end, ec);
     if (!ec) acceptor_.listen(asio::socket_base::max_listen_connections, ec);
     if (ec) {
-      acceptor_.close(ec);
+      asio::error_code ignored;
+      acceptor_.close(ignored);
       const Millis wait = backoff_.Next();
       events_.Log("source " + s_.name + ": cannot listen on " + s_.bind + ":" +
                   std::to_string(s_.port) + ": " + ec.message() + "; trying again in " +
