@@ -44,7 +44,6 @@ class Service::Impl {
       : settings_(std::move(settings)),
         log_(log),
         signals_(io_),
-        guard_(io_),
         spooler_(io_, settings_, board_, log_, [this](int64_t end) { pipeline_.Published(end); }),
         pipeline_(settings_, board_, log_, [this](int64_t position) {
           asio::post(io_, [this, position] { spooler_.Release(position); });
@@ -67,7 +66,11 @@ class Service::Impl {
     signals_.add(SIGTERM);
     signals_.add(SIGHUP);
     Wait();
-    io_.run();
+    while (!stopping_ && io_.run_one() > 0) {
+    }
+    // The handlers the stop cancelled still run; whatever would keep the
+    // loop alive past a second is cut short.
+    io_.run_for(std::chrono::seconds(1));
     pipeline_.Stop(stop_time_ + kStoreTimeOnStop);
     log_.Info("stopped");
     return 0;
@@ -110,13 +113,6 @@ class Service::Impl {
     spooler_.Stop();
     asio::error_code ignored;
     signals_.cancel(ignored);
-    guard_.cancel();
-    // Handlers cancelled above still run; anything that would keep the
-    // loop alive past a second is cut short.
-    guard_.expires_after(std::chrono::seconds(1));
-    guard_.async_wait([this](const asio::error_code& ec) {
-      if (!ec) io_.stop();
-    });
   }
 
   void Reload() {
@@ -169,7 +165,6 @@ class Service::Impl {
   Logger& log_;
   asio::io_context io_;
   asio::signal_set signals_;
-  asio::steady_timer guard_;
   StatusBoard board_;
   Spooler spooler_;
   Pipeline pipeline_;
