@@ -68,7 +68,8 @@ struct Pipeline::SwitchState {
 
 struct Pipeline::StreamState {
   std::string name;
-  SwitchState* sw = nullptr;
+  std::string switch_name;
+  SwitchState* sw = nullptr;  // none while its switch is not configured
   velqua_store::Source source;
   int64_t checkpoint = -1;  // entries before it were stored by an earlier run
   std::unique_ptr<velqua_records::Framer> framer;
@@ -128,6 +129,7 @@ bool Pipeline::Stopping() const { return stop_ && Clock::now() >= deadline_; }
 // and its records wait in the spool).
 void Pipeline::Apply(const ServiceSettings& settings) {
   settings_ = settings;
+  std::map<std::string, std::unique_ptr<SwitchState>> switches;
   for (const SwitchSettings& sw : settings.switches) {
     auto state = std::make_unique<SwitchState>();
     state->settings = sw;
@@ -141,10 +143,11 @@ void Pipeline::Apply(const ServiceSettings& settings) {
       log_.Error("switch " + sw.name + ": " + e.what());
       continue;
     }
-    switches_[sw.name] = std::move(state);
+    switches[sw.name] = std::move(state);
   }
+  switches_.swap(switches);  // the old ones go at the end of this function
   for (auto& [name, stream] : streams_) {
-    const auto it = stream->sw ? switches_.find(stream->sw->settings.name) : switches_.end();
+    const auto it = switches_.find(stream->switch_name);
     stream->sw = it == switches_.end() ? nullptr : it->second.get();
   }
 }
@@ -240,6 +243,7 @@ Pipeline::StreamState* Pipeline::Stream(const std::string& name) {
   }
   auto s = std::make_unique<StreamState>();
   s->name = name;
+  s->switch_name = sw->settings.name;
   s->sw = sw;
   Retry([&] {
     store_->PutSwitch({sw->settings.name, sw->settings.config,
