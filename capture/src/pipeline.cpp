@@ -115,8 +115,8 @@ void Pipeline::Reload(const ServiceSettings& settings) {
 void Pipeline::Stop(Clock::time_point deadline) {
   {
     std::lock_guard<std::mutex> lock(mutex_);
-    stop_ = true;
     deadline_ = deadline;
+    stop_.store(true);  // after the deadline: a thread that sees it sees the deadline
   }
   wake_.notify_one();
   if (thread_.joinable()) thread_.join();

@@ -98,7 +98,7 @@ class Pipeline {
   std::condition_variable wake_;
   std::atomic<int64_t> published_{0};
   std::optional<ServiceSettings> reload_;
-  bool stop_ = false;
+  std::atomic<bool> stop_{false};
   std::chrono::steady_clock::time_point deadline_;
 };
 
