@@ -11,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <cstdio>
@@ -43,7 +44,7 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
 
   void Start() override {
     std::ifstream in(state_);
-    in >> saved_inode_ >> saved_offset_;
+    in >> saved_inode_ >> saved_offset_ >> saved_tail_;
     if (!in) saved_inode_ = saved_offset_ = 0;
     Poll();
   }
@@ -81,7 +82,7 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
     waiting_ = false;
     inode_ = static_cast<unsigned long long>(st.st_ino);
     // Go on where the last run stopped when it is the same file, not shorter.
-    offset_ = inode_ == saved_inode_ && saved_offset_ <= st.st_size ? saved_offset_ : 0;
+    offset_ = SameFile(st) ? saved_offset_ : 0;
     saved_inode_ = 0;
     pending_.clear();
     events_.Connected(s_.name, s_.path);
@@ -114,6 +115,30 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
     }
   }
 
+  // Whether the file open is the one the last run was reading: the same
+  // inode, not shorter, and still holding the bytes last handed over where
+  // they were (a file truncated and written again past the old offset is
+  // not the same file).
+  bool SameFile(const struct stat& st) {
+    if (inode_ != saved_inode_ || saved_offset_ > st.st_size) return false;
+    const std::string tail = Tail(saved_offset_);
+    return tail == saved_tail_;
+  }
+
+  // The last bytes before `offset` of the file open (at most 32), in hexadecimal.
+  std::string Tail(int64_t offset) {
+    char bytes[32];
+    const int64_t from = std::max<int64_t>(0, offset - static_cast<int64_t>(sizeof bytes));
+    const ssize_t n = ::pread(fd_, bytes, static_cast<size_t>(offset - from), from);
+    std::string hex = "-";  // never empty, so that the state file reads back
+    for (ssize_t i = 0; i < n; ++i) {
+      static const char kDigits[] = "0123456789abcdef";
+      hex += kDigits[static_cast<unsigned char>(bytes[i]) >> 4];
+      hex += kDigits[static_cast<unsigned char>(bytes[i]) & 15];
+    }
+    return hex;
+  }
+
   int64_t Pending() const { return static_cast<int64_t>(pending_.size()); }
 
   // Hands over the first `size` pending bytes and records how far the file
@@ -130,7 +155,7 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
     const std::string temp = state_ + ".new";
     {
       std::ofstream out(temp, std::ios::trunc);
-      out << inode_ << ' ' << offset_ << '\n';
+      out << inode_ << ' ' << offset_ << ' ' << Tail(offset_) << '\n';
       if (!out) return;  // the next hand-over tries again
     }
     std::rename(temp.c_str(), state_.c_str());
@@ -158,6 +183,7 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
   int64_t offset_ = 0;  // of the first byte not yet handed over
   unsigned long long saved_inode_ = 0;
   int64_t saved_offset_ = 0;
+  std::string saved_tail_;
   bool waiting_ = false;
   bool stopped_ = false;
 };

@@ -5,6 +5,7 @@
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
 #include <asio/write.hpp>
+#include <chrono>
 #include <deque>
 #include <map>
 
@@ -320,8 +321,14 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
     const asio::ip::address address = socket.remote_endpoint(ec).address();
     if (ec) return;
     if (!Allowed(address)) {
-      events_.Log("source " + s_.name + ": refused " + address.to_string() +
-                  " (not in the allow list)");
+      // Once a minute per address: a refused switch keeps trying.
+      const auto now = std::chrono::steady_clock::now();
+      auto& last = refused_[address.to_string()];
+      if (last.time_since_epoch().count() == 0 || now - last >= std::chrono::minutes(1)) {
+        last = now;
+        events_.Log("source " + s_.name + ": refused " + address.to_string() +
+                    " (not in the allow list)");
+      }
       socket.close(ec);
       return;
     }
@@ -364,6 +371,7 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
   Backoff backoff_;
   std::map<std::string, std::shared_ptr<PeerConnection>> peers_;
   std::map<std::string, std::deque<tcp::socket>> waiting_;  // a peer's next connections
+  std::map<std::string, std::chrono::steady_clock::time_point> refused_;  // last logged
   bool stopped_ = false;
 };
 

@@ -48,15 +48,6 @@ bool WaitFor(const std::function<bool()>& done, std::chrono::milliseconds deadli
   return true;
 }
 
-std::string Diff(const std::string& got, const std::string& expected) {
-  if (got == expected) return "";
-  size_t at = 0;
-  while (at < got.size() && at < expected.size() && got[at] == expected[at]) ++at;
-  return "sizes " + std::to_string(got.size()) + " and " + std::to_string(expected.size()) +
-         ", first difference at byte " + std::to_string(at) + ": got \"" + got.substr(at, 40) +
-         "\", expected \"" + expected.substr(at, 40) + "\"";
-}
-
 std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   std::ostringstream out;

@@ -24,10 +24,6 @@ int FreePort();
 bool WaitFor(const std::function<bool()>& done,
              std::chrono::milliseconds deadline = std::chrono::seconds(20));
 
-// "" when `got` equals `expected`, else where they first differ and a few
-// bytes of each from there (a whole record file in a message helps no one).
-std::string Diff(const std::string& got, const std::string& expected);
-
 // The whole content of a file ("" when missing).
 std::string ReadFile(const std::string& path);
 

@@ -59,12 +59,14 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
     std::string switch_toml, source_toml;
     std::vector<std::string> expected;
   } rows[] = {
-      {"Panasonic TCP port with a login",
-       {"panasonic", "--port", "{port}", "--records", kKxRecords, "--rate", "0"},
+      {"Panasonic TCP port with a login, cut every 11 records",
+       {"panasonic", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--cut-every",
+        "11"},
        true,
        kHeadings,
        "[[switch.source]]\nname = \"lan\"\nkind = \"tcp-connect\"\nhost = \"127.0.0.1\"\n"
-       "port = {port}\n[[switch.source.login]]\nexpect = \"login: \"\nsend = \"SMDR\\r\\n\"\n"
+       "port = {port}\nretry_min = \"50ms\"\n[[switch.source.login]]\nexpect = \"login: \"\nsend = "
+       "\"SMDR\\r\\n\"\n"
        "[[switch.source.login]]\nexpect = \"Password: \"\nsend = \"PCCSMDR\\r\\n\"\n",
        RecordsOf(kKxRecords, kHeadingLines)},
       {"one byte at a time",
@@ -154,6 +156,53 @@ std::unique_ptr<Child> Pusher(int port, const std::string& records, const std::s
   return std::make_unique<Child>(
       std::vector<std::string>{EmulatorPath(), "ipoffice", "--port", std::to_string(port),
                                "--records", records, "--rate", rate, "--retry-ms", "50"});
+}
+
+// A serial device that goes away and comes back, a followed file truncated
+// and written again while the service was stopped, a peer not allowed.
+TEST(CaptureService, SourcesComeBackAndStrangersAreRefused) {
+  const std::string dir = TempDir("come-back");
+  const std::string store = dir + "/calls.db";
+  const int port = FreePort();
+  const std::string config = WriteConfig(
+      dir, store, kHeadings,
+      "[[switch.source]]\nname = \"com1\"\nkind = \"serial\"\ndevice = \"" + dir +
+          "/tty\"\nretry_min = \"50ms\"\n[[switch.source]]\nname = \"log\"\n"
+          "kind = \"file-follow\"\npath = \"" +
+          dir + "/smdr.log\"\n" + kListen + std::to_string(port) + "\nallow = [\"10.0.0.0/8\"]\n");
+  // 55 distinct records: 20 by the serial port, 30 after it comes back, 5 by the file.
+  const std::vector<std::string> all = GenerateRecords(dir + "/all.txt", 55);
+  auto write = [&](const std::string& name, size_t from, size_t to) {
+    std::ofstream out(dir + "/" + name);
+    for (size_t i = from; i < to; ++i) out << all[i] << "\r\n";
+  };
+  write("serial1.txt", 0, 20);
+  write("serial2.txt", 20, 50);
+  auto serial_port = [&](const std::string& records) {
+    return std::make_unique<Child>(std::vector<std::string>{EmulatorPath(), "serial", "--link",
+                                                            dir + "/tty", "--records",
+                                                            dir + "/" + records, "--rate", "0"});
+  };
+  auto emulator = serial_port("serial1.txt");
+  auto service = StartService(config, dir);
+  std::ofstream(dir + "/smdr.log") << all[50] << "\r\n" << all[51] << "\r\n";
+  EXPECT_TRUE(WaitForRecords(store, 22));
+  emulator.reset();  // unplugged
+  EXPECT_TRUE(WaitFor([&] {
+    return ReadFile(dir + "/service.log").find("com1: disconnected: device lost") !=
+           std::string::npos;
+  }));
+  emulator = serial_port("serial2.txt");
+  auto stranger = Pusher(port, kKxRecords, "0");
+  EXPECT_TRUE(WaitForRecords(store, 52));
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  std::ofstream(dir + "/smdr.log", std::ios::trunc) << all[52] << "\r\n";  // truncated while down
+  service = StartService(config, dir);
+  std::ofstream(dir + "/smdr.log", std::ios::app) << all[53] << "\r\n" << all[54];
+  EXPECT_TRUE(WaitForRecords(store, 55)) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), all);
+  EXPECT_NE(ReadFile(dir + "/service.log").find("refused 127.0.0.1"), std::string::npos);
 }
 
 // A restart goes on from the checkpoints; a spool tail torn while the

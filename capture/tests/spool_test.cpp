@@ -202,23 +202,5 @@ TEST(Spool, AFullDiskRefusesAnAppendWithoutTearingTheSegment) {
   EXPECT_EQ(entries.back().bytes, "after the disk had room again");
 }
 
-TEST(SpoolFormat, SegmentNamesSortAsPositionsAndOthersAreIgnored) {
-  const struct {
-    const char* name;
-    int64_t first;
-  } rows[] = {
-      {"00000000000000000042.spool", 42},     {"01732500000000000000.spool", 1732500000000000000},
-      {"0000000000000000042.spool", -1},      {"0000000000000000004x.spool", -1},
-      {"00000000000000000042.spool.tmp", -1}, {"99999999999999999999.spool", -1},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(spool_format::SegmentFirst(row.name), row.first);
-    if (row.first >= 0) {
-      EXPECT_EQ(spool_format::SegmentName(row.first), row.name);
-    }
-  }
-}
-
 }  // namespace
 }  // namespace velqua_capture

@@ -56,17 +56,5 @@ TEST(CaptureStatus, ShowsEachStreamAndTheSourcesNeverConnected) {
   EXPECT_NE(out.find("lan                    kx         never"), std::string::npos) << out;
 }
 
-TEST(CaptureCommand, ABadConfigurationIsOneLineNamingFileLineAndKey) {
-  const std::string config = WriteConfig();
-  std::ofstream(config, std::ios::app) << "baud = 9600\n";
-  try {
-    RunCapture({config});
-    FAIL() << "started";
-  } catch (const CliError& e) {
-    EXPECT_EQ(std::string(e.what()),
-              config + ":15: switch[0].source[1].baud: not a key of a tcp-listen source");
-  }
-}
-
 }  // namespace
 }  // namespace velqua_cli
