@@ -68,7 +68,7 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
   settings.end = static_cast<velqua_records::RecordEnd>(options % 6);
   settings.strip_bit7 = (options & 8) != 0;
   settings.strip_controls = (options & 16) != 0;
-  settings.page_headings = {"^-{8,}", "====$"};
+  settings.page_headings = {"--------*", "*====", "*Date*Time*"};
   const std::vector<Framed> whole = Frame(settings, input, input.size() + 1);
   const size_t piece = 1 + (options >> 5);
   if (Frame(settings, input, piece) != whole) {

@@ -22,7 +22,9 @@ namespace {
 
 const std::string kKxRecords = kExamples + "/kx-tda/records.txt";
 const std::string kHeadings =
-    "[switch.framing]\npage_headings = ['^\\s*Date\\s+Time', '^-{40,}', '====\\s*$']\n";
+    "[switch.framing]\npage_headings = ['*Date*Time*', "
+    "'----------------------------------------*', '*===='"
+    "]\n";
 const std::vector<std::string> kHeadingLines = {"  Date", "-----"};
 
 // The calls of a multi-line (Norstar) records file, each joined as the

@@ -49,12 +49,34 @@ size_t WholeRecordsSize(std::string_view bytes, RecordEnd end) {
   return at == std::string_view::npos ? 0 : at + 1;
 }
 
+bool MatchesHeading(std::string_view pattern, std::string_view text) {
+  // On a mismatch the last `*` takes one more byte and matching resumes.
+  size_t p = 0, t = 0, star = std::string_view::npos, resume = 0;
+  while (t < text.size()) {
+    if (p < pattern.size() && pattern[p] == '*') {
+      star = p++;
+      resume = t;
+    } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
+      ++p;
+      ++t;
+    } else if (star != std::string_view::npos) {
+      p = star + 1;
+      t = ++resume;
+    } else {
+      return false;
+    }
+  }
+  while (p < pattern.size() && pattern[p] == '*') ++p;
+  return p == pattern.size();
+}
+
 Framer::Framer(const FramingSettings& settings) : settings_(settings) {
   for (const std::string& pattern : settings_.page_headings) {
-    try {
-      headings_.emplace_back(pattern, std::regex::ECMAScript | std::regex::optimize);
-    } catch (const std::regex_error& e) {
-      throw Failure("page heading '" + pattern + "' is not a regular expression: " + e.what());
+    if (pattern.empty() || pattern.size() > 255) {
+      throw Failure("page heading '" + pattern + "' must be 1 to 255 bytes");
+    }
+    if (pattern.find_first_not_of('*') == std::string::npos) {
+      throw Failure("page heading '" + pattern + "' would match every record");
     }
   }
   record_.reserve(256);
@@ -135,8 +157,8 @@ void Framer::End(const Emit& emit) {
 }
 
 bool Framer::IsHeading(std::string_view record) const {
-  for (const std::regex& pattern : headings_) {
-    if (std::regex_search(record.begin(), record.end(), pattern)) return true;
+  for (const std::string& pattern : settings_.page_headings) {
+    if (MatchesHeading(pattern, record)) return true;
   }
   return false;
 }

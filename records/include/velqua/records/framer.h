@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <regex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +29,11 @@ enum class RecordEnd {
 // "crlf", "nul", "stx-etx"); false for any other word.
 bool RecordEndOf(std::string_view word, RecordEnd* end);
 
+// Whether `text` matches `pattern` as a whole: `*` any run of bytes (none
+// included), `?` any one byte, every other byte itself. Time grows with the
+// product of the two lengths at worst; no recursion.
+bool MatchesHeading(std::string_view pattern, std::string_view text);
+
 // The length of the leading part of `bytes` that holds only whole records:
 // up to and including the last byte that ends a record (0 when none does).
 // A reader that must not cut a record in two (a followed file) hands over
@@ -44,8 +48,11 @@ struct FramingSettings {
   // Removes control bytes (below 0x20 but TAB, and DEL) from a record once it
   // is framed: form feeds, stray NULs, XON/XOFF. Default: off.
   bool strip_controls = false;
-  // Regular expressions (ECMAScript); a record in which one of them matches
-  // somewhere is a page heading. Default: none.
+  // Patterns of page headings, matched against a whole record (after
+  // stripping): `*` matches any run of bytes (none included), `?` any one
+  // byte, every other byte itself, letter case exact; e.g. "*Date*Time*Ext*"
+  // or "-----*". The same form as the headings of a configuration's JSON
+  // form. Default: none.
   std::vector<std::string> page_headings;
 };
 
@@ -93,7 +100,6 @@ class Framer {
   void End(const Emit& emit);
 
   FramingSettings settings_;
-  std::vector<std::regex> headings_;
   std::string record_;
   std::string stripped_;
   int64_t open_position_ = -1;
