@@ -1,20 +1,24 @@
 #!/usr/bin/env bash
-# Runs every test: formatting check, the g++ build and its tests, then the
-# clang build under AddressSanitizer + UndefinedBehaviorSanitizer and its tests.
+# Runs every test: formatting check, the g++ build and its tests, an install
+# used by hosts in C, C++ and Python, then the clang build under
+# AddressSanitizer + UndefinedBehaviorSanitizer and its tests.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh build -DVELQUA_WERROR=ON
 
 echo "== clang-format check"
-files=$(git ls-files '*.h' '*.cpp' 2>/dev/null || find include src tests tools surfaces bench fuzz -name '*.h' -o -name '*.cpp')
+files=$(git ls-files '*.h' '*.c' '*.cpp' 2>/dev/null || find include src tests tools surfaces bench fuzz -name '*.h' -o -name '*.cpp')
 clang-format --dry-run -Werror $files
 
 echo "== tests (g++)"
 ctest --test-dir build --output-on-failure -j"$(nproc)"
 
+echo "== install (C, C++ and Python hosts outside the tree)"
+scripts/check_install.sh build
+
 echo "== tests (clang, ASan + UBSan)"
-CXX=clang++ scripts/setup.sh build-asan -DVELQUA_SANITIZE=ON -DVELQUA_WERROR=ON \
+CC=clang CXX=clang++ scripts/setup.sh build-asan -DVELQUA_SANITIZE=ON -DVELQUA_WERROR=ON \
   -DCMAKE_BUILD_TYPE=Debug
 ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
   ctest --test-dir build-asan --output-on-failure -j"$(nproc)"

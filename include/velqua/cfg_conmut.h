@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "velqua/enums.h"
+#include "velqua/export.h"
 
 namespace velqua {
 
@@ -67,7 +68,7 @@ struct RegCTE {
 // The notifications of a configuration (the events hosts know as
 // __clsCfgConmut). Delivered synchronously, in registration order, after the
 // new value is in place, so a listener that reads the object sees it.
-class EventosCfgConmut {
+class VELQUA_EXPORT EventosCfgConmut {
  public:
   virtual ~EventosCfgConmut() = default;
   // An effective change of Marca or Modelo, always before its Cambios.
@@ -78,7 +79,7 @@ class EventosCfgConmut {
   virtual void Cambios() {}
 };
 
-class clsCfgConmut {
+class VELQUA_EXPORT clsCfgConmut {
  public:
   // Every member zero, then the reset, which notifies nothing: every text is
   // already empty. Not copyable: listeners and translators hold the object.

@@ -5,6 +5,8 @@
 #include <exception>
 #include <string>
 
+#include "velqua/export.h"
+
 namespace velqua {
 
 // Object-error base of the library's own errors: number = base + code.
@@ -29,7 +31,7 @@ constexpr int32_t NumeroErrorObjeto(int32_t code) {
 
 // Every failure of the library is thrown as velqua::Error; a surface's own
 // exceptions pass through the drawings unchanged.
-class Error : public std::exception {
+class VELQUA_EXPORT Error : public std::exception {
  public:
   // Keeps the three as given; what() gives the UTF-8 of the description.
   Error(int32_t number, std::u16string source, std::u16string description);

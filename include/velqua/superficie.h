@@ -5,12 +5,14 @@
 #include <cstdint>
 #include <string>
 
+#include "velqua/export.h"
+
 namespace velqua {
 
 // Operations the library calls by name on the host's surface. Coordinates are
 // in the surface's own units (twips); colours are 0x00BBGGRR. An exception
 // thrown by any operation ends the drawing and propagates to the caller.
-class Superficie {
+class VELQUA_EXPORT Superficie {
  public:
   virtual ~Superficie() = default;
   // The font of the next Print and TextHeight: name, size in points, weight.

@@ -21,6 +21,7 @@
 #include <utility>
 #include <vector>
 
+#include "velqua/export.h"
 #include "velqua/superficie.h"
 
 namespace velqua {
@@ -39,7 +40,7 @@ struct LlamadaGrabada {
   float sglResultado = 0;    // TextHeight, TwipsPerPixelX, TwipsPerPixelY
 };
 
-class SuperficieGrabadora : public Superficie {
+class VELQUA_EXPORT SuperficieGrabadora : public Superficie {
  public:
   // px and py in surface units; default 15 (a 96-dpi screen, in twips).
   explicit SuperficieGrabadora(float sglTwipsPorPixelX = 15, float sglTwipsPorPixelY = 15);

@@ -13,13 +13,14 @@
 
 #include "velqua/cfg_conmut.h"
 #include "velqua/enums.h"
+#include "velqua/export.h"
 
 namespace velqua {
 namespace plataforma {
 struct FechaHora;
 }  // namespace plataforma
 
-class clsTraductor {
+class VELQUA_EXPORT clsTraductor {
  public:
   // Unbound, all texts empty, type emTradNoIdentificada, attribute
   // emATRNoAtributo. The random generator gets a first seed from the system

@@ -23,26 +23,31 @@ ConfigFormat ConfigFormatOf(const std::string& path) {
                 "' (use .cfg, .ini or .json)");
 }
 
-std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path) {
+SwitchConfig LoadSwitchConfig(const std::string& path) {
   const ConfigFormat format = ConfigFormatOf(path);
   RequireReadableFile(path, "configuration");
-  auto cfg = std::make_shared<velqua::clsCfgConmut>();
+  SwitchConfig config{std::make_shared<velqua::clsCfgConmut>(), {}, {}};
   switch (format) {
     case ConfigFormat::kCfg:
-      cfg->Abrir(U16(path));
+      config.cfg->Abrir(U16(path));
       break;
     case ConfigFormat::kIni:
-      cfg->Importar(U16(path));
+      config.cfg->Importar(U16(path));
       break;
     case ConfigFormat::kJson:
       try {
-        ConfigFromJson(ReadWholeFile(path, "configuration"), *cfg);
+        SwitchConfigFromJson(ReadWholeFile(path, "configuration"), *config.cfg, &config.form,
+                             &config.delivery);
       } catch (const Failure& e) {
         throw Failure("configuration '" + path + "': " + e.what());
       }
       break;
   }
-  return cfg;
+  return config;
+}
+
+std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path) {
+  return LoadSwitchConfig(path).cfg;
 }
 
 namespace {
@@ -121,6 +126,46 @@ void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool 
   if (!problem.empty()) {
     std::fprintf(stderr, "velqua: warning: '%s' does not hold this configuration (%s)\n",
                  path.c_str(), problem.c_str());
+  }
+}
+
+void SaveSwitchConfigChecked(SwitchConfig& config, const std::string& path, bool force) {
+  if (ConfigFormatOf(path) != ConfigFormat::kJson) {
+    if (config.form.delimited && !force) {
+      throw Failure("'" + path +
+                    "' cannot hold this configuration (its records are delimited, and only the "
+                    "JSON form can say how to shape them); nothing written (--force writes it "
+                    "anyway)");
+    }
+    SaveConfigChecked(*config.cfg, path, force);
+    std::string dropped;
+    if (!config.delivery.empty()) dropped = "the delivery";
+    if (!config.form.Plain()) {
+      dropped += std::string(dropped.empty() ? "" : " and ") + "the record form (" +
+                 config.form.Describe() + ")";
+    }
+    if (!dropped.empty()) {
+      std::fprintf(stderr, "velqua: note: '%s' does not keep %s: only the JSON form does\n",
+                   path.c_str(), dropped.c_str());
+    }
+    return;
+  }
+  RequireWritableTarget(path);
+  const std::string temporary = TemporaryBeside(path);
+  struct Remove {
+    const std::string& name;
+    ~Remove() { std::remove(name.c_str()); }
+  } remove{temporary};
+  const std::string text = SwitchConfigToJson(*config.cfg, config.form, config.delivery);
+  {
+    std::unique_ptr<std::FILE, FileCloser> f(OpenFile(temporary, "wb", "output"));
+    if (std::fwrite(text.data(), 1, text.size(), f.get()) != text.size() ||
+        std::fflush(f.get()) != 0) {
+      throw Failure("cannot write '" + path + "'");
+    }
+  }
+  if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+    throw Failure("cannot write '" + path + "': " + std::strerror(errno));
   }
 }
 

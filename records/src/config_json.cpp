@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "record_form_json.h"
 #include "velqua/enums.h"
 #include "velqua/records/common.h"
 #include "velqua/records/names.h"
@@ -91,41 +92,27 @@ void WriteWiring(const clsCfgConmut& cfg, std::string& out) {
 
 // ---- reading ----
 
-[[noreturn]] void Fail(const std::string& where, const std::string& what) {
-  throw Failure(where + ": " + what);
-}
-
-void CheckMembers(const json& object, const std::string& where,
-                  std::initializer_list<const char*> allowed) {
-  if (!object.is_object()) Fail(where, "must be an object");
-  for (auto it = object.begin(); it != object.end(); ++it) {
-    bool known = false;
-    for (const char* name : allowed) known = known || it.key() == name;
-    if (!known) Fail(where.empty() ? it.key() : where + "." + it.key(), "unknown member");
-  }
-}
-
 std::u16string Text(const json& object, const char* name, const std::string& where,
                     size_t max_size) {
   if (!object.contains(name)) return u"";
   const json& value = object.at(name);
-  if (!value.is_string()) Fail(where + name, "must be a string");
+  if (!value.is_string()) FailJson(where + name, "must be a string");
   std::u16string text = U16(value.get<std::string>());
   if (text.size() > max_size) {
-    Fail(where + name,
-         std::to_string(text.size()) + " characters, at most " + std::to_string(max_size));
+    FailJson(where + name,
+             std::to_string(text.size()) + " characters, at most " + std::to_string(max_size));
   }
   return text;
 }
 
 int64_t Integer(const json& object, const char* name, const std::string& where, int64_t low,
                 int64_t high) {
-  if (!object.contains(name)) Fail(where + "." + name, "missing");
+  if (!object.contains(name)) FailJson(where + "." + name, "missing");
   const json& value = object.at(name);
-  if (!value.is_number_integer()) Fail(where + "." + name, "must be an integer");
+  if (!value.is_number_integer()) FailJson(where + "." + name, "must be an integer");
   const int64_t number = value.get<int64_t>();
   if (number < low || number > high) {
-    Fail(where + "." + name, "must be " + std::to_string(low) + " to " + std::to_string(high));
+    FailJson(where + "." + name, "must be " + std::to_string(low) + " to " + std::to_string(high));
   }
   return number;
 }
@@ -134,11 +121,11 @@ int32_t EnumValue(const json& value, EnumKind kind, const std::string& where) {
   int32_t result = 0;
   if (value.is_number_integer()) {
     const int64_t number = value.get<int64_t>();
-    if (number < INT32_MIN || number > INT32_MAX) Fail(where, "out of range");
+    if (number < INT32_MIN || number > INT32_MAX) FailJson(where, "out of range");
     return static_cast<int32_t>(number);
   }
   if (!value.is_string() || !EnumValueOf(kind, value.get<std::string>(), &result)) {
-    Fail(where, "unknown name " + value.dump());
+    FailJson(where, "unknown name " + value.dump());
   }
   return result;
 }
@@ -148,9 +135,9 @@ int32_t EnumValue(const json& value, EnumKind kind, const std::string& where) {
 // fails with an overflow (error 6), so such a configuration is refused here.
 void RequireWithinRecord(int64_t pos, int64_t size, const std::string& where) {
   if (pos + size > 255) {
-    Fail(where, "pos " + std::to_string(pos) + " + size " + std::to_string(size) + " = " +
-                    std::to_string(pos + size) +
-                    ", above 255: no record could be translated (overflow, error 6)");
+    FailJson(where, "pos " + std::to_string(pos) + " + size " + std::to_string(size) + " = " +
+                        std::to_string(pos + size) +
+                        ", above 255: no record could be translated (overflow, error 6)");
   }
 }
 
@@ -163,7 +150,7 @@ velqua::emTipoDato FieldType(const json& value, const std::string& where) {
   }
   const int32_t type = EnumValue(value, EnumKind::kTipoDato, where);
   if (type < velqua::emValorNumerico || type > velqua::emValorCadena) {
-    Fail(where, "must be \"numeric\", \"constant\" or \"string\"");
+    FailJson(where, "must be \"numeric\", \"constant\" or \"string\"");
   }
   return static_cast<velqua::emTipoDato>(type);
 }
@@ -173,10 +160,10 @@ void ReadField(const std::string& key_name, const json& field, clsCfgConmut& cfg
   int32_t key = 0;
   if (!EnumValueOf(EnumKind::kParamDato, key_name, &key) || key <= velqua::emPrimerParamDato ||
       key >= velqua::emUltimoParamDato) {
-    Fail(where, "not a data-field key (emParamFechaDia ... emParamExtensionTransferida)");
+    FailJson(where, "not a data-field key (emParamFechaDia ... emParamExtensionTransferida)");
   }
-  CheckMembers(field, where, {"pos", "size", "type"});
-  if (!field.contains("type")) Fail(where + ".type", "missing");
+  CheckJsonMembers(field, where, {"pos", "size", "type"});
+  if (!field.contains("type")) FailJson(where + ".type", "missing");
   cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
   cfg.TipoDatoDATO(FieldType(field.at("type"), where + ".type"));
   const int64_t pos = Integer(field, "pos", where, 1, 255);
@@ -191,13 +178,13 @@ void ReadConstant(const std::string& key_name, const json& constant, clsCfgConmu
   int32_t key = 0;
   if (!EnumValueOf(EnumKind::kParamDatoConstante, key_name, &key) ||
       key <= velqua::emPrimerParamDatoConstante || key >= velqua::emUltimoParamDatoConstante) {
-    Fail(where,
-         "not a constant key (emDatoCteIdentificadorHorarioMatutinoFecha ... "
-         "emDatoCteIdentNoContestada)");
+    FailJson(where,
+             "not a constant key (emDatoCteIdentificadorHorarioMatutinoFecha ... "
+             "emDatoCteIdentNoContestada)");
   }
-  CheckMembers(constant, where, {"pos", "text", "size"});
+  CheckJsonMembers(constant, where, {"pos", "text", "size"});
   const std::u16string text = Text(constant, "text", where + ".", velqua::kTamTextoCte);
-  if (text.empty()) Fail(where + ".text", "missing or empty");
+  if (text.empty()) FailJson(where + ".text", "missing or empty");
   cfg.CTEActivo(static_cast<velqua::emParamDatoConstante>(key));
   const int64_t pos = Integer(constant, "pos", where, 1, 255);
   const int64_t size = constant.contains("size") ? Integer(constant, "size", where, 1, 255)
@@ -209,27 +196,27 @@ void ReadConstant(const std::string& key_name, const json& constant, clsCfgConmu
 }
 
 void ReadWiring(const json& wiring, clsCfgConmut& cfg) {
-  CheckMembers(wiring, "wiring", {"rj45", "db9", "db25"});
+  CheckJsonMembers(wiring, "wiring", {"rj45", "db9", "db25"});
   for (const PortInfo& port : kPorts) {
     if (!wiring.contains(port.name)) continue;
     const std::string where = std::string("wiring.") + port.name;
     const json& pairs = wiring.at(port.name);
-    if (!pairs.is_array()) Fail(where, "must be a list of [switchPin, computerPin]");
+    if (!pairs.is_array()) FailJson(where, "must be a list of [switchPin, computerPin]");
     const int16_t first = port.port == velqua::emPuertoDB25 ? 2 : port.first_pin;
     for (size_t i = 0; i < pairs.size(); ++i) {
       const std::string at = where + "[" + std::to_string(i) + "]";
       const json& pair = pairs[i];
       if (!pair.is_array() || pair.size() != 2 || !pair[0].is_number_integer() ||
           !pair[1].is_number_integer()) {
-        Fail(at, "must be [switchPin, computerPin]");
+        FailJson(at, "must be [switchPin, computerPin]");
       }
       const int64_t pin = pair[0].get<int64_t>();
       const int64_t pc = pair[1].get<int64_t>();
       if (pin < first || pin > port.last_pin) {
-        Fail(at, "switch pin must be " + std::to_string(first) + " to " +
-                     std::to_string(port.last_pin));
+        FailJson(at, "switch pin must be " + std::to_string(first) + " to " +
+                         std::to_string(port.last_pin));
       }
-      if (pc < 1 || pc > kLastComputerPin) Fail(at, "computer pin must be 1 to 31");
+      if (pc < 1 || pc > kLastComputerPin) FailJson(at, "computer pin must be 1 to 31");
       cfg.ActivaPin(port.port, static_cast<int16_t>(pin), static_cast<int16_t>(pc));
     }
   }
@@ -237,7 +224,11 @@ void ReadWiring(const json& wiring, clsCfgConmut& cfg) {
 
 }  // namespace
 
-std::string ConfigToJson(clsCfgConmut& cfg) {
+namespace {
+
+// The whole JSON form; `extra` (members with their trailing ",\n") goes after
+// the comments.
+std::string WriteForm(clsCfgConmut& cfg, const std::string& extra) {
   const velqua::emParamDato dato = cfg.DATOActivo();
   const velqua::emParamDatoConstante cte = cfg.CTEActivo();
   std::string out = "{\n";
@@ -248,6 +239,7 @@ std::string ConfigToJson(clsCfgConmut& cfg) {
          ",\n";
   out += "  \"separator\": " + Quote(U8(cfg.Separador())) + ",\n";
   out += "  \"comments\": " + Quote(U8(cfg.Comentarios())) + ",\n";
+  out += extra;
   WriteFields(cfg, out);
   WriteConstants(cfg, out);
   WriteWiring(cfg, out);
@@ -257,10 +249,9 @@ std::string ConfigToJson(clsCfgConmut& cfg) {
   return out;
 }
 
-void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
-  json root;
+json Parse(std::string_view json_text) {
   try {
-    root = json::parse(json_text.begin(), json_text.end());
+    return json::parse(json_text.begin(), json_text.end());
   } catch (const json::parse_error& e) {
     // nlohmann's message ends with the position; keep only its last clause.
     std::string message = e.what();
@@ -268,15 +259,51 @@ void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
     throw Failure("not valid JSON: " +
                   (colon == std::string::npos ? message : message.substr(colon)));
   }
-  CheckMembers(
-      root, "",
-      {"brand", "model", "case", "separator", "comments", "fields", "constants", "wiring"});
+}
+
+void ReadForm(const json& root, clsCfgConmut& cfg);
+
+}  // namespace
+
+std::string ConfigToJson(clsCfgConmut& cfg) { return WriteForm(cfg, ""); }
+
+std::string SwitchConfigToJson(clsCfgConmut& cfg, const RecordForm& form,
+                               const std::string& delivery) {
+  std::string extra;
+  if (!delivery.empty()) extra += "  \"delivery\": " + Quote(delivery) + ",\n";
+  const std::string records = RecordFormToJson(form);
+  if (!records.empty()) extra += "  \"records\": " + records + ",\n";
+  return WriteForm(cfg, extra);
+}
+
+void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
+  ReadForm(Parse(json_text), cfg);
+}
+
+void SwitchConfigFromJson(std::string_view json_text, clsCfgConmut& cfg, RecordForm* form,
+                          std::string* delivery) {
+  const json root = Parse(json_text);
+  ReadForm(root, cfg);
+  *form = root.contains("records") ? RecordFormFromJson(root.at("records")) : RecordForm();
+  delivery->clear();
+  if (root.contains("delivery")) {
+    if (!root.at("delivery").is_string()) FailJson("delivery", "must be a string");
+    *delivery = root.at("delivery").get<std::string>();
+  }
+}
+
+namespace {
+
+void ReadForm(const json& root, clsCfgConmut& cfg) {
+  CheckJsonMembers(root, "",
+                   {"brand", "model", "case", "separator", "comments", "delivery", "records",
+                    "fields", "constants", "wiring"});
   cfg.Marca(Text(root, "brand", "", static_cast<size_t>(velqua::kTamMarca)));
   cfg.Modelo(Text(root, "model", "", static_cast<size_t>(velqua::kTamModelo)));
   if (root.contains("case")) {
     const int32_t handling = EnumValue(root.at("case"), EnumKind::kCaso, "case");
     if (EnumNameOf(EnumKind::kCaso, handling) == nullptr) {
-      Fail("case", "unknown handling case " + std::to_string(handling) + " (known: 0 to 12)");
+      FailJson("case", "unknown handling case " + std::to_string(handling) + " (known: 0 to 12)");
     }
     cfg.Caso(static_cast<velqua::emCasos>(handling));
   }
@@ -284,12 +311,12 @@ void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
   cfg.Comentarios(Text(root, "comments", "", static_cast<size_t>(cfg.TamMaxComentarios())));
   if (root.contains("fields")) {
     const json& fields = root.at("fields");
-    if (!fields.is_object()) Fail("fields", "must be an object");
+    if (!fields.is_object()) FailJson("fields", "must be an object");
     for (auto it = fields.begin(); it != fields.end(); ++it) ReadField(it.key(), *it, cfg);
   }
   if (root.contains("constants")) {
     const json& constants = root.at("constants");
-    if (!constants.is_object()) Fail("constants", "must be an object");
+    if (!constants.is_object()) FailJson("constants", "must be an object");
     for (auto it = constants.begin(); it != constants.end(); ++it) {
       ReadConstant(it.key(), *it, cfg);
     }
@@ -300,4 +327,5 @@ void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
   cfg.Modificado(false);
 }
 
+}  // namespace
 }  // namespace velqua_records

@@ -17,7 +17,8 @@ namespace {
 constexpr size_t kReadSize = 1 << 16;
 }
 
-LineReader::LineReader(std::FILE* stream) : stream_(stream), buffer_(kReadSize, '\0') {}
+LineReader::LineReader(std::FILE* stream, int64_t offset)
+    : stream_(stream), buffer_(kReadSize, '\0'), buffer_offset_(offset), line_offset_(offset) {}
 
 LineReader::LineReader(std::FILE* stream, Live live)
     : stream_(stream),
@@ -55,11 +56,13 @@ bool LineReader::Reopened() {
     ::close(fd);
     inode_ = now.st_ino;
     offset_ = 0;
+    buffer_offset_ = -static_cast<int64_t>(end_);  // the next read starts at 0
     return true;
   }
   if (now.st_size < offset_) {
     ::lseek(fd_, 0, SEEK_SET);
     offset_ = 0;
+    buffer_offset_ = -static_cast<int64_t>(end_);
     return true;
   }
   return now.st_size > offset_;
@@ -74,6 +77,7 @@ bool LineReader::Refill() {
       const ssize_t n = ::read(fd_, &buffer_[0], buffer_.size());
       if (n > 0) {
         offset_ += n;
+        buffer_offset_ += static_cast<int64_t>(end_);
         begin_ = 0;
         end_ = static_cast<size_t>(n);
         return true;
@@ -103,6 +107,7 @@ bool LineReader::Refill() {
     if (std::ferror(stream_)) throw Failure("read error on input");
     eof_ = true;
   }
+  buffer_offset_ += static_cast<int64_t>(end_);
   begin_ = 0;
   end_ = n;
   return n > 0;
@@ -147,6 +152,7 @@ bool LineReader::Next(std::string_view* line) {
     const char* start = buffer_.data() + begin_;
     const size_t avail = end_ - begin_;
     const size_t i = FindLineEnd(start, avail);
+    if (!any) line_offset_ = buffer_offset_ + static_cast<int64_t>(begin_);
     any = true;
     if (i == avail) {
       carry_.append(start, i);

@@ -68,7 +68,8 @@ bool IsLive(std::FILE* stream, bool follow) {
 
 Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink,
                          const Settings& settings)
-    : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8) {
+    : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8), form_(settings.form) {
+  plain_ = form_.Plain() && cfg_->Caso() != velqua::emCasoNortelNorstar0x32SMDR6;
   ProgramClock::Instance();  // the library reads the records' clock from here on
   traductor_.Conmutador(cfg_);
   traductor_.ArchivoLlamadasError(U16(settings.errors_log));
@@ -78,12 +79,13 @@ Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sin
   }
 }
 
-void Translation::Input(const std::string& name, const FechaHora& received) {
+void Translation::Input(const std::string& name, const FechaHora& received, int64_t offset) {
   input_ = name;
   received_ = received;
+  start_offset_ = offset;
 }
 
-void Translation::Record(const std::u16string& record) {
+void Translation::Record(const std::u16string& record, int64_t offset) {
   const int64_t number = ++counts_.read;
   ProgramClock& clock = ProgramClock::Instance();
   clock.Freeze();
@@ -91,9 +93,16 @@ void Translation::Record(const std::u16string& record) {
     ProgramClock& clock;
     ~Thaw() { clock.Thaw(); }
   } thaw{clock};
+  const std::u16string* text = &record;
+  if (form_.delimited) {
+    const ShapeOutcome outcome = ShapeDelimited(form_.fields, record, &shaped_);
+    counts_.more_fields += outcome.more;
+    counts_.fewer_fields += outcome.fewer;
+    text = &shaped_;
+  }
   Row row;
   try {
-    traductor_.LlamadaActual(record);
+    traductor_.LlamadaActual(*text);
     row = ReadRow(number);
   } catch (const velqua::Error& e) {
     row = Row();
@@ -107,6 +116,8 @@ void Translation::Record(const std::u16string& record) {
     if (counts_.listed.size() < Counts::kListed) counts_.listed.push_back(number);
   }
   counts_.random_extensions += row.random_extension;
+  row.offset = offset;
+  row.text = record;
   sink_.Write(row);
 }
 
@@ -130,32 +141,100 @@ Row Translation::ReadRow(int64_t number) {
   return row;
 }
 
+bool Translation::Line(std::u16string_view line, int64_t offset) {
+  if (!form_.nul_ends_record) return Piece(line, offset);
+  // Each NUL ends a record; an empty piece (a NUL then the line end) is none.
+  // A piece's offset is its line's plus the characters before it: exact in
+  // bytes for single-byte input, and in any input distinct for every record
+  // and below the next line's.
+  bool wrote = false;
+  int64_t at = offset;
+  for (size_t end; (end = line.find(u'\0')) != std::u16string_view::npos;) {
+    wrote = Piece(line.substr(0, end), at) || wrote;
+    line.remove_prefix(end + 1);
+    if (offset >= 0) at += static_cast<int64_t>(end) + 1;
+  }
+  return Piece(line, at) || wrote;
+}
+
+bool Translation::Piece(std::u16string_view piece, int64_t offset) {
+  // An empty line carries no record (the Norstar report ends with two).
+  if (piece.empty()) return false;
+  if (!form_.headings.empty() && form_.IsHeading(piece)) {
+    ++counts_.headings;
+    if (on_heading) on_heading(input_, piece, offset);
+    return false;
+  }
+  if (holding_ && form_.IsContinuation(piece)) {
+    form_.Join(piece, &held_);
+    return false;
+  }
+  if (form_.continuation.empty()) return Emit(piece, offset);
+  // The record is complete when the next line is not one of its continuations.
+  const bool wrote = FlushHeld();
+  held_.assign(piece.data(), piece.size());
+  held_offset_ = offset;
+  holding_ = true;
+  return wrote;
+}
+
+bool Translation::FlushHeld() {
+  if (!holding_) return false;
+  holding_ = false;
+  return Emit(held_, held_offset_);
+}
+
+// A multi-line call is translated when the next one starts, with the offset
+// of its first line.
+bool Translation::Emit(std::u16string_view record, int64_t offset) {
+  if (gatherer_ == nullptr) {
+    record_.assign(record.data(), record.size());  // reuses the storage of the last one
+    Record(record_, offset);
+    return true;
+  }
+  const int64_t closed_offset = call_offset_;
+  if (gatherer_->Add(record, &call_)) {
+    call_offset_ = offset;
+    Record(call_, closed_offset);
+    return true;
+  }
+  if (call_offset_ < 0) call_offset_ = offset;
+  return false;
+}
+
+bool Translation::FinishCall() {
+  if (gatherer_ == nullptr || !gatherer_->Finish(&call_)) return false;
+  Record(call_, std::exchange(call_offset_, -1));
+  return true;
+}
+
 void Translation::Lines(LineReader& reader, bool live) {
   std::string_view line;
   std::u16string text;
-  std::u16string call;
-  bool first = true;
+  // A byte-order mark can only open an input, not a resumed one.
+  bool first = reader.line_offset() == 0;
   while (reader.Next(&line)) {
     std::string_view bytes = line;
     if (first && utf8_ && bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
     first = false;
-    // An empty line carries no record (the Norstar report ends with two).
     if (bytes.empty()) continue;
-    Decode(bytes, utf8_, &text);
-    if (gatherer_ == nullptr) {
-      Record(text);
-    } else if (gatherer_->Add(text, &call)) {
-      Record(call);
-    } else {
-      continue;
+    if (form_.seven_bit) {
+      bytes_.assign(bytes.data(), bytes.size());
+      for (char& c : bytes_) c = static_cast<char>(c & 0x7F);
+      bytes = bytes_;
     }
-    if (live) sink_.Flush();  // each row out as soon as it is complete
+    Decode(bytes, utf8_, &text);
+    // Plain fixed-column lines, the common case, go to the library as decoded.
+    const int64_t offset = reader.line_offset();
+    const bool wrote = plain_ ? (Record(text, offset), true) : Line(text, offset);
+    if (wrote && live) sink_.Flush();  // each row out as soon as it is complete
   }
+  end_offset_ = reader.end_offset();
 }
 
 void Translation::Stream(std::FILE* stream, const std::string& follow) {
   if (!IsLive(stream, !follow.empty())) {
-    LineReader reader(stream);
+    LineReader reader(stream, start_offset_);
     Lines(reader, false);
     return;
   }
@@ -163,19 +242,16 @@ void Translation::Stream(std::FILE* stream, const std::string& follow) {
   live.follow = follow;
   live.stop = [] { return g_stop != 0; };
   live.on_idle = [this] {
-    std::u16string call;
-    if (gatherer_ != nullptr && gatherer_->Finish(&call)) {
-      Record(call);
-      sink_.Flush();
-    }
+    const bool held = FlushHeld();
+    if (FinishCall() || held) sink_.Flush();
   };
   LineReader reader(stream, std::move(live));
   Lines(reader, true);
 }
 
 void Translation::Finish() {
-  std::u16string call;
-  if (gatherer_ && gatherer_->Finish(&call)) Record(call);
+  FlushHeld();
+  FinishCall();
   sink_.Flush();
 }
 

@@ -9,10 +9,14 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "velqua/records/common.h"
+#include "velqua/records/config_io.h"
 #include "velqua/records/record_reader.h"
+#include "velqua/records/translation.h"
 
 namespace velqua_records {
 namespace {
@@ -53,6 +57,36 @@ TEST(LineReader, CrLfSplitAcrossReadsCountsOnce) {
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0], first);
   EXPECT_EQ(lines[1], "next");
+}
+
+// Each line's offset is that of its first byte, whatever ended the line
+// before it, across refills, and counted from where the stream started.
+TEST(LineReader, OffsetsPointAtEachLinesFirstByte) {
+  struct Case {
+    std::string bytes;
+    int64_t start;
+    std::vector<std::pair<int64_t, std::string>> lines;
+    int64_t end;
+  };
+  const std::string big(65535, 'x');  // its CR ends the first read, the LF starts the next
+  const Case cases[] = {
+      {"a\r\nbb\ncc\rd", 0, {{0, "a"}, {3, "bb"}, {6, "cc"}, {9, "d"}}, 10},
+      {"\n\nx\r\n", 0, {{0, ""}, {1, ""}, {2, "x"}}, 5},
+      {"a\nb\n", 1000, {{1000, "a"}, {1002, "b"}}, 1004},
+      {big + "\r\nnext\r\n", 0, {{0, big}, {65537, "next"}}, 65543},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.bytes.substr(0, 20));
+    std::unique_ptr<std::FILE, FileCloser> f(std::tmpfile());
+    std::fwrite(c.bytes.data(), 1, c.bytes.size(), f.get());
+    std::rewind(f.get());
+    LineReader reader(f.get(), c.start);
+    std::vector<std::pair<int64_t, std::string>> lines;
+    std::string line;
+    while (reader.Next(&line)) lines.emplace_back(reader.line_offset(), line);
+    EXPECT_EQ(lines, c.lines);
+    EXPECT_EQ(reader.end_offset(), c.end);
+  }
 }
 
 TEST(LineReader, LongLineSpanningReads) {
@@ -159,6 +193,49 @@ TEST(CallGatherer, ACallNeverGrowsPastTheLimit) {
     }
   }
   EXPECT_GT(calls, 0u);
+}
+
+// Keeps what the store needs of each row: offset, text and type.
+struct Kept : RowSink {
+  std::vector<std::tuple<int64_t, std::string, int32_t>> rows;
+  void Write(const Row& row) override { rows.emplace_back(row.offset, U8(row.text), row.type); }
+};
+
+// Rows carry the offset of their record's first byte and the record as
+// translated: a multi-line call its header's offset and its lines joined; a
+// resumed read counts from where it resumed.
+TEST(Translation, RowsCarryTheirRecordsOffsetAndText) {
+  const std::string dir = VELQUA_SOURCE_DIR "/examples/norstar/";
+  const std::string path = std::string(VELQUA_RECORDS_TEST_TMP) + "/norstar-two-calls.txt";
+  std::filesystem::create_directories(VELQUA_RECORDS_TEST_TMP);
+  const std::string first =
+      "-------- 02/03/26 08:01:12 LINE = 0003 STN = 7425\r\n"
+      "00:00:00 OUTGOING CALL\r\n"
+      "\r\n";
+  const std::string second =
+      "-------- 02/03/26 08:05:00 LINE = 0004 STN = 7426\r\n"
+      "00:01:00 CALL RELEASED\n";
+  std::ofstream(path, std::ios::binary) << first << second;
+  const auto start = static_cast<int64_t>(first.size());
+  const auto end = static_cast<int64_t>(first.size() + second.size());
+  const auto cfg = LoadConfig(dir + "norstar.json");
+  const std::string sep = U8(cfg->Separador());
+  for (const int64_t from : {int64_t{0}, start}) {
+    SCOPED_TRACE(from);
+    Kept kept;
+    Translation translation(cfg, kept, {});
+    std::unique_ptr<std::FILE, FileCloser> f(std::fopen(path.c_str(), "rb"));
+    std::fseek(f.get(), static_cast<long>(from), SEEK_SET);
+    translation.Input(path, FechaHora{2026, 2, 4, 9, 0, 0}, from);
+    translation.Stream(f.get());
+    translation.Finish();
+    EXPECT_EQ(translation.end_offset(), end);
+    ASSERT_EQ(kept.rows.size(), from == 0 ? 2u : 1u);
+    EXPECT_EQ(std::get<0>(kept.rows.back()), start);
+    EXPECT_EQ(std::get<1>(kept.rows.back()),
+              "-------- 02/03/26 08:05:00 LINE = 0004 STN = 7426" + sep + "00:01:00 CALL RELEASED");
+    EXPECT_EQ(std::get<0>(kept.rows.front()), from);
+  }
 }
 
 }  // namespace

@@ -26,6 +26,7 @@ namespace {
 constexpr double kTwipsPorPixel = 15;           // a 96-dpi screen
 constexpr double kPixelesPorPunto = 96.0 / 72;  // font points at 96 dpi
 constexpr double kPuntosPdfPorPixel = 72.0 / 96;
+constexpr double kEscalaMaxima = 16;  // a PNG of the cable at 16 is 3424 pixels wide
 
 // Pixel index of a coordinate in twips (nearest pixel).
 double Pixel(float sglTwips) { return std::floor(sglTwips / kTwipsPorPixel + 0.5); }
@@ -40,15 +41,21 @@ std::string Minusculas(std::string cad) {
 }
 
 // Every font name resolves to one of the Liberation families, which setup
-// installs (fonts-liberation) and which keep the widths of the Windows fonts
-// configurations name ("MS Sans Serif", "MS Serif", Arial, Times, Courier).
-// No name reaches fontconfig as given, so a drawing measures and looks the
-// same on every machine, whatever other fonts it has.
+// installs (fonts-liberation), so a drawing measures and looks the same on
+// every machine, whatever other fonts it has: no name reaches fontconfig as
+// given. "MS Sans Serif" and "MS Serif", the small screen faces drawings
+// name, are narrower at 7 to 10 points than any outline face of their style:
+// they resolve to Liberation Sans Narrow, so that a title sized for them
+// stays inside its bar. Arial, Helvetica and other sans names resolve to
+// Liberation Sans, Times, Roman and other serif names to Liberation Serif,
+// Courier, fixed and mono names to Liberation Mono (each keeps the widths of
+// the face it stands for).
 std::string Familia(const std::u16string& cadNombre) {
   const std::string clave = Minusculas(AUtf8(cadNombre));
   const auto contiene = [&clave](const char* parte) {
     return clave.find(parte) != std::string::npos;
   };
+  if (clave == "ms sans serif" || clave == "ms serif") return "Liberation Sans Narrow";
   if (contiene("mono") || contiene("courier") || contiene("fixed")) return "Liberation Mono";
   if ((contiene("serif") && !contiene("sans")) || contiene("times") || contiene("roman"))
     return "Liberation Serif";
@@ -85,6 +92,7 @@ struct SuperficieCairo::Estado {
   bool bolNegrita = false;
   int32_t lnColorTexto = 0;
   int32_t lnColorFondo = 0xFFFFFF;
+  double dblEscala = 1;  // of the written image
   float sglX = 0;
   float sglY = 0;
   double dblPlumaX = 0;  // end point of the last Line, in pixels
@@ -144,26 +152,32 @@ int32_t SuperficieCairo::AltoPx() const {
 
 void SuperficieCairo::ColorFondo(int32_t lnColor) { estado->lnColorFondo = lnColor; }
 
+void SuperficieCairo::Escala(double dblEscala) {
+  estado->dblEscala = dblEscala > 0 && dblEscala <= kEscalaMaxima ? dblEscala : 1;
+}
+
 void SuperficieCairo::Guarda(const std::string& cadArchivo) const {
   const int32_t ancho = AnchoPx();
   const int32_t alto = AltoPx();
   const std::string ext = Extension(cadArchivo);
   cairo_surface_t* destino = nullptr;
-  double dblEscala = 1;
+  double dblEscala = estado->dblEscala;
+  const auto Lado = [&dblEscala](int32_t px) { return std::ceil(px * dblEscala); };
   if (false) {
 #ifdef VELQUA_CAIRO_PNG
   } else if (ext == "png") {
-    destino = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, ancho, alto);
+    destino = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(Lado(ancho)),
+                                         static_cast<int>(Lado(alto)));
 #endif
 #ifdef VELQUA_CAIRO_SVG
   } else if (ext == "svg") {
-    destino = cairo_svg_surface_create(cadArchivo.c_str(), ancho, alto);
+    destino = cairo_svg_surface_create(cadArchivo.c_str(), Lado(ancho), Lado(alto));
     cairo_svg_surface_set_document_unit(destino, CAIRO_SVG_UNIT_PX);
 #endif
 #ifdef VELQUA_CAIRO_PDF
   } else if (ext == "pdf") {
-    dblEscala = kPuntosPdfPorPixel;
-    destino = cairo_pdf_surface_create(cadArchivo.c_str(), ancho * dblEscala, alto * dblEscala);
+    dblEscala *= kPuntosPdfPorPixel;
+    destino = cairo_pdf_surface_create(cadArchivo.c_str(), Lado(ancho), Lado(alto));
 #endif
   } else {
     Falla(5, "Formato de archivo no disponible: \"" + cadArchivo + "\" (png, svg o pdf).");

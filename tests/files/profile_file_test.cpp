@@ -166,6 +166,9 @@ TEST_F(ProfileImport, ValuesOutOfRangeAreSkippedAndNumberedKeysStopAtTheFirstEmp
            "Constante6=10,2,10,1,)$(72,\r\nConstante7=11,2,10,1\r\n"
            "Constante8=12,0,10,1,$(72,)\r\nConstante9=\r\nConstante10=13,2,10,1,$(72,)\r\n",
        "3.0;M, N;;|;1; C4:10,2,HI C7:10,2,AB C8:10,20,AAAAAAAAAAAAAAAAAAAA C29:255,1,H"},
+      // a hand-written list without its last comma
+      {Header() + "[Constantes]\r\nConstante1=14,2,10,1,$(65,66)\r\n",
+       "3.0;M, N;;|;1; C14:10,2,AB"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.text);

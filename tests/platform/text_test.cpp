@@ -73,7 +73,7 @@ TEST(CaseFolding, PairsOnlyTheTwoCasesOfOneLetter) {
       {u"\u0147", u"\u0148", true},     {u"\u014A", u"\u014B", true},  {u"\u0176", u"\u0177", true},
       {u"\u0179", u"\u017A", true},     {u"\u0177", u"\u0178", false}, {u"\u0178", u"\u00FF", true},
       {u"\u0130", u"i", false},         {u"\u03A3", u"\u03C2", true},  {u"\u0410", u"\u0430", true},
-      {u"\u0400", u"\u0450", true},
+      {u"\u0400", u"\u0450", true},     {u"\u040F", u"\u045F", true},  {u"\u042F", u"\u044F", true},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(velqua::AUtf8(c.a) + " / " + velqua::AUtf8(c.b));

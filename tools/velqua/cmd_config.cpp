@@ -6,8 +6,10 @@
 #include <memory>
 #include <vector>
 
+#include "check_reasons.h"
 #include "cli_common.h"
 #include "velqua/cfg_conmut.h"
+#include "velqua/records/bundled.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/names.h"
 #include "velqua/records/record_reader.h"
@@ -169,13 +171,100 @@ void CheckRecord(const std::u16string& record, std::vector<Entry> entries,
   }
 }
 
+// The delivery and the record form, when the configuration has them.
+void ShowRecordForm(const SwitchConfig& config) {
+  if (!config.delivery.empty()) std::printf("Delivery:   %s\n", config.delivery.c_str());
+  const RecordForm& form = config.form;
+  if (form.Plain()) return;
+  std::printf("Records:    %s\n", form.Describe().c_str());
+  if (form.delimited) {
+    int width = 0;
+    const std::vector<int> columns = ShapedColumns(form.fields, &width);
+    std::printf("  separator \"%s\", quote \"%s\"; shaped line of %d columns:\n",
+                U8(std::u16string(1, form.fields.separator)).c_str(),
+                form.fields.quote == u'\0' ? "" : U8(std::u16string(1, form.fields.quote)).c_str(),
+                width);
+    for (size_t i = 0; i < form.fields.fields.size(); ++i) {
+      const DelimitedField& field = form.fields.fields[i];
+      const std::string where = field.width == 0 ? std::string("(not carried)")
+                                                 : "[" + Columns(columns[i], field.width) + "]";
+      std::printf("  %3zu %-32s %s%s\n", i + 1, field.name.c_str(), where.c_str(),
+                  field.seconds ? " seconds as H:MM:SS" : "");
+    }
+  }
+  for (const std::u16string& pattern : form.headings) {
+    std::printf("  heading \"%s\"\n", U8(pattern).c_str());
+  }
+}
+
+struct CheckedRecord {
+  int64_t line;  // where it starts in the file
+  std::u16string text;
+};
+
+// The records of a (small) sample file as the record form frames them: each
+// line, or each NUL-ended piece of it, with its continuation lines joined.
+std::vector<CheckedRecord> ReadForCheck(const ConfigOptions& options, const RecordForm& form) {
+  std::unique_ptr<std::FILE, FileCloser> f(OpenFile(options.records, "rb", "records"));
+  LineReader reader(f.get());
+  std::string line;
+  std::vector<CheckedRecord> records;
+  for (int64_t number = 1; reader.Next(&line); ++number) {
+    if (form.seven_bit) {
+      for (char& c : line) c = static_cast<char>(c & 0x7F);
+    }
+    std::u16string text =
+        options.encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);
+    std::u16string_view rest = text;
+    while (!rest.empty()) {
+      const size_t end = form.nul_ends_record ? rest.find(u'\0') : std::u16string_view::npos;
+      const std::u16string_view piece = rest.substr(0, end);
+      rest.remove_prefix(end == std::u16string_view::npos ? rest.size() : end + 1);
+      if (piece.empty()) continue;
+      if (!records.empty() && form.IsContinuation(piece) && !form.IsHeading(records.back().text)) {
+        form.Join(piece, &records.back().text);
+      } else {
+        records.push_back({number, std::u16string(piece)});
+      }
+    }
+  }
+  return records;
+}
+
+// Checks one record (one line, or one NUL-ended piece of it) of `check`.
+void CheckPiece(const SwitchConfig& config, std::u16string_view piece,
+                const std::vector<Entry>& entries, velqua::clsTraductor* traductor) {
+  if (config.form.IsHeading(piece)) {
+    std::printf("    page heading (skipped): ");
+    PrintLine(U8(piece));
+    return;
+  }
+  std::u16string record(piece);
+  if (config.form.delimited) {
+    std::printf("    record: ");
+    PrintLine(U8(piece));
+    const ShapeOutcome outcome = ShapeDelimited(config.form.fields, piece, &record);
+    std::printf("    %zu field%s, %zu declared%s; shaped:\n", outcome.fields,
+                outcome.fields == 1 ? "" : "s", config.form.fields.fields.size(),
+                outcome.more    ? " (the extra ones ignored)"
+                : outcome.fewer ? " (the missing ones blank)"
+                                : "");
+  }
+  if (traductor) traductor->LlamadaActual(record);
+  CheckRecord(record, entries, traductor);
+  if (traductor && traductor->TipoLlamadaDetectada() == velqua::emTradNoIdentificada)
+    ExplainUnrecognised(*config.cfg, *traductor, record);
+}
+
 }  // namespace
 
 void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
   CLI::App* config = app.add_subcommand("config", "Show, convert or check a configuration");
   config->require_subcommand(1);
   CLI::App* show = config->add_subcommand("show", "Print a configuration");
-  show->add_option("CONFIG", options.config, "Configuration (.cfg, .ini or .json)")->required();
+  show->add_option("CONFIG", options.config,
+                   "Configuration (.cfg, .ini or .json), or a bundled switch's name")
+      ->required();
   CLI::App* convert = config->add_subcommand(
       "convert", "Convert a configuration between .cfg, .ini and .json (by extension)");
   convert->add_option("IN", options.input, "Configuration to read")->required();
@@ -184,15 +273,21 @@ void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
                     "Write even when the output form cannot hold the whole configuration");
   CLI::App* check = config->add_subcommand(
       "check", "Show which columns each field and constant cuts from sample records");
-  check->add_option("CONFIG", options.config, "Configuration (.cfg, .ini or .json)")->required();
+  check
+      ->add_option("CONFIG", options.config,
+                   "Configuration (.cfg, .ini or .json), or a bundled switch's name")
+      ->required();
   check->add_option("RECORDS", options.records, "Sample records, one a line")->required();
   check->add_option("--encoding", options.encoding, "Encoding of the records")
       ->check(CLI::IsMember({"windows-1252", "utf-8"}))
       ->capture_default_str();
+  config->add_subcommand("keys",
+                         "List the members and key names of the JSON form with their meaning");
 }
 
 int RunConfigShow(const ConfigOptions& options) {
-  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.config);
+  const SwitchConfig config = LoadSwitchConfig(ResolveConfig(options.config));
+  const std::shared_ptr<clsCfgConmut>& cfg = config.cfg;
   const char* case_name = EnumNameOf(EnumKind::kCaso, cfg->Caso());
   std::printf("Brand:      %s\n", U8(cfg->Marca()).c_str());
   std::printf("Model:      %s\n", U8(cfg->Modelo()).c_str());
@@ -203,6 +298,7 @@ int RunConfigShow(const ConfigOptions& options) {
               spanish.empty() ? "(the library gives this case no name)" : spanish.c_str());
   std::printf("Separator:  %s\n", SeparatorCodes(cfg->Separador()).c_str());
   std::printf("Comments:   %s\n", U8(cfg->Comentarios()).c_str());
+  ShowRecordForm(config);
   const std::vector<Entry> entries = CompleteEntries(*cfg);
   const auto fields =
       std::count_if(entries.begin(), entries.end(), [](const Entry& e) { return !e.constant; });
@@ -224,14 +320,15 @@ int RunConfigShow(const ConfigOptions& options) {
 
 int RunConfigConvert(const ConfigOptions& options) {
   ConfigFormatOf(options.output);  // refuse a bad output name before reading
-  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.input);
-  SaveConfigChecked(*cfg, options.output, options.force);
+  SwitchConfig config = LoadSwitchConfig(ResolveConfig(options.input));
+  SaveSwitchConfigChecked(config, options.output, options.force);
   return 0;
 }
 
 int RunConfigCheck(const ConfigOptions& options) {
   RequireReadableFile(options.records, "records");
-  std::shared_ptr<clsCfgConmut> cfg = LoadConfig(options.config);
+  const SwitchConfig config = LoadSwitchConfig(ResolveConfig(options.config));
+  const std::shared_ptr<clsCfgConmut>& cfg = config.cfg;
   const std::vector<Entry> entries = CompleteEntries(*cfg);
   // Detection is shown for single-line switches; a multi-line call's fields
   // lie on different lines of the call, so its lines are only measured.
@@ -240,21 +337,17 @@ int RunConfigCheck(const ConfigOptions& options) {
     traductor = std::make_unique<velqua::clsTraductor>();
     traductor->Conmutador(cfg);
   }
-  std::unique_ptr<std::FILE, FileCloser> f(OpenFile(options.records, "rb", "records"));
-  LineReader reader(f.get());
-  std::string line;
-  int64_t number = 0;
-  while (reader.Next(&line)) {
-    ++number;
-    if (line.empty()) continue;
-    const std::u16string record =
-        options.encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);
-    std::printf("line %lld:\n", static_cast<long long>(number));
+  const std::vector<CheckedRecord> records = ReadForCheck(options, config.form);
+  if (records.empty()) {
+    throw CliError("records '" + options.records +
+                   "': nothing to check (the file is empty or holds only empty lines)");
+  }
+  for (const CheckedRecord& record : records) {
+    std::printf("line %lld:\n", static_cast<long long>(record.line));
     try {
-      if (traductor) traductor->LlamadaActual(record);
-      CheckRecord(record, entries, traductor.get());
+      CheckPiece(config, record.text, entries, traductor.get());
     } catch (const velqua::Error& e) {
-      throw CliError("line " + std::to_string(number) + ": " + DescribeError(e));
+      throw CliError("line " + std::to_string(record.line) + ": " + DescribeError(e));
     }
     std::printf("\n");
   }

@@ -1,4 +1,4 @@
-// `velqua config show|convert|check`: look at, convert and try out a switch
+// `velqua config show|convert|check|keys`: look at, convert and try out a switch
 // configuration.
 #pragma once
 
@@ -19,11 +19,13 @@ struct ConfigOptions {
   std::string encoding = "windows-1252";
 };
 
-// Adds "config" with its three subcommands.
+// Adds "config" with its four subcommands.
 void AddConfigCommand(CLI::App& app, ConfigOptions& options);
 
 int RunConfigShow(const ConfigOptions& options);
 int RunConfigConvert(const ConfigOptions& options);
 int RunConfigCheck(const ConfigOptions& options);
+// Lists the JSON form's members, cases, field keys and constant keys.
+int RunConfigKeys();
 
 }  // namespace velqua_cli

@@ -42,11 +42,19 @@ void AddDrawCommand(CLI::App& app, DrawOptions& options) {
   CLI::App* table = draw->add_subcommand("table", "Draw the DB9 to DB25 conversion table");
   table->add_option("-o,--output", options.output, "Image to write (.png, .svg or .pdf)")
       ->required();
+  for (CLI::App* cmd : {cable, table}) {
+    cmd->add_option("--scale", options.scale,
+                    "Size of the saved picture against the drawing's own (a 96-dpi screen): "
+                    "PNG rendered at that size, SVG and PDF scaled as vectors")
+        ->check(CLI::Range(1, 16))
+        ->capture_default_str();
+  }
 }
 
 int RunDraw(CLI::App& app, const DrawOptions& options) {
   RequireImageName(options.output);
   velqua::SuperficieCairo surface;
+  surface.Escala(options.scale);
   CLI::App* draw = app.get_subcommand("draw");
   if (draw->got_subcommand("cable")) {
     std::shared_ptr<velqua::clsCfgConmut> cfg = LoadConfig(options.config);

@@ -16,6 +16,7 @@ struct DrawOptions {
   std::string config;
   std::string port = "db9";
   std::string output;
+  double scale = 3;  // the saved picture against the drawing's own size
 };
 
 void AddDrawCommand(CLI::App& app, DrawOptions& options);

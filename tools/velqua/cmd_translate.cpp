@@ -10,6 +10,7 @@
 
 #include "cli_common.h"
 #include "row_writer.h"
+#include "velqua/records/bundled.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/translation.h"
 
@@ -48,6 +49,22 @@ void ReportCounts(const Counts& counts, const TranslateOptions& options) {
         list.c_str(),
         options.errors_log.empty() ? "" : (" (logged to " + options.errors_log + ")").c_str());
   }
+  if (counts.headings > 0) {
+    std::fprintf(stderr, "velqua: %lld page-heading line%s skipped\n",
+                 static_cast<long long>(counts.headings), counts.headings == 1 ? "" : "s");
+  }
+  if (counts.more_fields > 0) {
+    std::fprintf(stderr,
+                 "velqua: %lld record%s had more fields than the configuration declares (the "
+                 "extra fields ignored)\n",
+                 static_cast<long long>(counts.more_fields), counts.more_fields == 1 ? "" : "s");
+  }
+  if (counts.fewer_fields > 0) {
+    std::fprintf(stderr,
+                 "velqua: %lld record%s had fewer fields than the configuration declares (the "
+                 "missing fields blank)\n",
+                 static_cast<long long>(counts.fewer_fields), counts.fewer_fields == 1 ? "" : "s");
+  }
   std::fprintf(stderr, "velqua: %lld records read, %lld translated, %lld unrecognised%s\n",
                static_cast<long long>(counts.read),
                static_cast<long long>(counts.read - counts.unrecognised),
@@ -62,7 +79,8 @@ void ReportCounts(const Counts& counts, const TranslateOptions& options) {
 void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
   CLI::App* cmd = app.add_subcommand(
       "translate", "Translate call records (one a line) into call data, one row per record");
-  cmd->add_option("-c,--config", options.config, "Switch configuration (.cfg, .ini or .json)")
+  cmd->add_option("-c,--config", options.config,
+                  "Switch configuration (.cfg, .ini or .json), or a bundled switch's name")
       ->required();
   cmd->add_option("files", options.inputs,
                   "Record files, read in order (none or '-': standard input)");
@@ -99,7 +117,7 @@ int RunTranslate(const TranslateOptions& options) {
   if (!options.extensions.empty()) RequireReadableFile(options.extensions, "extension list");
   if (!options.errors_log.empty()) RequireAppendableFile(options.errors_log, "error log");
 
-  std::shared_ptr<velqua::clsCfgConmut> cfg = LoadConfig(options.config);
+  SwitchConfig config = LoadSwitchConfig(ResolveConfig(options.config));
   std::unique_ptr<std::FILE, FileCloser> output_file;
   if (!options.output.empty()) {
     RequireAppendableFile(options.output, "output");  // names the reason first
@@ -110,8 +128,9 @@ int RunTranslate(const TranslateOptions& options) {
   std::unique_ptr<RowWriter> writer = MakeRowWriter(
       options.format.empty() && output_file ? RowFormat::kCsv : ChooseFormat(options.format), out);
   if (!options.follow.empty()) StopOnSignals();
-  Translation translation(cfg, *writer,
-                          {options.errors_log, options.extensions, options.encoding == "utf-8"});
+  Translation translation(
+      config.cfg, *writer,
+      {options.errors_log, options.extensions, options.encoding == "utf-8", config.form});
   translation.on_failure = [](const std::string& input, int64_t number, const std::string& error) {
     static int64_t reported = 0;
     if (++reported > kReportedFailures) return;

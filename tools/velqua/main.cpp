@@ -5,13 +5,19 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "cli_common.h"
+#include "cmd_calls.h"
 #ifdef VELQUA_CLI_HAS_CAPTURE
 #include "cmd_capture.h"
 #endif
 #include "cmd_config.h"
 #include "cmd_draw.h"
+#include "cmd_guess.h"
+#include "cmd_import.h"
+#include "cmd_retranslate.h"
+#include "cmd_switches.h"
 #include "cmd_translate.h"
 #include "velqua/error.h"
 #include "velqua/records/clock.h"
@@ -36,6 +42,18 @@ void InstallFixedClock(const std::string& text) {
   velqua_records::ProgramClock::Instance().Fix(now);
 }
 
+// "translate, config, draw or switches": the program's commands in the order
+// they were added.
+std::string CommandNames(CLI::App& app) {
+  const std::vector<CLI::App*> commands = app.get_subcommands([](CLI::App*) { return true; });
+  std::string names;
+  for (size_t i = 0; i < commands.size(); ++i) {
+    if (i > 0) names += i + 1 == commands.size() ? " or " : ", ";
+    names += commands[i]->get_name();
+  }
+  return names;
+}
+
 int Run(int argc, char** argv) {
   CLI::App app{"velqua: translate the call records a telephone switch prints on its SMDR port"};
   app.name("velqua");
@@ -48,8 +66,17 @@ int Run(int argc, char** argv) {
   velqua_cli::AddTranslateCommand(app, translate);
   velqua_cli::ConfigOptions config;
   velqua_cli::AddConfigCommand(app, config);
+  velqua_cli::GuessOptions guess;
+  velqua_cli::AddGuessCommand(*app.get_subcommand("config"), guess);
   velqua_cli::DrawOptions draw;
   velqua_cli::AddDrawCommand(app, draw);
+  velqua_cli::ImportOptions import;
+  velqua_cli::AddImportCommand(app, import);
+  velqua_cli::CallsOptions calls;
+  velqua_cli::AddCallsCommand(app, calls);
+  velqua_cli::RetranslateOptions retranslate;
+  velqua_cli::AddRetranslateCommand(app, retranslate);
+  velqua_cli::AddSwitchesCommand(app);
 #ifdef VELQUA_CLI_HAS_CAPTURE
   velqua_cli::CaptureOptions capture;
   velqua_cli::AddCaptureCommand(app, capture);
@@ -70,13 +97,17 @@ int Run(int argc, char** argv) {
   }
 
   if (app.get_subcommands().empty()) {
-    std::fprintf(stderr,
-                 "velqua: a command is required: translate, config or draw (see velqua --help)\n");
+    std::fprintf(stderr, "velqua: a command is required: %s (see velqua --help)\n",
+                 CommandNames(app).c_str());
     return 2;
   }
   velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
+  if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
+  if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
+  if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
+  if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
 #ifdef VELQUA_CLI_HAS_CAPTURE
   if (CLI::App* cmd = app.get_subcommand("capture"); cmd->parsed()) {
     return cmd->got_subcommand("status") ? velqua_cli::RunCaptureStatus(capture)
@@ -84,8 +115,10 @@ int Run(int argc, char** argv) {
   }
 #endif
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
+    if (cmd->got_subcommand("guess")) return velqua_cli::RunConfigGuess(guess);
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);
     if (cmd->got_subcommand("convert")) return velqua_cli::RunConfigConvert(config);
+    if (cmd->got_subcommand("keys")) return velqua_cli::RunConfigKeys();
     return velqua_cli::RunConfigCheck(config);
   }
   return velqua_cli::RunDraw(app, draw);

@@ -113,8 +113,22 @@ TEST(CairoSurface, WritesTheConversionTable) {
   EXPECT_GT(table.Count(0xC8C8C8), 4 * 80 * 8);  // four grey rows
   for (int x : {0, Px(675), Px(1350)}) EXPECT_EQ(table.At(x, Px(1900)), kBlack) << x;
   EXPECT_EQ(table.At(Px(675), 100), kBlack);  // the column line
+  // The title ends inside its navy bar, which reaches pixel 89: its last
+  // columns hold no text on the title's first line.
+  for (int x = 85; x <= 89; ++x) EXPECT_EQ(table.At(x, 6), 0x000080u) << x;
   EXPECT_EQ(ReadAll("table.SVG").rfind("<?xml", 0), 0u);
   EXPECT_EQ(ReadAll("table.pdf").rfind("%PDF-", 0), 0u);
+  // At scale 3 every length is three times as long; the drawing is unchanged.
+  t.Escala(3);
+  t.Guarda(TmpPath("table3.png"));
+  t.Guarda(TmpPath("table3.svg"));
+  Png big("table3.png");
+  EXPECT_EQ(big.width, 3 * table.width);
+  EXPECT_EQ(big.height, 3 * table.height);
+  for (int dx : {0, 1, 2}) EXPECT_EQ(big.At(3 * Px(675) + dx, 300), kBlack) << dx;
+  EXPECT_NE(ReadAll("table3.svg").find("width=\"" + std::to_string(big.width) + "px\""),
+            std::string::npos);
+  EXPECT_EQ(t.AnchoPx(), table.width);
 }
 
 // Lines in their own colour on whole pixels, text in ForeColor.
@@ -126,6 +140,7 @@ TEST(CairoSurface, DrawsOnAPixelGrid) {
   s.Line(6, 300, 300, 300, 900, 0);              // pixel column 20, rows 20-60
   s.Line(2, 0, 0, 900, 900, 0);                  // then along row 60 to column 60
   s.Line(22, 1500, 1500, 2985, 2985, 0xFF0000);  // blue outline, 100 x 100 pixels
+  s.FontName(u"Arial");
   s.FontSize(10);
   s.CurrentX(1500);
   s.CurrentY(150);

@@ -11,9 +11,22 @@ target_compile_definitions(test_cli_units PRIVATE
   VELQUA_CLI_TEST_TMP="${CMAKE_CURRENT_BINARY_DIR}/tmp")
 velqua_warnings(test_cli_units)
 gtest_discover_tests(test_cli_units TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
-if(TARGET velqua_capture AND TARGET velqua_store)
+if(TARGET velqua_capture)
   target_sources(test_cli_units PRIVATE ${CMAKE_CURRENT_LIST_DIR}/cmd_capture_test.cpp)
   target_compile_definitions(test_cli_units PRIVATE VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+endif()
+
+# An import killed midway and run again, on both engines (a real child process).
+if(TARGET velqua_store_testing)
+  find_package(SQLite3 REQUIRED)
+  add_executable(test_cli_import_kill ${CMAKE_CURRENT_LIST_DIR}/import_kill_test.cpp)
+  target_link_libraries(test_cli_import_kill PRIVATE velqua_store_testing SQLite::SQLite3
+                        GTest::gtest_main)
+  target_compile_definitions(test_cli_import_kill PRIVATE
+    VELQUA_PROGRAM="$<TARGET_FILE:velqua_cli>" VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+  velqua_warnings(test_cli_import_kill)
+  add_dependencies(test_cli_import_kill velqua_cli)
+  add_test(NAME cli.import_killed_and_resumed COMMAND test_cli_import_kill)
 endif()
 
 # End-to-end: the built program on examples/ and tests/e2e/data/, against
@@ -91,6 +104,30 @@ velqua_e2e(encoding_windows_1252 0 --now "2026-03-10 09:00:00" translate
 velqua_e2e(encoding_utf8 0 --now "2026-03-10 09:00:00" translate -c examples/hicom/hicom.json
            --format jsonl --encoding utf-8 tests/e2e/data/hicom-utf8.txt)
 
+# The call store (SQLite): import, import again, list, translate again. TZ is
+# fixed: times received are stored in UTC.
+set(STORE ${VELQUA_E2E_TMP}/e2e-store.db)
+set(HICOM_IMPORT import --db ${STORE} --switch hicom -c examples/hicom/hicom.json --year 2026
+                 --time-zone Europe/Berlin --source hicom.txt examples/hicom/records.txt)
+velqua_e2e(store_import 0 ${HICOM_IMPORT} PRODUCED ${STORE})
+velqua_e2e(store_import_again 0 ${HICOM_IMPORT})
+velqua_e2e(store_calls_csv 0 calls --db ${STORE} --format csv)
+velqua_e2e(store_calls_cdr_csv 0 calls --db ${STORE} --format cdr-csv --type incoming)
+velqua_e2e(store_calls_one_extension 0 calls --db ${STORE} --format table --extension 21
+           --from 2026-03-09 --to 2026-03-09)
+velqua_e2e(store_retranslate 0 retranslate --db ${STORE} --switch hicom -c examples/hicom/hicom.ini)
+velqua_e2e(error_store_missing 1 calls --db ${VELQUA_E2E_TMP}/none/calls.db)
+velqua_e2e(error_store_unreachable 1 calls --db postgresql://velqua@127.0.0.1:1/calls)
+velqua_e2e(error_store_bad_date 1 calls --db ${STORE} --from 2026-02-30)
+velqua_e2e(error_store_unknown_type 1 calls --db ${STORE} --type fax)
+velqua_e2e(error_store_unknown_switch 1 retranslate --db ${STORE} --switch nowhere
+           -c examples/hicom/hicom.json)
+set_tests_properties(cli.e2e.store_import PROPERTIES FIXTURES_SETUP e2e_store ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.store_import_again cli.e2e.store_calls_csv
+  cli.e2e.store_calls_cdr_csv cli.e2e.store_calls_one_extension cli.e2e.store_retranslate
+  cli.e2e.error_store_bad_date cli.e2e.error_store_unknown_type cli.e2e.error_store_unknown_switch
+  PROPERTIES FIXTURES_REQUIRED e2e_store ENVIRONMENT TZ=UTC)
+
 # config show / convert / check
 velqua_e2e(show_kx_tda 0 config show examples/kx-tda/kx-tda.cfg)
 velqua_e2e(show_norstar 0 config show examples/norstar/norstar.json)
@@ -101,17 +138,22 @@ velqua_e2e(convert_json_to_cfg 0 config convert examples/kx-tda/kx-tda.json
            GOLDEN examples/kx-tda/kx-tda.cfg)
 velqua_e2e(convert_cfg_to_json 0 config convert examples/norstar/norstar.cfg
            ${VELQUA_E2E_TMP}/norstar.json PRODUCED ${VELQUA_E2E_TMP}/norstar.json
-           GOLDEN examples/norstar/norstar.json)
+           GOLDEN tests/e2e/golden/norstar_from_cfg.json)
 velqua_e2e(convert_json_to_ini 0 config convert examples/hicom/hicom.json
            ${VELQUA_E2E_TMP}/hicom.ini PRODUCED ${VELQUA_E2E_TMP}/hicom.ini
            GOLDEN examples/hicom/hicom.ini)
 velqua_e2e(convert_ini_to_json 0 config convert examples/hicom/hicom.ini
            ${VELQUA_E2E_TMP}/hicom.json PRODUCED ${VELQUA_E2E_TMP}/hicom.json
-           GOLDEN examples/hicom/hicom.json)
+           GOLDEN tests/e2e/golden/hicom_from_ini.json)
 velqua_e2e(check_kx_tda 0 --now "2026-01-20 09:00:00" config check examples/kx-tda/kx-tda.json
            tests/e2e/data/kx-tda-check.txt)
 velqua_e2e(check_utf8 0 config check --encoding utf-8 examples/hicom/hicom.json
            tests/e2e/data/hicom-utf8.txt)
+# why a record is unrecognised: no mark, a duration that cannot be read, no digit
+velqua_e2e(check_reasons 0 config check examples/hicom/hicom.json
+           tests/e2e/data/hicom-check-reasons.txt)
+velqua_e2e(error_check_empty 1 config check examples/hicom/hicom.json tests/e2e/data/empty.txt)
+velqua_e2e(config_keys 0 config keys)
 
 # errors: one line on stderr naming what is wrong, non-zero exit
 velqua_e2e(error_missing_config 1 translate -c examples/none.json ${KX_RECORDS})
@@ -161,3 +203,6 @@ if(VELQUA_CLI_HAS_DRAW)
     PROPERTIES ENVIRONMENT
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/e2e/lsan.supp:print_suppressions=0")
 endif()
+
+# The bundled switches, their record forms, `switches` and `config guess`.
+include(${CMAKE_CURRENT_LIST_DIR}/switches.cmake)

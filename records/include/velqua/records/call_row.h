@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace velqua_records {
 
@@ -52,6 +53,13 @@ struct Row {
   uint8_t printed = 63;           // all printed unless the translation says otherwise
   bool random_extension = false;  // the extension was drawn at random (unlisted code)
   std::string error;              // why the record could not be translated, or ""
+  // Where the record came from: the byte offset of its first byte in its
+  // input (-1 when written directly, not read from a stream), and the record
+  // exactly as the translator got it (a multi-line call joined with the
+  // separator). `text` views the translation's buffer: it is valid only
+  // while the sink's Write runs; a sink that keeps it copies it.
+  int64_t offset = -1;
+  std::u16string_view text;
 };
 
 // Where translated rows go (an output form, a store batch). Flush is called

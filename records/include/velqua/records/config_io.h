@@ -7,6 +7,7 @@
 #include <string>
 
 #include "velqua/cfg_conmut.h"
+#include "velqua/records/record_form.h"
 
 namespace velqua_records {
 
@@ -15,8 +16,22 @@ enum class ConfigFormat { kCfg, kIni, kJson };
 // The format named by the extension; throws Failure for any other.
 ConfigFormat ConfigFormatOf(const std::string& path);
 
-// Loads a configuration. A missing file or unknown extension throws
-// Failure; a file the library refuses throws velqua::Error.
+// A switch's configuration with what only the JSON form holds: the record
+// form (delimited records, page headings, record ends) and how the switch
+// delivers its records.
+struct SwitchConfig {
+  std::shared_ptr<velqua::clsCfgConmut> cfg;
+  RecordForm form;       // plain for .cfg and .ini
+  std::string delivery;  // "" when not said
+};
+
+// Loads a configuration with its record form. A missing file or unknown
+// extension throws Failure; a file the library refuses throws velqua::Error.
+SwitchConfig LoadSwitchConfig(const std::string& path);
+
+// The configuration alone, as LoadSwitchConfig reads it: the record form is
+// dropped, so delimited records would be read by column. Readers of records
+// use LoadSwitchConfig.
 std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path);
 
 // Saves `cfg` in the format of the extension (velqua::Error or Failure).
@@ -30,5 +45,12 @@ void SaveConfig(velqua::clsCfgConmut& cfg, const std::string& path);
 // `path`; with `force` it is written anyway, with a warning on stderr. Written
 // beside `path` first and renamed, so a failure never leaves half a file.
 void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool force);
+
+// SaveConfigChecked for a configuration with its record form and delivery: the
+// JSON form keeps them; a .cfg or .ini cannot, so delimited records are
+// refused there like any other difference (the file would read them by
+// column), while headings and the delivery are dropped with a note on stderr
+// (headings are then counted unrecognised records, nothing is lost).
+void SaveSwitchConfigChecked(SwitchConfig& config, const std::string& path, bool force);
 
 }  // namespace velqua_records

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace velqua_records {
@@ -40,5 +41,10 @@ const char* TypeWord(int32_t tipo);
 // value outside the enumeration. Rows, the store and reports use them.
 const char* CallTypeWord(int32_t type);
 const char* AttributeWord(int32_t attribute);
+
+// What a handling case (kCaso), a data-field key (kParamDato) or a constant key
+// (kParamDatoConstante) means, in English, for `velqua config keys`; "" for a
+// marker member (emPrimerParamDato ...) or a value without a member.
+std::string KeyDescription(EnumKind kind, int32_t value);
 
 }  // namespace velqua_records

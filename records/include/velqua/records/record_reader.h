@@ -3,6 +3,7 @@
 // the gathering of multi-line calls for case 4 (Nortel Norstar).
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -31,7 +32,9 @@ class LineReader {
     std::function<bool()> stop;
   };
 
-  explicit LineReader(std::FILE* stream);
+  // `offset` is where the stream stands in its file (a resumed import
+  // starts past the records already stored): line offsets count from it.
+  explicit LineReader(std::FILE* stream, int64_t offset = 0);
   // Reads a live source: blocks only in poll(), never waits for a full block.
   LineReader(std::FILE* stream, Live live);
   LineReader(const LineReader&) = delete;
@@ -43,6 +46,12 @@ class LineReader {
   // The same as a view, valid until the next call: into the read buffer,
   // or into a copy only when the line spans two reads (no copy per line).
   bool Next(std::string_view* line);
+
+  // The byte offset of the first byte of the line Next gave last, and of the
+  // byte after everything read so far (after the last line's end). A
+  // followed file counts from 0 again when it is replaced or truncated.
+  int64_t line_offset() const { return line_offset_; }
+  int64_t end_offset() const { return buffer_offset_ + static_cast<int64_t>(begin_); }
 
  private:
   bool Refill();
@@ -59,6 +68,8 @@ class LineReader {
   std::string carry_;  // a line that spans reads
   size_t begin_ = 0;
   size_t end_ = 0;
+  int64_t buffer_offset_ = 0;  // the offset of buffer_[0]
+  int64_t line_offset_ = 0;
   bool eof_ = false;
   bool skip_lf_ = false;  // the previous line ended with CR: a leading LF belongs to it
 };

@@ -14,6 +14,7 @@
 #include "velqua/cfg_conmut.h"
 #include "velqua/records/call_row.h"
 #include "velqua/records/clock.h"
+#include "velqua/records/record_form.h"
 #include "velqua/records/record_reader.h"
 #include "velqua/traductor.h"
 
@@ -26,6 +27,9 @@ struct Counts {
   int64_t random_extensions = 0;
   std::vector<int64_t> listed;  // the first unrecognised record numbers
   static constexpr size_t kListed = 20;
+  int64_t headings = 0;      // page-heading lines skipped (not records)
+  int64_t more_fields = 0;   // delimited records with fields beyond those declared
+  int64_t fewer_fields = 0;  // delimited records with fewer fields than declared
 };
 
 // Translates records with one configuration into rows written to a sink.
@@ -35,6 +39,7 @@ class Translation {
     std::string errors_log;  // the library's unrecognised-record log ("" = none)
     std::string extensions;  // the KX-TDA account code to extension list
     bool utf8 = false;       // records in UTF-8 rather than Windows-1252
+    RecordForm form;         // delimited shaping, page headings, record ends
   };
 
   // Binds a translator to `cfg`; rows go to `sink`.
@@ -44,14 +49,29 @@ class Translation {
   // unrecognised row carrying the error): input name, record number, error.
   std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
 
-  // The input the next records come from, and when they were received (the
-  // year of a record whose switch prints none).
-  void Input(const std::string& name, const FechaHora& received);
+  // Called for each page-heading line skipped (input name, the line as
+  // decoded, its byte offset), so that a caller keeping raw input keeps
+  // headings too.
+  std::function<void(const std::string&, std::u16string_view, int64_t)> on_heading;
 
-  // Translates one record (a multi-line call already joined) and writes its
-  // row. A record the library fails on is kept as an unrecognised row
-  // carrying the error; the run goes on.
-  void Record(const std::u16string& record);
+  // The input the next records come from, and when they were received (the
+  // year of a record whose switch prints none). `offset` is where the next
+  // stream stands in that input: rows carry their byte offsets from it.
+  void Input(const std::string& name, const FechaHora& received, int64_t offset = 0);
+
+  // Translates one record as received (a multi-line call already joined; a
+  // delimited record is shaped here) and writes its row, which carries
+  // `offset` and the record's text as received, so that a stored record can
+  // be translated again the same way. A record the library fails on is kept
+  // as an unrecognised row carrying the error; the run goes on.
+  void Record(const std::u16string& record, int64_t offset = -1);
+
+  // One line as read, decoded, without its line end, and the byte offset of
+  // its first byte in the input (-1: unknown): a page heading is skipped and
+  // counted, a delimited record shaped, the lines of a multi-line call
+  // gathered; each record completed is translated with the offset where it
+  // starts. True when a row was written.
+  bool Line(std::u16string_view line, int64_t offset = -1);
 
   // Reads records from a stream to its end: a file in large blocks; a live
   // source (pipe, device, or `follow`ed file) with each row written and the
@@ -59,23 +79,44 @@ class Translation {
   // closed by the next call or after 2 s of quiet.
   void Stream(std::FILE* stream, const std::string& follow = "");
 
-  // Ends the input: a multi-line call still open is translated.
+  // Ends the input: a multi-line call or a record waiting for continuation
+  // lines is translated.
   void Finish();
+
+  // The byte offset just past what the last Stream call read: where reading
+  // would resume for a record after the last one written.
+  int64_t end_offset() const { return end_offset_; }
 
   const Counts& counts() const { return counts_; }
 
  private:
   Row ReadRow(int64_t number);
   void Lines(LineReader& reader, bool live);
+  bool Piece(std::u16string_view piece, int64_t offset);
+  bool Emit(std::u16string_view record, int64_t offset);
+  bool FlushHeld();
+  bool FinishCall();
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
   velqua::clsTraductor traductor_;
   std::unique_ptr<CallGatherer> gatherer_;
   RowSink& sink_;
   bool utf8_;
+  RecordForm form_;
+  bool plain_ = false;     // no record form and no multi-line calls: lines are records
+  std::u16string shaped_;  // the shaped text of a delimited record
+  std::u16string record_;  // the record being translated
+  std::u16string held_;    // a record waiting for its continuation lines
+  int64_t held_offset_ = -1;
+  bool holding_ = false;
+  std::string bytes_;  // a line with bit 7 cleared
   Counts counts_;
   std::string input_ = "standard input";
   FechaHora received_;
+  int64_t start_offset_ = 0;
+  int64_t end_offset_ = 0;
+  int64_t call_offset_ = -1;  // of the multi-line call still open, -1 when none
+  std::u16string call_;       // the multi-line call closed last
 };
 
 // When the records of a file were received: 31 December of `year` when it is

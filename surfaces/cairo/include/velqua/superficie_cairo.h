@@ -3,12 +3,12 @@
 //
 // It stands for a picture box on a 96-dpi screen: surface units are twips,
 // 15 to the pixel in both directions (TwipsPerPixelX/Y), 1,440 to the inch.
-// Every font name resolves to a Liberation family (fonts-liberation): names
-// with "mono", "courier" or "fixed" to Liberation Mono, serif, Times and
-// Roman names to Liberation Serif, all others ("MS Sans Serif" included) to
-// Liberation Sans. They keep the widths of the Windows fonts configurations
-// name, and a drawing measures the same on every machine. Points are
-// converted at 96 dpi (8 pt = 10.67 px).
+// Every font name resolves to a Liberation family (fonts-liberation), so a
+// drawing measures the same on every machine: "MS Sans Serif" and "MS Serif"
+// (small screen faces, narrow) to Liberation Sans Narrow; names with "mono",
+// "courier" or "fixed" to Liberation Mono; serif, Times and Roman names to
+// Liberation Serif; all others to Liberation Sans. Points are converted at
+// 96 dpi (8 pt = 10.67 px).
 #pragma once
 
 #include <cstdint>
@@ -32,13 +32,19 @@ class SuperficieCairo : public Superficie {
 
   // Writes everything drawn so far; the format follows the extension of
   // cadArchivo (UTF-8 path), ignoring letter case: ".png", ".svg", ".pdf".
-  // PNG is 1 image pixel per pixel; SVG is in px; PDF at 72 points per inch
-  // (1 pixel = 0.75 pt). Can be called several times; the drawing is kept.
+  // At scale 1, PNG is 1 image pixel per pixel; SVG is in px; PDF at 72
+  // points per inch (1 pixel = 0.75 pt). Can be called several times; the drawing is kept.
   // Throws velqua::Error 5 (source "SuperficieCairo.Guarda") for another
   // extension or a format this Cairo lacks, and 75 when the file cannot be
   // written.
   void Guarda(const std::string& cadArchivo) const;
-  // The size, in pixels, that Guarda writes now.
+  // The scale of the written image: every length is multiplied by dblEscala,
+  // as vectors (a PNG is rendered at that size, not enlarged pixel by pixel;
+  // SVG and PDF keep their vectors at the larger size). Default 1; a value
+  // outside (0, 16] sets 1. The drawing and its size in pixels (AnchoPx,
+  // AltoPx) do not change.
+  void Escala(double dblEscala);
+  // The size, in pixels, of the drawing (before the scale).
   int32_t AnchoPx() const;
   int32_t AltoPx() const;
   // The background of the written image, 0x00BBGGRR. Default white.

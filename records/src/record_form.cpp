@@ -1,0 +1,168 @@
+#include "velqua/records/record_form.h"
+
+#include <algorithm>
+
+namespace velqua_records {
+namespace {
+
+// Appends `text` to *line cut or padded to `width` columns.
+void Put(std::u16string_view text, int width, std::u16string* line) {
+  const size_t w = static_cast<size_t>(width);
+  const size_t n = std::min(text.size(), w);
+  line->append(text.data(), n);
+  line->append(w - n, u' ');
+}
+
+// Appends a whole number of seconds as H:MM:SS right-aligned in `width`
+// columns, or `width` blanks when `text` is not such a number or its hours
+// do not fit.
+void PutSeconds(std::u16string_view text, int width, std::u16string* line) {
+  const size_t first = text.find_first_not_of(u' ');
+  const size_t last = text.find_last_not_of(u' ');
+  const std::u16string_view digits =
+      first == std::u16string_view::npos ? u"" : text.substr(first, last - first + 1);
+  bool ok = !digits.empty() && digits.size() <= 9;
+  long long value = 0;
+  for (char16_t c : digits) {
+    ok = ok && c >= u'0' && c <= u'9';
+    if (ok) value = value * 10 + (c - u'0');
+  }
+  std::string hours = std::to_string(value / 3600);
+  const size_t hour_columns = static_cast<size_t>(width) - 6;
+  if (!ok || hours.size() > hour_columns) {
+    line->append(static_cast<size_t>(width), u' ');
+    return;
+  }
+  const long long minutes = value / 60 % 60, seconds = value % 60;
+  std::string shaped(hour_columns - hours.size(), ' ');
+  shaped += hours;
+  shaped += ':';
+  shaped += static_cast<char>('0' + minutes / 10);
+  shaped += static_cast<char>('0' + minutes % 10);
+  shaped += ':';
+  shaped += static_cast<char>('0' + seconds / 10);
+  shaped += static_cast<char>('0' + seconds % 10);
+  line->append(shaped.begin(), shaped.end());
+}
+
+// Reads the field starting at record[*at] into *field (unquoted), leaving *at
+// on its separator or at the end.
+void NextField(const DelimitedForm& form, std::u16string_view record, size_t* at,
+               std::u16string* field) {
+  field->clear();
+  size_t i = *at;
+  if (form.quote != u'\0' && i < record.size() && record[i] == form.quote) {
+    for (++i; i < record.size(); ++i) {
+      if (record[i] != form.quote) {
+        field->push_back(record[i]);
+      } else if (i + 1 < record.size() && record[i + 1] == form.quote) {
+        field->push_back(form.quote);
+        ++i;
+      } else {
+        ++i;
+        break;
+      }
+    }
+  }
+  const size_t end = std::min(record.find(form.separator, i), record.size());
+  field->append(record.substr(i, end - i));
+  *at = end;
+}
+
+}  // namespace
+
+ShapeOutcome ShapeDelimited(const DelimitedForm& form, std::u16string_view record,
+                            std::u16string* line) {
+  line->clear();
+  ShapeOutcome outcome;
+  std::u16string field;
+  size_t at = 0;
+  bool end = false;
+  for (const DelimitedField& declared : form.fields) {
+    if (!end) {
+      NextField(form, record, &at, &field);
+      ++outcome.fields;
+      end = at >= record.size();
+      ++at;  // past the separator
+    } else {
+      field.clear();
+      outcome.fewer = true;
+    }
+    if (declared.width == 0) continue;
+    if (declared.seconds) {
+      PutSeconds(field, declared.width, line);
+    } else {
+      Put(field, declared.width, line);
+    }
+    line->push_back(u' ');
+  }
+  while (!end) {  // fields beyond those declared are only counted
+    outcome.more = true;
+    NextField(form, record, &at, &field);
+    ++outcome.fields;
+    end = at >= record.size();
+    ++at;
+  }
+  if (!line->empty()) line->pop_back();  // no blank after the last field
+  return outcome;
+}
+
+std::vector<int> ShapedColumns(const DelimitedForm& form, int* width) {
+  std::vector<int> columns;
+  int next = 1;
+  for (const DelimitedField& field : form.fields) {
+    columns.push_back(next);
+    if (field.width > 0) next += field.width + 1;
+  }
+  *width = next > 1 ? next - 2 : 0;
+  return columns;
+}
+
+bool MatchesPattern(std::u16string_view pattern, std::u16string_view text) {
+  // Iterative glob: on a mismatch, let the last `*` take one more character.
+  size_t p = 0, t = 0, star = std::u16string_view::npos, resume = 0;
+  while (t < text.size()) {
+    if (p < pattern.size() && pattern[p] == u'*') {  // before a literal '*' of the text
+      star = p++;
+      resume = t;
+    } else if (p < pattern.size() && (pattern[p] == u'?' || pattern[p] == text[t])) {
+      ++p;
+      ++t;
+    } else if (star != std::u16string_view::npos) {
+      p = star + 1;
+      t = ++resume;
+    } else {
+      return false;
+    }
+  }
+  while (p < pattern.size() && pattern[p] == u'*') ++p;
+  return p == pattern.size();
+}
+
+bool RecordForm::IsHeading(std::u16string_view line) const {
+  for (const std::u16string& pattern : headings) {
+    if (MatchesPattern(pattern, line)) return true;
+  }
+  return false;
+}
+
+void RecordForm::Join(std::u16string_view line, std::u16string* record) const {
+  const size_t before = static_cast<size_t>(continuation_column > 0 ? continuation_column - 1 : 0);
+  if (record->size() < before) record->resize(before, u' ');
+  record->append(line.data(), line.size());
+}
+
+std::string RecordForm::Describe() const {
+  std::string text = delimited ? "delimited (" + std::to_string(fields.fields.size()) + " fields)"
+                               : "fixed columns";
+  if (!headings.empty()) {
+    text += " + " + std::to_string(headings.size()) + " heading pattern" +
+            (headings.size() == 1 ? "" : "s");
+  }
+  if (nul_ends_record) text += " + NUL record ends";
+  if (!continuation.empty()) text += " + continuation lines";
+  if (seven_bit) text += " + 7-bit";
+  return text;
+}
+
+}  // namespace velqua_records

@@ -1,0 +1,202 @@
+#include "record_form_json.h"
+
+#include <string>
+
+#include "velqua/records/common.h"
+
+namespace velqua_records {
+namespace {
+
+using nlohmann::json;
+
+// At most this many fields and heading patterns: a switch prints a few dozen
+// fields and a page heading of a few lines.
+constexpr size_t kMaxFields = 1000;
+constexpr size_t kMaxHeadings = 100;
+constexpr size_t kMaxPattern = 255;
+
+// A member holding one character ("" gives u'\0' when `may_be_empty`).
+char16_t Character(const json& object, const char* name, const std::string& where,
+                   char16_t fallback, bool may_be_empty) {
+  if (!object.contains(name)) return fallback;
+  const json& value = object.at(name);
+  const std::u16string text = value.is_string() ? U16(value.get<std::string>()) : u"??";
+  if (text.size() == 1) return text[0];
+  if (text.empty() && may_be_empty) return u'\0';
+  FailJson(where + "." + name,
+           may_be_empty ? "must be one character or \"\"" : "must be one character");
+}
+
+DelimitedField ReadField(const json& field, const std::string& where) {
+  CheckJsonMembers(field, where, {"name", "width", "seconds"});
+  DelimitedField out;
+  if (field.contains("name")) {
+    if (!field.at("name").is_string()) FailJson(where + ".name", "must be a string");
+    out.name = field.at("name").get<std::string>();
+  }
+  if (!field.contains("width") || !field.at("width").is_number_integer()) {
+    FailJson(where + ".width", "must be an integer");
+  }
+  const int64_t width = field.at("width").get<int64_t>();
+  if (width < 0 || width > 255) FailJson(where + ".width", "must be 0 to 255");
+  out.width = static_cast<int>(width);
+  if (field.contains("seconds")) {
+    if (!field.at("seconds").is_boolean()) FailJson(where + ".seconds", "must be true or false");
+    out.seconds = field.at("seconds").get<bool>();
+    if (out.seconds && out.width < 7) {
+      FailJson(where + ".width", "a field of seconds needs at least 7 columns (H:MM:SS)");
+    }
+  }
+  return out;
+}
+
+DelimitedForm ReadDelimited(const json& delimited) {
+  const std::string where = "records.delimited";
+  CheckJsonMembers(delimited, where, {"separator", "quote", "fields"});
+  DelimitedForm form;
+  form.separator = Character(delimited, "separator", where, u',', false);
+  form.quote = Character(delimited, "quote", where, u'"', true);
+  if (form.quote == form.separator) FailJson(where + ".quote", "must differ from the separator");
+  if (!delimited.contains("fields") || !delimited.at("fields").is_array() ||
+      delimited.at("fields").empty()) {
+    FailJson(where + ".fields", "must be a list of fields ({\"name\", \"width\"})");
+  }
+  const json& fields = delimited.at("fields");
+  if (fields.size() > kMaxFields) FailJson(where + ".fields", "more than 1000 fields");
+  for (size_t i = 0; i < fields.size(); ++i) {
+    form.fields.push_back(ReadField(fields[i], where + ".fields[" + std::to_string(i) + "]"));
+  }
+  return form;
+}
+
+std::vector<std::u16string> ReadHeadings(const json& headings) {
+  const std::string where = "records.headings";
+  if (!headings.is_array()) FailJson(where, "must be a list of patterns");
+  if (headings.size() > kMaxHeadings) FailJson(where, "more than 100 patterns");
+  std::vector<std::u16string> out;
+  for (size_t i = 0; i < headings.size(); ++i) {
+    const std::string at = where + "[" + std::to_string(i) + "]";
+    if (!headings[i].is_string()) FailJson(at, "must be a string");
+    std::u16string pattern = U16(headings[i].get<std::string>());
+    if (pattern.empty() || pattern.size() > kMaxPattern)
+      FailJson(at, "must be 1 to 255 characters");
+    if (pattern.find_first_not_of(u'*') == std::u16string::npos) {
+      FailJson(at, "matches every line");
+    }
+    out.push_back(std::move(pattern));
+  }
+  return out;
+}
+
+void ReadContinuation(const json& continuation, RecordForm* form) {
+  const std::string where = "records.continuation";
+  CheckJsonMembers(continuation, where, {"pattern", "column"});
+  if (!continuation.contains("pattern") || !continuation.at("pattern").is_string()) {
+    FailJson(where + ".pattern", "must be a string");
+  }
+  form->continuation = U16(continuation.at("pattern").get<std::string>());
+  if (form->continuation.empty() || form->continuation.size() > kMaxPattern ||
+      form->continuation.find_first_not_of(u'*') == std::u16string::npos) {
+    FailJson(where + ".pattern", "must be 1 to 255 characters, not only *");
+  }
+  if (!continuation.contains("column") || !continuation.at("column").is_number_integer()) {
+    FailJson(where + ".column", "must be an integer");
+  }
+  const int64_t column = continuation.at("column").get<int64_t>();
+  if (column < 1 || column > 255) FailJson(where + ".column", "must be 1 to 255");
+  form->continuation_column = static_cast<int>(column);
+  if (form->delimited) FailJson(where, "delimited records have no continuation lines");
+}
+
+std::string Quote(std::u16string_view text) { return json(U8(text)).dump(); }
+
+}  // namespace
+
+RecordForm RecordFormFromJson(const json& records) {
+  CheckJsonMembers(records, "records",
+                   {"delimited", "headings", "record_end", "continuation", "seven_bit"});
+  RecordForm form;
+  if (records.contains("delimited")) {
+    form.delimited = true;
+    form.fields = ReadDelimited(records.at("delimited"));
+  }
+  if (records.contains("headings")) form.headings = ReadHeadings(records.at("headings"));
+  if (records.contains("record_end")) {
+    const json& end = records.at("record_end");
+    if (!end.is_string() || (end != "line" && end != "nul")) {
+      FailJson("records.record_end", "must be \"line\" or \"nul\"");
+    }
+    form.nul_ends_record = end == "nul";
+  }
+  if (records.contains("continuation")) ReadContinuation(records.at("continuation"), &form);
+  if (records.contains("seven_bit")) {
+    if (!records.at("seven_bit").is_boolean())
+      FailJson("records.seven_bit", "must be true or false");
+    form.seven_bit = records.at("seven_bit").get<bool>();
+  }
+  return form;
+}
+
+std::string RecordFormToJson(const RecordForm& form) {
+  if (form.Plain()) return "";
+  std::string out = "{";
+  const char* next = "\n";
+  if (form.delimited) {
+    out += next;
+    out += "    \"delimited\": {\n      \"separator\": " + Quote({&form.fields.separator, 1});
+    out += ",\n      \"quote\": ";
+    out += form.fields.quote == u'\0' ? "\"\"" : Quote({&form.fields.quote, 1});
+    out += ",\n      \"fields\": [";
+    for (size_t i = 0; i < form.fields.fields.size(); ++i) {
+      const DelimitedField& field = form.fields.fields[i];
+      out += i == 0 ? "\n" : ",\n";
+      out += "        {\"name\": " + json(field.name).dump();
+      out += ", \"width\": " + std::to_string(field.width);
+      if (field.seconds) out += ", \"seconds\": true";
+      out += "}";
+    }
+    out += "\n      ]\n    }";
+    next = ",\n";
+  }
+  if (!form.headings.empty()) {
+    out += next;
+    out += "    \"headings\": [";
+    for (size_t i = 0; i < form.headings.size(); ++i) {
+      out += (i == 0 ? "\n      " : ",\n      ") + Quote(form.headings[i]);
+    }
+    out += "\n    ]";
+    next = ",\n";
+  }
+  if (form.nul_ends_record) {
+    out += next;
+    out += "    \"record_end\": \"nul\"";
+    next = ",\n";
+  }
+  if (!form.continuation.empty()) {
+    out += next;
+    out += "    \"continuation\": {\"pattern\": " + Quote(form.continuation) +
+           ", \"column\": " + std::to_string(form.continuation_column) + "}";
+    next = ",\n";
+  }
+  if (form.seven_bit) {
+    out += next;
+    out += "    \"seven_bit\": true";
+  }
+  return out + "\n  }";
+}
+
+void FailJson(const std::string& where, const std::string& what) {
+  throw Failure(where + ": " + what);
+}
+
+void CheckJsonMembers(const nlohmann::json& object, const std::string& where,
+                      std::initializer_list<const char*> allowed) {
+  if (!object.is_object()) FailJson(where, "must be an object");
+  for (auto it = object.begin(); it != object.end(); ++it) {
+    bool known = false;
+    for (const char* name : allowed) known = known || it.key() == name;
+    if (!known) FailJson(where.empty() ? it.key() : where + "." + it.key(), "unknown member");
+  }
+}
+
+}  // namespace velqua_records

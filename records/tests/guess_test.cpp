@@ -1,0 +1,171 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "velqua/cfg_conmut.h"
+#include "velqua/records/bundled.h"
+#include "velqua/records/common.h"
+#include "velqua/records/config_json.h"
+#include "velqua/records/guess.h"
+#include "velqua/records/translation.h"
+
+namespace velqua_records {
+namespace {
+
+// The proposals of a guess as "datum pos-end" lines, marks as "mark key pos text".
+std::vector<std::string> Summary(const Guess& guess) {
+  std::vector<std::string> out;
+  for (const GuessedField& f : guess.fields) {
+    out.push_back(std::string(DatumWords(f.datum)) + " " + std::to_string(f.pos) + "-" +
+                  std::to_string(f.pos + f.size - 1));
+  }
+  for (const GuessedMark& m : guess.marks) {
+    out.push_back("mark " + std::to_string(m.key) + " " + std::to_string(m.pos) + " " + U8(m.text));
+  }
+  return out;
+}
+
+bool Has(const std::vector<std::string>& summary, const std::string& line) {
+  for (const std::string& s : summary) {
+    if (s == line) return true;
+  }
+  return false;
+}
+
+// The order of a date's parts is told by a part above 12, else by its
+// separator; a 12-hour time brings its morning mark.
+TEST(GuessLayout, DateOrderAndTwelveHourTimes) {
+  struct Case {
+    std::vector<std::u16string> lines;
+    std::vector<std::string> expected;
+  } const cases[] = {
+      {{u"31.12.26 08:15:00 201 0312345678", u"30.12.26 09:15:00 202 0312345679"},
+       {"date day 1-2", "date month 4-5", "date year 7-8", "time hours 10-11"}},
+      {{u"12/31/26 08:15 201", u"12/30/26 09:20 202"},
+       {"date month 1-2", "date day 4-5", "date year 7-8", "time minutes 13-14"}},
+      {{u"2026-03-10 18:15:00 00:01:05 201", u"2026-03-11 19:15:00 00:12:00 202"},
+       {"date year 1-4", "date month 6-7", "date day 9-10", "time seconds 18-19",
+        "duration hours 21-22", "duration seconds 27-28"}},
+      {{u"03/10/26 08:02AM   201 01 0312345678", u"03/10/26 01:15PM   202 02 0312598877"},
+       {"time hours 10-11", "time minutes 13-14", "mark 2 15 AM"}},
+      {{u"0802 0032 4012", u"1130 0117 4015", u"2359 0005 4020"},
+       {"time hours 1-2", "time minutes 3-4"}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(U8(c.lines[0]));
+    const std::vector<std::string> summary = Summary(GuessLayout(c.lines));
+    for (const std::string& line : c.expected) EXPECT_TRUE(Has(summary, line)) << line;
+  }
+}
+
+// A comma-separated sample: its separator, a header line taken as a page
+// heading, the talk time preferred to the whole call when both are printed,
+// directions from I/O marks, and a record number not taken for an extension.
+TEST(GuessLayout, DelimitedRecords) {
+  const Guess guess = GuessLayout({
+      u"id,dir,from,to,start,total,talk,ext,line",
+      u"1,O,201,0312345678,2026-03-10 08:15:02,132,125,201,01",
+      u"2,I,0215550199,202,2026-03-10 09:01:10,170,164,202,02",
+      u"3,O,203,0034912345678,2026-03-10 11:00:00,7530,7510,203,01",
+      u"4,I,0215550123,204,2026-03-10 13:30:00,25,0,204,03",
+  });
+  ASSERT_TRUE(guess.form.delimited);
+  EXPECT_EQ(guess.form.fields.separator, u',');
+  EXPECT_EQ(guess.form.headings,
+            (std::vector<std::u16string>{u"id,dir,from,to,start,total,talk,ext,line"}));
+  EXPECT_EQ(guess.form.fields.fields[5].width, 0);  // the whole call, left out
+  EXPECT_TRUE(guess.form.fields.fields[6].seconds);
+  EXPECT_EQ(guess.handling_case, 1);
+  const std::vector<std::string> summary = Summary(guess);
+  for (const char* line :
+       {"mark 4 3 I", "mark 7 3 O", "duration hours 50-52", "number (incoming) 5-14",
+        "number (outgoing) 16-28", "trunk (in) 64-65", "extension (in) 60-62"}) {
+    EXPECT_TRUE(Has(summary, line)) << line;
+  }
+  for (const GuessedField& field : guess.fields) {
+    EXPECT_NE(field.pos, 1) << DatumWords(field.datum);  // the record number
+  }
+}
+
+// The draft reads the very samples it came from: loaded back as a
+// configuration, it translates them into the calls they print.
+TEST(GuessLayout, TheDraftTranslatesItsOwnSamples) {
+  const std::vector<std::u16string> lines = {
+      u"  Date     Time    Ext CO        Dial Number",
+      u"PIN  08:20 03/10 0002 00:10:00 202        0215550199",
+      u"POT  08:15 03/10 0001 00:02:35 201        0312345678",
+      u"POT  10:00 03/11 0003 01:02:03 204        0034912345678",
+      u"PIN  11:11 03/12 0101 00:03:20 205        0398765432",
+  };
+  const std::string json = GuessToJson(GuessLayout(lines), "NEC", "draft");
+  auto cfg = std::make_shared<velqua::clsCfgConmut>();
+  RecordForm form;
+  std::string delivery;
+  SwitchConfigFromJson(json, *cfg, &form, &delivery);
+  struct Rows : RowSink {
+    void Write(const Row& row) override {
+      rows.push_back(std::to_string(row.type) + " " + U8(row.dialled) + " " +
+                     std::to_string(row.duration) + " " + U8(row.extension) + " " + U8(row.trunk) +
+                     " " + std::to_string(row.month) + "/" + std::to_string(row.day));
+    }
+    std::vector<std::string> rows;
+  } rows;
+  Translation translation(cfg, rows, {"", "", false, form});
+  for (const std::u16string& line : lines) translation.Line(line);
+  translation.Finish();
+  EXPECT_EQ(rows.rows,
+            (std::vector<std::string>{
+                "1 0215550199 600 202 0002 3/10", "2 0312345678 155 201 0001 3/10",
+                "2 0034912345678 3723 204 0003 3/11", "1 0398765432 200 205 0101 3/12"}));
+  EXPECT_EQ(translation.counts().headings, 1);
+}
+
+TEST(GuessLayout, NothingToGoByIsSaid) {
+  const Guess guess = GuessLayout({u"no digits here", u"nor here"});
+  EXPECT_EQ(guess.samples, 0);
+  EXPECT_TRUE(guess.fields.empty());
+  EXPECT_EQ(guess.notes, (std::vector<std::string>{"no record with a digit: nothing to go by"}));
+}
+
+TEST(ScoreGuess, CountsTheKnownFieldsFoundAtTheirColumns) {
+  Guess guess;
+  guess.fields = {{Datum::kDay, 4, 2, true, 1, ""},
+                  {Datum::kMonth, 1, 2, true, 1, ""},
+                  {Datum::kNumberOut, 27, 25, false, 1, ""},
+                  {Datum::kExtensionIn, 18, 4, false, 1, ""}};
+  const GuessScore score = ScoreGuess(guess, R"({"fields": {
+    "emParamFechaDia": {"pos": 4, "size": 2, "type": "numeric"},
+    "emParamFechaMes": {"pos": 1, "size": 2, "type": "numeric"},
+    "emParamTelefonoSaliente": {"pos": 27, "size": 25, "type": "string"},
+    "emParamTelefonoSalienteEnTransferencia": {"pos": 27, "size": 25, "type": "string"},
+    "emParamTelefonoEntrante": {"pos": 27, "size": 25, "type": "string"},
+    "emParamExtensionEntrante": {"pos": 18, "size": 5, "type": "string"}}})");
+  EXPECT_EQ(score.found, 4);
+  EXPECT_EQ(score.total, 6);
+  EXPECT_EQ(score.missed, (std::vector<std::string>{"emParamTelefonoEntrante 27-51",
+                                                    "emParamExtensionEntrante 18-22"}));
+}
+
+TEST(Bundled, ANameIsLookedUpAPathIsTakenAsItIs) {
+  const std::filesystem::path dir = std::filesystem::path(VELQUA_RECORDS_TEST_TMP) / "bundled";
+  std::filesystem::create_directories(dir / "lab-pbx");
+  std::filesystem::create_directories(dir / "capture");  // no capture.json: not a switch
+  std::ofstream(dir / "lab-pbx" / "lab-pbx.json") << "{}";
+  ::setenv("VELQUA_EXAMPLES", dir.c_str(), 1);
+  const std::vector<BundledSwitch> found = ListBundledSwitches();
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(found[0].name, "lab-pbx");
+  EXPECT_EQ(ResolveConfig("lab-pbx"), (dir / "lab-pbx" / "lab-pbx.json").string());
+  EXPECT_EQ(ResolveConfig("lab-pbx.json"), "lab-pbx.json");        // has an extension
+  EXPECT_EQ(ResolveConfig("configs/lab-pbx"), "configs/lab-pbx");  // has a folder
+  EXPECT_THROW(ResolveConfig("pbx-9000"), Failure);
+  ::unsetenv("VELQUA_EXAMPLES");
+}
+
+}  // namespace
+}  // namespace velqua_records

@@ -1,0 +1,285 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "velqua/cfg_conmut.h"
+#include "velqua/records/common.h"
+#include "velqua/records/config_json.h"
+#include "velqua/records/record_form.h"
+#include "velqua/records/translation.h"
+
+namespace velqua_records {
+namespace {
+
+// Fields of widths 3, 4, (not carried), 2.
+DelimitedForm FourFields() { return {u',', u'"', {{"a", 3}, {"b", 4}, {"c", 0}, {"d", 2}}}; }
+
+TEST(ShapeDelimited, EachFieldCutOrPaddedToItsWidthThenOneBlank) {
+  struct Case {
+    const char16_t* record;
+    const char16_t* shaped;
+    size_t fields;
+    bool fewer, more;
+  } const cases[] = {
+      {u"ab,cdef,x,gh", u"ab  cdef gh", 4, false, false},
+      {u"abcdef,c,x,ghij", u"abc c    gh", 4, false, false},
+      {u"\"a,b\",c,,d", u"a,b c    d ", 4, false, false},       // separator inside quotes
+      {u"\"x\"\"y\",1,2,3", u"x\"y 1    3 ", 4, false, false},  // doubled quote
+      {u"\"pn\" <53>,1,2,3", u"pn  1    3 ", 4, false, false},  // text after the quote kept
+      {u",,,", u"           ", 4, false, false},                // empty fields are blank
+      {u"a,b", u"a   b      ", 2, true, false},                 // missing fields blank
+      {u"", u"           ", 1, true, false},
+      {u"\"abc,def", u"abc        ", 1, true, false},            // unclosed quote runs on
+      {u"a,b,c,d,e,\"f,g\",h", u"a   b    d ", 7, false, true},  // extra fields counted
+      {u"a,b,c,d,", u"a   b    d ", 5, false, true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(U8(c.record));
+    std::u16string shaped = u"left from before";
+    const ShapeOutcome outcome = ShapeDelimited(FourFields(), c.record, &shaped);
+    EXPECT_EQ(U8(shaped), U8(c.shaped));
+    EXPECT_EQ(outcome.fields, c.fields);
+    EXPECT_EQ(outcome.fewer, c.fewer);
+    EXPECT_EQ(outcome.more, c.more);
+  }
+}
+
+TEST(ShapeDelimited, CountsOfSecondsBecomeHoursMinutesSecondsOrBlank) {
+  struct Case {
+    int width;
+    const char16_t* field;
+    const char16_t* shaped;
+  } const cases[] = {
+      {9, u"125", u"  0:02:05"},  {9, u"0", u"  0:00:00"},          {9, u"3600", u"  1:00:00"},
+      {9, u" 59 ", u"  0:00:59"}, {7, u"35999", u"9:59:59"},        {9, u"360000", u"100:00:00"},
+      {7, u"36000", u"       "},  {9, u"1.5", u"         "},        {9, u"-5", u"         "},
+      {9, u"", u"         "},     {9, u"9999999999", u"         "},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(U8(c.field));
+    const DelimitedForm form{u';', u'\0', {{"seconds", c.width, true}}};
+    std::u16string shaped;
+    ShapeDelimited(form, c.field, &shaped);
+    EXPECT_EQ(U8(shaped), U8(c.shaped));
+  }
+}
+
+TEST(ShapeDelimited, WithoutAQuoteCharacterQuotesAreText) {
+  const DelimitedForm form{u';', u'\0', {{"a", 4}, {"b", 2}}};
+  std::u16string shaped;
+  ShapeDelimited(form, u"\"a;b\"", &shaped);
+  EXPECT_EQ(U8(shaped), "\"a   b\"");
+}
+
+TEST(ShapedColumns, FieldsFollowEachOtherWithOneBlank) {
+  int width = 0;
+  EXPECT_EQ(ShapedColumns(FourFields(), &width), (std::vector<int>{1, 5, 10, 10}));
+  EXPECT_EQ(width, 11);
+}
+
+TEST(MatchesPattern, StarAndQuestionMarkOverTheWholeLine) {
+  struct Case {
+    const char16_t* pattern;
+    const char16_t* text;
+    bool matches;
+  } const cases[] = {
+      {u"*", u"", true},
+      {u"a*", u"abc", true},
+      {u"*c", u"abc", true},
+      {u"a?c", u"abc", true},
+      {u"a?c", u"ac", false},
+      {u"abc", u"ABC", false},
+      {u"abc", u"abcd", false},
+      {u"*PAGE ???", u"      03/10/2026 PAGE 001", true},
+      {u"*PAGE ???", u"PAGE 01", false},
+      {u"a*b*c", u"axxbyyc", true},
+      {u"a*b*c", u"axxbyy", false},
+      {u"*a*a*a*a*b", u"aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", false},
+      {u"\f*", u"\fSMDR REPORT", true},
+      {u"*N", u"*xN", true},  // a star printed in the line is no wildcard
+      {u"?*", u"*", true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(U8(c.pattern) + " / " + U8(c.text));
+    EXPECT_EQ(MatchesPattern(c.pattern, c.text), c.matches);
+  }
+}
+
+TEST(RecordFormJson, EveryPartIsWrittenAsItIsRead) {
+  const std::string text = R"({
+  "brand": "B",
+  "model": "M",
+  "case": "emCasoEstandar",
+  "separator": "\r\n",
+  "comments": "",
+  "delivery": "TCP 2300",
+  "records": {
+    "delimited": {
+      "separator": ";",
+      "quote": "",
+      "fields": [
+        {"name": "start", "width": 19},
+        {"name": "ring", "width": 8, "seconds": true},
+        {"name": "", "width": 0}
+      ]
+    },
+    "headings": [
+      "\fSMDR*",
+      "=====*"
+    ],
+    "record_end": "nul",
+    "seven_bit": true
+  },
+  "fields": {},
+  "constants": {},
+  "wiring": {
+    "rj45": [],
+    "db9": [],
+    "db25": []
+  }
+}
+)";
+  velqua::clsCfgConmut cfg;
+  RecordForm form;
+  std::string delivery;
+  SwitchConfigFromJson(text, cfg, &form, &delivery);
+  EXPECT_EQ(delivery, "TCP 2300");
+  EXPECT_EQ(form.Describe(), "delimited (3 fields) + 2 heading patterns + NUL record ends + 7-bit");
+  EXPECT_EQ(SwitchConfigToJson(cfg, form, delivery), text);
+}
+
+TEST(RecordFormJson, ContinuationLinesAreWrittenAsTheyAreRead) {
+  velqua::clsCfgConmut cfg;
+  RecordForm form;
+  std::string delivery;
+  SwitchConfigFromJson(R"({"records": {"continuation": {"pattern": " &*", "column": 89}}})", cfg,
+                       &form, &delivery);
+  EXPECT_TRUE(form.IsContinuation(u" & 0215550199"));
+  EXPECT_FALSE(form.IsContinuation(u"N 001"));
+  velqua::clsCfgConmut again;
+  RecordForm back;
+  SwitchConfigFromJson(SwitchConfigToJson(cfg, form, ""), again, &back, &delivery);
+  EXPECT_EQ(back.continuation, u" &*");
+  EXPECT_EQ(back.continuation_column, 89);
+}
+
+TEST(RecordFormJson, ErrorsNameTheMemberAtFault) {
+  struct Case {
+    const char* records;
+    const char* error;
+  } const cases[] = {
+      {R"({"colour": 1})", "records.colour: unknown member"},
+      {R"({"delimited": {"separator": "", "fields": [{"width": 1}]}})",
+       "records.delimited.separator: must be one character"},
+      {R"({"delimited": {"separator": ";", "quote": ";", "fields": [{"width": 1}]}})",
+       "records.delimited.quote: must differ from the separator"},
+      {R"({"delimited": {"fields": []}})",
+       "records.delimited.fields: must be a list of fields ({\"name\", \"width\"})"},
+      {R"({"delimited": {"fields": [{"width": 256}]}})",
+       "records.delimited.fields[0].width: must be 0 to 255"},
+      {R"({"delimited": {"fields": [{"name": 3, "width": 1}]}})",
+       "records.delimited.fields[0].name: must be a string"},
+      {R"({"delimited": {"fields": [{"width": 6, "seconds": true}]}})",
+       "records.delimited.fields[0].width: a field of seconds needs at least 7 columns (H:MM:SS)"},
+      {R"({"headings": ["**"]})", "records.headings[0]: matches every line"},
+      {R"({"headings": "x"})", "records.headings: must be a list of patterns"},
+      {R"({"record_end": "cr"})", "records.record_end: must be \"line\" or \"nul\""},
+      {R"({"continuation": {"pattern": "&*"}})", "records.continuation.column: must be an integer"},
+      {R"({"delimited": {"fields": [{"width": 1}]}, "continuation": {"pattern": "&*",
+          "column": 9}})",
+       "records.continuation: delimited records have no continuation lines"},
+      {R"({"seven_bit": 1})", "records.seven_bit: must be true or false"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.records);
+    velqua::clsCfgConmut cfg;
+    RecordForm form;
+    std::string delivery;
+    try {
+      SwitchConfigFromJson(std::string(R"({"records": )") + c.records + "}", cfg, &form, &delivery);
+      ADD_FAILURE() << "no error";
+    } catch (const Failure& e) {
+      EXPECT_STREQ(e.what(), c.error);
+    }
+  }
+}
+
+// Keeps the rows written, as one summary string each.
+class Rows : public RowSink {
+ public:
+  void Write(const Row& row) override {
+    rows.push_back(std::to_string(row.number) + " " + std::to_string(row.type) + " " +
+                   U8(row.dialled) + " " + std::to_string(row.duration) + " " + U8(row.extension));
+  }
+  std::vector<std::string> rows;
+};
+
+// A switch printing "T dialled duration(seconds) extension": incoming I,
+// outgoing O; the duration field is cut at the shaped columns of "seconds".
+std::shared_ptr<velqua::clsCfgConmut> Config(const std::string& records, RecordForm* form) {
+  auto cfg = std::make_shared<velqua::clsCfgConmut>();
+  std::string delivery;
+  SwitchConfigFromJson(R"({"case": 1, "separator": "\r\n", "records": )" + records + R"(,
+    "fields": {
+      "emParamTelefonoEntrante": {"pos": 3, "size": 10, "type": "string"},
+      "emParamTelefonoSaliente": {"pos": 3, "size": 10, "type": "string"},
+      "emParamDuracionHoras": {"pos": 14, "size": 1, "type": "numeric"},
+      "emParamDuracionMinutos": {"pos": 16, "size": 2, "type": "numeric"},
+      "emParamDuracionSegundos": {"pos": 19, "size": 2, "type": "numeric"},
+      "emParamExtensionEntrante": {"pos": 22, "size": 4, "type": "string"},
+      "emParamExtensionSaliente": {"pos": 22, "size": 4, "type": "string"}
+    },
+    "constants": {
+      "emDatoCteIdentEntrante": {"pos": 1, "text": "I"},
+      "emDatoCteIdentSaliente": {"pos": 1, "text": "O"}
+    }})",
+                       *cfg, form, &delivery);
+  return cfg;
+}
+
+TEST(TranslationWithAForm, DelimitedRecordsAreShapedAndCounted) {
+  RecordForm form;
+  const auto cfg = Config(R"({"delimited": {"fields": [{"width": 1}, {"width": 10},
+    {"width": 7, "seconds": true}, {"width": 4}]}, "headings": ["Type,*"]})",
+                          &form);
+  Rows rows;
+  Translation translation(cfg, rows, {"", "", false, form});
+  for (const char16_t* line : {u"Type,Number,Seconds,Ext", u"O,0312345678,125,201",
+                               u"I,\"0215,550199\",61", u"O,555,3600,202,extra"}) {
+    translation.Line(line);
+  }
+  translation.Finish();
+  EXPECT_EQ(rows.rows, (std::vector<std::string>{"1 2 0312345678 125 201", "2 1 0215,55019 61 ",
+                                                 "3 2 555 3600 202"}));
+  EXPECT_EQ(translation.counts().headings, 1);
+  EXPECT_EQ(translation.counts().fewer_fields, 1);
+  EXPECT_EQ(translation.counts().more_fields, 1);
+}
+
+TEST(TranslationWithAForm, ContinuationNulEndsAndSevenBitBeforeTranslating) {
+  RecordForm form;
+  const auto cfg = Config(R"({"continuation": {"pattern": "&*", "column": 22},
+    "record_end": "nul", "seven_bit": true})",
+                          &form);
+  Rows rows;
+  Translation translation(cfg, rows, {"", "", false, form});
+  // The second record's ASCII bytes carry bit 7; its extension follows on a
+  // continuation line; the first two records share a line, NUL-ended.
+  std::string bytes = "O 0312345678 0:02:05 201";
+  bytes += '\0';
+  for (char c : std::string("I 0215550199 0:01:01")) bytes += static_cast<char>(c | 0x80);
+  bytes += "\r\n&209\r\nO 555        1:00:00 202\r\n";
+  std::unique_ptr<std::FILE, FileCloser> f(std::tmpfile());
+  std::fwrite(bytes.data(), 1, bytes.size(), f.get());
+  std::rewind(f.get());
+  translation.Stream(f.get());
+  translation.Finish();
+  EXPECT_EQ(rows.rows, (std::vector<std::string>{"1 2 0312345678 125 201", "2 1 0215550199 61 &209",
+                                                 "3 2 555 3600 202"}));
+}
+
+}  // namespace
+}  // namespace velqua_records

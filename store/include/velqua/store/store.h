@@ -1,0 +1,260 @@
+// The call store: every record a switch sent, translated into calls (or kept
+// as unrecognised), with where it came from, in SQLite (the default, one
+// file) or PostgreSQL (many sites, one server). Both engines hold the same
+// schema (doc/store.md) and give the same results.
+//
+// Writers are `velqua import` (historical files) and the capture service
+// (records as they arrive, each with its spool position). Both write batches
+// through Store::Write: one transaction a batch, and a record's place of
+// origin (source + position) is unique, so writing a batch again after a
+// crash or a lost connection adds nothing.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "velqua/records/call_row.h"
+#include "velqua/records/common.h"
+
+namespace velqua_store {
+
+// A failure of the store, in one line that names the database (e.g.
+// "database 'calls.db': disk is full"). Nothing of the transaction at hand
+// was written.
+class StoreError : public velqua_records::Failure {
+ public:
+  using Failure::Failure;
+};
+
+// The connection to the PostgreSQL server was lost (server stopped, network
+// down, connection refused on reconnecting). Nothing of the transaction at
+// hand was written. The store reconnects on its next call, so a caller that
+// can wait (the capture service keeps spooling) retries the same batch later.
+class ConnectionLost : public StoreError {
+ public:
+  using StoreError::StoreError;
+};
+
+// A switch whose records the store holds.
+struct SwitchInfo {
+  std::string name;         // unique in the store; chosen by the user ("hq-kx-tda")
+  std::string config_path;  // the configuration the records were last translated with
+  std::string config_hash;  // its content hash (ConfigHash)
+  std::string time_zone;    // IANA name ("Europe/Madrid"), or "": no UTC times
+};
+
+// Where a switch's records come from: a file (import) or a capture source.
+// Positions are unique per source; the checkpoint is the writer's own mark,
+// written with a batch in its transaction (an import: the byte offset where
+// reading resumes; the capture service: the last spool position committed).
+struct Source {
+  int64_t id = 0;
+  int64_t switch_id = 0;
+  std::string switch_name;
+  std::string name;                   // a file's absolute path, or a capture source's name
+  std::string kind;                   // "file" or "capture"
+  std::optional<int64_t> checkpoint;  // none until a batch set it
+  std::string fingerprint;            // a file's first bytes (import.h), or ""
+};
+
+// One record as received, with its translation. A row without fields (an
+// unrecognised record, or one the library failed on) goes to `unrecognised`
+// with its reason, every other row to `calls`.
+struct Record {
+  int64_t position = 0;      // byte offset in the file, or spool position
+  std::string raw;           // the record as given to the translator, UTF-8
+  std::string received_utc;  // when it was received, "YYYY-MM-DDTHH:MM:SSZ"
+  velqua_records::Row row;   // its text views are not used: raw holds the record
+};
+
+// What a batch added. Records whose place of origin was already stored
+// (in either table) are counted as duplicates and left as they are.
+struct WriteResult {
+  int64_t calls = 0;
+  int64_t unrecognised = 0;
+  int64_t duplicates = 0;
+};
+
+// A raw record read back (RecentRecords).
+struct RawRecord {
+  int64_t position = 0;
+  std::string raw;
+  std::string received_utc;
+};
+
+// Something that happened to a source: "connect", "disconnect", "gap",
+// "torn-tail", "resent-dropped", "import", "retranslate", or another word
+// of the writer's. `count` is the number of records concerned, if any.
+struct Event {
+  std::string kind;
+  std::string at_utc;  // "YYYY-MM-DDTHH:MM:SSZ"; "" = now
+  int64_t count = 0;
+  std::string detail;
+};
+
+// Which calls ListCalls gives; an empty member does not filter.
+struct CallFilter {
+  std::string from;  // first day, "YYYY-MM-DD" (local start date)
+  std::string to;    // last day, included
+  std::string switch_name;
+  std::string extension;
+  std::string trunk;
+  std::optional<int32_t> type;  // call type number
+  std::string number_prefix;    // the dialled number starts with it
+  std::string account_code;
+  int64_t limit = 0;  // 0 = no limit
+};
+
+// A stored call as ListCalls reads it; absent values are std::nullopt.
+struct StoredCall {
+  std::string switch_name, source_name;
+  int64_t position = 0;
+  int32_t type = 0, attribute = 0;
+  std::optional<std::string> start, start_utc;
+  std::optional<int64_t> duration, ring;
+  std::optional<std::string> dialled, extension, trunk, receiving_extension, receiving_trunk,
+      account_code;
+  bool extension_random = false;
+  std::string raw, received_utc;
+};
+
+// A stored record as retranslation reads it.
+struct StoredRecord {
+  int64_t id = 0;
+  bool is_call = false;  // in `calls`, else in `unrecognised`
+  int64_t source_id = 0;
+  int64_t position = 0;
+  std::string raw, received_utc;
+  std::string stored;  // its stored translation (or reason), as Rewrite compares it
+};
+
+// A stored record with its translation under a corrected configuration.
+struct Retranslated {
+  StoredRecord record;
+  velqua_records::Row row;
+};
+
+// What Rewrite did: records left as they were, calls updated in place
+// (an unrecognised record's reason included), unrecognised records that
+// became calls, and calls that are no longer recognised.
+struct RewriteResult {
+  int64_t unchanged = 0;
+  int64_t updated = 0;
+  int64_t recognised = 0;
+  int64_t unrecognised = 0;
+};
+
+// One interface, two engines. A Store is used by one thread at a time.
+class Store {
+ public:
+  virtual ~Store() = default;
+  Store(const Store&) = delete;
+  Store& operator=(const Store&) = delete;
+
+  // The database as named in messages (a PostgreSQL URL without password).
+  const std::string& name() const { return name_; }
+
+  // Adds the switch, or updates its configuration and time zone (an empty
+  // time_zone keeps the stored one). Returns it as stored.
+  virtual SwitchInfo PutSwitch(const SwitchInfo& info) = 0;
+  // The switch of that name, if stored.
+  virtual std::optional<SwitchInfo> FindSwitch(const std::string& name) = 0;
+
+  // The source of that name for the switch, added (with `kind`) if new; the
+  // switch must have been put. Its checkpoint and fingerprint as stored.
+  virtual Source OpenSource(const std::string& switch_name, const std::string& source_name,
+                            const std::string& kind) = 0;
+  // Stores a file source's fingerprint (the import's check that a file
+  // name still means the same file).
+  virtual void SetFingerprint(const Source& source, const std::string& fingerprint) = 0;
+
+  // Writes the records of one source in one transaction, and, in the same
+  // transaction, sets the source's checkpoint when one is given. Idempotent:
+  // a record whose position the source already has (in calls or
+  // unrecognised, or earlier in the batch) is skipped. Start times are given
+  // in UTC too when the switch has a time zone. Throws ConnectionLost or
+  // StoreError; then nothing of the batch is written. `before_commit`, when
+  // set, is called once the records are written, before the checkpoint is
+  // set and the transaction committed; what it throws rolls the batch back.
+  // A writer that writes one source's batches on several connections at
+  // once makes them commit in order with it.
+  virtual WriteResult Write(const Source& source, const std::vector<Record>& records,
+                            std::optional<int64_t> checkpoint,
+                            const std::function<void()>& before_commit = nullptr) = 0;
+
+  // The source's checkpoint as last committed.
+  virtual std::optional<int64_t> Checkpoint(const Source& source) = 0;
+
+  // The source's most recent records (calls and unrecognised), latest
+  // position last: at most `limit` of them (0: no limit), and only those
+  // received at or after `since_utc` when it is not "". The capture service
+  // compares them with what a switch sends again after reconnecting.
+  virtual std::vector<RawRecord> RecentRecords(const Source& source, int64_t limit,
+                                               const std::string& since_utc) = 0;
+
+  // Adds an event of a source (in its own transaction).
+  virtual void AddEvent(const Source& source, const Event& event) = 0;
+
+  // The calls the filter lets through, by start (those without a start
+  // date first), then switch, source and position; `each` is called for
+  // every one in order. Throws velqua_records::Failure for a malformed
+  // date in the filter.
+  virtual void ListCalls(const CallFilter& filter,
+                         const std::function<void(const StoredCall&)>& each) = 0;
+
+  // The number of calls and of unrecognised records of a switch ("" = all).
+  virtual int64_t CountCalls(const std::string& switch_name) = 0;
+  virtual int64_t CountUnrecognised(const std::string& switch_name) = 0;
+
+  // Retranslation: the switch's stored calls (`calls`) or unrecognised
+  // records with ids above `after_id`, in id order, at most `limit`.
+  virtual std::vector<StoredRecord> ReadStored(const std::string& switch_name, bool calls,
+                                               int64_t after_id, int64_t limit) = 0;
+  // The highest id of the switch's calls or unrecognised records (0: none):
+  // where a retranslation stops, so that records it moves are not read again.
+  virtual int64_t LastStoredId(const std::string& switch_name, bool calls) = 0;
+  // Stores the new translations of a switch's records in one transaction,
+  // touching only those whose stored form changes: a call is updated in
+  // place, a record that changes table moves with its source, position, raw
+  // text and received time.
+  virtual RewriteResult Rewrite(const std::string& switch_name,
+                                const std::vector<Retranslated>& records) = 0;
+
+  // A large load is coming (about `records` records): an engine may put off
+  // work until EndBulk (SQLite builds its query indexes once at the end
+  // when the load is larger than what is stored; until then queries are
+  // slower, and if the process dies the next open builds them).
+  virtual void BeginBulk(int64_t records) = 0;
+  virtual void EndBulk() = 0;
+
+ protected:
+  explicit Store(std::string name) : name_(std::move(name)) {}
+
+ private:
+  std::string name_;
+};
+
+// Opens the store named by `url`: "calls.db" or "sqlite:calls.db" (SQLite),
+// or "postgresql://user@host:port/dbname" (also "postgres://"); a missing
+// SQLite file is created, or refused when `create` is false. Brings the
+// schema up to date; a schema newer than this program is refused. Throws
+// StoreError (ConnectionLost when the server cannot be reached).
+std::unique_ptr<Store> OpenStore(const std::string& url, bool create = true);
+
+// Whether `url` names a PostgreSQL database (else a SQLite file).
+bool IsPostgresUrl(const std::string& url);
+
+// The content hash of a configuration file, as kept in `switches`: 16
+// hexadecimal digits (64-bit FNV-1a). Throws velqua_records::Failure when
+// the file cannot be read.
+std::string ConfigHash(const std::string& path);
+
+// The current time in UTC, "YYYY-MM-DDTHH:MM:SSZ".
+std::string UtcNow();
+
+}  // namespace velqua_store

@@ -1,0 +1,173 @@
+// The aligned table and the cdr-csv form of stored calls.
+#include <date/date.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
+#include <vector>
+
+#include "call_forms.h"
+#include "values.h"
+#include "velqua/records/names.h"
+
+namespace velqua_store {
+namespace {
+
+// ---- Table: the first rows are held back to size the columns; later rows
+// keep those widths (a longer value pushes its own line wider) ----
+
+class TableWriter : public CallWriter {
+ public:
+  static constexpr size_t kSizingRows = 200;
+  static constexpr size_t kCells = 13;
+  using Cells = std::array<std::string, kCells>;
+
+  explicit TableWriter(std::FILE* out) : out_(out) {}
+
+  void Write(const StoredCall& c) override {
+    Cells cells{c.start.value_or(""),
+                c.switch_name,
+                std::to_string(c.type) + ' ' + velqua_records::CallTypeWord(c.type),
+                std::to_string(c.attribute) + ' ' + velqua_records::AttributeWord(c.attribute),
+                c.duration ? std::to_string(*c.duration) : "",
+                c.ring ? std::to_string(*c.ring) : ""};
+    for (size_t i = 0; i < 6; ++i) cells[6 + i] = Texts(c, i)->value_or("");
+    if (c.extension_random) cells[12] = "random extension";
+    if (widths_.empty()) {
+      held_.push_back(std::move(cells));
+      if (held_.size() == kSizingRows) Release();
+      return;
+    }
+    Emit(cells);
+    out_.MaybeFlush();
+  }
+
+  void Finish() override {
+    if (widths_.empty()) Release();
+    out_.Flush();
+  }
+
+ private:
+  static size_t Width(const std::string& utf8) {
+    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
+      return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+    }));
+  }
+
+  void Release() {
+    const Cells heads = {"start", "switch", "type",   "attribute", "dur",     "ring", "dialled",
+                         "ext",   "trunk",  "rx ext", "rx trunk",  "account", "note"};
+    widths_.assign(kCells, 0);
+    held_.insert(held_.begin(), heads);
+    for (const Cells& cells : held_) {
+      for (size_t i = 0; i < kCells; ++i) widths_[i] = std::max(widths_[i], Width(cells[i]));
+    }
+    Cells rule;
+    for (size_t i = 0; i < kCells; ++i) rule[i] = std::string(widths_[i], '-');
+    held_.insert(held_.begin() + 1, rule);
+    for (const Cells& cells : held_) Emit(cells);
+    held_.clear();
+  }
+
+  void Emit(const Cells& cells) {
+    std::string& b = out_.text();
+    size_t last = kCells;  // no line ends in blanks
+    while (last > 0 && cells[last - 1].empty()) --last;
+    for (size_t i = 0; i < last; ++i) {
+      if (i > 0) b += "  ";
+      const size_t width = Width(cells[i]);
+      const size_t pad = widths_[i] > width ? widths_[i] - width : 0;
+      const bool right = i == 4 || i == 5;  // numbers
+      if (right) b.append(pad, ' ');
+      b += cells[i];
+      if (!right && i + 1 < last) b.append(pad, ' ');
+    }
+    b += '\n';
+  }
+
+  Buffer out_;
+  std::vector<Cells> held_;
+  std::vector<size_t> widths_;
+};
+
+// ---- cdr-csv: every text quoted, the two durations bare, LF line ends,
+// no header ----
+
+void Quoted(std::string& out, const std::string& text) {
+  out += '"';
+  for (char c : text) {
+    if (c == '"') out += '"';
+    out += c;
+  }
+  out += "\",";
+}
+
+// "YYYY-MM-DD HH:MM:SS" of a local start moved on by `seconds`; "" when the
+// start has no time (a start printed without seconds counts from :00).
+std::string LocalTime(const std::optional<std::string>& start, int64_t seconds) {
+  int y = 0, mo = 0, d = 0, h = 0, mi = 0, s = 0;
+  if (!start || std::sscanf(start->c_str(), "%d-%d-%dT%d:%d:%d", &y, &mo, &d, &h, &mi, &s) < 5) {
+    return "";
+  }
+  const date::sys_seconds at = date::sys_days{date::year{y} / mo / d} +
+                               std::chrono::seconds{h * 3600 + mi * 60 + s + seconds};
+  return date::format("%F %T", at);
+}
+
+// The same id for the same record in every store: FNV-1a of its switch,
+// source and position.
+std::string UniqueId(const StoredCall& c) {
+  return Fnv1aHex(c.switch_name + '\0' + c.source_name + '\0' + std::to_string(c.position));
+}
+
+class CdrCsvWriter : public CallWriter {
+ public:
+  explicit CdrCsvWriter(std::FILE* out) : out_(out) {}
+
+  void Write(const StoredCall& c) override {
+    const bool incoming = c.type == 1;
+    const bool answered = c.attribute != 4;
+    const std::string extension = c.extension.value_or("");
+    const std::string dialled = c.dialled.value_or("");
+    const std::string other = c.receiving_extension.value_or(c.receiving_trunk.value_or(""));
+    const int64_t ring = c.ring.value_or(0), talk = c.duration.value_or(0);
+    std::string& b = out_.text();
+    Quoted(b, c.account_code.value_or(""));                                 // accountcode
+    Quoted(b, incoming ? dialled : extension);                              // src
+    Quoted(b, incoming ? extension : (dialled.empty() ? other : dialled));  // dst
+    Quoted(b, velqua_records::CallTypeWord(c.type));                        // dcontext
+    Quoted(b, "");                                                          // clid
+    Quoted(b, incoming ? c.trunk.value_or("") : extension);                 // channel
+    Quoted(b, incoming ? extension : c.trunk.value_or(other));              // dstchannel
+    Quoted(b, "");                                                          // lastapp
+    Quoted(b, "");                                                          // lastdata
+    Quoted(b, LocalTime(c.start, 0));                                       // start
+    Quoted(b, answered ? LocalTime(c.start, ring) : "");                    // answer
+    Quoted(b, LocalTime(c.start, ring + talk));                             // end
+    b += std::to_string(ring + talk) + ',' + std::to_string(answered ? talk : 0) + ',';
+    Quoted(b, answered ? "ANSWERED" : "NO ANSWER");  // disposition
+    Quoted(b, "DOCUMENTATION");                      // amaflags
+    Quoted(b, UniqueId(c));                          // uniqueid
+    b += '"';
+    b += c.attribute == 0 ? "" : velqua_records::AttributeWord(c.attribute);  // userfield
+    b += "\"\n";
+    out_.MaybeFlush();
+  }
+  void Finish() override { out_.Flush(); }
+
+ private:
+  Buffer out_;
+};
+
+}  // namespace
+
+std::unique_ptr<CallWriter> MakeTableWriter(std::FILE* out) {
+  return std::make_unique<TableWriter>(out);
+}
+
+std::unique_ptr<CallWriter> MakeCdrCsvWriter(std::FILE* out) {
+  return std::make_unique<CdrCsvWriter>(out);
+}
+
+}  // namespace velqua_store

@@ -1,0 +1,166 @@
+#include "velqua/store/call_output.h"
+
+#include <date/date.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <vector>
+
+#include "call_forms.h"
+#include "velqua/records/common.h"
+#include "velqua/records/names.h"
+
+namespace velqua_store {
+namespace {
+
+using velqua_records::Failure;
+
+constexpr const char* kTextNames[] = {
+    "dialled", "extension", "trunk", "receiving_extension", "receiving_trunk", "account_code"};
+
+// ---- CSV (RFC 4180: CR LF, a field quoted when it holds a comma, a quote,
+// CR or LF, quotes doubled) ----
+
+void CsvField(std::string& out, const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) {
+    out += text;
+    return;
+  }
+  out += '"';
+  for (char c : text) {
+    if (c == '"') out += '"';
+    out += c;
+  }
+  out += '"';
+}
+
+class CsvWriter : public CallWriter {
+ public:
+  explicit CsvWriter(std::FILE* out) : out_(out) {
+    out_.text() =
+        "switch,source,position,type,type_name,attribute,attribute_name,start,start_utc,"
+        "duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,"
+        "account_code,extension_random,received_utc,raw\r\n";
+  }
+  void Write(const StoredCall& c) override {
+    std::string& b = out_.text();
+    CsvField(b, c.switch_name);
+    b += ',';
+    CsvField(b, c.source_name);
+    b += ',' + std::to_string(c.position) + ',' + std::to_string(c.type) + ',' +
+         velqua_records::CallTypeWord(c.type) + ',' + std::to_string(c.attribute) + ',' +
+         velqua_records::AttributeWord(c.attribute) + ',' + c.start.value_or("") + ',' +
+         c.start_utc.value_or("") + ',';
+    if (c.duration) b += std::to_string(*c.duration);
+    b += ',';
+    if (c.ring) b += std::to_string(*c.ring);
+    for (size_t i = 0; i < 6; ++i) {
+      b += ',';
+      CsvField(b, Texts(c, i)->value_or(""));
+    }
+    b += c.extension_random ? ",1," : ",0,";
+    b += c.received_utc + ',';
+    CsvField(b, c.raw);
+    b += "\r\n";
+    out_.MaybeFlush();
+  }
+  void Finish() override { out_.Flush(); }
+
+ private:
+  Buffer out_;
+};
+
+// ---- JSON Lines: the CSV's columns as members, absent values null ----
+
+void JsonString(std::string& out, const std::string& text) {
+  out += '"';
+  for (char c : text) {
+    const auto u = static_cast<unsigned char>(c);
+    if (c == '"' || c == '\\') {
+      out += '\\';
+      out += c;
+    } else if (u < 0x20) {
+      char escape[8];
+      std::snprintf(escape, sizeof escape, "\\u%04x", u);
+      out += escape;
+    } else {
+      out += c;
+    }
+  }
+  out += '"';
+}
+
+void JsonMember(std::string& out, const char* name, const std::optional<std::string>& text) {
+  out += ",\"";
+  out += name;
+  out += "\":";
+  if (text) {
+    JsonString(out, *text);
+  } else {
+    out += "null";
+  }
+}
+
+void JsonNumber(std::string& out, const char* name, const std::optional<int64_t>& n) {
+  out += ",\"";
+  out += name;
+  out += "\":";
+  out += n ? std::to_string(*n) : "null";
+}
+
+class JsonlWriter : public CallWriter {
+ public:
+  explicit JsonlWriter(std::FILE* out) : out_(out) {}
+  void Write(const StoredCall& c) override {
+    std::string& b = out_.text();
+    b += "{\"switch\":";
+    JsonString(b, c.switch_name);
+    JsonMember(b, "source", c.source_name);
+    JsonNumber(b, "position", c.position);
+    JsonNumber(b, "type", c.type);
+    JsonMember(b, "type_name", std::string(velqua_records::CallTypeWord(c.type)));
+    JsonNumber(b, "attribute", c.attribute);
+    JsonMember(b, "attribute_name", std::string(velqua_records::AttributeWord(c.attribute)));
+    JsonMember(b, "start", c.start);
+    JsonMember(b, "start_utc", c.start_utc);
+    JsonNumber(b, "duration", c.duration);
+    JsonNumber(b, "ring", c.ring);
+    for (size_t i = 0; i < 6; ++i) JsonMember(b, kTextNames[i], *Texts(c, i));
+    b += c.extension_random ? ",\"extension_random\":true" : ",\"extension_random\":false";
+    JsonMember(b, "received_utc", c.received_utc);
+    JsonMember(b, "raw", c.raw);
+    b += "}\n";
+    out_.MaybeFlush();
+  }
+  void Finish() override { out_.Flush(); }
+
+ private:
+  Buffer out_;
+};
+
+}  // namespace
+
+CallFormat CallFormatNamed(const std::string& name) {
+  if (name == "table") return CallFormat::kTable;
+  if (name == "csv") return CallFormat::kCsv;
+  if (name == "jsonl") return CallFormat::kJsonl;
+  if (name == "cdr-csv") return CallFormat::kCdrCsv;
+  throw Failure("unknown output form '" + name + "': expected table, csv, jsonl or cdr-csv");
+}
+
+std::unique_ptr<CallWriter> MakeCallWriter(CallFormat format, std::FILE* out) {
+  switch (format) {
+    case CallFormat::kCsv:
+      return std::make_unique<CsvWriter>(out);
+    case CallFormat::kJsonl:
+      return std::make_unique<JsonlWriter>(out);
+    case CallFormat::kCdrCsv:
+      return MakeCdrCsvWriter(out);
+    case CallFormat::kTable:
+      break;
+  }
+  return MakeTableWriter(out);
+}
+
+}  // namespace velqua_store

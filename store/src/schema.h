@@ -1,0 +1,28 @@
+// The store's schema and its versions. Both engines hold the same tables;
+// the DDL differs only in the identity column and, in PostgreSQL, the "C"
+// collation of texts (so both engines sort and compare texts by their bytes).
+#pragma once
+
+#include <string>
+
+namespace velqua_store {
+
+class Connection;
+
+// The schema version this program writes and reads.
+constexpr int kSchemaVersion = 1;
+
+// Brings the schema of an open database up to kSchemaVersion in one
+// transaction (SQLite: PRAGMA user_version; PostgreSQL:
+// the schema_migrations table, under a lock so that two sites opening the
+// same database at once migrate it once). Throws StoreError when the
+// database's schema is newer than this program's.
+void Migrate(Connection& db, const std::string& name);
+
+// SQLite's indexes for the queries, as "CREATE INDEX IF NOT EXISTS"
+// statements (a bulk load drops them and builds them again at its end), and
+// their names (ending with nullptr).
+std::string QueryIndexes();
+const char* const* QueryIndexNames();
+
+}  // namespace velqua_store

@@ -1,0 +1,84 @@
+// The store's logic, once for both engines (sql_store.cpp: switches, sources
+// and writing; sql_store_read.cpp: reading and retranslation). Statements are
+// written in the SQL that SQLite and PostgreSQL share, with $1, $2 ...
+// parameters; only the Connection knows its engine.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "sql.h"
+#include "values.h"
+#include "velqua/store/store.h"
+
+namespace velqua_store {
+
+class SqlStore : public Store {
+ public:
+  // Brings the schema up to date and repairs what a dead bulk load left.
+  SqlStore(std::unique_ptr<Connection> db, const std::string& name);
+
+  SwitchInfo PutSwitch(const SwitchInfo& info) override;
+  std::optional<SwitchInfo> FindSwitch(const std::string& name) override;
+  Source OpenSource(const std::string& switch_name, const std::string& source_name,
+                    const std::string& kind) override;
+  void SetFingerprint(const Source& source, const std::string& fingerprint) override;
+  WriteResult Write(const Source& source, const std::vector<Record>& records,
+                    std::optional<int64_t> checkpoint,
+                    const std::function<void()>& before_commit) override;
+  std::optional<int64_t> Checkpoint(const Source& source) override;
+  std::vector<RawRecord> RecentRecords(const Source& source, int64_t limit,
+                                       const std::string& since_utc) override;
+  void AddEvent(const Source& source, const Event& event) override;
+  void ListCalls(const CallFilter& filter,
+                 const std::function<void(const StoredCall&)>& each) override;
+  int64_t CountCalls(const std::string& switch_name) override;
+  int64_t CountUnrecognised(const std::string& switch_name) override;
+  std::vector<StoredRecord> ReadStored(const std::string& switch_name, bool calls, int64_t after_id,
+                                       int64_t limit) override;
+  int64_t LastStoredId(const std::string& switch_name, bool calls) override;
+  RewriteResult Rewrite(const std::string& switch_name,
+                        const std::vector<Retranslated>& records) override;
+  void BeginBulk(int64_t records) override;
+  void EndBulk() override;
+
+ private:
+  // Runs `work` in a write transaction: committed when it returns, rolled
+  // back when it throws.
+  template <typename Work>
+  auto Transaction(Work work) {
+    db_->Begin();
+    try {
+      auto result = work();
+      db_->Commit();
+      return result;
+    } catch (...) {
+      db_->Rollback();
+      throw;
+    }
+  }
+
+  WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,
+                        std::optional<int64_t> checkpoint,
+                        const std::function<void()>& before_commit);
+  // Which records of a batch to skip: those whose position the source has
+  // already, and the repeats of a position within the batch.
+  std::vector<bool> Skipped(const Source& source, const std::vector<Record>& records);
+  RewriteResult RewriteOnce(int64_t switch_id, const std::vector<Retranslated>& records);
+  int64_t Count(const char* table, const std::string& switch_name);
+  int64_t SwitchId(const std::string& switch_name);
+  const Zone& ZoneOf(int64_t switch_id);
+  // The n-th CallValues of a pool, made when the pool is shorter.
+  static CallValues& Slot(std::vector<CallValues>& pool, size_t n) {
+    if (pool.size() <= n) pool.resize(n + 1);
+    return pool[n];
+  }
+
+  std::unique_ptr<Connection> db_;
+  std::map<int64_t, Zone> zones_;  // by switch id
+  std::vector<CallValues> calls_, unrecognised_;
+};
+
+}  // namespace velqua_store

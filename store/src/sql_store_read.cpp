@@ -1,0 +1,244 @@
+// Reading calls back, counting, and rewriting records with a corrected
+// configuration's translations.
+#include <date/date.h>
+
+#include <cstdio>
+#include <string>
+
+#include "sql_store.h"
+
+namespace velqua_store {
+namespace {
+
+constexpr const char* kCallColumns =
+    "type, attribute, start, start_utc, duration, ring, dialled, extension, trunk, "
+    "receiving_extension, receiving_trunk, account_code, extension_random";
+constexpr int kCallColumnCount = 13;
+
+// A call's stored translation as one string, read from the kCallColumns
+// that start at column `first`.
+std::string StoredSignature(const ResultRow& row, int first) {
+  std::string s;
+  for (int i = first; i < first + kCallColumnCount; ++i) {
+    if (!row.IsNull(i)) s += row.Text(i);
+    s += '\x1f';
+  }
+  return s;
+}
+
+// The same string from a translation about to be stored.
+std::string Signature(const CallValues& v) {
+  std::string s;
+  const auto add = [&s](const std::string& text) {
+    s += text;
+    s += '\x1f';
+  };
+  add(std::to_string(v.type));
+  add(std::to_string(v.attribute));
+  add(v.start);
+  add(v.start_utc);
+  add(v.duration < 0 ? "" : std::to_string(v.duration));
+  add(v.ring < 0 ? "" : std::to_string(v.ring));
+  for (const std::string& text : v.texts) add(text);
+  add(v.extension_random ? "1" : "0");
+  return s;
+}
+
+// The first text after every text that starts with `prefix`, in byte
+// order; "" when there is none (a prefix of 0xFF bytes).
+std::string PrefixEnd(std::string prefix) {
+  while (!prefix.empty() && static_cast<unsigned char>(prefix.back()) == 0xFF) prefix.pop_back();
+  if (!prefix.empty()) prefix.back() = static_cast<char>(prefix.back() + 1);
+  return prefix;
+}
+
+// A day "YYYY-MM-DD" that exists; throws Failure naming the option.
+date::year_month_day ParseDay(const std::string& text, const char* option) {
+  bool digits = text.size() == 10 && text[4] == '-' && text[7] == '-';
+  for (size_t i = 0; digits && i < text.size(); ++i) {
+    digits = i == 4 || i == 7 || (text[i] >= '0' && text[i] <= '9');
+  }
+  if (digits) {
+    const date::year_month_day day{date::year{std::stoi(text.substr(0, 4))},
+                                   date::month{static_cast<unsigned>(std::stoi(text.substr(5, 2)))},
+                                   date::day{static_cast<unsigned>(std::stoi(text.substr(8, 2)))}};
+    if (day.ok()) return day;
+  }
+  throw velqua_records::Failure(std::string(option) + ": expected a date YYYY-MM-DD, got '" + text +
+                                "'");
+}
+
+std::string DayText(const date::year_month_day& day) {
+  char text[16];
+  std::snprintf(text, sizeof text, "%04d-%02u-%02u", static_cast<int>(day.year()),
+                static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()));
+  return text;
+}
+
+// The WHERE clause of a filter and its parameters.
+std::string Where(const CallFilter& f, std::vector<Value>* params) {
+  std::string sql = " WHERE 1 = 1";
+  const auto add = [&](const char* condition, Value value) {
+    params->push_back(std::move(value));
+    sql += std::string(" AND ") + condition + " $" + std::to_string(params->size());
+  };
+  if (!f.from.empty()) add("c.start >=", DayText(ParseDay(f.from, "--from")));
+  if (!f.to.empty()) {
+    const date::sys_days next = date::sys_days{ParseDay(f.to, "--to")} + date::days{1};
+    add("c.start <", DayText(date::year_month_day{next}));
+  }
+  if (!f.switch_name.empty()) {
+    add("c.switch_id = (SELECT id FROM switches WHERE name =", f.switch_name);
+    sql += ")";
+  }
+  if (!f.extension.empty()) add("c.extension =", f.extension);
+  if (!f.trunk.empty()) add("c.trunk =", f.trunk);
+  if (f.type) add("c.type =", *f.type);
+  if (!f.number_prefix.empty()) {
+    add("c.dialled >=", f.number_prefix);
+    const std::string end = PrefixEnd(f.number_prefix);
+    if (!end.empty()) add("c.dialled <", end);
+  }
+  if (!f.account_code.empty()) add("c.account_code =", f.account_code);
+  return sql;
+}
+
+std::optional<std::string> OptionalText(const ResultRow& r, int column) {
+  if (r.IsNull(column)) return std::nullopt;
+  return r.Text(column);
+}
+
+std::optional<int64_t> OptionalInt(const ResultRow& r, int column) {
+  if (r.IsNull(column)) return std::nullopt;
+  return r.Int(column);
+}
+
+StoredCall ReadCall(const ResultRow& r) {
+  StoredCall c;
+  c.switch_name = r.Text(0);
+  c.source_name = r.Text(1);
+  c.position = r.Int(2);
+  c.type = static_cast<int32_t>(r.Int(3));
+  c.attribute = static_cast<int32_t>(r.Int(4));
+  c.start = OptionalText(r, 5);
+  c.start_utc = OptionalText(r, 6);
+  c.duration = OptionalInt(r, 7);
+  c.ring = OptionalInt(r, 8);
+  std::optional<std::string>* texts[] = {&c.dialled,         &c.extension,
+                                         &c.trunk,           &c.receiving_extension,
+                                         &c.receiving_trunk, &c.account_code};
+  for (int i = 0; i < 6; ++i) *texts[i] = OptionalText(r, 9 + i);
+  c.extension_random = r.Int(15) != 0;
+  c.raw = r.Text(16);
+  c.received_utc = r.Text(17);
+  return c;
+}
+
+}  // namespace
+
+void SqlStore::ListCalls(const CallFilter& filter,
+                         const std::function<void(const StoredCall&)>& each) {
+  std::vector<Value> params;
+  std::string sql =
+      "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, c.duration, "
+      "c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, c.receiving_trunk, "
+      "c.account_code, c.extension_random, c.raw, c.received_utc FROM calls c "
+      "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id" +
+      Where(filter, &params) + " ORDER BY c.start NULLS FIRST, w.name, s.name, c.position";
+  if (filter.limit > 0) {
+    params.emplace_back(filter.limit);
+    sql += " LIMIT $" + std::to_string(params.size());
+  }
+  db_->Run(sql, params, [&](const ResultRow& r) { each(ReadCall(r)); });
+}
+
+int64_t SqlStore::Count(const char* table, const std::string& switch_name) {
+  int64_t n = 0;
+  const RowFn read = [&](const ResultRow& r) { n = r.Int(0); };
+  if (switch_name.empty()) {
+    db_->Run(std::string("SELECT count(*) FROM ") + table, {}, read);
+  } else {
+    db_->Run(std::string("SELECT count(*) FROM ") + table + " WHERE switch_id = $1",
+             {SwitchId(switch_name)}, read);
+  }
+  return n;
+}
+
+int64_t SqlStore::CountCalls(const std::string& switch_name) { return Count("calls", switch_name); }
+
+int64_t SqlStore::CountUnrecognised(const std::string& switch_name) {
+  return Count("unrecognised", switch_name);
+}
+
+std::vector<StoredRecord> SqlStore::ReadStored(const std::string& switch_name, bool calls,
+                                               int64_t after_id, int64_t limit) {
+  const std::string columns = calls ? kCallColumns : "reason";
+  std::vector<StoredRecord> records;
+  db_->Run("SELECT id, source_id, position, raw, received_utc, " + columns + " FROM " +
+               (calls ? "calls" : "unrecognised") +
+               " WHERE switch_id = $1 AND id > $2 ORDER BY id LIMIT $3",
+           {SwitchId(switch_name), after_id, limit}, [&](const ResultRow& r) {
+             records.push_back(StoredRecord{r.Int(0), calls, r.Int(1), r.Int(2), r.Text(3),
+                                            r.Text(4), calls ? StoredSignature(r, 5) : r.Text(5)});
+           });
+  return records;
+}
+
+int64_t SqlStore::LastStoredId(const std::string& switch_name, bool calls) {
+  int64_t last = 0;
+  db_->Run(std::string("SELECT max(id) FROM ") + (calls ? "calls" : "unrecognised") +
+               " WHERE switch_id = $1",
+           {SwitchId(switch_name)}, [&](const ResultRow& r) {
+             if (!r.IsNull(0)) last = r.Int(0);
+           });
+  return last;
+}
+
+RewriteResult SqlStore::Rewrite(const std::string& switch_name,
+                                const std::vector<Retranslated>& records) {
+  const int64_t switch_id = SwitchId(switch_name);
+  return Transaction([&] { return RewriteOnce(switch_id, records); });
+}
+
+RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retranslated>& records) {
+  const Zone& zone = ZoneOf(switch_id);
+  RewriteResult result;
+  size_t n_calls = 0, n_unrecognised = 0;
+  CallValues v;
+  for (const Retranslated& r : records) {
+    const StoredRecord& old = r.record;
+    v.Fill(switch_id, old.source_id, Record{old.position, old.raw, old.received_utc, r.row}, zone);
+    const bool call = r.row.has_fields;
+    if (call == old.is_call && old.stored == (call ? Signature(v) : v.reason)) {
+      ++result.unchanged;
+    } else if (call && old.is_call) {
+      std::vector<Value> params{old.id, v.type, v.attribute, Value::TextOrNull(v.start),
+                                Value::TextOrNull(v.start_utc)};
+      for (int64_t n : {v.duration, v.ring}) params.push_back(n < 0 ? Value() : Value(n));
+      for (const std::string& text : v.texts) params.push_back(Value::TextOrNull(text));
+      params.emplace_back(int64_t{v.extension_random});
+      db_->Run(
+          "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
+          "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "
+          "receiving_trunk = $12, account_code = $13, extension_random = $14 WHERE id = $1",
+          params);
+      ++result.updated;
+    } else if (!call && !old.is_call) {
+      db_->Run("UPDATE unrecognised SET reason = $2 WHERE id = $1", {old.id, v.reason});
+      ++result.updated;
+    } else {
+      // The record changes table: it leaves the old one here and joins the
+      // new one below, in the same transaction.
+      db_->Run(old.is_call ? "DELETE FROM calls WHERE id = $1"
+                           : "DELETE FROM unrecognised WHERE id = $1",
+               {old.id});
+      Slot(call ? calls_ : unrecognised_, call ? n_calls++ : n_unrecognised++) = v;
+      ++(call ? result.recognised : result.unrecognised);
+    }
+  }
+  db_->InsertCalls(calls_.data(), n_calls);
+  db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
+  return result;
+}
+
+}  // namespace velqua_store

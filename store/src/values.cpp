@@ -1,0 +1,135 @@
+#include "values.h"
+
+#include <date/tz.h>
+
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <exception>
+
+#include "velqua/records/common.h"
+#include "velqua/store/store.h"
+
+namespace velqua_store {
+namespace {
+
+// Appends `value` in decimal, zero-padded to `width` digits.
+void AppendPadded(std::string& out, int64_t value, int width) {
+  char digits[24];
+  const char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  for (auto n = static_cast<int>(end - digits); n < width; ++n) out += '0';
+  out.append(digits, static_cast<size_t>(end - digits));
+}
+
+// PostgreSQL cannot hold a NUL character in a text; both engines store it
+// as U+2400 SYMBOL FOR NULL, so that they hold the same texts.
+void ReplaceNul(std::string& text) {
+  for (size_t at = text.find('\0'); at != std::string::npos; at = text.find('\0', at + 3)) {
+    text.replace(at, 1, "\xE2\x90\x80");
+  }
+}
+
+}  // namespace
+
+Zone::Zone(const std::string& name) {
+  if (name.empty()) return;
+  try {
+    zone_ = date::locate_zone(name);
+  } catch (const std::exception&) {
+    throw StoreError("unknown time zone '" + name +
+                     "': expected an IANA name such as Europe/Madrid (see /usr/share/zoneinfo)");
+  }
+}
+
+std::string Zone::ToUtc(const velqua_records::Row& row) const {
+  if (zone_ == nullptr || !row.has_fields || !row.HasDate() || !row.HasTime()) return "";
+  const date::year_month_day day{date::year{row.year},
+                                 date::month{static_cast<unsigned>(row.month)},
+                                 date::day{static_cast<unsigned>(row.day)}};
+  if (row.month < 1 || row.day < 1 || !day.ok()) return "";
+  const date::local_seconds local = date::local_days{day} + std::chrono::seconds{row.time};
+  const date::sys_seconds utc = zone_->to_sys(local, date::choose::earliest);
+  const date::sys_days utc_day = date::floor<date::days>(utc);
+  const date::year_month_day ymd{utc_day};
+  const int64_t seconds = (utc - utc_day).count();
+  std::string out;
+  AppendPadded(out, static_cast<int>(ymd.year()), 4);
+  out += '-';
+  AppendPadded(out, static_cast<unsigned>(ymd.month()), 2);
+  out += '-';
+  AppendPadded(out, static_cast<unsigned>(ymd.day()), 2);
+  out += 'T';
+  AppendPadded(out, seconds / 3600, 2);
+  out += ':';
+  AppendPadded(out, seconds / 60 % 60, 2);
+  if (row.HasSeconds()) {
+    out += ':';
+    AppendPadded(out, seconds % 60, 2);
+  }
+  out += 'Z';
+  return out;
+}
+
+void AppendStart(std::string& out, const velqua_records::Row& row) {
+  if (!row.has_fields || !row.HasDate()) return;
+  AppendPadded(out, row.year, 4);
+  out += '-';
+  AppendPadded(out, row.month, 2);
+  out += '-';
+  AppendPadded(out, row.day, 2);
+  if (!row.HasTime()) return;
+  out += 'T';
+  AppendPadded(out, row.time / 3600, 2);
+  out += ':';
+  AppendPadded(out, row.time / 60 % 60, 2);
+  if (!row.HasSeconds()) return;
+  out += ':';
+  AppendPadded(out, row.time % 60, 2);
+}
+
+std::string Fnv1aHex(std::string_view bytes) {
+  uint64_t hash = 14695981039346656037ull;
+  for (const char c : bytes) {
+    hash ^= static_cast<unsigned char>(c);
+    hash *= 1099511628211ull;
+  }
+  char text[17];
+  std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
+  return text;
+}
+
+std::string Reason(const velqua_records::Row& row) {
+  return row.error.empty() ? "not recognised by the switch's configuration" : row.error;
+}
+
+void CallValues::Fill(int64_t switch_id_, int64_t source_id_, const Record& record,
+                      const Zone& zone) {
+  const velqua_records::Row& row = record.row;
+  switch_id = switch_id_;
+  source_id = source_id_;
+  position = record.position;
+  received_utc = record.received_utc;
+  raw = record.raw;
+  ReplaceNul(raw);
+  type = row.type;
+  attribute = row.attribute;
+  start.clear();
+  AppendStart(start, row);
+  start_utc = zone.ToUtc(row);
+  duration = row.has_fields ? row.duration : -1;
+  ring = row.has_fields ? row.ring : -1;
+  const std::u16string* fields[] = {&row.dialled,         &row.extension,
+                                    &row.trunk,           &row.receiving_extension,
+                                    &row.receiving_trunk, &row.account_code};
+  for (size_t i = 0; i < texts.size(); ++i) {
+    texts[i].clear();
+    if (row.has_fields) velqua_records::AppendUtf8(texts[i], *fields[i]);
+    ReplaceNul(texts[i]);
+  }
+  extension_random = row.random_extension;
+  reason.clear();
+  if (!row.has_fields) reason = Reason(row);
+  ReplaceNul(reason);
+}
+
+}  // namespace velqua_store

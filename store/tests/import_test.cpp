@@ -1,0 +1,190 @@
+// Importing files and translating them again, on both engines; and the
+// same records give the same exports on both.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "store_test_support.h"
+#include "velqua/store/call_output.h"
+#include "velqua/store/import.h"
+
+namespace velqua_store {
+namespace {
+
+using velqua_store_testing::Engine;
+using velqua_store_testing::StoreTest;
+
+const std::string kExamples = VELQUA_SOURCE_DIR "/examples/";
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+void WriteFile(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+}
+
+// The first `n` lines (CR LF ended) of a text.
+std::string FirstLines(const std::string& text, int n) {
+  size_t end = 0;
+  for (int i = 0; i < n; ++i) end = text.find('\n', end) + 1;
+  return text.substr(0, end);
+}
+
+// The hicom example's configuration with `from` replaced by `to`, in a file.
+std::string EditedHicom(const std::string& dir, const std::string& name, const std::string& from,
+                        const std::string& to) {
+  std::string json = ReadFile(kExamples + "hicom/hicom.json");
+  const size_t at = json.find(from);
+  if (at != std::string::npos) json.replace(at, from.size(), to);
+  const std::string path = dir + "/" + name + ".json";
+  WriteFile(path, json);
+  return path;
+}
+
+ImportSettings Settings(const std::string& switch_name, const std::string& config) {
+  ImportSettings s;
+  s.switch_name = switch_name;
+  s.config = config;
+  s.year = 2026;
+  s.batch = 4;  // several batches even for the examples
+  return s;
+}
+
+class ImportTest : public StoreTest {
+ protected:
+  ImportTest() : dir_(velqua_store_testing::TempDir(velqua_store_testing::Name() + "-files")) {}
+  ~ImportTest() override { std::filesystem::remove_all(dir_); }
+  std::string dir_;
+};
+
+TEST_P(ImportTest, AFileImportedAgainAddsNothingAndAGrownFileOnlyItsTail) {
+  const std::string records = ReadFile(kExamples + "hicom/records.txt");
+  const std::string path = dir_ + "/calls.txt";
+  Importer importer(*store_, Settings("hicom", kExamples + "hicom/hicom.json"));
+  struct Step {
+    const char* what;
+    std::string content;
+    int64_t read, calls, unrecognised;
+  };
+  const Step steps[] = {
+      {"the first ten records", FirstLines(records, 10), 10, 10, 0},
+      {"the same file again", FirstLines(records, 10), 0, 10, 0},
+      {"the file has grown", records, 5, 14, 1},
+      {"and once more", records, 0, 14, 1},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.what);
+    WriteFile(path, step.content);
+    const ImportResult result = importer.Import({path});
+    EXPECT_EQ(result.read, step.read);
+    EXPECT_EQ(store_->CountCalls("hicom"), step.calls);
+    EXPECT_EQ(store_->CountUnrecognised("hicom"), step.unrecognised);
+  }
+  // Another file put under the imported one's name is refused.
+  WriteFile(path, "X" + records.substr(1));
+  EXPECT_THROW(importer.Import({path}), velqua_records::Failure);
+  EXPECT_EQ(store_->CountCalls("hicom"), 14);
+}
+
+// A corrected configuration: records it now recognises move to calls, calls
+// it reads differently are updated, calls it no longer recognises move to
+// unrecognised, and nothing else is touched.
+TEST_P(ImportTest, RetranslationRewritesOnlyWhatChanges) {
+  const std::string full = kExamples + "hicom/hicom.json";
+  // Without the mark of a plain incoming call: six of the seven incoming calls
+  // are not recognised (the seventh is a forwarded one, with its own mark).
+  const std::string no_incoming = EditedHicom(
+      dir_, "no-incoming", "\"emDatoCteIdentEntrante\": {\"pos\": 79, \"text\": \"1\"},", "");
+  // Outgoing numbers cut to five digits: six of the seven are longer.
+  const std::string short_numbers =
+      EditedHicom(dir_, "short", "\"emParamTelefonoSaliente\": {\"pos\": 45, \"size\": 20",
+                  "\"emParamTelefonoSaliente\": {\"pos\": 45, \"size\": 5");
+  Importer(*store_, Settings("hicom", no_incoming)).Import({kExamples + "hicom/records.txt"});
+  ASSERT_EQ(store_->CountCalls("hicom"), 8);
+  struct Step {
+    std::string config;
+    RewriteResult expected;  // unchanged, updated, recognised, unrecognised
+    int64_t calls;
+  };
+  const Step steps[] = {
+      {full, {9, 0, 6, 0}, 14},
+      {full, {15, 0, 0, 0}, 14},
+      {short_numbers, {9, 6, 0, 0}, 14},
+      {no_incoming, {3, 6, 0, 6}, 8},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.config);
+    const RewriteResult r = Retranslate(*store_, "hicom", step.config, "");
+    EXPECT_EQ(r.unchanged, step.expected.unchanged);
+    EXPECT_EQ(r.updated, step.expected.updated);
+    EXPECT_EQ(r.recognised, step.expected.recognised);
+    EXPECT_EQ(r.unrecognised, step.expected.unrecognised);
+    EXPECT_EQ(store_->CountCalls("hicom"), step.calls);
+    EXPECT_EQ(store_->CountUnrecognised("hicom"), 15 - step.calls);
+    EXPECT_EQ(store_->FindSwitch("hicom")->config_hash, ConfigHash(step.config));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, ImportTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+                         velqua_store_testing::EngineName);
+
+// Every output form of every example's calls, with UTC times, from one
+// store; the hicom example imported with a configuration that misses its
+// incoming calls, then translated again with the right one.
+std::string ExportAll(const std::string& url, const std::string& dir) {
+  std::unique_ptr<Store> store = OpenStore(url);
+  struct Example {
+    const char* name;
+    const char* config;
+    const char* extensions;
+  };
+  for (const Example& e :
+       {Example{"kx-tda", "kx-tda.json", "extensions.txt"}, Example{"norstar", "norstar.cfg", ""},
+        Example{"hicom", "", ""}, Example{"definity", "definity.json", ""}}) {
+    const std::string examples = kExamples + e.name + "/";
+    const std::string no_incoming = "\"emDatoCteIdentEntrante\": {\"pos\": 79, \"text\": \"1\"},";
+    ImportSettings s =
+        Settings(e.name, *e.config != '\0' ? examples + e.config
+                                           : EditedHicom(dir, "no-incoming", no_incoming, ""));
+    s.time_zone = "America/New_York";
+    s.source = std::string(e.name) + "/records.txt";  // the same on every machine
+    if (*e.extensions != '\0') s.extensions = examples + e.extensions;
+    Importer(*store, s).Import({examples + "records.txt"});
+  }
+  const RewriteResult r = Retranslate(*store, "hicom", kExamples + "hicom/hicom.ini", "");
+  EXPECT_EQ(r.recognised, 6);
+  std::string all;
+  for (const char* format : {"table", "csv", "jsonl", "cdr-csv"}) {
+    char* text = nullptr;
+    size_t size = 0;
+    std::FILE* out = open_memstream(&text, &size);
+    std::unique_ptr<CallWriter> writer = MakeCallWriter(CallFormatNamed(format), out);
+    store->ListCalls({}, [&](const StoredCall& call) { writer->Write(call); });
+    writer->Finish();
+    std::fclose(out);
+    all += std::string(text, size);
+    std::free(text);
+  }
+  return all;
+}
+
+TEST(PostgresAndSqlite, ExportTheSameBytes) {
+  const std::string dir = velqua_store_testing::TempDir("exports");
+  const std::string sqlite = ExportAll(dir + "/calls.db", dir);
+  const std::string postgres =
+      ExportAll(velqua_store_testing::PgTestServer::Shared().NewDatabase(), dir);
+  EXPECT_GT(sqlite.size(), 20000u);
+  EXPECT_EQ(sqlite, postgres);
+  std::filesystem::remove_all(dir);
+}
+
+}  // namespace
+}  // namespace velqua_store

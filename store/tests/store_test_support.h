@@ -1,0 +1,99 @@
+// What the store's tests share: a fixture parameterised by engine that opens
+// a new empty store for each test (a file in a temporary folder, or a new
+// database on the shared throwaway PostgreSQL server), and records made
+// from a few values.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+#include "pg_test_server.h"
+#include "velqua/records/common.h"
+#include "velqua/store/store.h"
+
+namespace velqua_store_testing {
+
+enum class Engine { kSqlite, kPostgres };
+
+inline std::string EngineName(const ::testing::TestParamInfo<Engine>& info) {
+  return info.param == Engine::kSqlite ? "Sqlite" : "Postgres";
+}
+
+// The running test's name, fit for a folder.
+inline std::string Name() {
+  const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
+  std::string name = std::string(test->test_suite_name()) + "-" + test->name();
+  for (char& c : name) {
+    if (c == '/') c = '-';
+  }
+  return name;
+}
+
+// A new empty store's URL for the running test.
+inline std::string NewStoreUrl(Engine engine) {
+  if (engine == Engine::kPostgres) return PgTestServer::Shared().NewDatabase();
+  return TempDir(Name()) + "/calls.db";
+}
+
+class StoreTest : public ::testing::TestWithParam<Engine> {
+ protected:
+  StoreTest() : url_(NewStoreUrl(GetParam())), store_(velqua_store::OpenStore(url_)) {}
+  ~StoreTest() override {
+    store_.reset();
+    if (GetParam() == Engine::kSqlite) std::filesystem::remove_all(TempDir(Name()));
+  }
+
+  // A switch put in the store (no time zone) and one of its sources.
+  velqua_store::Source NewSource(const std::string& switch_name, const std::string& source) {
+    store_->PutSwitch({switch_name, "", "", ""});
+    return store_->OpenSource(switch_name, source, "capture");
+  }
+
+  std::string url_;
+  std::unique_ptr<velqua_store::Store> store_;
+};
+
+// An outgoing call (by default) at `position`: extension, start
+// "YYYY-MM-DD HH:MM:SS", trunk, dialled number, account code and call type.
+inline velqua_store::Record Call(int64_t position, const std::string& extension,
+                                 const std::string& start, const std::string& trunk = "01",
+                                 const std::string& dialled = "5551234",
+                                 const std::string& account = "", int32_t type = 2) {
+  velqua_store::Record r;
+  r.position = position;
+  r.raw = start + " " + extension + " " + trunk + " " + dialled;
+  r.received_utc = "2026-03-10T00:00:00Z";
+  velqua_records::Row& row = r.row;
+  row.type = type;
+  row.has_fields = true;
+  std::sscanf(start.c_str(), "%d-%d-%d", &row.year, &row.month, &row.day);
+  int h = 0, m = 0, s = 0;
+  std::sscanf(start.c_str() + 11, "%d:%d:%d", &h, &m, &s);
+  row.time = h * 3600 + m * 60 + s;
+  row.duration = 42;
+  row.extension = velqua_records::U16(extension);
+  row.trunk = velqua_records::U16(trunk);
+  row.dialled = velqua_records::U16(dialled);
+  row.account_code = velqua_records::U16(account);
+  return r;
+}
+
+// A record no configuration recognised.
+inline velqua_store::Record Unrecognised(int64_t position, const std::string& raw) {
+  velqua_store::Record r;
+  r.position = position;
+  r.raw = raw;
+  r.received_utc = "2026-03-10T00:00:00Z";
+  return r;
+}
+
+// The record as received at `utc`.
+inline velqua_store::Record At(const std::string& utc, velqua_store::Record r) {
+  r.received_utc = utc;
+  return r;
+}
+
+}  // namespace velqua_store_testing

@@ -1,0 +1,19 @@
+// Why `velqua config check` found a record unrecognised.
+#pragma once
+
+#include <string>
+
+#include "velqua/cfg_conmut.h"
+#include "velqua/traductor.h"
+
+namespace velqua_cli {
+
+// Prints, one "    why: ..." line each, why the translator (bound to `cfg`,
+// holding `record`, a single-line record it left unrecognised) gave it no
+// type: no digit in the line, the call-type marks tested and what was found,
+// the outgoing default's empty fields, or a duration that could not be read.
+// Moves the configuration's active keys; changes nothing else.
+void ExplainUnrecognised(velqua::clsCfgConmut& cfg, velqua::clsTraductor& traductor,
+                         const std::u16string& record);
+
+}  // namespace velqua_cli

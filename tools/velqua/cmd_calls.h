@@ -1,0 +1,27 @@
+// `velqua calls`: list the calls of the store.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace velqua_cli {
+
+struct CallsOptions {
+  std::string db;
+  std::string from, to;  // days, YYYY-MM-DD, both included
+  std::string switch_name, extension, trunk, type, number, account;
+  int64_t limit = 0;
+  std::string format;  // table, csv, jsonl, cdr-csv; "": table on a terminal, else csv
+  std::string output;  // -o FILE; "" = standard output
+};
+
+void AddCallsCommand(CLI::App& app, CallsOptions& options);
+
+// Runs it; returns the exit status. Throws CliError / StoreError.
+int RunCalls(const CallsOptions& options);
+
+}  // namespace velqua_cli

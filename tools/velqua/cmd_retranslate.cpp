@@ -1,0 +1,40 @@
+#include "cmd_retranslate.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <memory>
+
+#include "cli_common.h"
+#include "velqua/store/import.h"
+
+namespace velqua_cli {
+
+void AddRetranslateCommand(CLI::App& app, RetranslateOptions& options) {
+  CLI::App* cmd = app.add_subcommand(
+      "retranslate",
+      "Translate a switch's stored records (calls and unrecognised) again with a corrected "
+      "configuration; only what changes is rewritten");
+  cmd->add_option("--db", options.db, "Store: a SQLite file or postgresql://user@host:port/dbname")
+      ->required();
+  cmd->add_option("--switch", options.switch_name, "The switch whose records to translate")
+      ->required();
+  cmd->add_option("-c,--config", options.config, "The corrected configuration")->required();
+  cmd->add_option("--extensions", options.extensions,
+                  "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
+}
+
+int RunRetranslate(const RetranslateOptions& options) {
+  std::unique_ptr<velqua_store::Store> store = velqua_store::OpenStore(options.db, false);
+  const velqua_store::RewriteResult r =
+      velqua_store::Retranslate(*store, options.switch_name, options.config, options.extensions);
+  const long long total = r.unchanged + r.updated + r.recognised + r.unrecognised;
+  std::fprintf(stderr,
+               "velqua: retranslated %lld records of switch '%s' in '%s': %lld updated, %lld "
+               "newly recognised, %lld no longer recognised, %lld unchanged\n",
+               total, options.switch_name.c_str(), store->name().c_str(),
+               static_cast<long long>(r.updated), static_cast<long long>(r.recognised),
+               static_cast<long long>(r.unrecognised), static_cast<long long>(r.unchanged));
+  return 0;
+}
+
+}  // namespace velqua_cli

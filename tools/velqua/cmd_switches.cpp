@@ -1,0 +1,67 @@
+#include "cmd_switches.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <string>
+
+#include "cli_common.h"
+#include "velqua/records/bundled.h"
+#include "velqua/records/config_io.h"
+
+namespace velqua_cli {
+namespace {
+
+// What each handling case does, in a few English words.
+const char* CaseWords(int32_t handling) {
+  static const char* const kWords[] = {
+      "no case",
+      "standard",
+      "Samsung NX-820",
+      "Meridian: no duration kept",
+      "Norstar multi-line calls",
+      "duration from start and end",
+      "duration in tenths of a minute",
+      "outgoing by default",
+      "start and end, outgoing by default",
+      "tenths of a minute, outgoing by default",
+      "account code in place of the extension",
+      "account code, outgoing by default",
+      "no rule of its own",
+  };
+  return handling >= 0 && handling <= 12 ? kWords[handling] : "unknown case";
+}
+
+}  // namespace
+
+void AddSwitchesCommand(CLI::App& app) {
+  app.add_subcommand("switches",
+                     "List the bundled switch configurations (use a name with -c NAME)");
+}
+
+int RunSwitches() {
+  const std::vector<BundledSwitch> switches = ListBundledSwitches();
+  if (switches.empty()) {
+    std::string folders;
+    for (const std::string& folder : ExamplesFolders()) folders += " '" + folder + "'";
+    throw CliError("no bundled switches found (looked in" + folders +
+                   "; set VELQUA_EXAMPLES to the examples folder)");
+  }
+  for (const BundledSwitch& bundled : switches) {
+    try {
+      const SwitchConfig config = LoadSwitchConfig(bundled.config);
+      const std::string brand = U8(config.cfg->Marca()) + " " + U8(config.cfg->Modelo());
+      std::printf("%-19s %s\n", bundled.name.c_str(), brand.c_str());
+      std::printf("%-19s case %d (%s); %s\n", "", config.cfg->Caso(), CaseWords(config.cfg->Caso()),
+                  config.form.Describe().c_str());
+      std::printf("%-19s %s\n", "",
+                  config.delivery.empty() ? "delivery not said" : config.delivery.c_str());
+    } catch (const Failure& e) {
+      std::printf("%-19s cannot be read: %s\n", bundled.name.c_str(), e.what());
+    } catch (const velqua::Error& e) {
+      std::printf("%-19s cannot be read: %s\n", bundled.name.c_str(), DescribeError(e).c_str());
+    }
+  }
+  return 0;
+}
+
+}  // namespace velqua_cli
