@@ -142,7 +142,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
     velqua_records::Row heading;
     heading.error = "page heading";
     heading.offset = at;
-    heading.text.assign(line.data(), line.size());
+    heading.text = line;
     batcher_->Write(heading);
   };
   const velqua_records::FechaHora received = velqua_records::ReceivedAt(path, settings_.year);
@@ -162,6 +162,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
   translation.Finish();
   batcher_->Commit(translation.end_offset());
   result.failed += translation.counts().failed;
+  result.headings += translation.counts().headings;
   ++result.files;
   store_.AddEvent(source, {"import", "", translation.counts().read,
                            "bytes " + std::to_string(from) + " to " + std::to_string(size)});

@@ -8,6 +8,7 @@
 
 #include "cli_common.h"
 #include "cmd_translate.h"
+#include "velqua/records/bundled.h"
 #include "velqua/store/import.h"
 
 namespace velqua_cli {
@@ -63,7 +64,8 @@ void AddImportCommand(CLI::App& app, ImportOptions& options) {
       ->required();
   cmd->add_option("--switch", options.switch_name, "Name of the switch the records come from")
       ->required();
-  cmd->add_option("-c,--config", options.config, "Switch configuration (.cfg, .ini or .json)")
+  cmd->add_option("-c,--config", options.config,
+                  "Switch configuration (.cfg, .ini or .json), or a bundled switch's name")
       ->required();
   cmd->add_option("files", options.files, "Record files, imported in order")->required();
   cmd->add_option("--extensions", options.extensions,
@@ -94,7 +96,7 @@ int RunImport(const ImportOptions& options) {
   std::unique_ptr<velqua_store::Store> store = velqua_store::OpenStore(options.db);
   velqua_store::ImportSettings settings;
   settings.switch_name = options.switch_name;
-  settings.config = options.config;
+  settings.config = ResolveConfig(options.config);
   settings.extensions = options.extensions;
   settings.utf8 = options.encoding == "utf-8";
   settings.time_zone = options.time_zone;
@@ -121,16 +123,18 @@ int RunImport(const ImportOptions& options) {
   }
   progress.End();
   const velqua_store::WriteResult& w = result.written;
+  std::string notes;
+  if (result.headings > 0) notes += ", " + std::to_string(result.headings) + " page headings";
+  if (result.failed > 0) notes += ", " + std::to_string(result.failed) + " failed with an error";
+  if (!notes.empty()) notes = " (" + notes.substr(2) + ")";
   std::fprintf(stderr,
                "velqua: imported %lld record%s from %lld file%s into '%s': %lld calls, %lld "
-               "unrecognised, %lld already stored%s\n",
+               "unrecognised%s, %lld already stored\n",
                static_cast<long long>(result.read), result.read == 1 ? "" : "s",
                static_cast<long long>(result.files), result.files == 1 ? "" : "s",
                store->name().c_str(), static_cast<long long>(w.calls),
-               static_cast<long long>(w.unrecognised), static_cast<long long>(w.duplicates),
-               result.failed == 0
-                   ? ""
-                   : (" (" + std::to_string(result.failed) + " failed with an error)").c_str());
+               static_cast<long long>(w.unrecognised), notes.c_str(),
+               static_cast<long long>(w.duplicates));
   return result.failed > 0 ? kExitRecordsFailed : 0;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "cli_common.h"
+#include "velqua/records/bundled.h"
 #include "velqua/store/import.h"
 
 namespace velqua_cli {
@@ -18,15 +19,17 @@ void AddRetranslateCommand(CLI::App& app, RetranslateOptions& options) {
       ->required();
   cmd->add_option("--switch", options.switch_name, "The switch whose records to translate")
       ->required();
-  cmd->add_option("-c,--config", options.config, "The corrected configuration")->required();
+  cmd->add_option("-c,--config", options.config,
+                  "The corrected configuration, or a bundled switch's name")
+      ->required();
   cmd->add_option("--extensions", options.extensions,
                   "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
 }
 
 int RunRetranslate(const RetranslateOptions& options) {
   std::unique_ptr<velqua_store::Store> store = velqua_store::OpenStore(options.db, false);
-  const velqua_store::RewriteResult r =
-      velqua_store::Retranslate(*store, options.switch_name, options.config, options.extensions);
+  const velqua_store::RewriteResult r = velqua_store::Retranslate(
+      *store, options.switch_name, ResolveConfig(options.config), options.extensions);
   const long long total = r.unchanged + r.updated + r.recognised + r.unrecognised;
   std::fprintf(stderr,
                "velqua: retranslated %lld records of switch '%s' in '%s': %lld updated, %lld "

@@ -64,19 +64,19 @@ int Run(int argc, char** argv) {
 
   velqua_cli::TranslateOptions translate;
   velqua_cli::AddTranslateCommand(app, translate);
-  velqua_cli::ConfigOptions config;
-  velqua_cli::AddConfigCommand(app, config);
-  velqua_cli::GuessOptions guess;
-  velqua_cli::AddGuessCommand(*app.get_subcommand("config"), guess);
-  velqua_cli::DrawOptions draw;
-  velqua_cli::AddDrawCommand(app, draw);
   velqua_cli::ImportOptions import;
   velqua_cli::AddImportCommand(app, import);
   velqua_cli::CallsOptions calls;
   velqua_cli::AddCallsCommand(app, calls);
   velqua_cli::RetranslateOptions retranslate;
   velqua_cli::AddRetranslateCommand(app, retranslate);
+  velqua_cli::ConfigOptions config;
+  velqua_cli::AddConfigCommand(app, config);
+  velqua_cli::GuessOptions guess;
+  velqua_cli::AddGuessCommand(*app.get_subcommand("config"), guess);
   velqua_cli::AddSwitchesCommand(app);
+  velqua_cli::DrawOptions draw;
+  velqua_cli::AddDrawCommand(app, draw);
 #ifdef VELQUA_CLI_HAS_CAPTURE
   velqua_cli::CaptureOptions capture;
   velqua_cli::AddCaptureCommand(app, capture);

@@ -116,6 +116,21 @@ velqua_e2e(store_calls_cdr_csv 0 calls --db ${STORE} --format cdr-csv --type inc
 velqua_e2e(store_calls_one_extension 0 calls --db ${STORE} --format table --extension 21
            --from 2026-03-09 --to 2026-03-09)
 velqua_e2e(store_retranslate 0 retranslate --db ${STORE} --switch hicom -c examples/hicom/hicom.ini)
+# Records by their form: page headings kept as such, comma-separated records
+# shaped; the store keeps each as the switch sent it.
+set(FORMS_STORE ${VELQUA_E2E_TMP}/forms.db)
+velqua_e2e(store_import_headings 0 --now "2026-01-20 09:00:00" import --db ${FORMS_STORE}
+           --switch kx -c kx-tda --extensions examples/kx-tda/extensions.txt ${KX_RECORDS}
+           PRODUCED ${FORMS_STORE})
+velqua_e2e(store_import_delimited 0 --now "2026-03-11 09:00:00" import --db ${FORMS_STORE}
+           --switch ipo -c ip-office --year 2026 --source ipo.txt examples/ip-office/records.txt)
+velqua_e2e(store_calls_delimited 0 calls --db ${FORMS_STORE} --switch ipo --format jsonl)
+set_tests_properties(cli.e2e.store_import_headings PROPERTIES FIXTURES_SETUP e2e_forms_1
+                     ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.store_import_delimited PROPERTIES FIXTURES_REQUIRED e2e_forms_1
+                     FIXTURES_SETUP e2e_forms_2 ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.store_calls_delimited PROPERTIES FIXTURES_REQUIRED
+                     "e2e_forms_1;e2e_forms_2" ENVIRONMENT TZ=UTC)
 velqua_e2e(error_store_missing 1 calls --db ${VELQUA_E2E_TMP}/none/calls.db)
 velqua_e2e(error_store_unreachable 1 calls --db postgresql://velqua@127.0.0.1:1/calls)
 velqua_e2e(error_store_bad_date 1 calls --db ${STORE} --from 2026-02-30)
