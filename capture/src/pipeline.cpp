@@ -24,14 +24,21 @@ constexpr std::chrono::seconds kStoreRetry{1};
 // what is not stored yet stays in the spool for the next start.
 struct Abandon {};
 
-// Keeps the row the translation wrote last.
+// Keeps the rows a translation writes, each with its record's text.
 class Catcher : public velqua_records::RowSink {
  public:
-  void Write(const velqua_records::Row& row) override { row_ = row; }
-  velqua_records::Row Take() { return std::move(row_); }
+  struct Caught {
+    velqua_records::Row row;
+    std::u16string text;
+  };
+  void Write(const velqua_records::Row& row) override {
+    caught_.push_back({row, std::u16string(row.text)});
+    caught_.back().row.text = {};  // viewed the translation's buffer
+  }
+  std::vector<Caught>& caught() { return caught_; }
 
  private:
-  velqua_records::Row row_;
+  std::vector<Caught> caught_;
 };
 
 velqua::plataforma::FechaHora LocalTime(int64_t micros) {
@@ -58,12 +65,10 @@ int64_t ParseUtc(const std::string& text) {
 
 struct Pipeline::SwitchState {
   SwitchSettings settings;
-  std::string input;  // the stream and second Translation::Input was last told
-  int64_t input_second = -1;
-  Catcher catcher;
-  std::unique_ptr<velqua_records::Translation> translation;
-  bool gather = false;  // multi-line calls
-  std::u16string separator;
+  velqua_records::SwitchConfig config;  // with its record form
+  // The service's framing for the switch, with what the record form adds: a
+  // NUL record end (unless another end is named) and 7-bit lines.
+  velqua_records::FramingSettings framing;
 };
 
 struct Pipeline::StreamState {
@@ -73,9 +78,11 @@ struct Pipeline::StreamState {
   velqua_store::Source source;
   int64_t checkpoint = -1;  // entries before it were stored by an earlier run
   std::unique_ptr<velqua_records::Framer> framer;
-  std::unique_ptr<velqua_records::CallGatherer> gatherer;
-  bool call_open = false;
-  int64_t call_position = -1;
+  // The records road of the connection: page headings of the record form,
+  // delimited shaping, continuation lines, multi-line calls.
+  Catcher catcher;
+  std::unique_ptr<velqua_records::Translation> translation;
+  int64_t input_second = -1;  // the second Translation::Input was last told
   ResendFilter resend;
   int64_t connect_position = -1;  // while the connection is in its re-sent part
   int64_t dropped = 0;            // re-sent records dropped in this connection
@@ -124,9 +131,9 @@ void Pipeline::Stop(Clock::time_point deadline) {
 
 bool Pipeline::Stopping() const { return stop_ && Clock::now() >= deadline_; }
 
-// Builds the translation of each switch (the configurations were checked
-// when the settings were loaded; one that became unreadable since is logged
-// and its records wait in the spool).
+// Loads each switch's configuration and record form (they were checked when
+// the settings were loaded; one that became unreadable since is logged and
+// its records wait in the spool). Streams take them at their next connection.
 void Pipeline::Apply(const ServiceSettings& settings) {
   settings_ = settings;
   std::map<std::string, std::unique_ptr<SwitchState>> switches;
@@ -134,15 +141,17 @@ void Pipeline::Apply(const ServiceSettings& settings) {
     auto state = std::make_unique<SwitchState>();
     state->settings = sw;
     try {
-      auto cfg = velqua_records::LoadConfig(sw.config);
-      state->gather = cfg->Caso() == velqua::emCasoNortelNorstar0x32SMDR6;
-      state->separator = cfg->Separador();
-      state->translation = std::make_unique<velqua_records::Translation>(
-          cfg, state->catcher, velqua_records::Translation::Settings{"", sw.extensions, sw.utf8});
+      state->config = velqua_records::LoadSwitchConfig(sw.config);
     } catch (const std::exception& e) {
       log_.Error("switch " + sw.name + ": " + e.what());
       continue;
     }
+    state->framing = sw.framing;
+    const velqua_records::RecordForm& form = state->config.form;
+    if (form.nul_ends_record && sw.framing.end == velqua_records::RecordEnd::kLine) {
+      state->framing.end = velqua_records::RecordEnd::kNul;
+    }
+    state->framing.strip_bit7 = sw.framing.strip_bit7 || form.seven_bit;
     switches[sw.name] = std::move(state);
   }
   switches_.swap(switches);  // the old ones go at the end of this function
@@ -285,10 +294,7 @@ void Pipeline::Process(const SpoolEntry& e) {
       if (disconnect) {
         EndConnection(*s);
       } else {
-        s->framer->Flush([&](const velqua_records::Framer::Record& r) { Framed(*s, r); });
-        std::u16string call;
-        if (s->gatherer && s->gatherer->Finish(&call)) Call(*s, call, s->call_position);
-        s->call_open = false;
+        Complete(*s);
       }
       break;
     }
@@ -301,13 +307,18 @@ void Pipeline::Feed(StreamState& s, std::string_view bytes, int64_t position) {
   s.framer->Feed(bytes, position, [&](const velqua_records::Framer::Record& r) { Framed(s, r); });
 }
 
+// The stream went quiet: the record, call or record with continuation lines
+// it left open is complete.
+void Pipeline::Complete(StreamState& s) {
+  s.framer->Flush([&](const velqua_records::Framer::Record& r) { Framed(s, r); });
+  s.translation->Finish();
+  Translated(s);
+}
+
 // The end of a connection: what it left open is complete, its re-sent part over.
 void Pipeline::EndConnection(StreamState& s) {
   if (s.sw == nullptr) return;
-  s.framer->Flush([&](const velqua_records::Framer::Record& r) { Framed(s, r); });
-  std::u16string call;
-  if (s.gatherer && s.gatherer->Finish(&call)) Call(s, call, s.call_position);
-  s.call_open = false;
+  Complete(s);
   if (s.dropped > 0) {
     log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
   }
@@ -319,10 +330,16 @@ void Pipeline::EndConnection(StreamState& s) {
 
 // A connection's bytes start a new stream: nothing carries over from the last.
 void Pipeline::NewConnection(StreamState& s) {
-  s.framer = std::make_unique<velqua_records::Framer>(s.sw->settings.framing);
-  s.gatherer.reset();
-  if (s.sw->gather) s.gatherer = std::make_unique<velqua_records::CallGatherer>(s.sw->separator);
-  s.call_open = false;
+  const SwitchState& sw = *s.sw;
+  s.framer = std::make_unique<velqua_records::Framer>(sw.framing);
+  s.translation = std::make_unique<velqua_records::Translation>(
+      sw.config.cfg, s.catcher,
+      velqua_records::Translation::Settings{"", sw.settings.extensions, sw.settings.utf8,
+                                            sw.config.form});
+  s.translation->on_heading = [this, &s](const std::string&, std::u16string_view, int64_t) {
+    board_.Update(s.name, [](StreamStatus& st) { ++st.headings; });
+  };
+  s.input_second = -1;
 }
 
 // A new connection: what was stored before it decides what it re-sends.
@@ -349,50 +366,47 @@ void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
     board_.Update(s.name, [](StreamStatus& st) { ++st.headings; });
     return;
   }
-  std::u16string line =
+  const std::u16string line =
       s.sw->settings.utf8 ? velqua::DesdeUtf8(r.bytes) : velqua::DesdeAnsi(r.bytes);
-  if (!s.gatherer) return Call(s, line, r.position);
-  std::u16string call;
-  const bool was_open = s.call_open;
-  const int64_t closed_position = s.call_position;
-  const bool closed = s.gatherer->Add(line, &call);
-  s.call_open = true;
-  if (closed || !was_open) s.call_position = r.position;
-  if (closed) Call(s, call, closed_position);
-}
-
-void Pipeline::Call(StreamState& s, const std::u16string& text, int64_t position) {
-  std::string raw = velqua_records::U8(text);
-  if (s.resend.active()) {
-    if (s.resend.Drop(raw)) {
-      ++s.dropped;
-      board_.Update(s.name, [](StreamStatus& st) { ++st.resent_dropped; });
-      return;
-    }
-    s.connect_position = -1;
-  }
-  if (!s.resend.active() && s.dropped > 0) {
-    log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
-    s.dropped = 0;
-  }
-  velqua_records::Translation& t = *s.sw->translation;
   const int64_t second = s.last_received_us / 1000000;
-  if (second != s.sw->input_second || s.name != s.sw->input) {
-    t.Input(s.name, LocalTime(s.last_received_us));  // the year of a record that prints none
-    s.sw->input = s.name;
-    s.sw->input_second = second;
+  if (second != s.input_second) {
+    // The year of a record that prints none is the year it was received in.
+    s.translation->Input(s.name, LocalTime(s.last_received_us));
+    s.input_second = second;
     s.received_utc = IsoTime(s.last_received_us);
   }
-  t.Record(text);
-  velqua_store::Record record;
-  record.position = position;
-  record.raw = std::move(raw);
-  record.received_utc = s.received_utc;
-  record.row = s.sw->catcher.Take();
-  if (!record.row.has_fields) Unrecognised(s, record);
-  s.rows.push_back(std::move(record));
-  s.rows_received_us.push_back(s.last_received_us);
-  ++pending_rows_;
+  s.translation->Line(line, r.position);
+  Translated(s);
+}
+
+// The rows the translation wrote: each record re-sent after a reconnection
+// is dropped, every other one joins the stream's batch.
+void Pipeline::Translated(StreamState& s) {
+  for (Catcher::Caught& c : s.catcher.caught()) {
+    std::string raw = velqua_records::U8(c.text);
+    if (s.resend.active()) {
+      if (s.resend.Drop(raw)) {
+        ++s.dropped;
+        board_.Update(s.name, [](StreamStatus& st) { ++st.resent_dropped; });
+        continue;
+      }
+      s.connect_position = -1;
+    }
+    if (s.dropped > 0) {
+      log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
+      s.dropped = 0;
+    }
+    velqua_store::Record record;
+    record.position = c.row.offset;
+    record.raw = std::move(raw);
+    record.received_utc = s.received_utc;
+    record.row = std::move(c.row);
+    if (!record.row.has_fields) Unrecognised(s, record);
+    s.rows.push_back(std::move(record));
+    s.rows_received_us.push_back(s.last_received_us);
+    ++pending_rows_;
+  }
+  s.catcher.caught().clear();
 }
 
 // Logs an unrecognised record: each of a stream's first 20, then one line
@@ -416,7 +430,9 @@ void Pipeline::Unrecognised(StreamState& s, const velqua_store::Record& record) 
 int64_t Pipeline::Hold(const StreamState& s) const {
   int64_t hold = INT64_MAX;
   if (s.framer && s.framer->OpenPosition() >= 0) hold = s.framer->OpenPosition();
-  if (s.call_open) hold = std::min(hold, s.call_position);
+  if (s.translation && s.translation->held_offset() >= 0) {
+    hold = std::min(hold, s.translation->held_offset());
+  }
   if (s.resend.active() && s.connect_position >= 0) hold = std::min(hold, s.connect_position);
   return hold == INT64_MAX ? -1 : hold;
 }

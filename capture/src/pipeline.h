@@ -69,7 +69,8 @@ class Pipeline {
   void EndConnection(StreamState& s);
   void Connect(StreamState& s, const SpoolEntry& e);
   void Framed(StreamState& s, const velqua_records::Framer::Record& r);
-  void Call(StreamState& s, const std::u16string& text, int64_t position);
+  void Translated(StreamState& s);
+  void Complete(StreamState& s);
   void Unrecognised(StreamState& s, const velqua_store::Record& record);
   int64_t Hold(const StreamState& s) const;
   void Commit();
