@@ -66,8 +66,8 @@ int64_t ParseUtc(const std::string& text) {
 struct Pipeline::SwitchState {
   SwitchSettings settings;
   velqua_records::SwitchConfig config;  // with its record form
-  // The service's framing for the switch, with what the record form adds: a
-  // NUL record end (unless another end is named) and 7-bit lines.
+  // The service's framing for the switch, with what the record form adds:
+  // NUL ending records as line ends do, and 7-bit lines.
   velqua_records::FramingSettings framing;
 };
 
@@ -148,9 +148,7 @@ void Pipeline::Apply(const ServiceSettings& settings) {
     }
     state->framing = sw.framing;
     const velqua_records::RecordForm& form = state->config.form;
-    if (form.nul_ends_record && sw.framing.end == velqua_records::RecordEnd::kLine) {
-      state->framing.end = velqua_records::RecordEnd::kNul;
-    }
+    state->framing.nul_ends_record = sw.framing.nul_ends_record || form.nul_ends_record;
     state->framing.strip_bit7 = sw.framing.strip_bit7 || form.seven_bit;
     switches[sw.name] = std::move(state);
   }

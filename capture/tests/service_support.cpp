@@ -4,7 +4,9 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "velqua/records/config_io.h"
 #include "velqua/store/store.h"
+#include "velqua/texto.h"
 
 namespace velqua_capture_test {
 
@@ -34,6 +36,25 @@ std::vector<std::string> RecordsOf(const std::string& file, const std::vector<st
     bool skipped = line.empty();
     for (const std::string& s : skip) skipped = skipped || line.rfind(s, 0) == 0;
     if (!skipped) records.push_back(line);
+  }
+  std::sort(records.begin(), records.end());
+  return records;
+}
+
+std::vector<std::string> FormRecords(const std::string& config, const std::string& file) {
+  const velqua_records::RecordForm form = velqua_records::LoadSwitchConfig(config).form;
+  const std::string bytes = ReadFile(file);
+  std::vector<std::string> records;
+  std::string piece;
+  for (size_t i = 0; i <= bytes.size(); ++i) {
+    const char c = i < bytes.size() ? bytes[i] : '\n';
+    if (c != '\r' && c != '\n' && (c != '\0' || !form.nul_ends_record)) {
+      piece.push_back(c);
+      continue;
+    }
+    const std::u16string text = velqua::DesdeAnsi(piece);
+    if (!piece.empty() && !form.IsHeading(text)) records.push_back(velqua::AUtf8(text));
+    piece.clear();
   }
   std::sort(records.begin(), records.end());
   return records;

@@ -27,6 +27,11 @@ std::unique_ptr<Child> StartService(const std::string& config, const std::string
 std::vector<std::string> RecordsOf(const std::string& file,
                                    const std::vector<std::string>& skip = {});
 
+// The records a switch's records file holds as its configuration's record
+// form reads them: split at line ends and (when the form says) at NULs,
+// page headings and empty pieces left out, in UTF-8; sorted.
+std::vector<std::string> FormRecords(const std::string& config, const std::string& file);
+
 // Writes `count` distinct Panasonic records (the emulator's `generate`) to
 // `path` and returns them, sorted.
 std::vector<std::string> GenerateRecords(const std::string& path, int64_t count);

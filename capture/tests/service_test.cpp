@@ -21,6 +21,8 @@ namespace velqua_capture_test {
 namespace {
 
 const std::string kKxRecords = kExamples + "/kx-tda/records.txt";
+const std::string kSamsung = kExamples + "/samsung-officeserv";
+const std::string kIpOffice = kExamples + "/ip-office";
 const std::string kHeadings =
     "[switch.framing]\npage_headings = ['*Date*Time*', "
     "'----------------------------------------*', '*===='"
@@ -103,6 +105,18 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
            "idle_flush = \"300ms\"\n",
        "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n",
        NorstarCalls()},
+      {"Samsung OfficeServ: its configuration's NUL record ends and page headings",
+       {"file", "-o", "{path}", "--records", kSamsung + "/records.txt", "--rate", "0"},
+       false,
+       "config = \"" + kSamsung + "/samsung-officeserv.json\"\n",
+       "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"{path}\"\n",
+       FormRecords(kSamsung + "/samsung-officeserv.json", kSamsung + "/records.txt")},
+      {"IP Office: comma-separated records shaped by its configuration",
+       {"ipoffice", "--port", "{port}", "--records", kIpOffice + "/records.txt", "--rate", "0"},
+       false,
+       "config = \"" + kIpOffice + "/ip-office.json\"\n",
+       "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n",
+       FormRecords(kIpOffice + "/ip-office.json", kIpOffice + "/records.txt")},
       {"serial port through a pseudo-terminal",
        {"serial", "--link", "{path}", "--records", kKxRecords, "--rate", "0"},
        true,

@@ -95,6 +95,7 @@ void Framer::Feed(std::string_view bytes, int64_t position, const Emit& emit) {
 void Framer::Byte(unsigned char c, int64_t position, const Emit& emit) {
   const bool after_cr = after_cr_;
   after_cr_ = c == '\r';
+  if (c == 0 && settings_.nul_ends_record && settings_.end != RecordEnd::kStxEtx) return End(emit);
   switch (settings_.end) {
     case RecordEnd::kLine:
       if (c == '\n' && after_cr) return;  // the LF of a CR LF: the CR ended the record

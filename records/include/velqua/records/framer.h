@@ -42,6 +42,9 @@ size_t WholeRecordsSize(std::string_view bytes, RecordEnd end);
 
 struct FramingSettings {
   RecordEnd end = RecordEnd::kLine;
+  // A NUL byte ends a record too, as the line ends of `end` do (a switch that
+  // ends records with NUL and page headings with line ends). Default: off.
+  bool nul_ends_record = false;
   // Clears bit 7 of every byte before anything else, so that a CR sent with
   // its parity bit set (0x8D) still ends a record. Default: off.
   bool strip_bit7 = false;
