@@ -17,6 +17,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr size_t kBatchRows = 2000;
 constexpr int64_t kLoggedUnrecognised = 20;
+constexpr const char* kHeadingReason = "page heading";
 constexpr std::chrono::milliseconds kIdleWait{100};
 constexpr std::chrono::seconds kStoreRetry{1};
 
@@ -89,6 +90,7 @@ struct Pipeline::StreamState {
   int64_t last_received_us = 0;
   std::string received_utc;                // of last_received_us
   int64_t unrecognised = 0;                // seen by this run
+  int64_t headings = 0;                    // page headings in `rows`
   std::vector<velqua_store::Record> rows;  // translated, not yet stored
   std::vector<int64_t> rows_received_us;   // when each row's last byte came
 };
@@ -334,9 +336,8 @@ void Pipeline::NewConnection(StreamState& s) {
       sw.config.cfg, s.catcher,
       velqua_records::Translation::Settings{"", sw.settings.extensions, sw.settings.utf8,
                                             sw.config.form});
-  s.translation->on_heading = [this, &s](const std::string&, std::u16string_view, int64_t) {
-    board_.Update(s.name, [](StreamStatus& st) { ++st.headings; });
-  };
+  s.translation->on_heading = [this, &s](const std::string&, std::u16string_view line,
+                                         int64_t position) { Heading(s, line, position); };
   s.input_second = -1;
 }
 
@@ -360,10 +361,6 @@ void Pipeline::Connect(StreamState& s, const SpoolEntry& e) {
 }
 
 void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
-  if (r.heading) {
-    board_.Update(s.name, [](StreamStatus& st) { ++st.headings; });
-    return;
-  }
   const std::u16string line =
       s.sw->settings.utf8 ? velqua::DesdeUtf8(r.bytes) : velqua::DesdeAnsi(r.bytes);
   const int64_t second = s.last_received_us / 1000000;
@@ -373,6 +370,7 @@ void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
     s.input_second = second;
     s.received_utc = IsoTime(s.last_received_us);
   }
+  if (r.heading) return Heading(s, line, r.position);
   s.translation->Line(line, r.position);
   Translated(s);
 }
@@ -405,6 +403,23 @@ void Pipeline::Translated(StreamState& s) {
     ++pending_rows_;
   }
   s.catcher.caught().clear();
+}
+
+// A page heading is kept where every record is kept, as an unrecognised
+// record with that reason (as an import keeps it), never translated. The
+// re-send rule passes over it: headings are printed again on every page.
+void Pipeline::Heading(StreamState& s, std::u16string_view line, int64_t position) {
+  board_.Update(s.name, [](StreamStatus& st) { ++st.headings; });
+  velqua_store::Record record;
+  record.position = position;
+  record.raw = velqua_records::U8(line);
+  record.received_utc = s.received_utc;
+  record.row.error = kHeadingReason;
+  record.row.offset = position;
+  s.rows.push_back(std::move(record));
+  s.rows_received_us.push_back(s.last_received_us);
+  ++s.headings;
+  ++pending_rows_;
 }
 
 // Logs an unrecognised record: each of a stream's first 20, then one line
@@ -452,10 +467,11 @@ void Pipeline::Commit() {
     board_.Committed(s->rows_received_us);
     board_.Update(name, [&](StreamStatus& st) {
       st.records += result.calls;
-      st.unrecognised += result.unrecognised;
+      st.unrecognised += std::max<int64_t>(0, result.unrecognised - s->headings);
       st.last_record_us = std::max(st.last_record_us, last_us);
     });
     pending_rows_ -= s->rows.size();
+    s->headings = 0;
     s->rows.clear();
     s->rows_received_us.clear();
   }

@@ -70,6 +70,7 @@ class Pipeline {
   void Connect(StreamState& s, const SpoolEntry& e);
   void Framed(StreamState& s, const velqua_records::Framer::Record& r);
   void Translated(StreamState& s);
+  void Heading(StreamState& s, std::u16string_view line, int64_t position);
   void Complete(StreamState& s);
   void Unrecognised(StreamState& s, const velqua_store::Record& record);
   int64_t Hold(const StreamState& s) const;

@@ -4,7 +4,6 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "velqua/records/config_io.h"
 #include "velqua/store/store.h"
 #include "velqua/texto.h"
 
@@ -28,32 +27,20 @@ std::unique_ptr<Child> StartService(const std::string& config, const std::string
                                  dir + "/service.log");
 }
 
-std::vector<std::string> RecordsOf(const std::string& file, const std::vector<std::string>& skip) {
-  std::ifstream in(file, std::ios::binary);
-  std::vector<std::string> records;
-  for (std::string line; std::getline(in, line);) {
-    if (!line.empty() && line.back() == '\r') line.pop_back();
-    bool skipped = line.empty();
-    for (const std::string& s : skip) skipped = skipped || line.rfind(s, 0) == 0;
-    if (!skipped) records.push_back(line);
-  }
-  std::sort(records.begin(), records.end());
-  return records;
-}
-
-std::vector<std::string> FormRecords(const std::string& config, const std::string& file) {
-  const velqua_records::RecordForm form = velqua_records::LoadSwitchConfig(config).form;
+std::vector<std::string> RecordsOf(const std::string& file, const std::vector<std::string>& skip,
+                                   bool nul) {
   const std::string bytes = ReadFile(file);
   std::vector<std::string> records;
   std::string piece;
   for (size_t i = 0; i <= bytes.size(); ++i) {
     const char c = i < bytes.size() ? bytes[i] : '\n';
-    if (c != '\r' && c != '\n' && (c != '\0' || !form.nul_ends_record)) {
+    if (c != '\r' && c != '\n' && (c != '\0' || !nul)) {
       piece.push_back(c);
       continue;
     }
-    const std::u16string text = velqua::DesdeAnsi(piece);
-    if (!piece.empty() && !form.IsHeading(text)) records.push_back(velqua::AUtf8(text));
+    bool skipped = piece.empty();
+    for (const std::string& prefix : skip) skipped = skipped || piece.rfind(prefix, 0) == 0;
+    if (!skipped) records.push_back(velqua::AUtf8(velqua::DesdeAnsi(piece)));
     piece.clear();
   }
   std::sort(records.begin(), records.end());

@@ -22,15 +22,11 @@ std::string WriteConfig(const std::string& dir, const std::string& store,
 // The service running on `config`, its log in `dir`/service.log.
 std::unique_ptr<Child> StartService(const std::string& config, const std::string& dir);
 
-// The records a records file holds (its non-empty lines, without line ends),
-// leaving out those starting with one of `skip`; sorted.
+// The records a records file holds: its pieces between line ends (and NULs,
+// with `nul`), empty ones left out, those starting with one of `skip` too;
+// in UTF-8 (read as Windows-1252), sorted.
 std::vector<std::string> RecordsOf(const std::string& file,
-                                   const std::vector<std::string>& skip = {});
-
-// The records a switch's records file holds as its configuration's record
-// form reads them: split at line ends and (when the form says) at NULs,
-// page headings and empty pieces left out, in UTF-8; sorted.
-std::vector<std::string> FormRecords(const std::string& config, const std::string& file);
+                                   const std::vector<std::string>& skip = {}, bool nul = false);
 
 // Writes `count` distinct Panasonic records (the emulator's `generate`) to
 // `path` and returns them, sorted.
