@@ -465,9 +465,10 @@ void Pipeline::Commit() {
       received = now - received;
     }
     board_.Committed(s->rows_received_us);
+    const int64_t headings = s->headings;
     board_.Update(name, [&](StreamStatus& st) {
       st.records += result.calls;
-      st.unrecognised += std::max<int64_t>(0, result.unrecognised - s->headings);
+      st.unrecognised += std::max<int64_t>(0, result.unrecognised - headings);
       st.last_record_us = std::max(st.last_record_us, last_us);
     });
     pending_rows_ -= s->rows.size();
