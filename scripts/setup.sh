@@ -9,7 +9,9 @@ PACKAGES=(build-essential cmake g++ clang libgtest-dev libbenchmark-dev libcairo
           pkg-config time  # time: GNU time for bench/cli_bench.sh
           pybind11-dev python3-dev python3-pytest  # the Python module and its tests
           # the call store: SQLite, libpq, time zones; a PostgreSQL server for its tests
-          libsqlite3-dev libpq-dev libhowardhinnant-date-dev tzdata postgresql)
+          libsqlite3-dev libpq-dev libhowardhinnant-date-dev tzdata postgresql
+          # the capture service: Asio (sources), toml++ (its configuration), zlib (spool checksums)
+          libasio-dev libtomlplusplus-dev zlib1g-dev)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

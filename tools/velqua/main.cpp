@@ -9,6 +9,9 @@
 
 #include "cli_common.h"
 #include "cmd_calls.h"
+#ifdef VELQUA_CLI_HAS_CAPTURE
+#include "cmd_capture.h"
+#endif
 #include "cmd_config.h"
 #include "cmd_draw.h"
 #include "cmd_guess.h"
@@ -74,6 +77,10 @@ int Run(int argc, char** argv) {
   velqua_cli::AddSwitchesCommand(app);
   velqua_cli::DrawOptions draw;
   velqua_cli::AddDrawCommand(app, draw);
+#ifdef VELQUA_CLI_HAS_CAPTURE
+  velqua_cli::CaptureOptions capture;
+  velqua_cli::AddCaptureCommand(app, capture);
+#endif
 
   try {
     app.parse(argc, argv);
@@ -101,6 +108,12 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
   if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
+#ifdef VELQUA_CLI_HAS_CAPTURE
+  if (CLI::App* cmd = app.get_subcommand("capture"); cmd->parsed()) {
+    return cmd->got_subcommand("status") ? velqua_cli::RunCaptureStatus(capture)
+                                         : velqua_cli::RunCapture(capture);
+  }
+#endif
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
     if (cmd->got_subcommand("guess")) return velqua_cli::RunConfigGuess(guess);
     if (cmd->got_subcommand("show")) return velqua_cli::RunConfigShow(config);

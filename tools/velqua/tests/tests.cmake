@@ -11,6 +11,10 @@ target_compile_definitions(test_cli_units PRIVATE
   VELQUA_CLI_TEST_TMP="${CMAKE_CURRENT_BINARY_DIR}/tmp")
 velqua_warnings(test_cli_units)
 gtest_discover_tests(test_cli_units TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
+if(TARGET velqua_capture)
+  target_sources(test_cli_units PRIVATE ${CMAKE_CURRENT_LIST_DIR}/cmd_capture_test.cpp)
+  target_compile_definitions(test_cli_units PRIVATE VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+endif()
 
 # An import killed midway and run again, on both engines (a real child process).
 if(TARGET velqua_store_testing)

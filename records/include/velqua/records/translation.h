@@ -4,6 +4,7 @@
 // `velqua translate`, the store's import and the capture service share it.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
 #include <functional>
@@ -86,6 +87,16 @@ class Translation {
   // The byte offset just past what the last Stream call read: where reading
   // would resume for a record after the last one written.
   int64_t end_offset() const { return end_offset_; }
+
+  // The offset of the first line of what Line holds back untranslated (a
+  // multi-line call still open, a record waiting for continuation lines), or
+  // -1 when it holds nothing: a reader that must be able to start again
+  // (the capture service's replay) starts there.
+  int64_t held_offset() const {
+    const int64_t held = holding_ ? held_offset_ : -1;
+    if (call_offset_ < 0) return held;
+    return held < 0 ? call_offset_ : std::min(held, call_offset_);
+  }
 
   const Counts& counts() const { return counts_; }
 

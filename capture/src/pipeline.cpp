@@ -1,0 +1,492 @@
+#include "pipeline.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+
+#include "velqua/error.h"
+#include "velqua/records/common.h"
+#include "velqua/records/config_io.h"
+#include "velqua/texto.h"
+
+namespace velqua_capture {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr size_t kBatchRows = 2000;
+constexpr int64_t kLoggedUnrecognised = 20;
+constexpr const char* kHeadingReason = "page heading";
+constexpr std::chrono::milliseconds kIdleWait{100};
+constexpr std::chrono::seconds kStoreRetry{1};
+
+// Thrown by Retry when the service stops while the store is unavailable:
+// what is not stored yet stays in the spool for the next start.
+struct Abandon {};
+
+// Keeps the rows a translation writes, each with its record's text.
+class Catcher : public velqua_records::RowSink {
+ public:
+  struct Caught {
+    velqua_records::Row row;
+    std::u16string text;
+  };
+  void Write(const velqua_records::Row& row) override {
+    caught_.push_back({row, std::u16string(row.text)});
+    caught_.back().row.text = {};  // viewed the translation's buffer
+  }
+  std::vector<Caught>& caught() { return caught_; }
+
+ private:
+  std::vector<Caught> caught_;
+};
+
+velqua::plataforma::FechaHora LocalTime(int64_t micros) {
+  const std::time_t seconds = static_cast<std::time_t>(micros / 1000000);
+  std::tm t{};
+  localtime_r(&seconds, &t);
+  return velqua::plataforma::FechaHora{t.tm_year + 1900, t.tm_mon + 1, t.tm_mday,
+                                       t.tm_hour,        t.tm_min,     t.tm_sec};
+}
+
+// "YYYY-MM-DDTHH:MM:SSZ" to microseconds since 1970; 0 when unreadable.
+int64_t ParseUtc(const std::string& text) {
+  std::tm t{};
+  if (std::sscanf(text.c_str(), "%d-%d-%dT%d:%d:%d", &t.tm_year, &t.tm_mon, &t.tm_mday, &t.tm_hour,
+                  &t.tm_min, &t.tm_sec) != 6) {
+    return 0;
+  }
+  t.tm_year -= 1900;
+  t.tm_mon -= 1;
+  return static_cast<int64_t>(timegm(&t)) * 1000000;
+}
+
+}  // namespace
+
+struct Pipeline::SwitchState {
+  SwitchSettings settings;
+  velqua_records::SwitchConfig config;  // with its record form
+  // The service's framing for the switch, with what the record form adds:
+  // NUL ending records as line ends do, and 7-bit lines.
+  velqua_records::FramingSettings framing;
+};
+
+struct Pipeline::StreamState {
+  std::string name;
+  std::string switch_name;
+  SwitchState* sw = nullptr;  // none while its switch is not configured
+  velqua_store::Source source;
+  int64_t checkpoint = -1;  // entries before it were stored by an earlier run
+  std::unique_ptr<velqua_records::Framer> framer;
+  // The records road of the connection: page headings of the record form,
+  // delimited shaping, continuation lines, multi-line calls.
+  Catcher catcher;
+  std::unique_ptr<velqua_records::Translation> translation;
+  int64_t input_second = -1;  // the second Translation::Input was last told
+  ResendFilter resend;
+  int64_t connect_position = -1;  // while the connection is in its re-sent part
+  int64_t dropped = 0;            // re-sent records dropped in this connection
+  int64_t last_received_us = 0;
+  std::string received_utc;                // of last_received_us
+  int64_t unrecognised = 0;                // seen by this run
+  int64_t headings = 0;                    // page headings in `rows`
+  std::vector<velqua_store::Record> rows;  // translated, not yet stored
+  std::vector<int64_t> rows_received_us;   // when each row's last byte came
+};
+
+Pipeline::Pipeline(const ServiceSettings& settings, StatusBoard& board, Logger& log,
+                   std::function<void(int64_t)> release)
+    : settings_(settings), board_(board), log_(log), release_(std::move(release)) {}
+
+Pipeline::~Pipeline() {
+  if (thread_.joinable()) Stop(Clock::now());
+}
+
+void Pipeline::Start() {
+  velqua_records::ProgramClock::Instance();  // the library reads the program's clock
+  std::ifstream in(settings_.spool + "/replay-from");
+  if (!(in >> replay_from_)) replay_from_ = 0;
+  Apply(settings_);
+  thread_ = std::thread([this] { Run(); });
+}
+
+void Pipeline::Published(int64_t end) {
+  published_.store(end);
+  wake_.notify_one();
+}
+
+void Pipeline::Reload(const ServiceSettings& settings) {
+  std::lock_guard<std::mutex> lock(mutex_);
+  reload_ = settings;
+}
+
+void Pipeline::Stop(Clock::time_point deadline) {
+  {
+    std::lock_guard<std::mutex> lock(mutex_);
+    deadline_ = deadline;
+    stop_.store(true);  // after the deadline: a thread that sees it sees the deadline
+  }
+  wake_.notify_one();
+  if (thread_.joinable()) thread_.join();
+}
+
+bool Pipeline::Stopping() const { return stop_ && Clock::now() >= deadline_; }
+
+// Loads each switch's configuration and record form (they were checked when
+// the settings were loaded; one that became unreadable since is logged and
+// its records wait in the spool). Streams take them at their next connection.
+void Pipeline::Apply(const ServiceSettings& settings) {
+  settings_ = settings;
+  std::map<std::string, std::unique_ptr<SwitchState>> switches;
+  for (const SwitchSettings& sw : settings.switches) {
+    auto state = std::make_unique<SwitchState>();
+    state->settings = sw;
+    try {
+      state->config = velqua_records::LoadSwitchConfig(sw.config);
+    } catch (const std::exception& e) {
+      log_.Error("switch " + sw.name + ": " + e.what());
+      continue;
+    }
+    state->framing = sw.framing;
+    const velqua_records::RecordForm& form = state->config.form;
+    state->framing.nul_ends_record = sw.framing.nul_ends_record || form.nul_ends_record;
+    state->framing.strip_bit7 = sw.framing.strip_bit7 || form.seven_bit;
+    switches[sw.name] = std::move(state);
+  }
+  switches_.swap(switches);  // the old ones go at the end of this function
+  for (auto& [name, stream] : streams_) {
+    const auto it = switches_.find(stream->switch_name);
+    stream->sw = it == switches_.end() ? nullptr : it->second.get();
+  }
+}
+
+void Pipeline::Run() {
+  reader_ = std::make_unique<SpoolReader>(settings_.spool, replay_from_,
+                                          [this](const std::string& line) { log_.Warn(line); });
+  try {
+    Retry([] {});  // the store opens
+    Loop();
+    Retry([this] { Commit(); });
+  } catch (const Abandon&) {
+    log_.Warn(
+        "stopping with records not yet stored: they are stored from the spool on the next start");
+  }
+}
+
+void Pipeline::Loop() {
+  SpoolEntry e;
+  for (;;) {
+    {
+      std::unique_lock<std::mutex> lock(mutex_);
+      if (reload_) {
+        ServiceSettings next = std::move(*reload_);
+        reload_.reset();
+        lock.unlock();
+        Retry([this] { Commit(); });
+        Apply(next);
+      }
+    }
+    bool caught_up = false;
+    while (pending_rows_ < kBatchRows) {
+      if (!reader_->Next(published_.load(), &e)) {
+        caught_up = true;
+        break;
+      }
+      if (pending_rows_ == 0) first_pending_ = Clock::now();
+      Process(e);
+    }
+    if (pending_rows_ > 0) Retry([this] { Commit(); });
+    if (caught_up) {
+      std::unique_lock<std::mutex> lock(mutex_);
+      if (stop_) return;
+      const int64_t seen = published_.load();
+      wake_.wait_for(lock, kIdleWait, [&] { return stop_ || published_.load() != seen; });
+    }
+    if (Stopping()) return;
+  }
+}
+
+void Pipeline::Retry(const std::function<void()>& work) {
+  bool down = false;
+  std::string last;
+  for (;;) {
+    try {
+      if (!store_) store_ = velqua_store::OpenStore(settings_.store);
+      work();
+      if (down) log_.Info("store available again: catching up from the spool");
+      return;
+    } catch (const std::exception& e) {
+      if (!down || last != e.what()) {
+        log_.Warn(std::string("store unavailable: ") + e.what() +
+                  "; records wait in the spool, retrying");
+      }
+      down = true;
+      last = e.what();
+      if (dynamic_cast<const velqua_store::ConnectionLost*>(&e) == nullptr &&
+          dynamic_cast<const velqua_store::StoreError*>(&e) == nullptr) {
+        store_.reset();  // opened again on the next try
+      }
+    }
+    std::unique_lock<std::mutex> lock(mutex_);
+    wake_.wait_for(lock, kStoreRetry, [this] { return Stopping(); });
+    if (Stopping()) throw Abandon{};
+  }
+}
+
+Pipeline::StreamState* Pipeline::Stream(const std::string& name) {
+  if (auto it = streams_.find(name); it != streams_.end()) return it->second.get();
+  const std::string source(SourceOfStream(name));
+  SwitchState* sw = nullptr;
+  for (const auto& [switch_name, state] : switches_) {
+    for (const SourceSettings& s : state->settings.sources) {
+      if (s.name == source) sw = state.get();
+    }
+  }
+  if (sw == nullptr) {
+    if (unknown_.insert(name).second) {
+      log_.Warn("the spool holds records of \"" + name +
+                "\", a source no longer configured: they are left in the spool");
+    }
+    return nullptr;
+  }
+  auto s = std::make_unique<StreamState>();
+  s->name = name;
+  s->switch_name = sw->settings.name;
+  s->sw = sw;
+  Retry([&] {
+    store_->PutSwitch({sw->settings.name, sw->settings.config,
+                       velqua_store::ConfigHash(sw->settings.config), sw->settings.time_zone});
+    s->source = store_->OpenSource(sw->settings.name, name, "capture");
+  });
+  s->checkpoint = s->source.checkpoint.value_or(-1);
+  NewConnection(*s);
+  board_.Update(name, [&](StreamStatus& st) {
+    st.source = source;
+    st.switch_name = sw->settings.name;
+  });
+  return (streams_[name] = std::move(s)).get();
+}
+
+void Pipeline::Process(const SpoolEntry& e) {
+  const int64_t end = e.data_position + static_cast<int64_t>(e.bytes.size());
+  processed_end_ = std::max(processed_end_, end);
+  if (e.kind == SpoolKind::kStart) {
+    for (auto& [name, s] : streams_) EndConnection(*s);
+    return;
+  }
+  StreamState* s = Stream(e.source);
+  if (s == nullptr || s->sw == nullptr || end <= s->checkpoint) return;
+  switch (e.kind) {
+    case SpoolKind::kConnect:
+      EndConnection(*s);
+      Connect(*s, e);
+      break;
+    case SpoolKind::kData: {
+      const int64_t skip = std::max<int64_t>(0, s->checkpoint - e.data_position);
+      s->last_received_us = e.received_us;
+      Feed(*s, std::string_view(e.bytes).substr(static_cast<size_t>(skip)), e.data_position + skip);
+      break;
+    }
+    case SpoolKind::kFlush:
+    case SpoolKind::kDisconnect: {
+      const bool disconnect = e.kind == SpoolKind::kDisconnect;
+      if (disconnect) {
+        EndConnection(*s);
+      } else {
+        Complete(*s);
+      }
+      break;
+    }
+    case SpoolKind::kStart:
+      break;
+  }
+}
+
+void Pipeline::Feed(StreamState& s, std::string_view bytes, int64_t position) {
+  s.framer->Feed(bytes, position, [&](const velqua_records::Framer::Record& r) { Framed(s, r); });
+}
+
+// The stream went quiet: the record, call or record with continuation lines
+// it left open is complete.
+void Pipeline::Complete(StreamState& s) {
+  s.framer->Flush([&](const velqua_records::Framer::Record& r) { Framed(s, r); });
+  s.translation->Finish();
+  Translated(s);
+}
+
+// The end of a connection: what it left open is complete, its re-sent part over.
+void Pipeline::EndConnection(StreamState& s) {
+  if (s.sw == nullptr) return;
+  Complete(s);
+  if (s.dropped > 0) {
+    log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
+  }
+  s.dropped = 0;
+  s.resend.End();
+  s.connect_position = -1;
+  NewConnection(s);
+}
+
+// A connection's bytes start a new stream: nothing carries over from the last.
+void Pipeline::NewConnection(StreamState& s) {
+  const SwitchState& sw = *s.sw;
+  s.framer = std::make_unique<velqua_records::Framer>(sw.framing);
+  s.translation = std::make_unique<velqua_records::Translation>(
+      sw.config.cfg, s.catcher,
+      velqua_records::Translation::Settings{"", sw.settings.extensions, sw.settings.utf8,
+                                            sw.config.form});
+  s.translation->on_heading = [this, &s](const std::string&, std::u16string_view line,
+                                         int64_t position) { Heading(s, line, position); };
+  s.input_second = -1;
+}
+
+// A new connection: what was stored before it decides what it re-sends.
+void Pipeline::Connect(StreamState& s, const SpoolEntry& e) {
+  Retry([this] { Commit(); });
+  const SwitchSettings& sw = s.sw->settings;
+  std::vector<ResendFilter::Stored> stored;
+  const int64_t age_us = sw.resend_age.count() * 1000;
+  if (sw.resend_records > 0) {
+    Retry([&] {
+      stored.clear();
+      for (const velqua_store::RawRecord& r :
+           store_->RecentRecords(s.source, sw.resend_records, IsoTime(e.received_us - age_us))) {
+        stored.push_back({r.raw, ParseUtc(r.received_utc)});
+      }
+    });
+  }
+  s.resend.Connect(std::move(stored), e.received_us, sw.resend_records, age_us + 1000000);
+  s.connect_position = s.resend.active() ? e.position : -1;
+}
+
+void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
+  const std::u16string line =
+      s.sw->settings.utf8 ? velqua::DesdeUtf8(r.bytes) : velqua::DesdeAnsi(r.bytes);
+  const int64_t second = s.last_received_us / 1000000;
+  if (second != s.input_second) {
+    // The year of a record that prints none is the year it was received in.
+    s.translation->Input(s.name, LocalTime(s.last_received_us));
+    s.input_second = second;
+    s.received_utc = IsoTime(s.last_received_us);
+  }
+  if (r.heading) return Heading(s, line, r.position);
+  s.translation->Line(line, r.position);
+  Translated(s);
+}
+
+// The rows the translation wrote: each record re-sent after a reconnection
+// is dropped, every other one joins the stream's batch.
+void Pipeline::Translated(StreamState& s) {
+  for (Catcher::Caught& c : s.catcher.caught()) {
+    std::string raw = velqua_records::U8(c.text);
+    if (s.resend.active()) {
+      if (s.resend.Drop(raw)) {
+        ++s.dropped;
+        board_.Update(s.name, [](StreamStatus& st) { ++st.resent_dropped; });
+        continue;
+      }
+      s.connect_position = -1;
+    }
+    if (s.dropped > 0) {
+      log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
+      s.dropped = 0;
+    }
+    velqua_store::Record record;
+    record.position = c.row.offset;
+    record.raw = std::move(raw);
+    record.received_utc = s.received_utc;
+    record.row = std::move(c.row);
+    if (!record.row.has_fields) Unrecognised(s, record);
+    s.rows.push_back(std::move(record));
+    s.rows_received_us.push_back(s.last_received_us);
+    ++pending_rows_;
+  }
+  s.catcher.caught().clear();
+}
+
+// A page heading is kept where every record is kept, as an unrecognised
+// record with that reason (as an import keeps it), never translated. The
+// re-send rule passes over it: headings are printed again on every page.
+void Pipeline::Heading(StreamState& s, std::u16string_view line, int64_t position) {
+  board_.Update(s.name, [](StreamStatus& st) { ++st.headings; });
+  velqua_store::Record record;
+  record.position = position;
+  record.raw = velqua_records::U8(line);
+  record.received_utc = s.received_utc;
+  record.row.error = kHeadingReason;
+  record.row.offset = position;
+  s.rows.push_back(std::move(record));
+  s.rows_received_us.push_back(s.last_received_us);
+  ++s.headings;
+  ++pending_rows_;
+}
+
+// Logs an unrecognised record: each of a stream's first 20, then one line
+// for every 1,000 more (a configuration that does not fit the switch would
+// otherwise fill the log).
+void Pipeline::Unrecognised(StreamState& s, const velqua_store::Record& record) {
+  const int64_t n = ++s.unrecognised;
+  if (n <= kLoggedUnrecognised) {
+    log_.Warn("source " + s.name + ": unrecognised record at position " +
+              std::to_string(record.position) +
+              (record.row.error.empty() ? "" : " (" + record.row.error + ")") + ": " +
+              record.raw.substr(0, 120));
+  } else if (n % 1000 == 0) {
+    log_.Warn("source " + s.name + ": " + std::to_string(n) + " unrecognised records so far");
+  }
+}
+
+// Where replay must start for the stream: the first byte of what it holds
+// open (a record, a multi-line call, a connection still in its re-sent
+// part), or -1 when it holds nothing.
+int64_t Pipeline::Hold(const StreamState& s) const {
+  int64_t hold = INT64_MAX;
+  if (s.framer && s.framer->OpenPosition() >= 0) hold = s.framer->OpenPosition();
+  if (s.translation && s.translation->held_offset() >= 0) {
+    hold = std::min(hold, s.translation->held_offset());
+  }
+  if (s.resend.active() && s.connect_position >= 0) hold = std::min(hold, s.connect_position);
+  return hold == INT64_MAX ? -1 : hold;
+}
+
+void Pipeline::Commit() {
+  int64_t safe = processed_end_;
+  for (auto& [name, s] : streams_) {
+    const int64_t hold = Hold(*s);
+    if (hold >= 0) safe = std::min(safe, hold);
+    if (s->rows.empty()) continue;
+    const velqua_store::WriteResult result =
+        store_->Write(s->source, s->rows, hold >= 0 ? hold : processed_end_);
+    const int64_t now = NowMicros();
+    int64_t last_us = 0;
+    for (int64_t& received : s->rows_received_us) {
+      last_us = std::max(last_us, received);
+      received = now - received;
+    }
+    board_.Committed(s->rows_received_us);
+    const int64_t headings = s->headings;
+    board_.Update(name, [&](StreamStatus& st) {
+      st.records += result.calls;
+      st.unrecognised += std::max<int64_t>(0, result.unrecognised - headings);
+      st.last_record_us = std::max(st.last_record_us, last_us);
+    });
+    pending_rows_ -= s->rows.size();
+    s->headings = 0;
+    s->rows.clear();
+    s->rows_received_us.clear();
+  }
+  if (safe > replay_from_) {
+    const std::string path = settings_.spool + "/replay-from";
+    {
+      std::ofstream out(path + ".new", std::ios::trunc);
+      out << safe << '\n';
+    }
+    if (std::rename((path + ".new").c_str(), path.c_str()) == 0) {
+      replay_from_ = safe;
+      release_(safe);
+    }
+  }
+}
+
+}  // namespace velqua_capture

@@ -1,0 +1,215 @@
+// The file-follow source: a file another program appends to (a collector
+// that writes the switch's records to disk), followed like `tail -F`.
+//
+// It hands over whole records only, so that a restart, a rotation or a
+// truncation never cuts one in two; a last record without its end is handed
+// over once the file has been quiet for the switch's idle time. Where it is
+// in the file (inode and offset) is kept in a small state file beside the
+// spool, so that after a restart it goes on where it was rather than reading
+// the file again.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <asio/steady_timer.hpp>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+#include "sources.h"
+
+namespace velqua_capture {
+namespace {
+
+constexpr Millis kPoll{100};
+constexpr size_t kReadSize = 1 << 16;
+
+class FileSource : public Source, public std::enable_shared_from_this<FileSource> {
+ public:
+  FileSource(asio::io_context& io, const SourceSettings& s, const SwitchSettings& sw,
+             const std::string& state_dir, SourceEvents& events)
+      : s_(s),
+        end_(sw.framing.end),
+        idle_(sw.idle_flush),
+        events_(events),
+        timer_(io),
+        state_(state_dir + "/follow-" + s.name),
+        buffer_(kReadSize, '\0') {}
+
+  ~FileSource() override {
+    if (fd_ >= 0) ::close(fd_);
+  }
+
+  void Start() override {
+    std::ifstream in(state_);
+    in >> saved_inode_ >> saved_offset_ >> saved_tail_;
+    if (!in) saved_inode_ = saved_offset_ = 0;
+    Poll();
+  }
+
+  void Stop(const std::string& reason) override {
+    stopped_ = true;
+    timer_.cancel();
+    Close(reason);
+  }
+
+ private:
+  void Poll() {
+    if (stopped_) return;
+    if (!events_.Held()) {
+      if (fd_ < 0) Open();
+      if (fd_ >= 0) Follow();
+    }
+    auto self = shared_from_this();
+    timer_.expires_after(kPoll);
+    timer_.async_wait([this, self](const asio::error_code& ec) {
+      if (!ec) Poll();
+    });
+  }
+
+  void Open() {
+    fd_ = ::open(s_.path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat st {};
+    if (fd_ < 0 || ::fstat(fd_, &st) != 0) {
+      if (fd_ >= 0) ::close(fd_);
+      fd_ = -1;
+      if (!waiting_) events_.Log("source " + s_.name + ": waiting for " + s_.path);
+      waiting_ = true;
+      return;
+    }
+    waiting_ = false;
+    inode_ = static_cast<unsigned long long>(st.st_ino);
+    // Go on where the last run stopped when it is the same file, not shorter.
+    offset_ = SameFile(st) ? saved_offset_ : 0;
+    saved_inode_ = 0;
+    pending_.clear();
+    events_.Connected(s_.name, s_.path);
+  }
+
+  // Reads what was appended, then looks for a rotation or a truncation.
+  void Follow() {
+    for (;;) {
+      const ssize_t n = ::pread(fd_, buffer_.data(), buffer_.size(), offset_ + Pending());
+      if (n <= 0) break;
+      pending_.append(buffer_.data(), static_cast<size_t>(n));
+      quiet_since_ = std::chrono::steady_clock::now();
+      Hand(velqua_records::WholeRecordsSize(pending_, end_));
+      if (events_.Held()) return;
+    }
+    if (!pending_.empty() && std::chrono::steady_clock::now() - quiet_since_ >= idle_) {
+      Hand(pending_.size());  // a last record without its end
+    }
+    struct stat now {};
+    const bool gone = ::stat(s_.path.c_str(), &now) != 0;
+    if (gone) return;  // between the steps of a rotation: keep the old file
+    if (static_cast<unsigned long long>(now.st_ino) != inode_) {
+      Hand(pending_.size());
+      Close("rotated");
+    } else if (now.st_size < offset_ + Pending()) {
+      Hand(pending_.size());
+      Close("truncated");
+      saved_inode_ = inode_;
+      saved_offset_ = 0;
+    }
+  }
+
+  // Whether the file open is the one the last run was reading: the same
+  // inode, not shorter, and still holding the bytes last handed over where
+  // they were (a file truncated and written again past the old offset is
+  // not the same file).
+  bool SameFile(const struct stat& st) {
+    if (inode_ != saved_inode_ || saved_offset_ > st.st_size) return false;
+    const std::string tail = Tail(saved_offset_);
+    return tail == saved_tail_;
+  }
+
+  // The last bytes before `offset` of the file open (at most 32), in hexadecimal.
+  std::string Tail(int64_t offset) {
+    char bytes[32];
+    const int64_t from = std::max<int64_t>(0, offset - static_cast<int64_t>(sizeof bytes));
+    const ssize_t n = ::pread(fd_, bytes, static_cast<size_t>(offset - from), from);
+    std::string hex = "-";  // never empty, so that the state file reads back
+    for (ssize_t i = 0; i < n; ++i) {
+      static const char kDigits[] = "0123456789abcdef";
+      hex += kDigits[static_cast<unsigned char>(bytes[i]) >> 4];
+      hex += kDigits[static_cast<unsigned char>(bytes[i]) & 15];
+    }
+    return hex;
+  }
+
+  int64_t Pending() const { return static_cast<int64_t>(pending_.size()); }
+
+  // Hands over the first `size` pending bytes and records how far the file
+  // has been handed over.
+  void Hand(size_t size) {
+    if (size == 0) return;
+    events_.Received(s_.name, std::string_view(pending_.data(), size));
+    pending_.erase(0, size);
+    offset_ += static_cast<int64_t>(size);
+    SaveState();
+  }
+
+  void SaveState() {
+    const std::string temp = state_ + ".new";
+    {
+      std::ofstream out(temp, std::ios::trunc);
+      out << inode_ << ' ' << offset_ << ' ' << Tail(offset_) << '\n';
+      if (!out) return;  // the next hand-over tries again
+    }
+    std::rename(temp.c_str(), state_.c_str());
+  }
+
+  void Close(const std::string& reason) {
+    if (fd_ < 0) return;
+    ::close(fd_);
+    fd_ = -1;
+    pending_.clear();
+    events_.Disconnected(s_.name, reason);
+  }
+
+  SourceSettings s_;
+  velqua_records::RecordEnd end_;
+  Millis idle_;
+  SourceEvents& events_;
+  asio::steady_timer timer_;
+  std::string state_;
+  std::string buffer_;
+  std::string pending_;  // read from the file, not yet handed over (no record end yet)
+  std::chrono::steady_clock::time_point quiet_since_;
+  int fd_ = -1;
+  unsigned long long inode_ = 0;
+  int64_t offset_ = 0;  // of the first byte not yet handed over
+  unsigned long long saved_inode_ = 0;
+  int64_t saved_offset_ = 0;
+  std::string saved_tail_;
+  bool waiting_ = false;
+  bool stopped_ = false;
+};
+
+}  // namespace
+
+std::shared_ptr<Source> MakeFileSource(asio::io_context& io, const SourceSettings& s,
+                                       const SwitchSettings& sw, const std::string& state_dir,
+                                       SourceEvents& events) {
+  return std::make_shared<FileSource>(io, s, sw, state_dir, events);
+}
+
+std::shared_ptr<Source> MakeSource(asio::io_context& io, const SourceSettings& settings,
+                                   const SwitchSettings& sw, const std::string& state_dir,
+                                   SourceEvents& events) {
+  switch (settings.kind) {
+    case SourceKind::kSerial:
+      return MakeSerialSource(io, settings, events);
+    case SourceKind::kTcpConnect:
+      return MakeTcpConnectSource(io, settings, events);
+    case SourceKind::kTcpListen:
+      return MakeTcpListenSource(io, settings, events);
+    case SourceKind::kFileFollow:
+      break;
+  }
+  return MakeFileSource(io, settings, sw, state_dir, events);
+}
+
+}  // namespace velqua_capture

@@ -1,0 +1,116 @@
+#include "velqua/capture/status.h"
+
+#include <chrono>
+#include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace velqua_capture {
+
+int64_t NowMicros() {
+  return std::chrono::duration_cast<std::chrono::microseconds>(
+             std::chrono::system_clock::now().time_since_epoch())
+      .count();
+}
+
+std::string IsoTime(int64_t micros) {
+  if (micros == 0) return "-";
+  const std::time_t seconds = static_cast<std::time_t>(micros / 1000000);
+  std::tm t{};
+  gmtime_r(&seconds, &t);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &t);
+  return text;
+}
+
+Latency StatusBoard::latency() const {
+  std::lock_guard<std::mutex> lock(mutex_);
+  Latency l;
+  for (int64_t n : latency_) l.count += n;
+  int64_t seen = 0;
+  for (size_t ms = 0; ms < latency_.size(); ++ms) {
+    if (seen < (l.count + 1) / 2 && seen + latency_[ms] >= (l.count + 1) / 2) {
+      l.p50_ms = static_cast<int64_t>(ms);
+    }
+    if (seen < (l.count * 99 + 99) / 100 && seen + latency_[ms] >= (l.count * 99 + 99) / 100) {
+      l.p99_ms = static_cast<int64_t>(ms);
+    }
+    seen += latency_[ms];
+  }
+  l.max_ms = max_ms_;
+  return l;
+}
+
+void WriteStatusFile(const std::string& path, int pid, int64_t started_us, int64_t now_us,
+                     const std::vector<StreamStatus>& streams, const Latency& latency) {
+  nlohmann::json j;
+  j["latency_ms"] = {{"count", latency.count},
+                     {"p50", latency.p50_ms},
+                     {"p99", latency.p99_ms},
+                     {"max", latency.max_ms}};
+  j["pid"] = pid;
+  j["started_us"] = started_us;
+  j["written_us"] = now_us;
+  j["streams"] = nlohmann::json::array();
+  for (const StreamStatus& s : streams) {
+    j["streams"].push_back({{"stream", s.stream},
+                            {"source", s.source},
+                            {"switch", s.switch_name},
+                            {"connected", s.connected},
+                            {"since_us", s.since_us},
+                            {"bytes", s.bytes},
+                            {"connections", s.connections},
+                            {"records", s.records},
+                            {"unrecognised", s.unrecognised},
+                            {"headings", s.headings},
+                            {"resent_dropped", s.resent_dropped},
+                            {"last_record_us", s.last_record_us},
+                            {"last_data_us", s.last_data_us},
+                            {"last_event", s.last_event}});
+  }
+  const std::string temp = path + ".new";
+  {
+    std::ofstream out(temp, std::ios::trunc);
+    out << j.dump(1) << '\n';
+    if (!out) return;  // a full disk: the next write tries again
+  }
+  std::rename(temp.c_str(), path.c_str());
+}
+
+bool ReadStatusFile(const std::string& path, int* pid, int64_t* started_us, int64_t* written_us,
+                    std::vector<StreamStatus>* streams) {
+  std::ifstream in(path);
+  if (!in) return false;
+  try {
+    const nlohmann::json j = nlohmann::json::parse(in);
+    *pid = j.at("pid").get<int>();
+    *started_us = j.at("started_us").get<int64_t>();
+    *written_us = j.at("written_us").get<int64_t>();
+    streams->clear();
+    for (const auto& e : j.at("streams")) {
+      StreamStatus s;
+      s.stream = e.at("stream").get<std::string>();
+      s.source = e.at("source").get<std::string>();
+      s.switch_name = e.at("switch").get<std::string>();
+      s.connected = e.at("connected").get<bool>();
+      s.since_us = e.at("since_us").get<int64_t>();
+      s.bytes = e.at("bytes").get<int64_t>();
+      s.connections = e.at("connections").get<int64_t>();
+      s.records = e.at("records").get<int64_t>();
+      s.unrecognised = e.at("unrecognised").get<int64_t>();
+      s.headings = e.at("headings").get<int64_t>();
+      s.resent_dropped = e.at("resent_dropped").get<int64_t>();
+      s.last_record_us = e.at("last_record_us").get<int64_t>();
+      s.last_data_us = e.at("last_data_us").get<int64_t>();
+      s.last_event = e.at("last_event").get<std::string>();
+      streams->push_back(s);
+    }
+  } catch (const nlohmann::json::exception&) {
+    return false;
+  }
+  return true;
+}
+
+}  // namespace velqua_capture

@@ -1,0 +1,93 @@
+#include "service_support.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+
+#include "velqua/store/store.h"
+#include "velqua/texto.h"
+
+namespace velqua_capture_test {
+
+std::string WriteConfig(const std::string& dir, const std::string& store,
+                        const std::string& switch_toml, const std::string& sources_toml) {
+  const std::string path = dir + "/capture.toml";
+  std::ofstream out(path);
+  out << "store = \"" << store << "\"\nspool = \"spool\"\nfsync = \"interval\"\n"
+      << "[[switch]]\nname = \"pbx\"\n";
+  if (switch_toml.find("config =") == std::string::npos) {
+    out << "config = \"" << kExamples << "/kx-tda/kx-tda.json\"\n";
+  }
+  out << switch_toml << "\n" << sources_toml << "\n";
+  return path;
+}
+
+std::unique_ptr<Child> StartService(const std::string& config, const std::string& dir) {
+  return std::make_unique<Child>(std::vector<std::string>{VELQUA_CAPTURE_SERVICE, config},
+                                 dir + "/service.log");
+}
+
+std::vector<std::string> RecordsOf(const std::string& file, const std::vector<std::string>& skip,
+                                   bool nul) {
+  const std::string bytes = ReadFile(file);
+  std::vector<std::string> records;
+  std::string piece;
+  for (size_t i = 0; i <= bytes.size(); ++i) {
+    const char c = i < bytes.size() ? bytes[i] : '\n';
+    if (c != '\r' && c != '\n' && (c != '\0' || !nul)) {
+      piece.push_back(c);
+      continue;
+    }
+    bool skipped = piece.empty();
+    for (const std::string& prefix : skip) skipped = skipped || piece.rfind(prefix, 0) == 0;
+    if (!skipped) records.push_back(velqua::AUtf8(velqua::DesdeAnsi(piece)));
+    piece.clear();
+  }
+  std::sort(records.begin(), records.end());
+  return records;
+}
+
+std::vector<std::string> GenerateRecords(const std::string& path, int64_t count) {
+  const std::string command =
+      EmulatorPath() + " generate " + std::to_string(count) + " > '" + path + "'";
+  if (std::system(command.c_str()) != 0) return {};
+  return RecordsOf(path);
+}
+
+namespace {
+
+std::vector<std::string> Stored(const std::string& store, bool calls) {
+  std::vector<std::string> raw;
+  auto s = velqua_store::OpenStore(store);
+  for (int64_t after = 0;;) {
+    const auto batch = s->ReadStored("pbx", calls, after, 10000);
+    if (batch.empty()) break;
+    for (const auto& r : batch) raw.push_back(r.raw);
+    after = batch.back().id;
+  }
+  std::sort(raw.begin(), raw.end());
+  return raw;
+}
+
+}  // namespace
+
+std::vector<std::string> StoredCalls(const std::string& store) { return Stored(store, true); }
+
+std::vector<std::string> StoredUnrecognised(const std::string& store) {
+  return Stored(store, false);
+}
+
+bool WaitForRecords(const std::string& store, size_t count) {
+  return WaitFor(
+      [&] {
+        try {
+          auto s = velqua_store::OpenStore(store);
+          return static_cast<size_t>(s->CountCalls("pbx") + s->CountUnrecognised("pbx")) >= count;
+        } catch (const std::exception&) {
+          return false;  // not made yet
+        }
+      },
+      std::chrono::seconds(60));
+}
+
+}  // namespace velqua_capture_test

@@ -1,0 +1,165 @@
+#include "velqua/capture/settings.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace velqua_capture {
+namespace {
+
+const std::string kExamples = std::string(VELQUA_SOURCE_DIR) + "/examples";
+const std::string kFile = kExamples + "/capture/test.toml";  // relative paths start here
+
+// A valid configuration with one source of each kind.
+std::string Config() {
+  const std::string lines[] = {
+      "store = \"calls.db\"",                                      // 1
+      "spool = \"/var/spool/velqua\"",                             // 2
+      "fsync = \"interval\"",                                      // 3
+      "[[switch]]",                                                // 4
+      "name = \"kx-tda\"",                                         // 5
+      "config = \"../kx-tda/kx-tda.json\"",                        // 6
+      "extensions = \"../kx-tda/extensions.txt\"",                 // 7
+      "time_zone = \"Europe/Madrid\"",                             // 8
+      "[switch.framing]",                                          // 9
+      "record_end = \"crlf\"",                                     // 10
+      "page_headings = ['*Date*Time*', '--------------------*']",  // 11
+      "idle_flush = \"500ms\"",                                    // 12
+      "[[switch.source]]",                                         // 13
+      "name = \"pbx\"",                                            // 14
+      "kind = \"tcp-connect\"",                                    // 15
+      "host = \"192.0.2.10\"",                                     // 16
+      "port = 2300",                                               // 17
+      "[[switch.source.login]]",                                   // 18
+      "expect = \"login:\"",                                       // 19
+      "send = \"SMDR\\r\\n\"",                                     // 20
+      "[[switch.source]]",                                         // 21
+      "name = \"printer-port\"",                                   // 22
+      "kind = \"serial\"",                                         // 23
+      "device = \"/dev/ttyUSB0\"",                                 // 24
+      "baud = 1200",                                               // 25
+      "data_bits = 7",                                             // 26
+      "parity = \"mark\"",                                         // 27
+      "flow_control = \"xon-xoff\"",                               // 28
+      "[[switch.source]]",                                         // 29
+      "name = \"ipo\"",                                            // 30
+      "kind = \"tcp-listen\"",                                     // 31
+      "port = 5000",                                               // 32
+      "allow = [\"10.1.0.0/16\", \"192.0.2.7\"]",                  // 33
+      "silence_warning = \"2h\"",                                  // 34
+      "[[switch.source]]",                                         // 35
+      "name = \"log\"",                                            // 36
+      "kind = \"file-follow\"",                                    // 37
+      "path = \"smdr.log\"",                                       // 38
+  };
+  std::string text;
+  for (const std::string& line : lines) text += line + "\n";
+  return text;
+}
+
+TEST(Settings, AValidFileGivesEveryValueWithPathsFromItsFolder) {
+  const ServiceSettings s = ParseSettings(Config(), kFile);
+  EXPECT_EQ(s.store, "sqlite:" + kExamples + "/capture/calls.db");
+  EXPECT_EQ(s.spool, "/var/spool/velqua");
+  EXPECT_EQ(s.fsync, FsyncPolicy::kInterval);
+  ASSERT_EQ(s.switches.size(), 1u);
+  const SwitchSettings& sw = s.switches[0];
+  EXPECT_EQ(sw.config, kExamples + "/kx-tda/kx-tda.json");
+  EXPECT_EQ(sw.framing.end, velqua_records::RecordEnd::kCrLf);
+  EXPECT_EQ(sw.framing.page_headings.size(), 2u);
+  EXPECT_EQ(sw.idle_flush, Millis(500));
+  ASSERT_EQ(sw.sources.size(), 4u);
+  EXPECT_EQ(sw.sources[0].login.at(0).send, "SMDR\r\n");
+  EXPECT_EQ(sw.sources[0].silence, Millis(3600000));  // the service's default
+  EXPECT_EQ(sw.sources[1].parity, Parity::kMark);
+  EXPECT_EQ(sw.sources[1].data_bits, 7);
+  EXPECT_EQ(sw.sources[2].bind, "127.0.0.1");
+  EXPECT_EQ(sw.sources[2].silence, Millis(7200000));
+  EXPECT_EQ(sw.sources[3].path, kExamples + "/capture/smdr.log");
+}
+
+// Each mistake is refused with the file, the line of the key at fault and
+// the key's full name.
+TEST(Settings, MistakesAreNamedByFileLineAndKey) {
+  const struct {
+    const char* from;  // replaced in the valid file by `to`
+    const char* to;
+    const char* expected;  // after "<file>:"
+  } rows[] = {
+      {"fsync = \"interval\"", "fsync = \"interval\"\nfsync = \"never\"", "4: "},  // TOML's own
+      {"fsync = \"interval\"", "fsink = \"always\"",
+       "3: fsink: not a key of the service's configuration"},
+      {"port = 2300", "port = 2300\nbaud = 9600",
+       "18: switch[0].source[0].baud: not a key of a tcp-connect source"},
+      {"baud = 1200", "stop_bits = 3", "25: switch[0].source[1].stop_bits: 3 is outside 1..2"},
+      {"port = 5000", "port = 5000\nbind = \"localhost:80\"",
+       "33: switch[0].source[2].bind: \"localhost:80\" is not an address"},
+      {"idle_flush = \"500ms\"", "strip_bit7 = \"yes\"",
+       "12: switch[0].framing.strip_bit7: must be true or false"},
+      {"name = \"kx-tda\"", "name = \"kx-tda\"\nencoding = \"latin9\"",
+       "6: switch[0].encoding: \"latin9\" is not one of windows-1252, utf-8"},
+      {"time_zone = \"Europe/Madrid\"", "resend_horizon_age = \"forever\"",
+       "8: switch[0].resend_horizon_age: must be a duration"},
+      {"send = \"SMDR\\r\\n\"", "timeout = -5",
+       "20: switch[0].source[0].login[0].timeout: must be a duration"},
+      {"record_end = \"crlf\"", "record_end = \"etx\"",
+       "10: switch[0].framing.record_end: must be one of line, cr, lf"},
+      {"baud = 1200", "baud = 14400", "25: switch[0].source[1].baud: 14400 is not a standard rate"},
+      {"name = \"ipo\"", "name = \"pbx\"",
+       "30: switch[0].source[2].name: a second source named \"pbx\""},
+      {"name = \"log\"", "name = \"a/b\"", "36: switch[0].source[3].name: \"a/b\" must be"},
+      {"\"192.0.2.7\"", "\"192.0.2.0/33\"",
+       "33: switch[0].source[2].allow: \"192.0.2.0/33\" is not"},
+      {"../kx-tda/kx-tda.json", "../kx-tda/none.json", "6: switch[0].config: "},
+      {"../kx-tda/kx-tda.json", "../kx-tda/records.txt", "6: switch[0].config: "},
+      {"../kx-tda/extensions.txt", "none.txt", "7: switch[0].extensions: "},
+      {"Europe/Madrid", "Mars/Olympus",
+       "8: switch[0].time_zone: \"Mars/Olympus\" is not a time zone"},
+      {"'--------------------*'", "'***'",
+       "11: switch[0].framing.page_headings: page heading '***' would match every record"},
+      {"host = \"192.0.2.10\"\n", "", "13: switch[0].source[0].host: missing"},
+      {"kind = \"serial\"", "kind = \"usb\"",
+       "23: switch[0].source[1].kind: \"usb\" is not one of"},
+      {"[[switch]]", "[switch]", "4: switch: must be [[switch]] tables"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.to);
+    std::string text = Config();
+    text.replace(text.find(row.from), std::string(row.from).size(), row.to);
+    try {
+      ParseSettings(text, kFile);
+      ADD_FAILURE() << "accepted";
+    } catch (const SettingsError& e) {
+      EXPECT_EQ(std::string(e.what()).rfind(kFile + ":" + row.expected, 0), 0u) << e.what();
+    }
+  }
+}
+
+TEST(Settings, EveryBundledExampleLoads) {
+  for (const auto& e : std::filesystem::directory_iterator(kExamples + "/capture")) {
+    if (e.path().extension() != ".toml") continue;
+    SCOPED_TRACE(e.path().string());
+    EXPECT_NO_THROW(LoadSettings(e.path().string()));
+  }
+}
+
+TEST(Settings, Durations) {
+  const struct {
+    const char* text;
+    int64_t ms;  // -1: refused
+  } rows[] = {{"500ms", 500},    {"2s", 2000},     {"2", 2000}, {"60m", 3600000},
+              {"24h", 86400000}, {"1d", 86400000}, {"", -1},    {"s", -1},
+              {"2 s", -1},       {"1.5s", -1},     {"-1s", -1}, {"3w", -1}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    Millis value{-7};
+    EXPECT_EQ(ParseDuration(row.text, &value), row.ms >= 0);
+    if (row.ms >= 0) {
+      EXPECT_EQ(value.count(), row.ms);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace velqua_capture

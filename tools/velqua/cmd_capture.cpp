@@ -1,0 +1,96 @@
+#include "cmd_capture.h"
+
+#include <signal.h>
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <map>
+#include <vector>
+
+#include "cli_common.h"
+#include "velqua/capture/log.h"
+#include "velqua/capture/service.h"
+#include "velqua/capture/settings.h"
+#include "velqua/capture/status.h"
+
+namespace velqua_cli {
+namespace {
+
+using velqua_capture::StreamStatus;
+
+velqua_capture::ServiceSettings Load(const std::string& file) {
+  try {
+    return velqua_capture::LoadSettings(file);
+  } catch (const velqua_capture::SettingsError& e) {
+    throw CliError(e.what());
+  }
+}
+
+std::string Since(const StreamStatus& s) { return velqua_capture::IsoTime(s.since_us); }
+
+void PrintRow(const std::vector<std::string>& cells) {
+  static const int kWidths[] = {-22, -10, -13, -21, 10, 9, 7, 8, 7, 7, -21};
+  std::string line;
+  for (size_t i = 0; i < cells.size(); ++i) {
+    char cell[64];
+    std::snprintf(cell, sizeof cell, "%*s ", kWidths[i], cells[i].c_str());
+    line += cell;
+  }
+  while (!line.empty() && line.back() == ' ') line.pop_back();
+  std::printf("%s\n", line.c_str());
+}
+
+}  // namespace
+
+void AddCaptureCommand(CLI::App& app, CaptureOptions& options) {
+  CLI::App* cmd = app.add_subcommand(
+      "capture", "Capture records live from switches into the store (runs until SIGTERM)");
+  cmd->add_option("--config", options.config, "The service's configuration (TOML)");
+  cmd->require_subcommand(0, 1);
+  CLI::App* status = cmd->add_subcommand("status", "Show each source of a running service");
+  status->add_option("--config", options.config, "The service's configuration (TOML)")->required();
+}
+
+int RunCapture(const CaptureOptions& options) {
+  if (options.config.empty()) throw CliError("capture: --config FILE is required");
+  velqua_capture::Logger log;
+  velqua_capture::Service service(Load(options.config), log);
+  return service.Run();
+}
+
+int RunCaptureStatus(const CaptureOptions& options) {
+  const velqua_capture::ServiceSettings settings = Load(options.config);
+  int pid = 0;
+  int64_t started = 0;
+  int64_t written = 0;
+  std::vector<StreamStatus> streams;
+  const std::string file = settings.spool + "/status.json";
+  if (!velqua_capture::ReadStatusFile(file, &pid, &started, &written, &streams)) {
+    std::printf("not running: no status in %s\n", file.c_str());
+  } else if (::kill(pid, 0) == 0) {
+    std::printf("running: pid %d since %s\n", pid, velqua_capture::IsoTime(started).c_str());
+  } else {
+    std::printf("not running: last status written %s\n", velqua_capture::IsoTime(written).c_str());
+  }
+  PrintRow({"source", "switch", "state", "since", "bytes", "records", "unrec", "headings", "resent",
+            "reconn", "last record"});
+  std::map<std::string, bool> shown;
+  for (const StreamStatus& s : streams) {
+    shown[s.source] = true;
+    PrintRow({s.stream, s.switch_name, s.connected ? "connected" : "disconnected", Since(s),
+              std::to_string(s.bytes), std::to_string(s.records), std::to_string(s.unrecognised),
+              std::to_string(s.headings), std::to_string(s.resent_dropped),
+              std::to_string(s.connections > 0 ? s.connections - 1 : 0),
+              velqua_capture::IsoTime(s.last_record_us)});
+  }
+  for (const auto& sw : settings.switches) {
+    for (const auto& source : sw.sources) {
+      if (!shown[source.name]) {
+        PrintRow({source.name, sw.name, "never", "-", "0", "0", "0", "0", "0", "0", "-"});
+      }
+    }
+  }
+  return 0;
+}
+
+}  // namespace velqua_cli
