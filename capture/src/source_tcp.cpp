@@ -76,7 +76,11 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
 
   void LogIn() {
     socket_.set_option(asio::socket_base::keep_alive(true));
-    events_.Log("source " + s_.name + ": connected to " + PeerName(socket_));
+    // The stream counts as connected once the login is done (the spooler says so then);
+    // until then only the socket is open.
+    if (!s_.login.empty()) {
+      events_.Log("source " + s_.name + ": reached " + PeerName(socket_) + ", logging in");
+    }
     login_ = std::make_unique<LoginScript>(s_.login);
     Answer(login_->Start());
   }
