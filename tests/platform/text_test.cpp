@@ -28,7 +28,8 @@ TEST(Utf8Text, DecodesEverySequenceLengthAndReplacesWhatIsMalformed) {
       {"\xF4\x8F\xBF\xBF", u"\U0010FFFF"},
       {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // past U+10FFFF
       {"\xF5\x80", u"\uFFFD\uFFFD"},
-      {"\xE2\x82", u"\uFFFD\uFFFD"},  // cut short
+      {"\xF8\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"},  // no lead byte, though its bits fit
+      {"\xE2\x82", u"\uFFFD\uFFFD"},                      // cut short
       {"a\xC3\xB1z", u"a\u00F1z"},
   };
   for (const Case& c : cases) {
