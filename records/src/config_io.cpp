@@ -69,13 +69,42 @@ std::string FirstDifference(const std::string& was, const std::string& now) {
   }
 }
 
-// A temporary name beside `path`, with the same extension (the library picks
-// the form by it).
-std::string TemporaryBeside(const std::string& path) {
-  const size_t slash = path.find_last_of('/');
-  const std::string dir = slash == std::string::npos ? "" : path.substr(0, slash + 1);
-  const std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
-  return dir + ".velqua-" + std::to_string(::getpid()) + "-" + base;
+// A temporary file name beside a target, with the same extension (the
+// library picks the form by it); the file, if any, is removed with the object
+// unless it has been renamed onto the target.
+class TemporaryBeside {
+ public:
+  explicit TemporaryBeside(const std::string& path) : target_(path) {
+    const size_t slash = path.find_last_of('/');
+    const std::string dir = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+    const std::string base = slash == std::string::npos ? path : path.substr(slash + 1);
+    name_ = dir + ".velqua-" + std::to_string(::getpid()) + "-" + base;
+  }
+  TemporaryBeside(const TemporaryBeside&) = delete;
+  TemporaryBeside& operator=(const TemporaryBeside&) = delete;
+  ~TemporaryBeside() { std::remove(name_.c_str()); }
+
+  const std::string& name() const { return name_; }
+
+  // Puts the temporary in the target's place; throws Failure naming the target.
+  void RenameOntoTarget() const {
+    if (std::rename(name_.c_str(), target_.c_str()) != 0) {
+      throw Failure("cannot write '" + target_ + "': " + std::strerror(errno));
+    }
+  }
+
+ private:
+  std::string target_;
+  std::string name_;
+};
+
+// Writes `text` as the whole of `path`; throws Failure naming `path`.
+void WriteText(const std::string& path, const std::string& text) {
+  std::unique_ptr<std::FILE, FileCloser> f(OpenFile(path, "wb", "output"));
+  if (std::fwrite(text.data(), 1, text.size(), f.get()) != text.size() ||
+      std::fflush(f.get()) != 0) {
+    throw Failure("cannot write '" + path + "'");
+  }
 }
 
 // Throws Failure naming why `path` cannot be written, if it cannot.
@@ -84,11 +113,10 @@ void RequireWritableTarget(const std::string& path) {
   if (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode)) {
     throw Failure("cannot write '" + path + "': not a regular file");
   }
-  const std::string probe = TemporaryBeside(path);
-  std::FILE* f = std::fopen(probe.c_str(), "wb");
+  const TemporaryBeside probe(path);
+  std::FILE* f = std::fopen(probe.name().c_str(), "wb");
   if (f == nullptr) throw Failure("cannot write '" + path + "': " + std::strerror(errno));
   std::fclose(f);
-  std::remove(probe.c_str());
 }
 
 }  // namespace
@@ -96,16 +124,12 @@ void RequireWritableTarget(const std::string& path) {
 void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool force) {
   ConfigFormatOf(path);
   RequireWritableTarget(path);
-  const std::string temporary = TemporaryBeside(path);
-  struct Remove {
-    const std::string& name;
-    ~Remove() { std::remove(name.c_str()); }
-  } remove{temporary};
-  SaveConfig(cfg, temporary);
+  const TemporaryBeside temporary(path);
+  SaveConfig(cfg, temporary.name());
   std::shared_ptr<velqua::clsCfgConmut> back;
   std::string problem;
   try {
-    back = LoadConfig(temporary);
+    back = LoadConfig(temporary.name());
     problem = FirstDifference(ConfigToJson(cfg), ConfigToJson(*back));
   } catch (const Failure& e) {
     problem = std::string("reading it back fails: ") + e.what();
@@ -113,16 +137,14 @@ void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool 
     problem = "reading it back fails: " + DescribeError(e);
   }
   // The library's messages name the file it read: name the one promised.
-  for (size_t at; (at = problem.find(temporary)) != std::string::npos;) {
-    problem.replace(at, temporary.size(), path);
+  for (size_t at; (at = problem.find(temporary.name())) != std::string::npos;) {
+    problem.replace(at, temporary.name().size(), path);
   }
   if (!problem.empty() && !force) {
     throw Failure("'" + path + "' cannot hold this configuration (" + problem +
                   "); nothing written (--force writes it anyway)");
   }
-  if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-    throw Failure("cannot write '" + path + "': " + std::strerror(errno));
-  }
+  temporary.RenameOntoTarget();
   if (!problem.empty()) {
     std::fprintf(stderr, "velqua: warning: '%s' does not hold this configuration (%s)\n",
                  path.c_str(), problem.c_str());
@@ -151,22 +173,10 @@ void SaveSwitchConfigChecked(SwitchConfig& config, const std::string& path, bool
     return;
   }
   RequireWritableTarget(path);
-  const std::string temporary = TemporaryBeside(path);
-  struct Remove {
-    const std::string& name;
-    ~Remove() { std::remove(name.c_str()); }
-  } remove{temporary};
+  const TemporaryBeside temporary(path);
   const std::string text = SwitchConfigToJson(*config.cfg, config.form, config.delivery);
-  {
-    std::unique_ptr<std::FILE, FileCloser> f(OpenFile(temporary, "wb", "output"));
-    if (std::fwrite(text.data(), 1, text.size(), f.get()) != text.size() ||
-        std::fflush(f.get()) != 0) {
-      throw Failure("cannot write '" + path + "'");
-    }
-  }
-  if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-    throw Failure("cannot write '" + path + "': " + std::strerror(errno));
-  }
+  WriteText(temporary.name(), text);
+  temporary.RenameOntoTarget();
 }
 
 void SaveConfig(velqua::clsCfgConmut& cfg, const std::string& path) {
@@ -177,15 +187,9 @@ void SaveConfig(velqua::clsCfgConmut& cfg, const std::string& path) {
     case ConfigFormat::kIni:
       cfg.Exportar(U16(path));
       break;
-    case ConfigFormat::kJson: {
-      const std::string text = ConfigToJson(cfg);
-      std::unique_ptr<std::FILE, FileCloser> f(OpenFile(path, "wb", "output"));
-      if (std::fwrite(text.data(), 1, text.size(), f.get()) != text.size() ||
-          std::fflush(f.get()) != 0) {
-        throw Failure("cannot write '" + path + "'");
-      }
+    case ConfigFormat::kJson:
+      WriteText(path, ConfigToJson(cfg));
       break;
-    }
   }
 }
 
