@@ -8,6 +8,7 @@
 #include "velqua/error.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
+#include "velqua/store/import.h"
 #include "velqua/texto.h"
 
 namespace velqua_capture {
@@ -30,10 +31,10 @@ class Catcher : public velqua_records::RowSink {
  public:
   struct Caught {
     velqua_records::Row row;
-    std::u16string text;
+    std::string text;  // UTF-8
   };
   void Write(const velqua_records::Row& row) override {
-    caught_.push_back({row, std::u16string(row.text)});
+    caught_.push_back({row, velqua_records::U8(row.text)});
     caught_.back().row.text = {};  // viewed the translation's buffer
   }
   std::vector<Caught>& caught() { return caught_; }
@@ -41,14 +42,6 @@ class Catcher : public velqua_records::RowSink {
  private:
   std::vector<Caught> caught_;
 };
-
-velqua::plataforma::FechaHora LocalTime(int64_t micros) {
-  const std::time_t seconds = static_cast<std::time_t>(micros / 1000000);
-  std::tm t{};
-  localtime_r(&seconds, &t);
-  return velqua::plataforma::FechaHora{t.tm_year + 1900, t.tm_mon + 1, t.tm_mday,
-                                       t.tm_hour,        t.tm_min,     t.tm_sec};
-}
 
 // "YYYY-MM-DDTHH:MM:SSZ" to microseconds since 1970; 0 when unreadable.
 int64_t ParseUtc(const std::string& text) {
@@ -365,10 +358,11 @@ void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
       s.sw->settings.utf8 ? velqua::DesdeUtf8(r.bytes) : velqua::DesdeAnsi(r.bytes);
   const int64_t second = s.last_received_us / 1000000;
   if (second != s.input_second) {
-    // The year of a record that prints none is the year it was received in.
-    s.translation->Input(s.name, LocalTime(s.last_received_us));
-    s.input_second = second;
+    // The year of a record that prints none is the year it was received in,
+    // read from the received time as `retranslate` reads it.
     s.received_utc = IsoTime(s.last_received_us);
+    s.translation->Input(s.name, velqua_store::UtcToLocal(s.received_utc));
+    s.input_second = second;
   }
   if (r.heading) return Heading(s, line, r.position);
   s.translation->Line(line, r.position);
@@ -379,7 +373,7 @@ void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
 // is dropped, every other one joins the stream's batch.
 void Pipeline::Translated(StreamState& s) {
   for (Catcher::Caught& c : s.catcher.caught()) {
-    std::string raw = velqua_records::U8(c.text);
+    std::string& raw = c.text;
     if (s.resend.active()) {
       if (s.resend.Drop(raw)) {
         ++s.dropped;

@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "velqua/store/store.h"
+
 namespace velqua_capture {
 
 int64_t NowMicros() {
@@ -17,12 +19,7 @@ int64_t NowMicros() {
 
 std::string IsoTime(int64_t micros) {
   if (micros == 0) return "-";
-  const std::time_t seconds = static_cast<std::time_t>(micros / 1000000);
-  std::tm t{};
-  gmtime_r(&seconds, &t);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &t);
-  return text;
+  return velqua_store::UtcText(static_cast<std::time_t>(micros / 1000000));
 }
 
 Latency StatusBoard::latency() const {

@@ -52,12 +52,7 @@ std::string LocalToUtc(const velqua_records::FechaHora& local) {
   tm.tm_min = local.intMinuto;
   tm.tm_sec = local.intSegundo;
   tm.tm_isdst = -1;
-  const std::time_t t = std::mktime(&tm);
-  std::tm utc{};
-  gmtime_r(&t, &utc);
-  char text[32];
-  std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
-  return text;
+  return UtcText(std::mktime(&tm));
 }
 
 velqua_records::FechaHora UtcToLocal(const std::string& utc) {

@@ -48,13 +48,14 @@ std::string ConfigHash(const std::string& path) {
   return Fnv1aHex(content);
 }
 
-std::string UtcNow() {
-  const std::time_t now = std::time(nullptr);
+std::string UtcText(std::time_t moment) {
   std::tm utc{};
-  gmtime_r(&now, &utc);
+  gmtime_r(&moment, &utc);
   char text[32];
   std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
   return text;
 }
+
+std::string UtcNow() { return UtcText(std::time(nullptr)); }
 
 }  // namespace velqua_store

@@ -147,15 +147,12 @@ class SqliteConnection : public Connection {
   // A bulk load holds an exclusive lock on "<database>-bulk" while its
   // query indexes are down (the lock goes with the process, however it
   // ends). Free, the lock means no load is running: missing indexes are
-  // those of a load that died, and are built again.
+  // those of a load that died, and are built again (those present are left
+  // as they are).
   void Repair() override {
     const int lock = TakeBulkLock();
     if (lock < 0) return;
-    int64_t present = 0;
-    Run("SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name IN ('calls_start', "
-        "'calls_extension_start', 'calls_trunk_start', 'calls_dialled', 'calls_account_code')",
-        {}, [&](const ResultRow& row) { present = row.Int(0); });
-    if (present < 5) Script(QueryIndexes());
+    Script(QueryIndexes());
     ::close(lock);
   }
 

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -253,6 +254,9 @@ bool IsPostgresUrl(const std::string& url);
 // hexadecimal digits (64-bit FNV-1a). Throws velqua_records::Failure when
 // the file cannot be read.
 std::string ConfigHash(const std::string& path);
+
+// A moment in UTC as the store keeps it, "YYYY-MM-DDTHH:MM:SSZ".
+std::string UtcText(std::time_t moment);
 
 // The current time in UTC, "YYYY-MM-DDTHH:MM:SSZ".
 std::string UtcNow();
