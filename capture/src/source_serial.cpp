@@ -15,7 +15,6 @@ namespace velqua_capture {
 namespace {
 
 constexpr size_t kReadSize = 1 << 12;
-constexpr Millis kHeldPoll{50};
 
 class SerialSource : public Source, public std::enable_shared_from_this<SerialSource> {
  public:
@@ -96,26 +95,18 @@ class SerialSource : public Source, public std::enable_shared_from_this<SerialSo
   }
 
   void Read() {
-    auto self = shared_from_this();
-    if (events_.Held()) {
-      timer_.expires_after(kHeldPoll);
-      timer_.async_wait([this, self](const asio::error_code& ec) {
-        if (!ec && !stopped_) Read();
-      });
-      return;
-    }
-    port_.async_read_some(asio::buffer(buffer_),
-                          [this, self](const asio::error_code& ec, size_t n) {
-                            if (stopped_) return;
-                            if (ec) {
-                              // EIO: the device went away (an adapter unplugged, the other end of
-                              // a pseudo-terminal closed).
-                              Close("device lost: " + ec.message());
-                              return Retry("device lost: " + ec.message());
-                            }
-                            events_.Received(s_.name, std::string_view(buffer_.data(), n));
-                            Read();
-                          });
+    ReadUnlessHeld(
+        shared_from_this(), events_, timer_, port_, buffer_, [this] { return stopped_; },
+        [this](const asio::error_code& ec, size_t n) {
+          if (ec) {
+            // EIO: the device went away (an adapter unplugged, the other end of
+            // a pseudo-terminal closed).
+            Close("device lost: " + ec.message());
+            return Retry("device lost: " + ec.message());
+          }
+          events_.Received(s_.name, std::string_view(buffer_.data(), n));
+          Read();
+        });
   }
 
   void Close(const std::string& reason) {

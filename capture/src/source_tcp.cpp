@@ -19,7 +19,6 @@ namespace {
 using asio::ip::tcp;
 
 constexpr size_t kReadSize = 1 << 16;
-constexpr Millis kHeldPoll{50};
 constexpr Millis kTakeOver{5000};
 constexpr const char* kReplaced = "replaced by a new connection from the same address";
 
@@ -119,21 +118,13 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
   }
 
   void Read() {
-    auto self = shared_from_this();
-    if (events_.Held()) {
-      timer_.expires_after(kHeldPoll);
-      timer_.async_wait([this, self](const asio::error_code& ec) {
-        if (!ec && !stopped_) Read();
-      });
-      return;
-    }
-    socket_.async_read_some(asio::buffer(buffer_),
-                            [this, self](const asio::error_code& ec, size_t n) {
-                              if (stopped_) return;
-                              if (ec) return Lost(Reason(ec));
-                              events_.Received(s_.name, std::string_view(buffer_.data(), n));
-                              Read();
-                            });
+    ReadUnlessHeld(
+        shared_from_this(), events_, timer_, socket_, buffer_, [this] { return stopped_; },
+        [this](const asio::error_code& ec, size_t n) {
+          if (ec) return Lost(Reason(ec));
+          events_.Received(s_.name, std::string_view(buffer_.data(), n));
+          Read();
+        });
   }
 
   void Close(const std::string& reason) {
@@ -216,21 +207,13 @@ class PeerConnection : public std::enable_shared_from_this<PeerConnection> {
 
  private:
   void Read() {
-    auto self = shared_from_this();
-    if (events_.Held()) {
-      timer_.expires_after(kHeldPoll);
-      timer_.async_wait([this, self](const asio::error_code& ec) {
-        if (!ec && !ended_) Read();
-      });
-      return;
-    }
-    socket_.async_read_some(asio::buffer(buffer_),
-                            [this, self](const asio::error_code& ec, size_t n) {
-                              if (ended_) return;
-                              if (ec) return End(Reason(ec));
-                              events_.Received(stream_, std::string_view(buffer_.data(), n));
-                              Read();
-                            });
+    ReadUnlessHeld(
+        shared_from_this(), events_, timer_, socket_, buffer_, [this] { return ended_; },
+        [this](const asio::error_code& ec, size_t n) {
+          if (ec) return End(Reason(ec));
+          events_.Received(stream_, std::string_view(buffer_.data(), n));
+          Read();
+        });
   }
 
   tcp::socket socket_;
