@@ -301,7 +301,11 @@ bool SpoolReader::Next(int64_t limit, SpoolEntry* entry) {
       if (entry->position >= from_) return true;
       continue;
     }
-    // At the end of this segment: go on when a later one exists.
+    // At the end of what may be read: a later segment can hold a record only
+    // when the writer has completed one past this segment's end (checked
+    // before the folder is listed, which the pipeline would otherwise do
+    // each time it catches up).
+    if (limit <= first_ + FileSize(fd_)) return false;
     const int64_t first = first_;
     if (!OpenNextSegment() || first_ == first) return false;
   }
