@@ -68,22 +68,22 @@ void Spooler::Release(int64_t position) {
   if (writer_) writer_->Release(position);
 }
 
-std::string Spooler::SwitchOf(const std::string& stream) const {
+const SwitchSettings* Spooler::SwitchOf(std::string_view stream) const {
   const std::string_view source = SourceOfStream(stream);
   for (const SwitchSettings& sw : settings_.switches) {
     for (const SourceSettings& s : sw.sources) {
-      if (s.name == source) return sw.name;
+      if (s.name == source) return &sw;
     }
   }
-  return "";
+  return nullptr;
 }
 
 void Spooler::Connected(const std::string& stream, const std::string& peer) {
   log_.Info("source " + stream + ": connected (" + peer + ")");
-  const std::string sw = SwitchOf(stream);
+  const SwitchSettings* sw = SwitchOf(stream);
   board_.Update(stream, [&](StreamStatus& s) {
     s.source = std::string(SourceOfStream(stream));
-    s.switch_name = sw;
+    s.switch_name = sw != nullptr ? sw->name : "";
     s.connected = true;
     s.since_us = NowMicros();
     ++s.connections;
@@ -97,12 +97,8 @@ void Spooler::Received(const std::string& stream, std::string_view bytes) {
   last_data_[source] = now;
   if (silent_[source]) log_.Info("source " + source + ": sending again");
   silent_[source] = false;
-  Millis idle{2000};
-  const std::string sw = SwitchOf(stream);
-  for (const SwitchSettings& s : settings_.switches) {
-    if (s.name == sw) idle = s.idle_flush;
-  }
-  flush_due_[stream] = now + idle;
+  const SwitchSettings* sw = SwitchOf(stream);
+  flush_due_[stream] = now + (sw != nullptr ? sw->idle_flush : SwitchSettings{}.idle_flush);
   board_.Update(stream, [&](StreamStatus& s) {
     s.bytes += static_cast<int64_t>(bytes.size());
     s.last_data_us = NowMicros();
@@ -122,20 +118,21 @@ void Spooler::Disconnected(const std::string& stream, const std::string& reason)
 }
 
 void Spooler::Append(SpoolKind kind, const std::string& stream, std::string_view bytes) {
-  HeldAppend h{kind, stream, NowMicros(), std::string(bytes)};
-  if (held_.empty() && TryAppend(h)) return;
+  const int64_t received_us = NowMicros();
+  if (held_.empty() && TryAppend(kind, stream, received_us, bytes)) return;
   if (held_.empty()) {
     next_retry_ = Clock::now() + kRetryEvery;
     log_.Warn("spool: holding what sources send in memory, sources paused; retrying every " +
               std::to_string(kRetryEvery.count()) + " s");
   }
-  held_bytes_ += static_cast<int64_t>(h.bytes.size());
-  held_.push_back(std::move(h));
+  held_bytes_ += static_cast<int64_t>(bytes.size());
+  held_.push_back({kind, stream, received_us, std::string(bytes)});
 }
 
-bool Spooler::TryAppend(const HeldAppend& h) {
+bool Spooler::TryAppend(SpoolKind kind, std::string_view stream, int64_t received_us,
+                        std::string_view bytes) {
   try {
-    writer_->Append(h.kind, h.stream, h.received_us, h.bytes);
+    writer_->Append(kind, stream, received_us, bytes);
   } catch (const SpoolFull& e) {
     if (held_.empty()) log_.Error(e.what());
     return false;
@@ -161,7 +158,9 @@ bool Spooler::TryAppend(const HeldAppend& h) {
 
 void Spooler::RetryHeld() {
   if (held_.empty() || !writer_) return;
-  while (!held_.empty() && TryAppend(held_.front())) {
+  while (!held_.empty()) {
+    const HeldAppend& h = held_.front();
+    if (!TryAppend(h.kind, h.stream, h.received_us, h.bytes)) break;
     held_bytes_ -= static_cast<int64_t>(held_.front().bytes.size());
     held_.pop_front();
   }

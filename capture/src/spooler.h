@@ -56,11 +56,12 @@ class Spooler : public SourceEvents {
   };
 
   void Append(SpoolKind kind, const std::string& stream, std::string_view bytes);
-  bool TryAppend(const HeldAppend& h);
+  bool TryAppend(SpoolKind kind, std::string_view stream, int64_t received_us,
+                 std::string_view bytes);
   void Tick();
   void RetryHeld();
   void CheckSilence(Clock::time_point now);
-  std::string SwitchOf(const std::string& stream) const;
+  const SwitchSettings* SwitchOf(std::string_view stream) const;  // null: not configured
 
   asio::io_context& io_;
   ServiceSettings settings_;
