@@ -471,12 +471,8 @@ void Pipeline::Commit() {
     s->rows_received_us.clear();
   }
   if (safe > replay_from_) {
-    const std::string path = settings_.spool + "/replay-from";
-    {
-      std::ofstream out(path + ".new", std::ios::trunc);
-      out << safe << '\n';
-    }
-    if (std::rename((path + ".new").c_str(), path.c_str()) == 0) {
+    if (velqua_records::ReplaceFileText(settings_.spool + "/replay-from",
+                                        std::to_string(safe) + '\n')) {
       replay_from_ = safe;
       release_(safe);
     }

@@ -17,8 +17,10 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 
 #include "sources.h"
+#include "velqua/records/common.h"
 
 namespace velqua_capture {
 namespace {
@@ -152,13 +154,9 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
   }
 
   void SaveState() {
-    const std::string temp = state_ + ".new";
-    {
-      std::ofstream out(temp, std::ios::trunc);
-      out << inode_ << ' ' << offset_ << ' ' << Tail(offset_) << '\n';
-      if (!out) return;  // the next hand-over tries again
-    }
-    std::rename(temp.c_str(), state_.c_str());
+    std::ostringstream text;
+    text << inode_ << ' ' << offset_ << ' ' << Tail(offset_) << '\n';
+    velqua_records::ReplaceFileText(state_, text.str());  // else the next hand-over tries again
   }
 
   void Close(const std::string& reason) {

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "velqua/records/common.h"
 #include "velqua/store/store.h"
 
 namespace velqua_capture {
@@ -67,13 +68,7 @@ void WriteStatusFile(const std::string& path, int pid, int64_t started_us, int64
                             {"last_data_us", s.last_data_us},
                             {"last_event", s.last_event}});
   }
-  const std::string temp = path + ".new";
-  {
-    std::ofstream out(temp, std::ios::trunc);
-    out << j.dump(1) << '\n';
-    if (!out) return;  // a full disk: the next write tries again
-  }
-  std::rename(temp.c_str(), path.c_str());
+  velqua_records::ReplaceFileText(path, j.dump(1) + '\n');  // else the next write tries again
 }
 
 bool ReadStatusFile(const std::string& path, int* pid, int64_t* started_us, int64_t* written_us,

@@ -152,4 +152,16 @@ std::string ReadWholeFile(const std::string& path, const std::string& what) {
   return text;
 }
 
+bool ReplaceFileText(const std::string& path, std::string_view text) {
+  const std::string temporary = path + ".new";
+  std::FILE* f = std::fopen(temporary.c_str(), "wb");
+  if (f == nullptr) return false;
+  const bool written = std::fwrite(text.data(), 1, text.size(), f) == text.size();
+  if (std::fclose(f) != 0 || !written) {
+    std::remove(temporary.c_str());
+    return false;
+  }
+  return std::rename(temporary.c_str(), path.c_str()) == 0;
+}
+
 }  // namespace velqua_records

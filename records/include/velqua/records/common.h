@@ -62,4 +62,10 @@ struct FileCloser {
 // Reads a whole (small) file, e.g. a JSON form; throws Failure.
 std::string ReadWholeFile(const std::string& path, const std::string& what);
 
+// Replaces the whole of a small file (a state or status file) through
+// "<path>.new" and a rename, so that a reader finds the old text or the new,
+// never part of either. False when it cannot (a full disk): the old file is
+// left as it was, for the next attempt.
+bool ReplaceFileText(const std::string& path, std::string_view text);
+
 }  // namespace velqua_records
