@@ -1,5 +1,6 @@
 #include "velqua/records/framer.h"
 
+#include "glob.h"
 #include "velqua/records/common.h"
 
 namespace velqua_records {
@@ -50,24 +51,7 @@ size_t WholeRecordsSize(std::string_view bytes, RecordEnd end) {
 }
 
 bool MatchesHeading(std::string_view pattern, std::string_view text) {
-  // On a mismatch the last `*` takes one more byte and matching resumes.
-  size_t p = 0, t = 0, star = std::string_view::npos, resume = 0;
-  while (t < text.size()) {
-    if (p < pattern.size() && pattern[p] == '*') {
-      star = p++;
-      resume = t;
-    } else if (p < pattern.size() && (pattern[p] == '?' || pattern[p] == text[t])) {
-      ++p;
-      ++t;
-    } else if (star != std::string_view::npos) {
-      p = star + 1;
-      t = ++resume;
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == '*') ++p;
-  return p == pattern.size();
+  return MatchesGlob(pattern, text);
 }
 
 Framer::Framer(const FramingSettings& settings) : settings_(settings) {
@@ -81,8 +65,6 @@ Framer::Framer(const FramingSettings& settings) : settings_(settings) {
   }
   record_.reserve(256);
 }
-
-Framer::~Framer() = default;
 
 void Framer::Feed(std::string_view bytes, int64_t position, const Emit& emit) {
   const unsigned char mask = settings_.strip_bit7 ? 0x7F : 0xFF;

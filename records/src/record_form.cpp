@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "glob.h"
+
 namespace velqua_records {
 namespace {
 
@@ -119,24 +121,7 @@ std::vector<int> ShapedColumns(const DelimitedForm& form, int* width) {
 }
 
 bool MatchesPattern(std::u16string_view pattern, std::u16string_view text) {
-  // Iterative glob: on a mismatch, let the last `*` take one more character.
-  size_t p = 0, t = 0, star = std::u16string_view::npos, resume = 0;
-  while (t < text.size()) {
-    if (p < pattern.size() && pattern[p] == u'*') {  // before a literal '*' of the text
-      star = p++;
-      resume = t;
-    } else if (p < pattern.size() && (pattern[p] == u'?' || pattern[p] == text[t])) {
-      ++p;
-      ++t;
-    } else if (star != std::u16string_view::npos) {
-      p = star + 1;
-      t = ++resume;
-    } else {
-      return false;
-    }
-  }
-  while (p < pattern.size() && pattern[p] == u'*') ++p;
-  return p == pattern.size();
+  return MatchesGlob(pattern, text);
 }
 
 bool RecordForm::IsHeading(std::u16string_view line) const {

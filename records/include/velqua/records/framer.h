@@ -74,10 +74,9 @@ class Framer {
   };
   using Emit = std::function<void(const Record&)>;
 
-  // Throws Failure naming a page-heading pattern that is not a valid regular
-  // expression.
+  // Throws Failure naming a page-heading pattern that is empty, longer than
+  // 255 bytes, or made of `*` alone (it would match every record).
   explicit Framer(const FramingSettings& settings);
-  ~Framer();
   Framer(const Framer&) = delete;
   Framer& operator=(const Framer&) = delete;
 
