@@ -25,6 +25,17 @@ int Value(Text line, size_t at, size_t n) {
   return value;
 }
 
+std::u16string Trim(Text text) {
+  const size_t first = text.find_first_not_of(u' ');
+  if (first == Text::npos) return u"";
+  return std::u16string(text.substr(first, text.find_last_not_of(u' ') - first + 1));
+}
+
+bool Has(const Guess& guess, Datum datum) {
+  return std::any_of(guess.fields.begin(), guess.fields.end(),
+                     [datum](const GuessedField& f) { return f.datum == datum; });
+}
+
 namespace {
 
 struct Shape {
@@ -148,10 +159,7 @@ bool DatumOfKey(int32_t key, Datum* datum) {
 
 namespace {
 
-bool Has(const Guess& guess, Datum datum) {
-  return std::any_of(guess.fields.begin(), guess.fields.end(),
-                     [datum](const GuessedField& f) { return f.datum == datum; });
-}
+using guess::Has;
 
 // The delimited field to read as a count of seconds next: the duration when
 // no clock shape gave one (the first such field), else the ring time when the

@@ -138,11 +138,6 @@ void AddClock(const ShapeGroup& group, const Placed& placed, Datum hours, Guess*
   }
 }
 
-bool Has(const Guess& guess, Datum datum) {
-  return std::any_of(guess.fields.begin(), guess.fields.end(),
-                     [datum](const GuessedField& f) { return f.datum == datum; });
-}
-
 // The lines whose delimited field at `col` holds exactly `width` digits, or
 // none when another record holds something else there.
 std::vector<int> DigitLines(const std::vector<std::u16string>& records, int col, int width) {

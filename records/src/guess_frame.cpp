@@ -75,12 +75,6 @@ std::pair<char16_t, size_t> Delimiter(const std::vector<std::u16string>& records
   return best;
 }
 
-std::u16string Trimmed(Text text) {
-  const size_t first = text.find_first_not_of(u' ');
-  if (first == Text::npos) return u"";
-  return std::u16string(text.substr(first, text.find_last_not_of(u' ') - first + 1));
-}
-
 // The values of field `index` of each record (unquoted, trimmed).
 std::vector<std::u16string> FieldValues(const std::vector<std::u16string>& records,
                                         const DelimitedForm& form, size_t index) {
@@ -91,7 +85,7 @@ std::vector<std::u16string> FieldValues(const std::vector<std::u16string>& recor
   std::u16string shaped;
   for (const std::u16string& record : records) {
     ShapeDelimited(one, record, &shaped);
-    values.push_back(Trimmed(shaped));
+    values.push_back(Trim(shaped));
   }
   return values;
 }

@@ -17,6 +17,10 @@ bool IsDigit(char16_t c);
 bool HasDigit(Text line);
 // The value of the digits of line[at, at + n).
 int Value(Text line, size_t at, size_t n);
+// `text` without the blanks at both ends.
+std::u16string Trim(Text text);
+// Whether a datum has been placed already.
+bool Has(const Guess& guess, Datum datum);
 
 // A page-heading pattern for `line`: its first 40 characters (from its text
 // when it starts far right), digits matching any character (dates and page

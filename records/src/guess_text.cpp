@@ -205,12 +205,6 @@ void AddMark(Guess* guess, int32_t key, int pos, std::u16string text, int agree,
   guess->marks.push_back({key, pos, std::move(text), agree, evidence});
 }
 
-std::u16string Trim(std::u16string_view text) {
-  const size_t first = text.find_first_not_of(u' ');
-  if (first == std::u16string_view::npos) return u"";
-  return std::u16string(text.substr(first, text.find_last_not_of(u' ') - first + 1));
-}
-
 // What a group's values are.
 struct Profile {
   int present = 0, marks = 0, numbers = 0, shorts = 0, zeros = 0, trunk_prefix = 0,

@@ -12,6 +12,11 @@
 #include "velqua/records/names.h"
 
 namespace velqua_cli {
+
+std::string Columns(int pos, int size) {
+  return std::to_string(pos) + (size > 1 ? "-" + std::to_string(pos + size - 1) : "");
+}
+
 namespace {
 
 using velqua::clsCfgConmut;
@@ -35,10 +40,6 @@ constexpr Role kRoles[] = {
 };
 
 void Why(const std::string& text) { std::printf("    why: %s\n", text.c_str()); }
-
-std::string Columns(int pos, int size) {
-  return std::to_string(pos) + (size > 1 ? "-" + std::to_string(pos + size - 1) : "");
-}
 
 // `"text" at 27-29` for a defined constant, "" for an undefined one.
 std::string MarkText(clsCfgConmut& cfg, emParamDatoConstante key) {

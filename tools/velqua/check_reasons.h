@@ -8,6 +8,10 @@
 
 namespace velqua_cli {
 
+// Columns `pos` to the last of `size` as shown to a user: "27-29", or "27"
+// for one column.
+std::string Columns(int pos, int size);
+
 // Prints, one "    why: ..." line each, why the translator (bound to `cfg`,
 // holding `record`, a single-line record it left unrecognised) gave it no
 // type: no digit in the line, the call-type marks tested and what was found,

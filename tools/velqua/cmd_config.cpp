@@ -60,11 +60,6 @@ std::vector<Entry> CompleteEntries(clsCfgConmut& cfg) {
   return entries;
 }
 
-std::string Columns(int pos, int size) {
-  return size <= 1 ? std::to_string(pos)
-                   : std::to_string(pos) + "-" + std::to_string(pos + size - 1);
-}
-
 // "13 10 (\r\n)": the Windows-1252 codes and a readable escape form.
 std::string SeparatorCodes(const std::u16string& separator) {
   if (separator.empty()) return "(none)";
