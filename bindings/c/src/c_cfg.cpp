@@ -53,7 +53,8 @@ int32_t velqua_cfg_load(const char* path, velqua_cfg** cfg) {
   return Create(cfg, [&] {
     velqua_records::SwitchConfig loaded =
         velqua_records::LoadSwitchConfig(path == nullptr ? "" : path);
-    return new velqua_cfg(std::move(loaded.cfg), std::move(loaded.form));
+    return new velqua_cfg(std::move(loaded.cfg), std::move(loaded.form),
+                          std::move(loaded.delivery));
   });
 }
 
@@ -228,13 +229,19 @@ int32_t velqua_cfg_limpia_configuracion_smdr(velqua_cfg* cfg, int32_t puerto) {
 }
 
 int32_t velqua_cfg_abrir(velqua_cfg* cfg, const char* archivo) {
-  return Change(cfg, [&](clsCfgConmut& c) { c.Abrir(In(archivo)); });
+  return velqua_c::Guard([&] {
+    velqua_c::Cfg(cfg).Run([&](clsCfgConmut& c) { c.Abrir(In(archivo)); });
+    velqua_c::Cfg(cfg).ForgetRecordForm();
+  });
 }
 int32_t velqua_cfg_guardar_como(velqua_cfg* cfg, const char* archivo) {
   return Change(cfg, [&](clsCfgConmut& c) { c.GuardarComo(In(archivo)); });
 }
 int32_t velqua_cfg_importar(velqua_cfg* cfg, const char* archivo) {
-  return Change(cfg, [&](clsCfgConmut& c) { c.Importar(In(archivo)); });
+  return velqua_c::Guard([&] {
+    velqua_c::Cfg(cfg).Run([&](clsCfgConmut& c) { c.Importar(In(archivo)); });
+    velqua_c::Cfg(cfg).ForgetRecordForm();
+  });
 }
 int32_t velqua_cfg_exportar(velqua_cfg* cfg, const char* archivo) {
   return Change(cfg, [&](clsCfgConmut& c) { c.Exportar(In(archivo)); });

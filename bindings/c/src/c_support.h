@@ -25,8 +25,8 @@ enum class HandleKind : uint32_t {
 
 struct velqua_cfg {
   explicit velqua_cfg(std::shared_ptr<velqua::clsCfgConmut> cfg,
-                      velqua_records::RecordForm form = {})
-      : object(std::move(cfg), std::move(form)) {}
+                      velqua_records::RecordForm form = {}, std::string delivery = {})
+      : object(std::move(cfg), std::move(form), std::move(delivery)) {}
   HandleKind kind = HandleKind::kCfg;
   velqua_bindings::ListenedConfig object;
 };

@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "velqua/cfg_conmut.h"
+#include "velqua/records/config_io.h"
 #include "velqua/records/record_form.h"
 
 namespace velqua_bindings {
@@ -46,8 +48,8 @@ class Listener : public velqua::EventosCfgConmut {
 class ListenedConfig {
  public:
   explicit ListenedConfig(std::shared_ptr<velqua::clsCfgConmut> cfg,
-                          velqua_records::RecordForm form = {})
-      : cfg_(std::move(cfg)), form_(std::move(form)) {}
+                          velqua_records::RecordForm form = {}, std::string delivery = {})
+      : cfg_(std::move(cfg)), form_(std::move(form)), delivery_(std::move(delivery)) {}
   // Unregisters every listener; translators keep the configuration itself.
   ~ListenedConfig();
   ListenedConfig(const ListenedConfig&) = delete;
@@ -58,6 +60,15 @@ class ListenedConfig {
   // How its records are framed and shaped (delimited fields, page headings),
   // as its JSON form declares; plain for a new one or one read from .cfg/.ini.
   const velqua_records::RecordForm& form() const { return form_; }
+  // The configuration with its record form and delivery, as its JSON form
+  // keeps them (what a save writes).
+  velqua_records::SwitchConfig switch_config() const { return {cfg_, form_, delivery_}; }
+  // After Abrir or Importar: the binary and profile forms keep no record form
+  // or delivery, so the records of the configuration read are taken by column.
+  void ForgetRecordForm() {
+    form_ = {};
+    delivery_.clear();
+  }
 
   // Registers a listener after the others (twice registered, twice called).
   void Add(std::unique_ptr<Listener> listener);
@@ -83,6 +94,7 @@ class ListenedConfig {
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
   velqua_records::RecordForm form_;
+  std::string delivery_;
   std::vector<std::unique_ptr<Listener>> listeners_;
   std::vector<std::unique_ptr<Listener>> retired_;
   int depth_ = 0;

@@ -86,6 +86,17 @@ TEST(CTranslation, KxTdaRowsShowOnlyWhatTheSwitchPrinted) {
   EXPECT_EQ(counts.random_extensions, 1);
 }
 
+// Abrir reads a binary configuration, which declares no record form: the
+// page headings the JSON form skipped are records again.
+TEST(CTranslation, AbrirLeavesNoRecordFormOfTheConfigurationBefore) {
+  Cfg cfg = NewCfg(Example("kx-tda/kx-tda.json"));
+  ASSERT_EQ(velqua_cfg_abrir(cfg.get(), Example("kx-tda/kx-tda.cfg").c_str()), 0);
+  const velqua_translation_settings settings{nullptr, nullptr, false, 2026};
+  const std::vector<std::string> rows = Rows(NewTranslation(cfg.get(), &settings).get(),
+                                             ReadFile(Example("kx-tda/records.txt")), 4096);
+  EXPECT_EQ(rows.size(), 32u);
+}
+
 TEST(CTranslation, AFailedRecordIsARowWithItsErrorAndTheRunGoesOn) {
   Cfg cfg = NewCfg(Example("norstar/norstar.json"));
   const velqua_translation_settings settings{nullptr, nullptr, false, 2026};

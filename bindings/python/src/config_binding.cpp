@@ -252,6 +252,7 @@ void BindOperations(ConfigClass& c) {
         [op = op](PyConfig& p, const py::object& cadArch) {
           const std::u16string file = FileName(cadArch);
           p.Op([&](clsCfgConmut& cfg) { (cfg.*op)(file); });
+          if (op == &clsCfgConmut::Abrir || op == &clsCfgConmut::Importar) p.ForgetRecordForm();
         },
         py::arg("cadArch"));
   }
@@ -283,7 +284,8 @@ std::shared_ptr<PyConfig> Load(const py::object& path) {
     throw py::error_already_set();
   }
   velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(name);
-  return std::make_shared<PyConfig>(std::move(loaded.cfg), std::move(loaded.form));
+  return std::make_shared<PyConfig>(std::move(loaded.cfg), std::move(loaded.form),
+                                    std::move(loaded.delivery));
 }
 
 void BindPythonic(ConfigClass& c) {
@@ -292,8 +294,10 @@ void BindPythonic(ConfigClass& c) {
   c.def(
       "save",
       [](PyConfig& p, const py::object& path, bool force) {
-        p.Op([&](clsCfgConmut& cfg) {
-          velqua_records::SaveConfigChecked(cfg, velqua_records::U8(FileName(path)), force);
+        p.Op([&](clsCfgConmut&) {
+          velqua_records::SwitchConfig config = p.switch_config();
+          velqua_records::SaveSwitchConfigChecked(config, velqua_records::U8(FileName(path)),
+                                                  force);
         });
       },
       py::arg("path"), py::arg("force") = false,

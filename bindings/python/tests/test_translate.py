@@ -131,6 +131,20 @@ def test_the_three_forms_of_a_configuration_load_alike(tmp_path):
     assert isinstance(kx, velqua.clsCfgConmut) and velqua.Config is velqua.clsCfgConmut
 
 
+def test_a_save_keeps_the_record_form_and_abrir_drops_it(tmp_path):
+    def rows(records, cfg):
+        return [as_jsonl(c) for c in velqua.translate(records, cfg)]
+
+    ipo_records = EXAMPLES / "ip-office" / "records.txt"
+    ipo = velqua.Config.load(EXAMPLES / "ip-office" / "ip-office.json")
+    ipo.save(tmp_path / "copy.json")
+    assert rows(ipo_records, tmp_path / "copy.json") == rows(ipo_records, ipo)
+    assert '"dialled":"01707299900","extension":"23"' in rows(ipo_records, ipo)[0]  # shaped
+    hicom_records = EXAMPLES / "hicom" / "records.txt"
+    ipo.Abrir(str(EXAMPLES / "hicom" / "hicom.cfg"))
+    assert rows(hicom_records, ipo) == rows(hicom_records, EXAMPLES / "hicom" / "hicom.cfg")
+
+
 def test_translations_on_two_threads_take_turns_and_stay_exact(program):
     records = EXAMPLES / "kx-tda" / "records.txt"
     extensions = SWITCHES["kx-tda"][3][1]
