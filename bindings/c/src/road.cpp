@@ -57,7 +57,10 @@ void InstallHostClock() {
 
 class Road::Collector : public velqua_records::RowSink {
  public:
-  void Write(const Row& row) override { rows->push_back(row); }
+  void Write(const Row& row) override {
+    rows->push_back(row);
+    rows->back().text = {};  // viewed the translation's buffer: kept rows outlive it
+  }
   std::vector<Row>* rows = nullptr;
 };
 

@@ -277,17 +277,6 @@ void BindListeners(ConfigClass& c) {
       py::arg("oyente"));
 }
 
-std::shared_ptr<PyConfig> Load(const py::object& path) {
-  const std::string name = velqua_records::U8(FileName(path));
-  if (::access(name.c_str(), R_OK) != 0) {
-    PyErr_SetFromErrnoWithFilename(PyExc_OSError, name.c_str());
-    throw py::error_already_set();
-  }
-  velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(name);
-  return std::make_shared<PyConfig>(std::move(loaded.cfg), std::move(loaded.form),
-                                    std::move(loaded.delivery));
-}
-
 void BindPythonic(ConfigClass& c) {
   c.def_static("load", &Load, py::arg("path"),
                "A configuration read from a .cfg, .ini or .json file (by its extension).");
@@ -313,6 +302,17 @@ void BindPythonic(ConfigClass& c) {
 }
 
 }  // namespace
+
+std::shared_ptr<PyConfig> Load(const py::object& path) {
+  const std::string name = velqua_records::U8(FileName(path));
+  if (::access(name.c_str(), R_OK) != 0) {
+    PyErr_SetFromErrnoWithFilename(PyExc_OSError, name.c_str());
+    throw py::error_already_set();
+  }
+  velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(name);
+  return std::make_shared<PyConfig>(std::move(loaded.cfg), std::move(loaded.form),
+                                    std::move(loaded.delivery));
+}
 
 void BindConfig(py::module_& m) {
   ConfigClass c(m, "clsCfgConmut",

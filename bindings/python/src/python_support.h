@@ -69,6 +69,10 @@ T Narrow(int64_t value) {
 // A file name: str or os.PathLike.
 std::u16string FileName(const py::object& name);
 
+// The configuration a .cfg, .ini or .json file holds (by its extension), with
+// its record form and delivery: velqua.Config.load.
+std::shared_ptr<PyConfig> Load(const py::object& path);
+
 void BindConfig(py::module_& m);
 void BindTranslator(py::module_& m);
 void BindCalls(py::module_& m);

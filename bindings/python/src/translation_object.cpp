@@ -115,11 +115,10 @@ class State {
   void Submit() {
     if (file_ != nullptr) {
       worker_.Run([this](std::vector<Row>* rows) {
-        std::string block(4 * kBlock, '\0');
-        const size_t n = std::fread(&block[0], 1, block.size(), file_.get());
+        read_.resize(4 * kBlock);  // once: one block is in flight at a time
+        const size_t n = std::fread(&read_[0], 1, read_.size(), file_.get());
         if (std::ferror(file_.get())) throw velqua_records::Failure("cannot read the records");
-        block.resize(n);
-        road_.Write(block, rows);
+        road_.Write(std::string_view(read_.data(), n), rows);
         if (n == 0) road_.Finish(rows);
         return n == 0;
       });
@@ -201,6 +200,7 @@ class State {
   bool utf8_bytes_;
   int kind_ = 0;  // 0 none yet, 1 str, 2 bytes
   std::string block_;
+  std::string read_;  // the worker's buffer for a file's blocks
   std::vector<Row> rows_;
   size_t next_ = 0;
   bool finished_ = false;
@@ -293,8 +293,7 @@ PyType_Spec kSpec = {"velqua.Translation", sizeof(TranslationObject), 0, Py_TPFL
 // The configuration given, or the one its path names, with its record form.
 std::shared_ptr<PyConfig> ConfigOf(const py::object& config) {
   if (py::isinstance<PyConfig>(config)) return config.cast<std::shared_ptr<PyConfig>>();
-  const py::object load = py::module_::import("velqua").attr("Config").attr("load");
-  return load(config).cast<std::shared_ptr<PyConfig>>();
+  return Load(config);
 }
 
 py::object Translate(const py::object& lines, const py::object& config,
