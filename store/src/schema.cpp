@@ -156,8 +156,7 @@ const char* const* QueryIndexNames() { return kQueryIndexNames; }
 
 void Migrate(Connection& db, const std::string& name) {
   const bool pg = IsPostgres(db);
-  db.Begin();
-  try {
+  InTransaction(db, [&] {
     if (pg) {
       // One site migrates; the others wait here and then find it done.
       db.Run("SELECT pg_advisory_xact_lock(7263521)");
@@ -180,11 +179,7 @@ void Migrate(Connection& db, const std::string& name) {
         db.Run("PRAGMA user_version = " + std::to_string(v));
       }
     }
-    db.Commit();
-  } catch (...) {
-    db.Rollback();
-    throw;
-  }
+  });
 }
 
 }  // namespace velqua_store

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "values.h"
@@ -81,5 +82,25 @@ class Connection {
   // The schema's flavour of this engine: "sqlite" or "postgresql".
   virtual const char* engine() const = 0;
 };
+
+// Runs `work` in a write transaction of `db`: committed when it returns (its
+// result is returned), rolled back when it throws.
+template <typename Work>
+auto InTransaction(Connection& db, Work work) {
+  db.Begin();
+  try {
+    if constexpr (std::is_void_v<decltype(work())>) {
+      work();
+      db.Commit();
+    } else {
+      auto result = work();
+      db.Commit();
+      return result;
+    }
+  } catch (...) {
+    db.Rollback();
+    throw;
+  }
+}
 
 }  // namespace velqua_store

@@ -78,7 +78,8 @@ WriteResult SqlStore::Write(const Source& source, const std::vector<Record>& rec
                             const std::function<void()>& before_commit) {
   for (int attempt = 1;; ++attempt) {
     try {
-      return Transaction([&] { return WriteOnce(source, records, checkpoint, before_commit); });
+      return InTransaction(*db_,
+                           [&] { return WriteOnce(source, records, checkpoint, before_commit); });
     } catch (const UniqueViolation&) {
       if (attempt == kWriteTries) throw;  // the other writer's copies are seen on the next try
     }

@@ -45,21 +45,6 @@ class SqlStore : public Store {
   void EndBulk() override;
 
  private:
-  // Runs `work` in a write transaction: committed when it returns, rolled
-  // back when it throws.
-  template <typename Work>
-  auto Transaction(Work work) {
-    db_->Begin();
-    try {
-      auto result = work();
-      db_->Commit();
-      return result;
-    } catch (...) {
-      db_->Rollback();
-      throw;
-    }
-  }
-
   WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,
                         std::optional<int64_t> checkpoint,
                         const std::function<void()>& before_commit);

@@ -197,7 +197,7 @@ int64_t SqlStore::LastStoredId(const std::string& switch_name, bool calls) {
 RewriteResult SqlStore::Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records) {
   const int64_t switch_id = SwitchId(switch_name);
-  return Transaction([&] { return RewriteOnce(switch_id, records); });
+  return InTransaction(*db_, [&] { return RewriteOnce(switch_id, records); });
 }
 
 RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retranslated>& records) {
