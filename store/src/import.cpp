@@ -114,9 +114,13 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
   std::unique_ptr<std::FILE, FileCloser> f(velqua_records::OpenFile(path, "rb", "input"));
   const int64_t size = FileSize(f.get());
   Source source = store_.OpenSource(settings_.switch_name, name, "file");
+  const int64_t head = std::min(size, kFingerprintBytes);
+  const std::string fingerprint = Fingerprint(f.get(), head);
   if (!source.fingerprint.empty()) {
+    // The stored one covers the first n bytes the file had then (fewer than
+    // kFingerprintBytes when it was shorter): the same bytes are compared.
     const int64_t n = std::stoll(source.fingerprint);
-    if (Fingerprint(f.get(), n) != source.fingerprint) {
+    if ((n == head ? fingerprint : Fingerprint(f.get(), n)) != source.fingerprint) {
       throw Failure("input '" + path + "' is not the file imported under that name before (its " +
                     "first bytes differ): rename it to import it as a new file");
     }
@@ -126,7 +130,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
     throw Failure("input '" + path + "' is shorter (" + std::to_string(size) +
                   " bytes) than the part already imported (" + std::to_string(from) + " bytes)");
   }
-  store_.SetFingerprint(source, Fingerprint(f.get(), std::min(size, kFingerprintBytes)));
+  if (fingerprint != source.fingerprint) store_.SetFingerprint(source, fingerprint);
   std::fseek(f.get(), static_cast<long>(from), SEEK_SET);
 
   velqua_records::Translation translation(cfg_, *batcher_,
