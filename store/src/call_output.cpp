@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "call_forms.h"
+#include "values.h"
 #include "velqua/records/common.h"
 #include "velqua/records/names.h"
 
@@ -15,9 +16,6 @@ namespace velqua_store {
 namespace {
 
 using velqua_records::Failure;
-
-constexpr const char* kTextNames[] = {
-    "dialled", "extension", "trunk", "receiving_extension", "receiving_trunk", "account_code"};
 
 // ---- CSV (RFC 4180: CR LF, a field quoted when it holds a comma, a quote,
 // CR or LF, quotes doubled) ----
@@ -126,7 +124,7 @@ class JsonlWriter : public CallWriter {
     JsonMember(b, "start_utc", c.start_utc);
     JsonNumber(b, "duration", c.duration);
     JsonNumber(b, "ring", c.ring);
-    for (size_t i = 0; i < 6; ++i) JsonMember(b, kTextNames[i], *Texts(c, i));
+    for (size_t i = 0; i < 6; ++i) JsonMember(b, CallValues::kTextColumns[i], *Texts(c, i));
     b += c.extension_random ? ",\"extension_random\":true" : ",\"extension_random\":false";
     JsonMember(b, "received_utc", c.received_utc);
     JsonMember(b, "raw", c.raw);
