@@ -30,6 +30,12 @@ bool IsPostgresUrl(const std::string& url) {
   return StartsWith(url, "postgresql://") || StartsWith(url, "postgres://");
 }
 
+std::vector<std::unique_ptr<Store>> OpenMoreWriters(const std::string& url) {
+  std::vector<std::unique_ptr<Store>> more;
+  if (IsPostgresUrl(url)) more.push_back(OpenStore(url));
+  return more;
+}
+
 std::unique_ptr<Store> OpenStore(const std::string& url, bool create) {
   if (IsPostgresUrl(url)) {
     const std::string name = WithoutPassword(url);

@@ -103,13 +103,11 @@ int RunImport(const ImportOptions& options) {
   settings.year = options.year;
   settings.source = options.source;
   settings.batch = static_cast<size_t>(options.batch);
-  // PostgreSQL works on two batches at once, each on a connection (and a
-  // server process) of its own; SQLite has one writer.
-  std::unique_ptr<velqua_store::Store> second;
-  if (velqua_store::IsPostgresUrl(options.db)) second = velqua_store::OpenStore(options.db);
-  velqua_store::Importer importer(*store, settings,
-                                  second ? std::vector<velqua_store::Store*>{second.get()}
-                                         : std::vector<velqua_store::Store*>{});
+  const std::vector<std::unique_ptr<velqua_store::Store>> more =
+      velqua_store::OpenMoreWriters(options.db);
+  std::vector<velqua_store::Store*> writers;
+  for (const auto& writer : more) writers.push_back(writer.get());
+  velqua_store::Importer importer(*store, settings, writers);
   Progress progress;
   const bool show = !options.quiet && ::isatty(::fileno(stderr));
   velqua_store::ImportResult result;

@@ -250,6 +250,11 @@ std::unique_ptr<Store> OpenStore(const std::string& url, bool create = true);
 // Whether `url` names a PostgreSQL database (else a SQLite file).
 bool IsPostgresUrl(const std::string& url);
 
+// The further connections a bulk load writes through beside the one open on
+// `url`: one for PostgreSQL, which then works on two batches at once, each
+// in a server process of its own; none for SQLite, which has one writer.
+std::vector<std::unique_ptr<Store>> OpenMoreWriters(const std::string& url);
+
 // The content hash of a configuration file, as kept in `switches`: 16
 // hexadecimal digits (64-bit FNV-1a). Throws velqua_records::Failure when
 // the file cannot be read.
