@@ -60,7 +60,7 @@ void Spooler::Stop() {
   } catch (const SpoolFull& e) {
     log_.Error(e.what());
   }
-  WriteStatusFile(settings_.spool + "/status.json", static_cast<int>(::getpid()), started_us_,
+  WriteStatusFile(StatusFilePath(settings_.spool), static_cast<int>(::getpid()), started_us_,
                   NowMicros(), board_.Snapshot(), board_.latency());
 }
 
@@ -207,7 +207,7 @@ void Spooler::Tick() {
   if (now >= next_status_) {
     next_status_ = now + kStatusEvery;
     CheckSilence(now);
-    WriteStatusFile(settings_.spool + "/status.json", static_cast<int>(::getpid()), started_us_,
+    WriteStatusFile(StatusFilePath(settings_.spool), static_cast<int>(::getpid()), started_us_,
                     NowMicros(), board_.Snapshot(), board_.latency());
   }
   tick_.expires_after(kTick);

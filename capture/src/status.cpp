@@ -1,10 +1,13 @@
 #include "velqua/capture/status.h"
 
+#include <signal.h>
+
 #include <chrono>
 #include <cstdio>
 #include <ctime>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 
 #include "velqua/records/common.h"
@@ -103,6 +106,29 @@ bool ReadStatusFile(const std::string& path, int* pid, int64_t* started_us, int6
     return false;
   }
   return true;
+}
+
+std::string StatusFilePath(const std::string& spool) { return spool + "/status.json"; }
+
+ServiceState ReadServiceState(const ServiceSettings& settings) {
+  ServiceState state;
+  state.file = StatusFilePath(settings.spool);
+  state.found =
+      ReadStatusFile(state.file, &state.pid, &state.started_us, &state.written_us, &state.streams);
+  state.running = state.found && ::kill(state.pid, 0) == 0;
+  std::set<std::string> named;
+  for (const StreamStatus& s : state.streams) named.insert(s.source);
+  for (const SwitchSettings& sw : settings.switches) {
+    for (const SourceSettings& source : sw.sources) {
+      if (named.count(source.name) != 0) continue;
+      StreamStatus never;
+      never.stream = never.source = source.name;
+      never.switch_name = sw.name;
+      never.never_seen = true;
+      state.streams.push_back(never);
+    }
+  }
+  return state;
 }
 
 }  // namespace velqua_capture

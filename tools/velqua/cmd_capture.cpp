@@ -1,10 +1,7 @@
 #include "cmd_capture.h"
 
-#include <signal.h>
-
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <map>
 #include <vector>
 
 #include "cli_common.h"
@@ -59,36 +56,28 @@ int RunCapture(const CaptureOptions& options) {
 }
 
 int RunCaptureStatus(const CaptureOptions& options) {
-  const velqua_capture::ServiceSettings settings = Load(options.config);
-  int pid = 0;
-  int64_t started = 0;
-  int64_t written = 0;
-  std::vector<StreamStatus> streams;
-  const std::string file = settings.spool + "/status.json";
-  if (!velqua_capture::ReadStatusFile(file, &pid, &started, &written, &streams)) {
-    std::printf("not running: no status in %s\n", file.c_str());
-  } else if (::kill(pid, 0) == 0) {
-    std::printf("running: pid %d since %s\n", pid, velqua_capture::IsoTime(started).c_str());
+  const velqua_capture::ServiceState state = velqua_capture::ReadServiceState(Load(options.config));
+  if (!state.found) {
+    std::printf("not running: no status in %s\n", state.file.c_str());
+  } else if (state.running) {
+    std::printf("running: pid %d since %s\n", state.pid,
+                velqua_capture::IsoTime(state.started_us).c_str());
   } else {
-    std::printf("not running: last status written %s\n", velqua_capture::IsoTime(written).c_str());
+    std::printf("not running: last status written %s\n",
+                velqua_capture::IsoTime(state.written_us).c_str());
   }
   PrintRow({"source", "switch", "state", "since", "bytes", "records", "unrec", "headings", "resent",
             "reconn", "last record"});
-  std::map<std::string, bool> shown;
-  for (const StreamStatus& s : streams) {
-    shown[s.source] = true;
+  for (const StreamStatus& s : state.streams) {
+    if (s.never_seen) {
+      PrintRow({s.stream, s.switch_name, "never", "-", "0", "0", "0", "0", "0", "0", "-"});
+      continue;
+    }
     PrintRow({s.stream, s.switch_name, s.connected ? "connected" : "disconnected", Since(s),
               std::to_string(s.bytes), std::to_string(s.records), std::to_string(s.unrecognised),
               std::to_string(s.headings), std::to_string(s.resent_dropped),
               std::to_string(s.connections > 0 ? s.connections - 1 : 0),
               velqua_capture::IsoTime(s.last_record_us)});
-  }
-  for (const auto& sw : settings.switches) {
-    for (const auto& source : sw.sources) {
-      if (!shown[source.name]) {
-        PrintRow({source.name, sw.name, "never", "-", "0", "0", "0", "0", "0", "0", "-"});
-      }
-    }
   }
   return 0;
 }

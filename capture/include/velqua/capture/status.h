@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "velqua/capture/settings.h"
+
 namespace velqua_capture {
 
 struct StreamStatus {
@@ -25,7 +27,8 @@ struct StreamStatus {
   int64_t resent_dropped = 0;  // re-sent records dropped
   int64_t last_record_us = 0;
   int64_t last_data_us = 0;
-  std::string last_event;  // the last disconnection's reason, a login failure, ...
+  std::string last_event;   // the last disconnection's reason, a login failure, ...
+  bool never_seen = false;  // a configured source the status file does not name
 };
 
 // From a byte received to its record committed in the store: how long,
@@ -79,6 +82,22 @@ void WriteStatusFile(const std::string& path, int pid, int64_t started_us, int64
 // Reads a status file; false when it is missing or unreadable.
 bool ReadStatusFile(const std::string& path, int* pid, int64_t* started_us, int64_t* written_us,
                     std::vector<StreamStatus>* streams);
+
+// The status file of the service whose spool folder is `spool`.
+std::string StatusFilePath(const std::string& spool);
+
+// A service as its status file shows it (`velqua capture status`).
+struct ServiceState {
+  std::string file;      // the status file
+  bool found = false;    // it could be read
+  bool running = false;  // the process that wrote it is alive
+  int pid = 0;
+  int64_t started_us = 0, written_us = 0;
+  // The streams it names, then each configured source it does not name
+  // (never_seen), in the configuration's order.
+  std::vector<StreamStatus> streams;
+};
+ServiceState ReadServiceState(const ServiceSettings& settings);
 
 // Microseconds since 1970 UTC now, and their ISO 8601 UTC form
 // ("2026-01-19T08:02:11Z"; "-" for 0).
