@@ -308,14 +308,18 @@ void Pipeline::Complete(StreamState& s) {
   Translated(s);
 }
 
+// Logs how many re-sent records were dropped since the last report, if any.
+void Pipeline::ReportDropped(StreamState& s) {
+  if (s.dropped == 0) return;
+  log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
+  s.dropped = 0;
+}
+
 // The end of a connection: what it left open is complete, its re-sent part over.
 void Pipeline::EndConnection(StreamState& s) {
   if (s.sw == nullptr) return;
   Complete(s);
-  if (s.dropped > 0) {
-    log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
-  }
-  s.dropped = 0;
+  ReportDropped(s);
   s.resend.End();
   s.connect_position = -1;
   NewConnection(s);
@@ -382,10 +386,7 @@ void Pipeline::Translated(StreamState& s) {
       }
       s.connect_position = -1;
     }
-    if (s.dropped > 0) {
-      log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
-      s.dropped = 0;
-    }
+    ReportDropped(s);
     velqua_store::Record record;
     record.position = c.row.offset;
     record.raw = std::move(raw);

@@ -67,6 +67,7 @@ class Pipeline {
   StreamState* Stream(const std::string& name);
   void Feed(StreamState& s, std::string_view bytes, int64_t position);
   void EndConnection(StreamState& s);
+  void ReportDropped(StreamState& s);
   void Connect(StreamState& s, const SpoolEntry& e);
   void Framed(StreamState& s, const velqua_records::Framer::Record& r);
   void Translated(StreamState& s);
