@@ -1,13 +1,11 @@
 #include "velqua/capture/settings.h"
 
 #include <toml++/toml.h>
-#include <asio/ip/address.hpp>
-#include <asio/ip/network_v4.hpp>
-#include <asio/ip/network_v6.hpp>
 #include <filesystem>
 #include <initializer_list>
 #include <set>
 
+#include "allow_list.h"
 #include "velqua/error.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
@@ -194,15 +192,9 @@ void ReadLogin(const Reader& r, SourceSettings* s) {
 void ReadAllowList(const Reader& r, SourceSettings* s) {
   s->allow = r.Strings("allow");
   for (const std::string& peer : s->allow) {
-    asio::error_code ec;
-    if (peer.find('/') == std::string::npos) {
-      asio::ip::make_address(peer, ec);
-    } else if (peer.find(':') == std::string::npos) {
-      asio::ip::make_network_v4(peer, ec);
-    } else {
-      asio::ip::make_network_v6(peer, ec);
+    if (!AllowList::Valid(peer)) {
+      r.Fail("allow", "\"" + peer + "\" is not an address or a network (10.1.0.0/16)");
     }
-    if (ec) r.Fail("allow", "\"" + peer + "\" is not an address or a network (10.1.0.0/16)");
   }
 }
 

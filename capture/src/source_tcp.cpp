@@ -9,6 +9,7 @@
 #include <deque>
 #include <map>
 
+#include "allow_list.h"
 #include "backoff.h"
 #include "sources.h"
 #include "velqua/capture/login_script.h"
@@ -230,7 +231,12 @@ class PeerConnection : public std::enable_shared_from_this<PeerConnection> {
 class TcpListenSource : public Source, public std::enable_shared_from_this<TcpListenSource> {
  public:
   TcpListenSource(asio::io_context& io, const SourceSettings& s, SourceEvents& events)
-      : s_(s), events_(events), acceptor_(io), timer_(io), backoff_(s.retry_min, s.retry_max) {}
+      : s_(s),
+        allow_(s.allow),
+        events_(events),
+        acceptor_(io),
+        timer_(io),
+        backoff_(s.retry_min, s.retry_max) {}
 
   void Start() override { Listen(); }
 
@@ -280,34 +286,11 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
     });
   }
 
-  bool Allowed(const asio::ip::address& address) const {
-    if (s_.allow.empty()) return true;
-    for (const std::string& entry : s_.allow) {
-      asio::error_code ec;
-      if (entry.find('/') == std::string::npos) {
-        if (asio::ip::make_address(entry, ec) == address) return true;
-      } else if (address.is_v4() && entry.find(':') == std::string::npos) {
-        const auto net = asio::ip::make_network_v4(entry, ec);
-        if (!ec && (asio::ip::network_v4(address.to_v4(), net.prefix_length()).network() ==
-                    net.network())) {
-          return true;
-        }
-      } else if (address.is_v6()) {
-        const auto net = asio::ip::make_network_v6(entry, ec);
-        if (!ec && (asio::ip::network_v6(address.to_v6(), net.prefix_length()).network() ==
-                    net.network())) {
-          return true;
-        }
-      }
-    }
-    return false;
-  }
-
   void Admit(tcp::socket socket) {
     asio::error_code ec;
     const asio::ip::address address = socket.remote_endpoint(ec).address();
     if (ec) return;
-    if (!Allowed(address)) {
+    if (!allow_.Admits(address)) {
       // Once a minute per address: a refused switch keeps trying.
       const auto now = std::chrono::steady_clock::now();
       auto& last = refused_[address.to_string()];
@@ -352,6 +335,7 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
   }
 
   SourceSettings s_;
+  AllowList allow_;
   SourceEvents& events_;
   tcp::acceptor acceptor_;
   asio::steady_timer timer_;

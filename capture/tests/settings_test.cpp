@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <string>
 
+#include "../src/allow_list.h"
+
 namespace velqua_capture {
 namespace {
 
@@ -159,6 +161,23 @@ TEST(Settings, Durations) {
       EXPECT_EQ(value.count(), row.ms);
     }
   }
+}
+
+// A listening source admits the addresses and the networks of its list, of
+// either family, and every peer when the list is empty.
+TEST(AllowList, AddressesAndNetworksOfBothFamilies) {
+  const AllowList list({"10.1.0.0/16", "192.0.2.7", "fd00::/8"});
+  const struct {
+    const char* peer;
+    bool admitted;
+  } cases[] = {{"10.1.200.3", true},      {"10.2.0.1", false}, {"192.0.2.7", true},
+               {"192.0.2.8", false},      {"fd12::1", true},   {"fe80::1", false},
+               {"::ffff:10.1.0.1", false}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.peer);
+    EXPECT_EQ(list.Admits(asio::ip::make_address(c.peer)), c.admitted);
+  }
+  EXPECT_TRUE(AllowList({}).Admits(asio::ip::make_address("203.0.113.9")));
 }
 
 }  // namespace
