@@ -208,8 +208,7 @@ std::vector<CheckedRecord> ReadForCheck(const ConfigOptions& options, const Reco
     if (form.seven_bit) {
       for (char& c : line) c = static_cast<char>(c & 0x7F);
     }
-    std::u16string text =
-        options.encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);
+    std::u16string text = DecodeLine(line, options.encoding);
     std::u16string_view rest = text;
     while (!rest.empty()) {
       const size_t end = form.nul_ends_record ? rest.find(u'\0') : std::u16string_view::npos;
@@ -273,9 +272,7 @@ void AddConfigCommand(CLI::App& app, ConfigOptions& options) {
                    "Configuration (.cfg, .ini or .json), or a bundled switch's name")
       ->required();
   check->add_option("RECORDS", options.records, "Sample records, one a line")->required();
-  check->add_option("--encoding", options.encoding, "Encoding of the records")
-      ->check(CLI::IsMember({"windows-1252", "utf-8"}))
-      ->capture_default_str();
+  AddEncodingOption(check, options.encoding);
   config->add_subcommand("keys",
                          "List the members and key names of the JSON form with their meaning");
 }

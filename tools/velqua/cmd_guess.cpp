@@ -26,8 +26,7 @@ std::vector<std::u16string> ReadSample(const GuessOptions& options) {
   std::vector<std::u16string> lines;
   while (lines.size() < kMaxSampleLines && reader.Next(&line)) {
     if (line.empty()) continue;
-    lines.push_back(options.encoding == "utf-8" ? velqua::DesdeUtf8(line)
-                                                : velqua::DesdeAnsi(line));
+    lines.push_back(DecodeLine(line, options.encoding));
   }
   return lines;
 }
@@ -57,9 +56,7 @@ void AddGuessCommand(CLI::App& config, GuessOptions& options) {
   guess->add_option("RECORDS", options.records, "Sample records, one a line")->required();
   guess->add_option("--brand", options.brand, "Brand of the draft")->capture_default_str();
   guess->add_option("--model", options.model, "Model of the draft")->capture_default_str();
-  guess->add_option("--encoding", options.encoding, "Encoding of the records")
-      ->check(CLI::IsMember({"windows-1252", "utf-8"}))
-      ->capture_default_str();
+  AddEncodingOption(guess, options.encoding);
   guess->add_option("-o,--output", options.output,
                     "Write the draft to this file (default: stdout)");
   guess->add_option("--compare", options.compare,

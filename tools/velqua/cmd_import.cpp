@@ -70,9 +70,7 @@ void AddImportCommand(CLI::App& app, ImportOptions& options) {
   cmd->add_option("files", options.files, "Record files, imported in order")->required();
   cmd->add_option("--extensions", options.extensions,
                   "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
-  cmd->add_option("--encoding", options.encoding, "Encoding of the records")
-      ->check(CLI::IsMember({"windows-1252", "utf-8"}))
-      ->capture_default_str();
+  AddEncodingOption(cmd, options.encoding);
   cmd->add_option("--time-zone", options.time_zone,
                   "The switch's time zone (IANA name, e.g. Europe/Madrid): start times are also "
                   "stored in UTC (default: the one stored for the switch, if any)");

@@ -87,9 +87,7 @@ void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
   cmd->add_option("-f,--format", options.format,
                   "Output form (default: table on a terminal, csv otherwise)")
       ->check(CLI::IsMember({"table", "csv", "jsonl"}));
-  cmd->add_option("--encoding", options.encoding, "Encoding of the records")
-      ->check(CLI::IsMember({"windows-1252", "utf-8"}))
-      ->capture_default_str();
+  AddEncodingOption(cmd, options.encoding);
   cmd->add_option("--errors", options.errors_log,
                   "Append unrecognised records to this log (ArchivoLlamadasError)");
   cmd->add_option("--extensions", options.extensions,
