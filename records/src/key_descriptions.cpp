@@ -99,32 +99,40 @@ std::string DataFieldDescription(std::string_view name) {
 struct Described {
   int32_t value;
   const char* words;
+  const char* brief = nullptr;  // a few words, for lists (cases only)
 };
 
 constexpr Described kCases[] = {
-    {velqua::emNoCaso, "no case defined: nothing is translated"},
-    {velqua::emCasoEstandar, "standard single-line records"},
-    {velqua::emCasoSamsungNX_820, "Samsung NX-820"},
+    {velqua::emNoCaso, "no case defined: nothing is translated", "no case"},
+    {velqua::emCasoEstandar, "standard single-line records", "standard"},
+    {velqua::emCasoSamsungNX_820, "Samsung NX-820", "Samsung NX-820"},
     {velqua::emCasoNortelMeridian01,
-     "Nortel Meridian: a call keeps its type even when its duration cannot be read"},
+     "Nortel Meridian: a call keeps its type even when its duration cannot be read",
+     "Meridian: no duration kept"},
     {velqua::emCasoNortelNorstar0x32SMDR6,
      "Nortel Norstar multi-line records: the lines of one call joined with the separator, "
-     "the type read from keyword lines"},
+     "the type read from keyword lines",
+     "Norstar multi-line calls"},
     {velqua::emCasoEstandarRestaFechasDuracion,
-     "standard, duration = end date-time minus start date-time"},
+     "standard, duration = end date-time minus start date-time", "duration from start and end"},
     {velqua::emCasoEstandarDecimasMinuto,
-     "standard, the duration's seconds column printed as tenths of a minute"},
+     "standard, the duration's seconds column printed as tenths of a minute",
+     "duration in tenths of a minute"},
     {velqua::emCasoEstandarConSalienteDefecto,
-     "standard, a record without a mark is outgoing when it has a number, extension and trunk"},
-    {velqua::emCasoEstandarRestaFechasDuracionConSalienteDefecto, "cases 5 and 7 together"},
+     "standard, a record without a mark is outgoing when it has a number, extension and trunk",
+     "outgoing by default"},
+    {velqua::emCasoEstandarRestaFechasDuracionConSalienteDefecto, "cases 5 and 7 together",
+     "start and end, outgoing by default"},
     {velqua::emCasoEstandarDecimasMinutoConSalienteDefecto,
-     "case 7 with tenths of a minute in the duration's seconds column"},
+     "case 7 with tenths of a minute in the duration's seconds column",
+     "tenths of a minute, outgoing by default"},
     {velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100,
      "Panasonic KX-TDA100/200: an account code printed in place of the extension, mapped "
-     "back through the extension list"},
+     "back through the extension list",
+     "account code in place of the extension"},
     {velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto,
-     "case 10 with outgoing by default (as case 7)"},
-    {velqua::emCasoAD_TES, "AD TES: standard records, no rule of its own"},
+     "case 10 with outgoing by default (as case 7)", "account code, outgoing by default"},
+    {velqua::emCasoAD_TES, "AD TES: standard records, no rule of its own", "no rule of its own"},
 };
 
 constexpr Described kConstants[] = {
@@ -165,6 +173,13 @@ const char* Find(const Described (&table)[N], int32_t value) {
 }
 
 }  // namespace
+
+const char* CaseBrief(int32_t handling) {
+  for (const Described& d : kCases) {
+    if (d.value == handling) return d.brief;
+  }
+  return "unknown case";
+}
 
 std::string KeyDescription(EnumKind kind, int32_t value) {
   const char* name = EnumNameOf(kind, value);

@@ -57,6 +57,10 @@ TEST(Names, EveryCaseAndKeyIsDescribed) {
   }
   EXPECT_EQ(KeyDescription(EnumKind::kParamDato, velqua::emPrimerParamDato), "");
   EXPECT_EQ(KeyDescription(EnumKind::kParamDato, 70), "");
+  for (int32_t handling = velqua::emNoCaso; handling <= velqua::emCasoAD_TES; ++handling) {
+    EXPECT_NE(CaseBrief(handling), nullptr) << handling;  // listed by `velqua switches`
+  }
+  EXPECT_STREQ(CaseBrief(velqua::emCasoAD_TES + 1), "unknown case");
 }
 
 TEST(Names, DescriptionsFollowTheKeysParts) {

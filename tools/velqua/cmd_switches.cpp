@@ -7,31 +7,9 @@
 #include "cli_common.h"
 #include "velqua/records/bundled.h"
 #include "velqua/records/config_io.h"
+#include "velqua/records/names.h"
 
 namespace velqua_cli {
-namespace {
-
-// What each handling case does, in a few English words.
-const char* CaseWords(int32_t handling) {
-  static const char* const kWords[] = {
-      "no case",
-      "standard",
-      "Samsung NX-820",
-      "Meridian: no duration kept",
-      "Norstar multi-line calls",
-      "duration from start and end",
-      "duration in tenths of a minute",
-      "outgoing by default",
-      "start and end, outgoing by default",
-      "tenths of a minute, outgoing by default",
-      "account code in place of the extension",
-      "account code, outgoing by default",
-      "no rule of its own",
-  };
-  return handling >= 0 && handling <= 12 ? kWords[handling] : "unknown case";
-}
-
-}  // namespace
 
 void AddSwitchesCommand(CLI::App& app) {
   app.add_subcommand("switches",
@@ -51,7 +29,7 @@ int RunSwitches() {
       const SwitchConfig config = LoadSwitchConfig(bundled.config);
       const std::string brand = U8(config.cfg->Marca()) + " " + U8(config.cfg->Modelo());
       std::printf("%-19s %s\n", bundled.name.c_str(), brand.c_str());
-      std::printf("%-19s case %d (%s); %s\n", "", config.cfg->Caso(), CaseWords(config.cfg->Caso()),
+      std::printf("%-19s case %d (%s); %s\n", "", config.cfg->Caso(), CaseBrief(config.cfg->Caso()),
                   config.form.Describe().c_str());
       std::printf("%-19s %s\n", "",
                   config.delivery.empty() ? "delivery not said" : config.delivery.c_str());

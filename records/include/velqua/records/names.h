@@ -47,4 +47,8 @@ const char* AttributeWord(int32_t attribute);
 // marker member (emPrimerParamDato ...) or a value without a member.
 std::string KeyDescription(EnumKind kind, int32_t value);
 
+// A handling case in a few words, for lists (`velqua switches`): "standard",
+// "Norstar multi-line calls", ...; "unknown case" for a number that is none.
+const char* CaseBrief(int32_t handling);
+
 }  // namespace velqua_records
