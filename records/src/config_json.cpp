@@ -277,7 +277,9 @@ std::string SwitchConfigToJson(clsCfgConmut& cfg, const RecordForm& form,
 }
 
 void ConfigFromJson(std::string_view json_text, clsCfgConmut& cfg) {
-  ReadForm(Parse(json_text), cfg);
+  RecordForm form;  // checked, then dropped
+  std::string delivery;
+  SwitchConfigFromJson(json_text, cfg, &form, &delivery);
 }
 
 void SwitchConfigFromJson(std::string_view json_text, clsCfgConmut& cfg, RecordForm* form,

@@ -27,6 +27,13 @@ RowFormat ChooseFormat(const std::string& format) {
   return ::isatty(::fileno(stdout)) ? RowFormat::kTable : RowFormat::kCsv;
 }
 
+// "velqua: 3 records had ...": a count of something the run met, when any.
+void CountNote(int64_t count, const char* noun, const char* what) {
+  if (count == 0) return;
+  std::fprintf(stderr, "velqua: %lld %s%s %s\n", static_cast<long long>(count), noun,
+               count == 1 ? "" : "s", what);
+}
+
 void ReportCounts(const Counts& counts, const TranslateOptions& options) {
   if (counts.failed > kReportedFailures) {
     std::fprintf(stderr, "velqua: %lld more failed records not shown\n",
@@ -49,22 +56,11 @@ void ReportCounts(const Counts& counts, const TranslateOptions& options) {
         list.c_str(),
         options.errors_log.empty() ? "" : (" (logged to " + options.errors_log + ")").c_str());
   }
-  if (counts.headings > 0) {
-    std::fprintf(stderr, "velqua: %lld page-heading line%s skipped\n",
-                 static_cast<long long>(counts.headings), counts.headings == 1 ? "" : "s");
-  }
-  if (counts.more_fields > 0) {
-    std::fprintf(stderr,
-                 "velqua: %lld record%s had more fields than the configuration declares (the "
-                 "extra fields ignored)\n",
-                 static_cast<long long>(counts.more_fields), counts.more_fields == 1 ? "" : "s");
-  }
-  if (counts.fewer_fields > 0) {
-    std::fprintf(stderr,
-                 "velqua: %lld record%s had fewer fields than the configuration declares (the "
-                 "missing fields blank)\n",
-                 static_cast<long long>(counts.fewer_fields), counts.fewer_fields == 1 ? "" : "s");
-  }
+  CountNote(counts.headings, "page-heading line", "skipped");
+  CountNote(counts.more_fields, "record",
+            "had more fields than the configuration declares (the extra fields ignored)");
+  CountNote(counts.fewer_fields, "record",
+            "had fewer fields than the configuration declares (the missing fields blank)");
   std::fprintf(stderr, "velqua: %lld records read, %lld translated, %lld unrecognised%s\n",
                static_cast<long long>(counts.read),
                static_cast<long long>(counts.read - counts.unrecognised),
