@@ -208,25 +208,31 @@ bool Translation::FinishCall() {
   return true;
 }
 
+bool Translation::LineBytes(std::string_view bytes, int64_t offset) {
+  if (bytes.empty()) return false;
+  if (form_.seven_bit) {
+    bytes_.assign(bytes.data(), bytes.size());
+    for (char& c : bytes_) c = static_cast<char>(c & 0x7F);
+    bytes = bytes_;
+  }
+  Decode(bytes, utf8_, &text_);
+  // Plain fixed-column lines, the common case, go to the library as decoded.
+  if (plain_) {
+    Record(text_, offset);
+    return true;
+  }
+  return Line(text_, offset);
+}
+
 void Translation::Lines(LineReader& reader, bool live) {
   std::string_view line;
-  std::u16string text;
   // A byte-order mark can only open an input, not a resumed one.
   bool first = reader.line_offset() == 0;
   while (reader.Next(&line)) {
     std::string_view bytes = line;
     if (first && utf8_ && bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
     first = false;
-    if (bytes.empty()) continue;
-    if (form_.seven_bit) {
-      bytes_.assign(bytes.data(), bytes.size());
-      for (char& c : bytes_) c = static_cast<char>(c & 0x7F);
-      bytes = bytes_;
-    }
-    Decode(bytes, utf8_, &text);
-    // Plain fixed-column lines, the common case, go to the library as decoded.
-    const int64_t offset = reader.line_offset();
-    const bool wrote = plain_ ? (Record(text, offset), true) : Line(text, offset);
+    const bool wrote = LineBytes(bytes, reader.line_offset());
     if (wrote && live) sink_.Flush();  // each row out as soon as it is complete
   }
   end_offset_ = reader.end_offset();

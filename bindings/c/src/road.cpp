@@ -1,7 +1,9 @@
 #include "road.h"
 
 #include <cstdio>
+#include <cstring>
 #include <mutex>
+#include <utility>
 
 #include "platform/reloj.h"
 #include "velqua/records/clock.h"
@@ -92,51 +94,65 @@ velqua_records::Counts Road::counts() const {
 
 Road::~Road() = default;
 
+namespace {
+
+// The index of the first CR or LF in `bytes`, or its size.
+size_t LineEnd(std::string_view bytes) {
+  const void* lf = std::memchr(bytes.data(), '\n', bytes.size());
+  const size_t k = lf != nullptr ? static_cast<size_t>(static_cast<const char*>(lf) - bytes.data())
+                                 : bytes.size();
+  const void* cr = std::memchr(bytes.data(), '\r', k);
+  return cr != nullptr ? static_cast<size_t>(static_cast<const char*>(cr) - bytes.data()) : k;
+}
+
+}  // namespace
+
+// Lines end with CR, LF or CR LF, as the program reads them; the last one
+// may have no end (Finish).
 void Road::Write(std::string_view bytes, std::vector<Row>* rows) {
-  const size_t end = bytes.find_last_of("\r\n");
-  if (end == std::string_view::npos) {
-    pending_.append(bytes);
-    return;
+  if (bytes.empty()) return;
+  const OnRoad on_road;
+  Start();
+  collector_->rows = rows;
+  while (!bytes.empty()) {
+    if (std::exchange(after_cr_, false) && bytes.front() == '\n') {
+      bytes.remove_prefix(1);
+      ++offset_;
+      continue;
+    }
+    const size_t end = LineEnd(bytes);
+    if (end == bytes.size()) {
+      pending_.append(bytes);
+      return;
+    }
+    after_cr_ = bytes[end] == '\r';
+    if (pending_.empty()) {
+      Line(bytes.substr(0, end));
+    } else {
+      pending_.append(bytes.data(), end);
+      Line(pending_);
+      pending_.clear();
+    }
+    ++offset_;  // the line end
+    bytes.remove_prefix(end + 1);
   }
-  if (pending_.empty()) {
-    Translate(bytes.substr(0, end + 1), rows);
-  } else {
-    pending_.append(bytes.data(), end + 1);
-    Translate(pending_, rows);
-  }
-  pending_.assign(bytes.substr(end + 1));
 }
 
 void Road::Finish(std::vector<Row>* rows) {
-  Translate(pending_, rows);
-  pending_.clear();
   const OnRoad on_road;
   Start();
   collector_->rows = rows;
+  if (!pending_.empty()) Line(pending_);
+  pending_.clear();
   translation_->Finish();
 }
 
-// One block of whole lines through the road's line reader, which takes a
-// FILE: the block is read in place through fmemopen.
-void Road::Translate(std::string_view lines, std::vector<Row>* rows) {
-  if (lines.empty()) return;
-  // The reader drops a byte-order mark at the start of each stream; only the
-  // input's own first line may lose one, so a later block that starts with
-  // one is given an empty first line (which carries no record).
-  std::string shifted;
-  if (settings_.utf8 && !first_block_ && lines.substr(0, 3) == "\xEF\xBB\xBF") {
-    shifted = "\n";
-    shifted.append(lines);
-    lines = shifted;
-  }
-  first_block_ = false;
-  std::unique_ptr<std::FILE, velqua_records::FileCloser> stream(
-      fmemopen(const_cast<char*>(lines.data()), lines.size(), "r"));
-  if (!stream) throw std::bad_alloc();
-  const OnRoad on_road;
-  Start();
-  collector_->rows = rows;
-  translation_->Stream(stream.get());
+// One line: a byte-order mark is dropped from the input's first line only.
+void Road::Line(std::string_view line) {
+  const int64_t at = offset_;
+  offset_ += static_cast<int64_t>(line.size());
+  if (at == 0 && settings_.utf8 && line.substr(0, 3) == "\xEF\xBB\xBF") line.remove_prefix(3);
+  translation_->LineBytes(line, at);
 }
 
 }  // namespace velqua_bindings

@@ -52,14 +52,15 @@ class Road {
  private:
   class Collector;
   void Start();
-  void Translate(std::string_view lines, std::vector<Row>* rows);
+  void Line(std::string_view line);
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
   Settings settings_;
   std::unique_ptr<Collector> collector_;
   std::unique_ptr<velqua_records::Translation> translation_;  // from the first bytes on
   std::string pending_;                                       // an unfinished line
-  bool first_block_ = true;
+  int64_t offset_ = 0;     // of the next line's first byte in the input
+  bool after_cr_ = false;  // the last line ended with a CR: an LF next belongs to it
 };
 
 // Makes the library's clock the program's one only for the thread on the

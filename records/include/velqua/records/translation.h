@@ -74,6 +74,13 @@ class Translation {
   // starts. True when a row was written.
   bool Line(std::u16string_view line, int64_t offset = -1);
 
+  // One line as read, in bytes, without its line end: cleared of bit 7 when
+  // the record form says so, decoded, then taken as Line takes it (a plain
+  // configuration's line straight as a record). An empty line carries no
+  // record. For callers that cut the lines themselves (the bindings, which
+  // are given bytes in pieces); a byte-order mark is theirs to drop.
+  bool LineBytes(std::string_view line, int64_t offset = -1);
+
   // Reads records from a stream to its end: a file in large blocks; a live
   // source (pipe, device, or `follow`ed file) with each row written and the
   // sink flushed as soon as its record is complete, a multi-line call being
@@ -120,7 +127,8 @@ class Translation {
   std::u16string held_;    // a record waiting for its continuation lines
   int64_t held_offset_ = -1;
   bool holding_ = false;
-  std::string bytes_;  // a line with bit 7 cleared
+  std::string bytes_;    // a line with bit 7 cleared
+  std::u16string text_;  // a line decoded
   Counts counts_;
   std::string input_ = "standard input";
   FechaHora received_;
