@@ -1,8 +1,6 @@
 // The aligned table and the cdr-csv form of stored calls.
 #include <date/date.h>
 
-#include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdio>
 #include <vector>
@@ -10,85 +8,43 @@
 #include "call_forms.h"
 #include "values.h"
 #include "velqua/records/names.h"
+#include "velqua/records/text_table.h"
 
 namespace velqua_store {
 namespace {
 
-// ---- Table: the first rows are held back to size the columns; later rows
-// keep those widths (a longer value pushes its own line wider) ----
+// ---- Table: aligned columns, as `velqua translate` prints its rows ----
 
 class TableWriter : public CallWriter {
  public:
-  static constexpr size_t kSizingRows = 200;
-  static constexpr size_t kCells = 13;
-  using Cells = std::array<std::string, kCells>;
-
-  explicit TableWriter(std::FILE* out) : out_(out) {}
+  explicit TableWriter(std::FILE* out)
+      : out_(out),
+        table_({"start", "switch", "type", "attribute", "dur", "ring", "dialled", "ext", "trunk",
+                "rx ext", "rx trunk", "account", "note"},
+               {false, false, false, false, true, true}) {}  // the two durations: numbers
 
   void Write(const StoredCall& c) override {
-    Cells cells{c.start.value_or(""),
-                c.switch_name,
-                std::to_string(c.type) + ' ' + velqua_records::CallTypeWord(c.type),
-                std::to_string(c.attribute) + ' ' + velqua_records::AttributeWord(c.attribute),
-                c.duration ? std::to_string(*c.duration) : "",
-                c.ring ? std::to_string(*c.ring) : ""};
-    for (size_t i = 0; i < 6; ++i) cells[6 + i] = Texts(c, i)->value_or("");
-    if (c.extension_random) cells[12] = "random extension";
-    if (widths_.empty()) {
-      held_.push_back(std::move(cells));
-      if (held_.size() == kSizingRows) Release();
-      return;
-    }
-    Emit(cells);
+    std::vector<std::string> cells{
+        c.start.value_or(""),
+        c.switch_name,
+        std::to_string(c.type) + ' ' + velqua_records::CallTypeWord(c.type),
+        std::to_string(c.attribute) + ' ' + velqua_records::AttributeWord(c.attribute),
+        c.duration ? std::to_string(*c.duration) : "",
+        c.ring ? std::to_string(*c.ring) : ""};
+    for (size_t i = 0; i < 6; ++i) cells.push_back(Texts(c, i)->value_or(""));
+    if (c.extension_random) cells.push_back("random extension");
+    table_.Add(std::move(cells), &out_.text());
     out_.MaybeFlush();
   }
 
   void Finish() override {
-    if (widths_.empty()) Release();
+    table_.Finish(&out_.text());
     out_.Flush();
   }
 
  private:
-  static size_t Width(const std::string& utf8) {
-    return static_cast<size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
-      return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-    }));
-  }
-
-  void Release() {
-    const Cells heads = {"start", "switch", "type",   "attribute", "dur",     "ring", "dialled",
-                         "ext",   "trunk",  "rx ext", "rx trunk",  "account", "note"};
-    widths_.assign(kCells, 0);
-    held_.insert(held_.begin(), heads);
-    for (const Cells& cells : held_) {
-      for (size_t i = 0; i < kCells; ++i) widths_[i] = std::max(widths_[i], Width(cells[i]));
-    }
-    Cells rule;
-    for (size_t i = 0; i < kCells; ++i) rule[i] = std::string(widths_[i], '-');
-    held_.insert(held_.begin() + 1, rule);
-    for (const Cells& cells : held_) Emit(cells);
-    held_.clear();
-  }
-
-  void Emit(const Cells& cells) {
-    std::string& b = out_.text();
-    size_t last = kCells;  // no line ends in blanks
-    while (last > 0 && cells[last - 1].empty()) --last;
-    for (size_t i = 0; i < last; ++i) {
-      if (i > 0) b += "  ";
-      const size_t width = Width(cells[i]);
-      const size_t pad = widths_[i] > width ? widths_[i] - width : 0;
-      const bool right = i == 4 || i == 5;  // numbers
-      if (right) b.append(pad, ' ');
-      b += cells[i];
-      if (!right && i + 1 < last) b.append(pad, ' ');
-    }
-    b += '\n';
-  }
-
   Buffer out_;
-  std::vector<Cells> held_;
-  std::vector<size_t> widths_;
+  velqua_records::AlignedTable table_;
 };
 
 // ---- cdr-csv: every text quoted, the two durations bare, LF line ends,

@@ -7,6 +7,7 @@
 
 #include "cli_common.h"
 #include "velqua/records/names.h"
+#include "velqua/records/text_table.h"
 #include "velqua/texto.h"
 
 namespace velqua_cli {
@@ -417,44 +418,29 @@ class JsonlWriter : public RowWriter {
   Output& out_;
 };
 
-// ---- Table: the first rows are held back to size the columns; later rows
-// reuse those widths (a longer value simply pushes its line wider) ----
+// ---- Table: aligned columns (velqua/records/text_table.h) ----
 
 class TableWriter : public RowWriter {
  public:
-  static constexpr size_t kSizingRows = 200;
-  static constexpr size_t kCells = 14;
-
-  explicit TableWriter(Output& out) : out_(out) {}
+  explicit TableWriter(Output& out)
+      : out_(out),
+        table_({"#", "type", "attribute", "date", "time", "dur", "ring", "dialled", "ext", "trunk",
+                "rx ext", "rx trunk", "account", "note"},
+               {true, false, false, false, false, true, true}) {}  // numbers right-aligned
 
   void Write(const Row& row) override {
-    Cells cells = Format(row);
-    if (!sized_) {
-      held_.push_back(std::move(cells));
-      if (held_.size() >= kSizingRows) Release();
-      return;
-    }
-    Emit(cells);
+    table_.Add(Format(row), &out_.buffer());
     out_.MaybeFlush();
   }
 
   void Finish() override {
-    if (!sized_) Release();
+    table_.Finish(&out_.buffer());
     out_.Flush();
   }
 
  private:
-  using Cells = std::array<std::string, kCells>;
-  static constexpr std::array<const char*, kCells> kHeads = {
-      "#",       "type", "attribute", "date",   "time",     "dur",     "ring",
-      "dialled", "ext",  "trunk",     "rx ext", "rx trunk", "account", "note"};
-  // Numbers are right-aligned.
-  static constexpr std::array<bool, kCells> kRight = {true,  false, false, false, false,
-                                                      true,  true,  false, false, false,
-                                                      false, false, false, false};
-
-  static Cells Format(const Row& row) {
-    Cells c;
+  static std::vector<std::string> Format(const Row& row) {
+    std::vector<std::string> c(14);
     AppendInt(c[0], row.number);
     AppendInt(c[1], row.type);
     c[1] += ' ' + ShortTypeName(row.type);
@@ -476,48 +462,8 @@ class TableWriter : public RowWriter {
     return c;
   }
 
-  static size_t Width(const std::string& utf8) {
-    size_t n = 0;
-    for (char c : utf8) n += (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-    return n;
-  }
-
-  void Release() {
-    for (size_t i = 0; i < kCells; ++i) widths_[i] = std::strlen(kHeads[i]);
-    for (const Cells& cells : held_) {
-      for (size_t i = 0; i < kCells; ++i) widths_[i] = std::max(widths_[i], Width(cells[i]));
-    }
-    Cells heads;
-    for (size_t i = 0; i < kCells; ++i) heads[i] = kHeads[i];
-    Emit(heads);
-    Cells rule;
-    for (size_t i = 0; i < kCells; ++i) rule[i] = std::string(widths_[i], '-');
-    Emit(rule);
-    for (const Cells& cells : held_) Emit(cells);
-    held_.clear();
-    held_.shrink_to_fit();
-    sized_ = true;
-  }
-
-  void Emit(const Cells& cells) {
-    std::string& b = out_.buffer();
-    // Trailing blank cells are not padded, so no line ends in blanks.
-    size_t last = kCells;
-    while (last > 0 && cells[last - 1].empty()) --last;
-    for (size_t i = 0; i < last; ++i) {
-      if (i > 0) b += "  ";
-      const size_t pad = widths_[i] > Width(cells[i]) ? widths_[i] - Width(cells[i]) : 0;
-      if (kRight[i]) b.append(pad, ' ');
-      b += cells[i];
-      if (!kRight[i] && i + 1 < last) b.append(pad, ' ');
-    }
-    b += '\n';
-  }
-
   Output& out_;
-  std::vector<Cells> held_;
-  std::array<size_t, kCells> widths_{};
-  bool sized_ = false;
+  velqua_records::AlignedTable table_;
 };
 
 }  // namespace
