@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cinttypes>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -150,6 +151,42 @@ std::string ReadWholeFile(const std::string& path, const std::string& what) {
   while ((n = std::fread(buffer, 1, sizeof buffer, f.get())) > 0) text.append(buffer, n);
   if (std::ferror(f.get())) throw Failure("cannot read " + what + " '" + path + "'");
   return text;
+}
+
+void AppendCsvField(std::string& out, std::string_view utf8) {
+  if (utf8.find_first_of(",\"\r\n") == std::string_view::npos) {
+    out += utf8;
+    return;
+  }
+  out += '"';
+  for (char c : utf8) {
+    if (c == '"') out += '"';
+    out += c;
+  }
+  out += '"';
+}
+
+bool NeedsJsonEscape(std::string_view utf8) {
+  for (char c : utf8) {
+    if (c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20) return true;
+  }
+  return false;
+}
+
+void AppendJsonEscaped(std::string& out, std::string_view utf8) {
+  for (char c : utf8) {
+    const auto u = static_cast<unsigned char>(c);
+    if (c == '"' || c == '\\') {
+      out += '\\';
+      out += c;
+    } else if (u < 0x20) {
+      char escape[8];
+      std::snprintf(escape, sizeof escape, "\\u%04x", u);
+      out += escape;
+    } else {
+      out += c;
+    }
+  }
 }
 
 bool ReplaceFileText(const std::string& path, std::string_view text) {

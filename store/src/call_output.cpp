@@ -20,19 +20,6 @@ using velqua_records::Failure;
 // ---- CSV (RFC 4180: CR LF, a field quoted when it holds a comma, a quote,
 // CR or LF, quotes doubled) ----
 
-void CsvField(std::string& out, const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) {
-    out += text;
-    return;
-  }
-  out += '"';
-  for (char c : text) {
-    if (c == '"') out += '"';
-    out += c;
-  }
-  out += '"';
-}
-
 class CsvWriter : public CallWriter {
  public:
   explicit CsvWriter(std::FILE* out) : out_(out) {
@@ -43,9 +30,9 @@ class CsvWriter : public CallWriter {
   }
   void Write(const StoredCall& c) override {
     std::string& b = out_.text();
-    CsvField(b, c.switch_name);
+    velqua_records::AppendCsvField(b, c.switch_name);
     b += ',';
-    CsvField(b, c.source_name);
+    velqua_records::AppendCsvField(b, c.source_name);
     b += ',' + std::to_string(c.position) + ',' + std::to_string(c.type) + ',' +
          velqua_records::CallTypeWord(c.type) + ',' + std::to_string(c.attribute) + ',' +
          velqua_records::AttributeWord(c.attribute) + ',' + c.start.value_or("") + ',' +
@@ -55,11 +42,11 @@ class CsvWriter : public CallWriter {
     if (c.ring) b += std::to_string(*c.ring);
     for (size_t i = 0; i < 6; ++i) {
       b += ',';
-      CsvField(b, Texts(c, i)->value_or(""));
+      velqua_records::AppendCsvField(b, Texts(c, i)->value_or(""));
     }
     b += c.extension_random ? ",1," : ",0,";
     b += c.received_utc + ',';
-    CsvField(b, c.raw);
+    velqua_records::AppendCsvField(b, c.raw);
     b += "\r\n";
     out_.MaybeFlush();
   }
@@ -73,19 +60,7 @@ class CsvWriter : public CallWriter {
 
 void JsonString(std::string& out, const std::string& text) {
   out += '"';
-  for (char c : text) {
-    const auto u = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      out += '\\';
-      out += c;
-    } else if (u < 0x20) {
-      char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", u);
-      out += escape;
-    } else {
-      out += c;
-    }
-  }
+  velqua_records::AppendJsonEscaped(out, text);
   out += '"';
 }
 

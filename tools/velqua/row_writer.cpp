@@ -62,14 +62,9 @@ void AppendCsvText(std::string& out, std::u16string_view text) {
   const size_t start = out.size();
   AppendUtf8(out, text);
   if (out.find_first_of(",\"\r\n", start) == std::string::npos) return;
-  std::string field = out.substr(start);
+  const std::string field = out.substr(start);
   out.resize(start);
-  out += '"';
-  for (char c : field) {
-    if (c == '"') out += '"';
-    out += c;
-  }
-  out += '"';
+  AppendCsvField(out, field);
 }
 
 // "00" to "99", for the two-digit parts of dates, times and small numbers.
@@ -320,25 +315,11 @@ void AppendJsonString(std::string& out, std::u16string_view text) {
   out += '"';
   const size_t start = out.size();
   AppendUtf8(out, text);
-  // Escape in place only when needed (rare in call records).
-  if (std::find_if(out.begin() + static_cast<std::ptrdiff_t>(start), out.end(), [](char c) {
-        return c == '"' || c == '\\' || static_cast<unsigned char>(c) < 0x20;
-      }) != out.end()) {
-    std::string raw = out.substr(start);
+  // Escape only when needed (rare in call records).
+  if (NeedsJsonEscape(std::string_view(out).substr(start))) {
+    const std::string raw = out.substr(start);
     out.resize(start);
-    for (char c : raw) {
-      const auto u = static_cast<unsigned char>(c);
-      if (c == '"' || c == '\\') {
-        out += '\\';
-        out += c;
-      } else if (u < 0x20) {
-        char esc[8];
-        std::snprintf(esc, sizeof esc, "\\u%04x", u);
-        out += esc;
-      } else {
-        out += c;
-      }
-    }
+    AppendJsonEscaped(out, raw);
   }
   out += '"';
 }

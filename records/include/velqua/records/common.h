@@ -59,6 +59,16 @@ struct FileCloser {
   }
 };
 
+// Appends `utf8` as a CSV field (RFC 4180): quoted when it holds a comma, a
+// quote, CR or LF, its quotes doubled.
+void AppendCsvField(std::string& out, std::string_view utf8);
+
+// Appends `utf8` escaped for the inside of a JSON string (a quote, a
+// backslash, control characters as \u00XX); the quotes are the caller's.
+void AppendJsonEscaped(std::string& out, std::string_view utf8);
+// Whether AppendJsonEscaped would change `utf8` (rare in call records).
+bool NeedsJsonEscape(std::string_view utf8);
+
 // Reads a whole (small) file, e.g. a JSON form; throws Failure.
 std::string ReadWholeFile(const std::string& path, const std::string& what);
 
