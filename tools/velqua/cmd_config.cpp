@@ -197,14 +197,20 @@ struct CheckedRecord {
   std::u16string text;
 };
 
-// The records of a (small) sample file as the record form frames them: each
-// line, or each NUL-ended piece of it, with its continuation lines joined.
+// The records of a (small) sample file as the record form frames them, as
+// translate reads them: each line, or each NUL-ended piece of it, with its
+// continuation lines joined (past a page heading, to the record before it);
+// a UTF-8 file's byte-order mark dropped. Headings stay, to be shown.
 std::vector<CheckedRecord> ReadForCheck(const ConfigOptions& options, const RecordForm& form) {
   std::unique_ptr<std::FILE, FileCloser> f(OpenFile(options.records, "rb", "records"));
   LineReader reader(f.get());
   std::string line;
   std::vector<CheckedRecord> records;
+  size_t last_record = 0;  // records[last_record - 1], the last one not a heading
   for (int64_t number = 1; reader.Next(&line); ++number) {
+    if (number == 1 && options.encoding == "utf-8" && line.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+      line.erase(0, 3);
+    }
     if (form.seven_bit) {
       for (char& c : line) c = static_cast<char>(c & 0x7F);
     }
@@ -215,10 +221,11 @@ std::vector<CheckedRecord> ReadForCheck(const ConfigOptions& options, const Reco
       const std::u16string_view piece = rest.substr(0, end);
       rest.remove_prefix(end == std::u16string_view::npos ? rest.size() : end + 1);
       if (piece.empty()) continue;
-      if (!records.empty() && form.IsContinuation(piece) && !form.IsHeading(records.back().text)) {
-        form.Join(piece, &records.back().text);
+      if (last_record > 0 && form.IsContinuation(piece)) {
+        form.Join(piece, &records[last_record - 1].text);
       } else {
         records.push_back({number, std::u16string(piece)});
+        if (!form.IsHeading(piece)) last_record = records.size();
       }
     }
   }

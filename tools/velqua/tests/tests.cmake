@@ -164,6 +164,9 @@ velqua_e2e(check_kx_tda 0 --now "2026-01-20 09:00:00" config check examples/kx-t
            tests/e2e/data/kx-tda-check.txt)
 velqua_e2e(check_utf8 0 config check --encoding utf-8 examples/hicom/hicom.json
            tests/e2e/data/hicom-utf8.txt)
+# a byte-order mark opening the file is no part of the first record, as in translate
+velqua_e2e(check_utf8_bom 0 config check --encoding utf-8 examples/hicom/hicom.json
+           tests/e2e/data/hicom-utf8-bom.txt SAME_AS check_utf8)
 # why a record is unrecognised: no mark, a duration that cannot be read, no digit
 velqua_e2e(check_reasons 0 config check examples/hicom/hicom.json
            tests/e2e/data/hicom-check-reasons.txt)
