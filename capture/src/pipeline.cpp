@@ -358,8 +358,6 @@ void Pipeline::Connect(StreamState& s, const SpoolEntry& e) {
 }
 
 void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
-  const std::u16string line =
-      s.sw->settings.utf8 ? velqua::DesdeUtf8(r.bytes) : velqua::DesdeAnsi(r.bytes);
   const int64_t second = s.last_received_us / 1000000;
   if (second != s.input_second) {
     // The year of a record that prints none is the year it was received in,
@@ -368,8 +366,13 @@ void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
     s.translation->Input(s.name, velqua_store::UtcToLocal(s.received_utc));
     s.input_second = second;
   }
-  if (r.heading) return Heading(s, line, r.position);
-  s.translation->Line(line, r.position);
+  if (r.heading) {
+    return Heading(s, s.sw->settings.utf8 ? velqua::DesdeUtf8(r.bytes) : velqua::DesdeAnsi(r.bytes),
+                   r.position);
+  }
+  // Decoded as `translate` decodes a line (the framer has applied the
+  // record form's record ends and 7-bit lines already).
+  s.translation->LineBytes(r.bytes, r.position);
   Translated(s);
 }
 
