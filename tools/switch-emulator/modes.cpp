@@ -101,30 +101,30 @@ void Serve(tcp::acceptor& acceptor, const Options& o, Player& player, bool login
   }
 }
 
-}  // namespace
-
-int RunPanasonic(const Options& o) {
+// A switch the collector connects to, on `port` unless told another.
+int RunServer(const Options& o, const char* mode, int port, bool login, const std::string& end,
+              const std::string& heading) {
   asio::io_context io;
   Options with_port = o;
-  if (with_port.port == 0) with_port.port = 2300;
-  tcp::acceptor acceptor = Listen(io, with_port, "panasonic");
+  if (with_port.port == 0) with_port.port = port;
+  tcp::acceptor acceptor = Listen(io, with_port, mode);
   Player player(o);
-  Serve(acceptor, o, player, true, "\r\n",
-        std::string(kPanasonicHeading[0]) + "\r\n" + kPanasonicHeading[1] + "\r\n");
+  Serve(acceptor, o, player, login, end, heading);
   return 0;
 }
 
+}  // namespace
+
+int RunPanasonic(const Options& o) {
+  return RunServer(o, "panasonic", 2300, true, "\r\n",
+                   std::string(kPanasonicHeading[0]) + "\r\n" + kPanasonicHeading[1] + "\r\n");
+}
+
 int RunSamsung(const Options& o) {
-  asio::io_context io;
-  Options with_port = o;
-  if (with_port.port == 0) with_port.port = 5100;
-  tcp::acceptor acceptor = Listen(io, with_port, "samsung");
-  Player player(o);
   const std::string heading =
       std::string("\x0c") + "STN  CO  DIAL NUMBER               DATE   TIME  DURATION\r\n" +
       "========================================================" + std::string(1, '\0');
-  Serve(acceptor, o, player, false, std::string(1, '\0'), heading);
-  return 0;
+  return RunServer(o, "samsung", 5100, false, std::string(1, '\0'), heading);
 }
 
 // Pushes records to the collector, connecting again whenever the connection
