@@ -187,6 +187,9 @@ void SpoolWriter::CutTornTail(const std::string& path, int64_t first) {
 }
 
 void SpoolWriter::OpenSegment(int64_t first) {
+  // The segment written until now (or lost to a failed write) can be
+  // released from its end on.
+  next_release_ = std::min(next_release_, end_);
   if (fd_ >= 0) {
     if (policy_ != FsyncPolicy::kNever) ::fdatasync(fd_);
     ::close(fd_);
@@ -254,11 +257,17 @@ void SpoolWriter::Sync() {
 }
 
 void SpoolWriter::Release(int64_t position) {
+  if (position < next_release_) return;
+  next_release_ = INT64_MAX;  // until a segment other than the current one remains
   for (const auto& [first, path] : ListSegments(dir_)) {
     if (fd_ >= 0 && first >= first_) break;
     struct stat st {};
     if (::stat(path.c_str(), &st) != 0) continue;
-    if (first + static_cast<int64_t>(st.st_size) > position) break;
+    const int64_t end = first + static_cast<int64_t>(st.st_size);
+    if (end > position) {
+      next_release_ = end;
+      break;
+    }
     ::unlink(path.c_str());
   }
 }

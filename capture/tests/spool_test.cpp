@@ -168,6 +168,10 @@ TEST(Spool, ReleaseDeletesOnlyWhollyPassedSegments) {
   EXPECT_LT(ListSegments(dir).size(), before);
   writer.Release(INT64_MAX);
   EXPECT_EQ(ListSegments(dir).size(), 1u);  // the segment being written stays
+  for (int i = 0; i < 6; ++i) writer.Append(SpoolKind::kData, "pbx", i, "x");
+  ASSERT_GT(ListSegments(dir).size(), 1u);
+  writer.Release(writer.End());  // segments started since the last release go too
+  EXPECT_EQ(ListSegments(dir).size(), 1u);
 }
 
 // A disk that refuses writes (here a file-size limit) leaves the segment

@@ -95,6 +95,9 @@ class SpoolWriter {
   int fd_ = -1;
   int64_t first_ = 0;  // of the segment being written
   int64_t end_ = 0;
+  // No segment can be released before this position: Release lists the
+  // folder only from there (it is called after every commit).
+  int64_t next_release_ = INT64_MIN;
   int64_t segment_bytes_ = 64ll << 20;
   bool deferred_sync_ = false;
   std::string buffer_;
