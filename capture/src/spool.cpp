@@ -101,7 +101,7 @@ Parse ReadAt(int fd, int64_t first, int64_t offset, int64_t size, std::string* b
   if (fmt::Checksum(prefix, *body) != fmt::DecodeFixed32(prefix + 4)) return Parse::kBad;
   const auto kind = static_cast<uint8_t>((*body)[0]);
   const auto source_size = static_cast<uint8_t>((*body)[1]);
-  if (kind < 1 || kind > 5 || source_size == 0 || 2u + source_size + 8u > length) {
+  if (kind < 1 || kind > 7 || source_size == 0 || 2u + source_size + 8u > length) {
     return Parse::kBad;
   }
   entry->position = first + offset;
@@ -120,6 +120,21 @@ bool HeaderIsGood(int fd, int64_t first) {
   return ReadFully(fd, header, sizeof header, 0) &&
          std::memcmp(header, fmt::kMagic, sizeof fmt::kMagic) == 0 &&
          static_cast<int64_t>(fmt::DecodeFixed64(header + 8)) == first;
+}
+
+// The source named by a record torn at `offset`, when enough of it remains.
+std::string TornSource(int fd, int64_t offset, int64_t size) {
+  char head[fmt::kRecordPrefixSize + 2 + 255];
+  const int64_t n = std::min<int64_t>(size - offset, static_cast<int64_t>(sizeof head));
+  if (n < static_cast<int64_t>(fmt::kRecordPrefixSize + 2) ||
+      !ReadFully(fd, head, static_cast<size_t>(n), offset)) {
+    return "";
+  }
+  const auto source_size = static_cast<unsigned char>(head[fmt::kRecordPrefixSize + 1]);
+  if (source_size == 0 || fmt::kRecordPrefixSize + 2 + source_size > static_cast<size_t>(n)) {
+    return "";
+  }
+  return std::string(head + fmt::kRecordPrefixSize + 2, source_size);
 }
 
 void SyncFolder(const std::string& dir) {
@@ -174,8 +189,10 @@ void SpoolWriter::CutTornTail(const std::string& path, int64_t first) {
     while (ReadAt(fd, first, good, size, &buffer_, &entry, &total) == Parse::kOk) good += total;
   }
   if (good < size) {
-    log_("spool: torn tail cut: " + std::to_string(size - good) + " bytes at the end of " + path +
-         " (from position " + std::to_string(first + good) + ")");
+    torn_tail_ = "torn tail cut: " + std::to_string(size - good) + " bytes at the end of " + path +
+                 " (from position " + std::to_string(first + good) + ")";
+    if (good > 0) torn_stream_ = TornSource(fd, good, size);
+    log_("spool: " + torn_tail_);
     if (good == 0) {
       ::unlink(path.c_str());
     } else if (::ftruncate(fd, good) != 0 || ::fsync(fd) != 0) {

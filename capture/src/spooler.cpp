@@ -36,6 +36,10 @@ void Spooler::Start() {
     for (const SourceSettings& s : sw.sources) last_data_[s.name] = now;
   }
   Append(SpoolKind::kStart, "service", "");
+  // The record cut was the stream's: the store records it there.
+  if (!writer_->torn_stream().empty()) {
+    Append(SpoolKind::kTornTail, writer_->torn_stream(), writer_->torn_tail());
+  }
   Tick();
 }
 

@@ -22,6 +22,8 @@ enum class SpoolKind : uint8_t {
   kDisconnect = 3,  // a source's connection ended (bytes: the reason)
   kFlush = 4,       // a source was quiet: the record it left open is complete
   kStart = 5,       // the service started: every connection before it has ended
+  kGap = 6,         // a source knows it missed bytes it can never read (bytes: what)
+  kTornTail = 7,    // a torn spool tail held a record of this source (bytes: what was cut)
 };
 
 enum class FsyncPolicy {
@@ -75,6 +77,11 @@ class SpoolWriter {
   void Sync();
   // The position after the last record appended.
   int64_t End() const { return end_; }
+  // The torn tail cut on opening: "" when there was none; else a line
+  // saying what was cut, and the stream whose record it was ("" when the
+  // tail is too short to name it).
+  const std::string& torn_tail() const { return torn_tail_; }
+  const std::string& torn_stream() const { return torn_stream_; }
   // Deletes the segments that end at or before `position`, never the one
   // being written.
   void Release(int64_t position);
@@ -101,6 +108,7 @@ class SpoolWriter {
   int64_t segment_bytes_ = 64ll << 20;
   bool deferred_sync_ = false;
   std::string buffer_;
+  std::string torn_tail_, torn_stream_;
 };
 
 // Reads a spool folder's records in position order, from a position on,
