@@ -262,8 +262,9 @@ SourceSettings ReadSource(const Reader& r, std::set<std::string>* names) {
       ReadAllowList(r, &s);
       break;
     case SourceKind::kFileFollow:
-      r.OnlyKeys({"name", "kind", "path", "silence_warning"}, "a file-follow source");
+      r.OnlyKeys({"name", "kind", "path", "rotated", "silence_warning"}, "a file-follow source");
       s.path = r.Path("path", true);
+      s.rotated = r.Path("rotated", false);
       break;
   }
   return s;

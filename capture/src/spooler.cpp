@@ -121,6 +121,11 @@ void Spooler::Disconnected(const std::string& stream, const std::string& reason)
   Append(SpoolKind::kDisconnect, stream, reason);
 }
 
+void Spooler::Gap(const std::string& stream, const std::string& what) {
+  log_.Warn("source " + stream + ": " + what);
+  Append(SpoolKind::kGap, stream, what);
+}
+
 void Spooler::Append(SpoolKind kind, const std::string& stream, std::string_view bytes) {
   const int64_t received_us = NowMicros();
   if (held_.empty() && TryAppend(kind, stream, received_us, bytes)) return;

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 #include "capture_test.h"
 #include "service_support.h"
@@ -90,6 +91,74 @@ TEST(CaptureCrash, AKillInsideTheResentPartStoresNothingTwice) {
   const auto disconnects = OfKind(events, "disconnect");
   ASSERT_EQ(disconnects.size(), 3u);  // the cut, the kill, the stop
   EXPECT_EQ(disconnects[1].detail, "the service stopped without ending the connection");
+}
+
+// A followed file changed while the service was stopped: its unread tail is
+// read first wherever rotation put it; when it is gone the gap is recorded.
+TEST(CaptureCrash, AFileRotatedOrTruncatedWhileStoppedIsReadToItsEnd) {
+  namespace fs = std::filesystem;
+  using Change = std::function<void(const std::string& dir)>;
+  auto move_to = [](const std::string& to) {
+    return [to](const std::string& dir) {
+      fs::create_directories(fs::path(dir + "/" + to).parent_path());
+      fs::rename(dir + "/smdr.log", dir + "/" + to);
+    };
+  };
+  const struct {
+    const char* name;
+    std::string rotated;  // the source's `rotated` setting
+    Change change;        // after the old file got its last records, before the new one starts
+    bool lost;            // the old file's last records cannot be found
+  } rows[] = {
+      {"renamed to smdr.log.1", "", move_to("smdr.log.1"), false},
+      {"renamed to smdr.log-20260101", "", move_to("smdr.log-20260101"), false},
+      {"moved where the rotated pattern says", "archive/smdr-*.log", move_to("archive/smdr-1.log"),
+       false},
+      {"copied, then truncated", "",
+       [](const std::string& dir) {
+         fs::copy_file(dir + "/smdr.log", dir + "/smdr.log.0");
+         fs::resize_file(dir + "/smdr.log", 0);
+       },
+       false},
+      {"renamed and removed", "", [](const std::string& dir) { fs::remove(dir + "/smdr.log"); },
+       true},
+      {"truncated without a copy", "",
+       [](const std::string& dir) { fs::resize_file(dir + "/smdr.log", 0); }, true},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::string dir = TempDir("rotated");
+    const std::string store = dir + "/calls.db";
+    const std::string config = WriteConfig(
+        dir, store, "",
+        "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"smdr.log\"\n" +
+            (row.rotated.empty() ? "" : "rotated = \"" + row.rotated + "\"\n"));
+    const std::vector<std::string> all = GenerateRecords(dir + "/all.txt", 16);
+    auto append = [&](size_t from, size_t to) {
+      std::ofstream out(dir + "/smdr.log", std::ios::app);
+      for (size_t i = from; i < to; ++i) out << all[i] << "\r\n";
+    };
+    append(0, 10);
+    auto service = StartService(config, dir);
+    ASSERT_TRUE(WaitForRecords(store, 10)) << ReadFile(dir + "/service.log");
+    ASSERT_EQ(service->Stop(SIGTERM), 0);
+    append(10, 13);  // written after the service stopped
+    row.change(dir);
+    append(13, 16);  // the new file
+    std::vector<std::string> expected = all;
+    if (row.lost) expected.erase(expected.begin() + 10, expected.begin() + 13);
+    service = StartService(config, dir);
+    EXPECT_TRUE(WaitForRecords(store, expected.size())) << ReadFile(dir + "/service.log");
+    EXPECT_EQ(service->Stop(SIGTERM), 0);
+    EXPECT_EQ(StoredCalls(store), expected);
+    const auto gaps = OfKind(StoredEvents(store), "gap");
+    EXPECT_EQ(gaps.size(), row.lost ? 1u : 0u);
+    const std::string log = ReadFile(dir + "/service.log");
+    EXPECT_EQ(log.find("was not found: what was written to it after that could not be read") !=
+                  std::string::npos,
+              row.lost)
+        << log;
+  }
 }
 
 }  // namespace

@@ -14,6 +14,11 @@
 //   velqua_capture_fault_harness [--records N] [--kills K] [--cuts C]
 //                                [--rate R] [--fsync always|interval|never]
 //                                [--quiet-ms Q] [--store sqlite|postgresql]
+//                                [--source ipoffice|file]
+//
+// With `--source file` the records are appended to a followed file instead,
+// and while the service is down the file is rotated (renamed away) or copied
+// and truncated, in turn (fault_file.cpp).
 //
 // The test suite runs a short version; scripts/capture_fault_harness.sh
 // the long one (doc/reliability.md).
@@ -28,21 +33,9 @@
 #include <random>
 #include <thread>
 
-#include "pg_test_server.h"
-#include "service_support.h"
+#include "fault_harness.h"
 
 namespace velqua_capture_test {
-namespace {
-
-struct Options {
-  int64_t records = 10000;
-  int kills = 5;
-  int cuts = 5;
-  int64_t rate = 1000;
-  std::string fsync = "always";
-  int quiet_ms = 300;
-  std::string store = "sqlite";
-};
 
 Options Parse(int argc, char** argv) {
   Options o;
@@ -56,16 +49,43 @@ Options Parse(int argc, char** argv) {
     if (key == "--fsync") o.fsync = value;
     if (key == "--quiet-ms") o.quiet_ms = std::stoi(value);
     if (key == "--store") o.store = value;
+    if (key == "--source") o.source = value;
   }
   return o;
 }
 
-// How many times each record occurs.
-std::map<std::string, int64_t> Counts(const std::vector<std::string>& records) {
-  std::map<std::string, int64_t> counts;
-  for (const std::string& r : records) ++counts[r];
-  return counts;
+Compared Compare(const std::vector<std::string>& expected, const std::vector<std::string>& stored) {
+  std::map<std::string, int64_t> want, got;
+  for (const std::string& r : expected) ++want[r];
+  for (const std::string& r : stored) ++got[r];
+  Compared c;
+  for (const auto& [record, n] : want) {
+    const auto it = got.find(record);
+    const int64_t have = it == got.end() ? 0 : it->second;
+    c.lost += std::max<int64_t>(0, n - have);
+    c.duplicated += std::max<int64_t>(0, have - n);
+  }
+  for (const auto& [record, n] : got) c.foreign += want.count(record) ? 0 : n;
+  return c;
 }
+
+std::string StoreFor(const Options& o, const std::string& dir,
+                     std::unique_ptr<velqua_store_testing::PgTestServer>* server) {
+  if (o.store != "postgresql") return dir + "/calls.db";
+  *server = std::make_unique<velqua_store_testing::PgTestServer>();
+  return (*server)->NewDatabase();
+}
+
+std::string HarnessConfig(const Options& o, const std::string& dir, const std::string& store,
+                          const std::string& sources) {
+  const std::string config = WriteConfig(dir, store, "", sources);
+  std::string text = ReadFile(config);
+  text.replace(text.find("fsync = \"interval\""), 18, "fsync = \"" + o.fsync + "\"");
+  std::ofstream(config, std::ios::trunc) << text;
+  return config;
+}
+
+namespace {
 
 int64_t SumOfDropped(const std::string& log) {
   int64_t sum = 0;
@@ -89,24 +109,17 @@ size_t Connections(Child& pusher) {
   }));
 }
 
-int Run(const Options& o) {
+}  // namespace
+
+int RunPusher(const Options& o) {
   const auto begin = std::chrono::steady_clock::now();
   const std::string dir = TempDir("fault-harness");
   const int port = FreePort();
   std::unique_ptr<velqua_store_testing::PgTestServer> server;
-  std::string store = dir + "/calls.db";
-  if (o.store == "postgresql") {
-    server = std::make_unique<velqua_store_testing::PgTestServer>();
-    store = server->NewDatabase();
-  }
-  const std::string config = WriteConfig(
-      dir, store, "",
+  const std::string store = StoreFor(o, dir, &server);
+  const std::string config = HarnessConfig(
+      o, dir, store,
       "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " + std::to_string(port));
-  {  // the fsync policy under test
-    std::string text = ReadFile(config);
-    text.replace(text.find("fsync = \"interval\""), 18, "fsync = \"" + o.fsync + "\"");
-    std::ofstream(config, std::ios::trunc) << text;
-  }
   const std::vector<std::string> expected = GenerateRecords(dir + "/records.txt", o.records);
   // The pusher sends again what the last 0.2 s carried: more than a killed
   // service can have taken from the socket without writing it to the spool.
@@ -159,16 +172,7 @@ int Run(const Options& o) {
 
   const std::vector<std::string> calls = StoredCalls(store);
   const std::vector<std::string> unrecognised = StoredUnrecognised(store);
-  const auto want = Counts(expected);
-  const auto got = Counts(calls);
-  int64_t lost = 0, duplicated = 0, foreign = 0;
-  for (const auto& [record, n] : want) {
-    const auto it = got.find(record);
-    const int64_t have = it == got.end() ? 0 : it->second;
-    lost += std::max<int64_t>(0, n - have);
-    duplicated += std::max<int64_t>(0, have - n);
-  }
-  for (const auto& [record, n] : got) foreign += want.count(record) ? 0 : n;
+  const auto [lost, duplicated, foreign] = Compare(expected, calls);
   // A record the service was reading when it was killed is kept as the
   // fragment it had (an unrecognised record); the pusher's re-send brings it
   // whole. Anything else unrecognised is a fault.
@@ -199,9 +203,10 @@ int Run(const Options& o) {
   return ok ? 0 : 1;
 }
 
-}  // namespace
 }  // namespace velqua_capture_test
 
 int main(int argc, char** argv) {
-  return velqua_capture_test::Run(velqua_capture_test::Parse(argc, argv));
+  const velqua_capture_test::Options o = velqua_capture_test::Parse(argc, argv);
+  return o.source == "file" ? velqua_capture_test::RunFileFaults(o)
+                            : velqua_capture_test::RunPusher(o);
 }
