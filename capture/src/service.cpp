@@ -28,11 +28,12 @@ std::string Fingerprint(const SwitchSettings& sw, const SourceSettings& s) {
   for (const std::string& h : sw.framing.page_headings) f << '|' << h;
   f << "||" << static_cast<int>(s.kind) << '|' << s.device << '|' << s.baud << s.data_bits
     << static_cast<int>(s.parity) << s.stop_bits << static_cast<int>(s.flow) << '|' << s.host << '|'
-    << s.port << '|' << s.bind << '|' << s.path << '|' << s.retry_min.count() << '|'
-    << s.retry_max.count() << '|' << s.silence.count();
+    << s.port << '|' << s.bind << '|' << s.path << '|' << s.rotated << '|' << s.retry_min.count()
+    << '|' << s.retry_max.count() << '|' << s.silence.count();
   for (const LoginStep& l : s.login)
     f << '|' << l.expect << '|' << l.send << '|' << l.timeout.count();
   for (const std::string& a : s.allow) f << '|' << a;
+  for (const std::string& failure : s.login_failure) f << "|!" << failure;
   return f.str();
 }
 

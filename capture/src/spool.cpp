@@ -1,6 +1,7 @@
 #include "velqua/capture/spool.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -165,6 +166,7 @@ SpoolWriter::SpoolWriter(std::string dir, FsyncPolicy policy, Log log)
   if (!std::filesystem::is_directory(dir_)) {
     throw std::runtime_error("cannot make the spool folder '" + dir_ + "': " + ec.message());
   }
+  Lock();
   const auto segments = ListSegments(dir_);
   if (!segments.empty()) CutTornTail(segments.back().second, segments.back().first);
 }
@@ -173,6 +175,30 @@ SpoolWriter::~SpoolWriter() {
   if (fd_ >= 0) {
     if (policy_ != FsyncPolicy::kNever) ::fdatasync(fd_);
     ::close(fd_);
+  }
+  if (lock_fd_ >= 0) ::close(lock_fd_);  // the lock goes with it
+}
+
+void SpoolWriter::Lock() {
+  const std::string path = dir_ + "/lock";
+  lock_fd_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0640);
+  if (lock_fd_ < 0) throw std::runtime_error("cannot open '" + path + "': " + Errno());
+  if (::flock(lock_fd_, LOCK_EX | LOCK_NB) != 0) {
+    const int why = errno;
+    char pid[32] = {};
+    const ssize_t n = ::pread(lock_fd_, pid, sizeof pid - 1, 0);
+    ::close(lock_fd_);
+    lock_fd_ = -1;
+    std::string holder(pid, static_cast<size_t>(std::max<ssize_t>(0, n)));
+    while (!holder.empty() && (holder.back() == '\n' || holder.back() == ' ')) holder.pop_back();
+    if (why != EWOULDBLOCK) {
+      throw std::runtime_error("cannot lock '" + path + "': " + std::strerror(why));
+    }
+    throw SpoolInUse("spool " + dir_ + " in use by pid " + (holder.empty() ? "?" : holder));
+  }
+  const std::string pid = std::to_string(::getpid()) + "\n";
+  if (::ftruncate(lock_fd_, 0) != 0 || ::pwrite(lock_fd_, pid.data(), pid.size(), 0) < 0) {
+    // The lock holds all the same; only the message of a second writer lacks the pid.
   }
 }
 

@@ -89,6 +89,7 @@ void Spooler::Connected(const std::string& stream, const std::string& peer) {
     s.source = std::string(SourceOfStream(stream));
     s.switch_name = sw != nullptr ? sw->name : "";
     s.connected = true;
+    s.login_failed = false;
     s.since_us = NowMicros();
     ++s.connections;
   });
@@ -119,6 +120,14 @@ void Spooler::Disconnected(const std::string& stream, const std::string& reason)
     s.last_event = reason;
   });
   Append(SpoolKind::kDisconnect, stream, reason);
+}
+
+void Spooler::LoginFailed(const std::string& stream, const std::string& why) {
+  board_.Update(stream, [&](StreamStatus& s) {
+    s.source = std::string(SourceOfStream(stream));
+    s.login_failed = true;
+    s.last_event = "login failed: " + why;
+  });
 }
 
 void Spooler::Gap(const std::string& stream, const std::string& what) {

@@ -52,6 +52,8 @@ struct SourceSettings {
   std::string host;
   int port = 0;
   std::vector<LoginStep> login;
+  // What the switch answers a refused login with (tcp-connect with a login).
+  std::vector<std::string> login_failure = {"Login incorrect", "Invalid"};
   // tcp-listen: the address and port to listen on (default 127.0.0.1), and
   // the peers allowed (addresses or networks such as 10.1.0.0/16; empty: any).
   std::string bind = "127.0.0.1";

@@ -31,6 +31,9 @@ class SourceEvents {
   // rotated away or truncated while the service was stopped): logged, and
   // recorded in the store as a gap.
   virtual void Gap(const std::string& stream, const std::string& what) = 0;
+  // The switch refused the source's login (or never completed it): the
+  // stream's state is "login failed" until it connects.
+  virtual void LoginFailed(const std::string& stream, const std::string& why) = 0;
 };
 
 class Source {
