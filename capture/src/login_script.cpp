@@ -81,7 +81,7 @@ void LoginScript::Advance(Progress* p) {
 void LoginScript::Confirm(Progress* p) {
   for (size_t at = 0; at < received_.size(); ++at) {
     const char c = received_[at];
-    if (c == '\r' || c == '\n' || c == ' ' || c == '\t') continue;  // blank
+    if (c == '\r' || c == '\n' || c == ' ' || c == '\t') continue;         // blank
     if (received_.find_first_of("\r\n", at) == std::string::npos) return;  // a line not whole yet
     confirming_ = false;
     p->done = true;

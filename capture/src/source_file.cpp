@@ -11,6 +11,7 @@
 // it cannot be found the gap is logged and recorded, never passed over.
 #include <fcntl.h>
 #include <fnmatch.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -269,6 +270,17 @@ std::shared_ptr<Source> MakeFileSource(asio::io_context& io, const SourceSetting
                                        const SwitchSettings& sw, const std::string& state_dir,
                                        SourceEvents& events) {
   return std::make_shared<FileSource>(io, s, sw, state_dir, events);
+}
+
+void DrainHeld(int fd, std::string& buffer, const std::function<void(std::string_view)>& got) {
+  if (fd < 0) return;
+  for (;;) {
+    pollfd ready{fd, POLLIN, 0};
+    if (::poll(&ready, 1, 0) != 1 || (ready.revents & POLLIN) == 0) return;
+    const ssize_t n = ::read(fd, buffer.data(), buffer.size());
+    if (n <= 0) return;
+    got(std::string_view(buffer.data(), static_cast<size_t>(n)));
+  }
 }
 
 std::shared_ptr<Source> MakeSource(asio::io_context& io, const SourceSettings& settings,

@@ -56,6 +56,10 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
     resolver_.cancel();
     timer_.cancel();
     login_timer_.cancel();
+    if (online_) {
+      DrainHeld(socket_.native_handle(), buffer_,
+                [this](std::string_view bytes) { events_.Received(s_.name, bytes); });
+    }
     Close(reason);
   }
 
@@ -216,6 +220,13 @@ class PeerConnection : public std::enable_shared_from_this<PeerConnection> {
     });
   }
 
+  // Spools what the operating system holds for the connection already.
+  void Drain() {
+    if (ended_) return;
+    DrainHeld(socket_.native_handle(), buffer_,
+              [this](std::string_view bytes) { events_.Received(stream_, bytes); });
+  }
+
   void End(const std::string& reason) {
     if (ended_) return;
     ended_ = true;
@@ -268,7 +279,10 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
     timer_.cancel();
     waiting_.clear();
     auto peers = std::move(peers_);
-    for (auto& [stream, peer] : peers) peer->End(reason);
+    for (auto& [stream, peer] : peers) {
+      peer->Drain();
+      peer->End(reason);
+    }
   }
 
  private:
