@@ -136,9 +136,11 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
     // Go on where the last run stopped when it is the same file, not shorter;
     // else the last run's file was rotated or truncated meanwhile.
     const bool same = SameFile(st);
-    if (saved_inode_ != 0 && !same) CatchUp();
+    const bool changed = saved_inode_ != 0 && !same;
+    if (changed) CatchUp();
     offset_ = same ? saved_offset_ : 0;
     saved_inode_ = 0;
+    if (changed) SaveState();  // the old file is done with: a restart must not read it again
     pending_.clear();
     events_.Connected(s_.name, s_.path);
   }

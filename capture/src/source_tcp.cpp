@@ -121,6 +121,7 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
                                 return Answer(login_->Settle());
                               }
                               if (e) return LoginFailed(Reason(e));
+                              settle_ = false;  // bytes came before the wait ended the read
                               login_timer_.cancel();
                               Answer(login_->Feed(std::string_view(buffer_.data(), n)));
                             });

@@ -2,6 +2,7 @@
 // service started on the same spool, a stop while the switch is sending.
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 
 #include <regex>
 
@@ -86,6 +87,43 @@ TEST(CaptureOperation, ASecondServiceOnTheSameSpoolExits) {
             std::string::npos)
       << ReadFile(dir + "/second.log");
   EXPECT_EQ(first->Stop(SIGTERM), 0);
+}
+
+// A stop while the switch's bytes wait in the operating system (the
+// service was not reading them: its disk refused writes) spools them before
+// closing: a switch that never sends them again loses nothing.
+TEST(CaptureOperation, AStopSpoolsWhatTheSystemHolds) {
+  const std::string dir = TempDir("drain");
+  const int port = FreePort();
+  const std::string store = dir + "/calls.db";
+  const std::string config = WriteConfig(
+      dir, store, "",
+      "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " + std::to_string(port));
+  const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 400);
+  auto service = StartService(config, dir);
+  ASSERT_TRUE(WaitFor(
+      [&] { return ReadFile(dir + "/service.log").find("listening") != std::string::npos; }));
+  rlimit full{}, saved{};
+  ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, nullptr, &saved), 0);
+  full = saved;
+  full.rlim_cur = 16;  // below the spool's size: not even the connection's mark is written
+  ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &full, nullptr), 0);
+  Child pusher({EmulatorPath(), "ipoffice", "--port", std::to_string(port), "--records",
+                dir + "/records.txt", "--rate", "0", "--resend", "0"});
+  // All of it in the system's buffers: the service holds, and does not read.
+  // (Its log cannot be written meanwhile: the limit holds for it too.)
+  ASSERT_NE(pusher.WaitLine("played"), "");
+  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &saved, nullptr), 0);
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  service = StartService(config, dir);  // stores what the stop spooled and did not store
+  EXPECT_TRUE(WaitFor([&] {
+    const std::string log = ReadFile(dir + "/service.log");
+    return log.find("listening") != log.rfind("listening");
+  }));
+  EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), records);
 }
 
 }  // namespace
