@@ -125,7 +125,7 @@ def wait_for_log(path, text, timeout=20):
     raise RuntimeError(f"{text!r} not in {path}")
 
 
-def capture_end_to_end(build, work, records, count, tag):
+def capture_end_to_end(build, work, records, count, tag, fsync="always"):
     """Seconds from the pusher's first byte to the last call stored."""
     port = free_port()
     folder = os.path.join(work, f"end-to-end-{tag}")
@@ -133,7 +133,7 @@ def capture_end_to_end(build, work, records, count, tag):
     config = os.path.join(folder, "capture.toml")
     root = os.path.abspath(os.path.join(os.path.dirname(__file__), ".."))
     with open(config, "w") as f:
-        f.write(f'store = "calls.db"\nspool = "spool"\n'
+        f.write(f'store = "calls.db"\nspool = "spool"\nfsync = "{fsync}"\n'
                 f'[[switch]]\nname = "kx-tda"\nconfig = "{root}/examples/kx-tda/kx-tda.json"\n'
                 f'[[switch.source]]\nname = "ipo"\nkind = "tcp-listen"\nport = {port}\n')
     log_path = os.path.join(folder, "service.log")
@@ -178,7 +178,8 @@ def main_vs_import(args, work, records):
           "| import / capture |")
     print("|---|---|---|---|")
     for pair in range(1, args.pairs + 1):
-        capture = args.records / capture_end_to_end(args.build, work, records, args.records, pair)
+        capture = args.records / capture_end_to_end(args.build, work, records, args.records, pair,
+                                                    args.fsync)
         imported = args.records / import_time(args.build, work, records, pair)
         print(f"| {pair} | {capture:,.0f} | {imported:,.0f} | {imported / capture:.2f} |")
 
@@ -189,6 +190,7 @@ def main():
     parser.add_argument("--records", type=int, default=1000000)
     parser.add_argument("--vs-import", action="store_true")
     parser.add_argument("--pairs", type=int, default=3)
+    parser.add_argument("--fsync", default="always", help="with --vs-import")
     args = parser.parse_args()
     work = tempfile.mkdtemp(prefix="velqua-capture-bench-")
     records = os.path.join(work, "records.txt")
