@@ -133,4 +133,9 @@ ServiceState ReadServiceState(const ServiceSettings& settings) {
   return state;
 }
 
+const char* ConnectionState(const StreamStatus& s) {
+  if (s.connected) return "connected";
+  return s.login_failed ? "login failed" : "disconnected";
+}
+
 }  // namespace velqua_capture

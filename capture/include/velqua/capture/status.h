@@ -100,6 +100,9 @@ struct ServiceState {
 };
 ServiceState ReadServiceState(const ServiceSettings& settings);
 
+// "connected", "login failed" or "disconnected".
+const char* ConnectionState(const StreamStatus& s);
+
 // Microseconds since 1970 UTC now, and their ISO 8601 UTC form
 // ("2026-01-19T08:02:11Z"; "-" for 0).
 int64_t NowMicros();
