@@ -541,11 +541,13 @@ void Pipeline::Commit() {
         s->events.begin(), s->events.end(),
         [&](const StreamState::PendingEvent& ev) { return ev.position < checkpoint; });
     if (s->rows.empty() && ready == s->events.begin()) continue;
-    const velqua_store::WriteResult result = store_->Write(s->source, s->rows, checkpoint, [&] {
-      for (auto it = s->events.begin(); it != ready; ++it) {
-        store_->AddEvent(s->source, it->event);
-      }
-    });
+    StreamState* const stream = s.get();
+    const velqua_store::WriteResult result =
+        store_->Write(s->source, s->rows, checkpoint, [this, stream, ready] {
+          for (auto it = stream->events.begin(); it != ready; ++it) {
+            store_->AddEvent(stream->source, it->event);
+          }
+        });
     s->events.erase(s->events.begin(), ready);
     const int64_t now = NowMicros();
     int64_t last_us = 0;

@@ -140,7 +140,10 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
     if (changed) CatchUp();
     offset_ = same ? saved_offset_ : 0;
     saved_inode_ = 0;
-    if (changed) SaveState();  // the old file is done with: a restart must not read it again
+    // Known from now on: a restart after a rotation finds this file again
+    // even if nothing of it was handed over yet; and an old file read to its
+    // end is not read again.
+    SaveState();
     pending_.clear();
     events_.Connected(s_.name, s_.path);
   }
