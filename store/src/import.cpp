@@ -161,6 +161,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
   translation.Finish();
   batcher_->Commit(translation.end_offset());
   result.failed += translation.counts().failed;
+  result.damaged += translation.counts().damaged;
   result.headings += translation.counts().headings;
   ++result.files;
   store_.AddEvent(source, {"import", "", translation.counts().read,

@@ -122,6 +122,7 @@ int RunImport(const ImportOptions& options) {
   std::string notes;
   if (result.headings > 0) notes += ", " + std::to_string(result.headings) + " page headings";
   if (result.failed > 0) notes += ", " + std::to_string(result.failed) + " failed with an error";
+  if (result.damaged > 0) notes += ", " + std::to_string(result.damaged) + " damaged";
   if (!notes.empty()) notes = " (" + notes.substr(2) + ")";
   std::fprintf(stderr,
                "velqua: imported %lld record%s from %lld file%s into '%s': %lld calls, %lld "
@@ -131,7 +132,7 @@ int RunImport(const ImportOptions& options) {
                store->name().c_str(), static_cast<long long>(w.calls),
                static_cast<long long>(w.unrecognised), notes.c_str(),
                static_cast<long long>(w.duplicates));
-  return result.failed > 0 ? kExitRecordsFailed : 0;
+  return result.failed + result.damaged > 0 ? kExitRecordsFailed : 0;
 }
 
 }  // namespace velqua_cli

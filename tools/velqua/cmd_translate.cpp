@@ -35,9 +35,9 @@ void CountNote(int64_t count, const char* noun, const char* what) {
 }
 
 void ReportCounts(const Counts& counts, const TranslateOptions& options) {
-  if (counts.failed > kReportedFailures) {
-    std::fprintf(stderr, "velqua: %lld more failed records not shown\n",
-                 static_cast<long long>(counts.failed - kReportedFailures));
+  if (counts.failed + counts.damaged > kReportedFailures) {
+    std::fprintf(stderr, "velqua: %lld more failed or damaged records not shown\n",
+                 static_cast<long long>(counts.failed + counts.damaged - kReportedFailures));
   }
   if (counts.random_extensions > 0) {
     std::fprintf(stderr,
@@ -61,13 +61,14 @@ void ReportCounts(const Counts& counts, const TranslateOptions& options) {
             "had more fields than the configuration declares (the extra fields ignored)");
   CountNote(counts.fewer_fields, "record",
             "had fewer fields than the configuration declares (the missing fields blank)");
+  std::string why;
+  if (counts.failed > 0) why += ", " + std::to_string(counts.failed) + " failed with an error";
+  if (counts.damaged > 0) why += ", " + std::to_string(counts.damaged) + " damaged";
+  if (!why.empty()) why = " (" + why.substr(2) + ")";
   std::fprintf(stderr, "velqua: %lld records read, %lld translated, %lld unrecognised%s\n",
                static_cast<long long>(counts.read),
                static_cast<long long>(counts.read - counts.unrecognised),
-               static_cast<long long>(counts.unrecognised),
-               counts.failed == 0
-                   ? ""
-                   : (" (" + std::to_string(counts.failed) + " failed with an error)").c_str());
+               static_cast<long long>(counts.unrecognised), why.c_str());
 }
 
 }  // namespace
@@ -145,7 +146,8 @@ int RunTranslate(const TranslateOptions& options) {
     throw CliError("cannot write output '" + options.output + "': " + std::strerror(errno));
   }
   ReportCounts(translation.counts(), options);
-  return translation.counts().failed > 0 ? kExitRecordsFailed : 0;
+  const Counts& counts = translation.counts();
+  return counts.failed + counts.damaged > 0 ? kExitRecordsFailed : 0;
 }
 
 }  // namespace velqua_cli

@@ -17,6 +17,7 @@
 #include "velqua/records/clock.h"
 #include "velqua/records/record_form.h"
 #include "velqua/records/record_reader.h"
+#include "velqua/records/row_check.h"
 #include "velqua/traductor.h"
 
 namespace velqua_records {
@@ -25,6 +26,7 @@ struct Counts {
   int64_t read = 0;
   int64_t unrecognised = 0;  // failed records included
   int64_t failed = 0;
+  int64_t damaged = 0;  // recognised, but failing the row check (row_check.h)
   int64_t random_extensions = 0;
   std::vector<int64_t> listed;  // the first unrecognised record numbers
   static constexpr size_t kListed = 20;
@@ -46,8 +48,10 @@ class Translation {
   // Binds a translator to `cfg`; rows go to `sink`.
   Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink, const Settings& settings);
 
-  // Called for each record the library fails on (it is kept as an
-  // unrecognised row carrying the error): input name, record number, error.
+  // Called for each record the library fails on, and for each damaged one
+  // (a recognised record failing the row check): it is kept as an
+  // unrecognised row carrying the error or the reason. Input name, record
+  // number, error or reason.
   std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
 
   // Called for each page-heading line skipped (input name, the line as
@@ -121,6 +125,7 @@ class Translation {
   RowSink& sink_;
   bool utf8_;
   RecordForm form_;
+  RowCheck check_;
   bool plain_ = false;     // no record form and no multi-line calls: lines are records
   std::u16string shaped_;  // the shaped text of a delimited record
   std::u16string record_;  // the record being translated

@@ -49,6 +49,7 @@ struct ImportResult {
   int64_t files = 0;
   int64_t read = 0;      // records read in this run (a resumed file: past its checkpoint)
   int64_t failed = 0;    // records the library failed on (kept as unrecognised)
+  int64_t damaged = 0;   // records failing the row check (kept as unrecognised, with why)
   int64_t headings = 0;  // page-heading lines (kept as unrecognised, with that reason)
   WriteResult written;
 };
