@@ -133,8 +133,9 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
   if (fingerprint != source.fingerprint) store_.SetFingerprint(source, fingerprint);
   std::fseek(f.get(), static_cast<long>(from), SEEK_SET);
 
-  velqua_records::Translation translation(cfg_, *batcher_,
-                                          {"", settings_.extensions, settings_.utf8, form_});
+  velqua_records::Translation translation(
+      cfg_, *batcher_,
+      {"", settings_.extensions, settings_.utf8, form_, !settings_.random_extensions});
   // A page heading is kept where every record is kept, as unrecognised with
   // that reason: nothing the switch sent is thrown away.
   translation.on_heading = [this](const std::string&, std::u16string_view line, int64_t at) {
@@ -162,6 +163,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
   batcher_->Commit(translation.end_offset());
   result.failed += translation.counts().failed;
   result.damaged += translation.counts().damaged;
+  result.unlisted += translation.counts().random_extensions;
   result.headings += translation.counts().headings;
   ++result.files;
   store_.AddEvent(source, {"import", "", translation.counts().read,

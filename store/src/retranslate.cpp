@@ -31,7 +31,7 @@ void Add(RewriteResult& total, const RewriteResult& part) {
 }  // namespace
 
 RewriteResult Retranslate(Store& store, const std::string& switch_name, const std::string& config,
-                          const std::string& extensions) {
+                          const std::string& extensions, bool random_extensions) {
   const std::optional<SwitchInfo> sw = store.FindSwitch(switch_name);
   if (!sw) throw StoreError("database '" + store.name() + "' has no switch '" + switch_name + "'");
   if (!extensions.empty()) velqua_records::RequireReadableFile(extensions, "extension list");
@@ -39,7 +39,8 @@ RewriteResult Retranslate(Store& store, const std::string& switch_name, const st
   store.PutSwitch(
       {switch_name, std::filesystem::absolute(config).string(), ConfigHash(config), ""});
   LastRow sink;
-  velqua_records::Translation translation(loaded.cfg, sink, {"", extensions, false, loaded.form});
+  velqua_records::Translation translation(loaded.cfg, sink,
+                                          {"", extensions, false, loaded.form, !random_extensions});
   RewriteResult total;
   // Records that move during the run land above these ids and are not read again.
   const int64_t last_ids[] = {store.LastStoredId(switch_name, true),

@@ -85,6 +85,7 @@ void AddImportCommand(CLI::App& app, ImportOptions& options) {
       ->check(CLI::Range(int64_t{1}, int64_t{10000000}))
       ->capture_default_str();
   cmd->add_flag("-q,--quiet", options.quiet, "No progress, only the summary line");
+  AddRandomExtensionsFlag(cmd, options.random_extensions);
 }
 
 int RunImport(const ImportOptions& options) {
@@ -95,7 +96,9 @@ int RunImport(const ImportOptions& options) {
   velqua_store::ImportSettings settings;
   settings.switch_name = options.switch_name;
   settings.config = ResolveConfig(options.config);
-  settings.extensions = options.extensions;
+  settings.extensions =
+      options.extensions.empty() ? BundledExtensionList(options.config) : options.extensions;
+  settings.random_extensions = options.random_extensions;
   settings.utf8 = options.encoding == "utf-8";
   settings.time_zone = options.time_zone;
   settings.year = options.year;
@@ -132,6 +135,10 @@ int RunImport(const ImportOptions& options) {
                store->name().c_str(), static_cast<long long>(w.calls),
                static_cast<long long>(w.unrecognised), notes.c_str(),
                static_cast<long long>(w.duplicates));
+  if (result.unlisted > 0) {
+    std::fprintf(stderr, "velqua: %s\n",
+                 UnlistedAccountCodes(result.unlisted, options.random_extensions).c_str());
+  }
   return result.failed + result.damaged > 0 ? kExitRecordsFailed : 0;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "cli_common.h"
+#include "cmd_translate.h"
 #include "velqua/records/bundled.h"
 #include "velqua/store/import.h"
 
@@ -24,12 +25,15 @@ void AddRetranslateCommand(CLI::App& app, RetranslateOptions& options) {
       ->required();
   cmd->add_option("--extensions", options.extensions,
                   "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
+  AddRandomExtensionsFlag(cmd, options.random_extensions);
 }
 
 int RunRetranslate(const RetranslateOptions& options) {
   std::unique_ptr<velqua_store::Store> store = velqua_store::OpenStore(options.db, false);
   const velqua_store::RewriteResult r = velqua_store::Retranslate(
-      *store, options.switch_name, ResolveConfig(options.config), options.extensions);
+      *store, options.switch_name, ResolveConfig(options.config),
+      options.extensions.empty() ? BundledExtensionList(options.config) : options.extensions,
+      options.random_extensions);
   const long long total = r.unchanged + r.updated + r.recognised + r.unrecognised;
   std::fprintf(stderr,
                "velqua: retranslated %lld records of switch '%s' in '%s': %lld updated, %lld "

@@ -15,6 +15,7 @@ struct RetranslateOptions {
   std::string switch_name;
   std::string config;
   std::string extensions;
+  bool random_extensions = false;
 };
 
 void AddRetranslateCommand(CLI::App& app, RetranslateOptions& options);

@@ -26,9 +26,9 @@ struct Counts {
   int64_t read = 0;
   int64_t unrecognised = 0;  // failed records included
   int64_t failed = 0;
-  int64_t damaged = 0;  // recognised, but failing the row check (row_check.h)
-  int64_t random_extensions = 0;
-  std::vector<int64_t> listed;  // the first unrecognised record numbers
+  int64_t damaged = 0;            // recognised, but failing the row check (row_check.h)
+  int64_t random_extensions = 0;  // unlisted account codes (extension drawn or left blank)
+  std::vector<int64_t> listed;    // the first unrecognised record numbers
   static constexpr size_t kListed = 20;
   int64_t headings = 0;      // page-heading lines skipped (not records)
   int64_t more_fields = 0;   // delimited records with fields beyond those declared
@@ -43,6 +43,12 @@ class Translation {
     std::string extensions;  // the KX-TDA account code to extension list
     bool utf8 = false;       // records in UTF-8 rather than Windows-1252
     RecordForm form;         // delimited shaping, page headings, record ends
+    // An outgoing call whose account code is missing from the extension
+    // list gets an extension drawn at random by the library (cases 10 and
+    // 11): true leaves it blank instead (the row still marks it), so that
+    // no call is charged to an extension that does not exist. The program,
+    // the store and the capture service set it unless told otherwise.
+    bool blank_random_extensions = false;
   };
 
   // Binds a translator to `cfg`; rows go to `sink`.
@@ -124,6 +130,7 @@ class Translation {
   std::unique_ptr<CallGatherer> gatherer_;
   RowSink& sink_;
   bool utf8_;
+  bool blank_random_;
   RecordForm form_;
   RowCheck check_;
   bool plain_ = false;     // no record form and no multi-line calls: lines are records

@@ -35,6 +35,9 @@ struct ImportSettings {
   int32_t year = 0;        // year received for switches that print none; 0: file time
   std::string source;      // the source's name for a single file, instead of its path
   size_t batch = 20000;    // records a transaction
+  // Keep the extension the library draws for an account code missing from
+  // the extension list; false leaves it blank (translation.h).
+  bool random_extensions = false;
 };
 
 // How far an import has come in the file at hand (after each batch).
@@ -51,6 +54,7 @@ struct ImportResult {
   int64_t failed = 0;    // records the library failed on (kept as unrecognised)
   int64_t damaged = 0;   // records failing the row check (kept as unrecognised, with why)
   int64_t headings = 0;  // page-heading lines (kept as unrecognised, with that reason)
+  int64_t unlisted = 0;  // calls whose account code the extension list lacks
   WriteResult written;
 };
 
@@ -90,8 +94,9 @@ class Importer {
 // `config` and stores what changed (Store::Rewrite), batch by batch; the
 // switch's configuration becomes `config`. Records received before keep
 // their year rule: the year is the one they were received in.
+// `random_extensions` as in ImportSettings.
 RewriteResult Retranslate(Store& store, const std::string& switch_name, const std::string& config,
-                          const std::string& extensions);
+                          const std::string& extensions, bool random_extensions = false);
 
 // "YYYY-MM-DDTHH:MM:SSZ" of a local date and time of this machine, and back.
 std::string LocalToUtc(const velqua_records::FechaHora& local);
