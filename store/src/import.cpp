@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -34,6 +35,26 @@ std::string Fingerprint(std::FILE* f, int64_t n) {
   const size_t got = std::fread(&bytes[0], 1, bytes.size(), f);
   bytes.resize(got);
   return std::to_string(got) + ":" + Fnv1aHex(bytes);
+}
+
+// Standard input copied into an unnamed temporary file: an import reads a
+// file's first bytes (its fingerprint) and then seeks, which a pipe cannot.
+std::FILE* CopyOfStandardInput() {
+  std::FILE* copy = std::tmpfile();
+  if (copy == nullptr) throw Failure("cannot make a temporary copy of standard input");
+  char block[65536];
+  for (size_t n; (n = std::fread(block, 1, sizeof block, stdin)) > 0;) {
+    if (std::fwrite(block, 1, n, copy) != n) {
+      std::fclose(copy);
+      throw Failure("cannot make a temporary copy of standard input (disk full?)");
+    }
+  }
+  const bool failed = std::ferror(stdin) != 0 || std::fflush(copy) != 0;
+  if (failed) {
+    std::fclose(copy);
+    throw Failure("cannot read standard input");
+  }
+  return copy;
 }
 
 int64_t FileSize(std::FILE* f) {
@@ -93,6 +114,12 @@ ImportResult Importer::Import(const std::vector<std::string>& files,
   progress_ = progress;
   int64_t bytes = 0;
   for (const std::string& file : files) {
+    if (file == "-") {
+      if (settings_.source.empty() || files.size() != 1) {
+        throw Failure("standard input ('-') is imported alone and named: --source NAME");
+      }
+      continue;
+    }
     velqua_records::RequireReadableFile(file, "input");
     bytes += static_cast<int64_t>(std::filesystem::file_size(file));
   }
@@ -108,27 +135,66 @@ ImportResult Importer::Import(const std::vector<std::string>& files,
   return result;
 }
 
+// The source a file continues: the one whose stored fingerprint its first
+// bytes match, whatever the file was called then (a copy, a rotated
+// `smdr.log.1`), the one of the same name preferred; else a new source under
+// `name`. A source of another file holding `name` is renamed out of the way
+// ("NAME (replaced <UTC>)"): a rotated log's new file takes the old name.
+Source Importer::SourceFor(std::FILE* f, int64_t size, const std::string& path,
+                           const std::string& name, ImportResult& result) {
+  std::map<int64_t, std::string> prints;  // the file's fingerprints by length
+  const auto print_of = [&](int64_t n) -> const std::string& {
+    auto found = prints.find(n);
+    if (found == prints.end()) found = prints.emplace(n, Fingerprint(f, n)).first;
+    return found->second;
+  };
+  const std::vector<Source> sources = store_.FileSources(settings_.switch_name);
+  const Source* match = nullptr;
+  const Source* holder = nullptr;  // the source named `name`, if any
+  for (const Source& s : sources) {
+    if (s.name == name) holder = &s;
+    // The stored fingerprint covers the first n bytes the file had then
+    // (fewer than kFingerprintBytes when it was shorter): the same bytes
+    // are compared. An empty file is known by nothing.
+    const int64_t n = std::stoll(s.fingerprint);
+    if (n <= 0 || n > size || print_of(n) != s.fingerprint) continue;
+    if (match == nullptr || s.name == name) match = &s;
+  }
+  if (match != nullptr) {
+    if (match->name != name) {
+      result.notes.push_back("'" + path + "' continues the source '" + match->name +
+                             "' (the same first bytes)");
+    }
+    return *match;
+  }
+  if (holder != nullptr) {
+    const std::string aside = name + " (replaced " + UtcNow() + ")";
+    store_.RenameSource(*holder, aside);
+    result.notes.push_back("'" + path + "' is another file than the one imported as '" + name +
+                           "' before (its first bytes differ): that source is now '" + aside + "'");
+  }
+  return store_.OpenSource(settings_.switch_name, name, "file");
+}
+
 void Importer::ImportFile(const std::string& path, ImportResult& result) {
+  const bool stdin_copy = path == "-";
   const std::string name =
       settings_.source.empty() ? std::filesystem::canonical(path).string() : settings_.source;
-  std::unique_ptr<std::FILE, FileCloser> f(velqua_records::OpenFile(path, "rb", "input"));
+  std::unique_ptr<std::FILE, FileCloser> f(
+      stdin_copy ? CopyOfStandardInput() : velqua_records::OpenFile(path, "rb", "input"));
+  const std::string shown = stdin_copy ? "standard input" : path;
   const int64_t size = FileSize(f.get());
-  Source source = store_.OpenSource(settings_.switch_name, name, "file");
+  Source source = SourceFor(f.get(), size, shown, name, result);
   const int64_t head = std::min(size, kFingerprintBytes);
   const std::string fingerprint = Fingerprint(f.get(), head);
-  if (!source.fingerprint.empty()) {
-    // The stored one covers the first n bytes the file had then (fewer than
-    // kFingerprintBytes when it was shorter): the same bytes are compared.
-    const int64_t n = std::stoll(source.fingerprint);
-    if ((n == head ? fingerprint : Fingerprint(f.get(), n)) != source.fingerprint) {
-      throw Failure("input '" + path + "' is not the file imported under that name before (its " +
-                    "first bytes differ): rename it to import it as a new file");
-    }
-  }
   const int64_t from = source.checkpoint.value_or(0);
   if (from > size) {
-    throw Failure("input '" + path + "' is shorter (" + std::to_string(size) +
+    throw Failure("input '" + shown + "' is shorter (" + std::to_string(size) +
                   " bytes) than the part already imported (" + std::to_string(from) + " bytes)");
+  }
+  if (from == size && size > 0) {
+    result.notes.push_back("'" + shown + "' skipped: its records are stored already (source '" +
+                           source.name + "')");
   }
   if (fingerprint != source.fingerprint) store_.SetFingerprint(source, fingerprint);
   std::fseek(f.get(), static_cast<long>(from), SEEK_SET);
@@ -157,7 +223,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
                     result.read = read_before + read;
                     if (progress_) progress_({path, offset, size, result.read});
                   });
-  translation.Input(path, received, from);
+  translation.Input(shown, received, from);
   translation.Stream(f.get());
   translation.Finish();
   batcher_->Commit(translation.end_offset());

@@ -25,6 +25,8 @@ class SqlStore : public Store {
   Source OpenSource(const std::string& switch_name, const std::string& source_name,
                     const std::string& kind) override;
   void SetFingerprint(const Source& source, const std::string& fingerprint) override;
+  std::vector<Source> FileSources(const std::string& switch_name) override;
+  void RenameSource(const Source& source, const std::string& new_name) override;
   WriteResult Write(const Source& source, const std::vector<Record>& records,
                     std::optional<int64_t> checkpoint,
                     const std::function<void()>& before_commit) override;

@@ -67,7 +67,10 @@ void AddImportCommand(CLI::App& app, ImportOptions& options) {
   cmd->add_option("-c,--config", options.config,
                   "Switch configuration (.cfg, .ini or .json), or a bundled switch's name")
       ->required();
-  cmd->add_option("files", options.files, "Record files, imported in order")->required();
+  cmd->add_option("files", options.files,
+                  "Record files, imported in order; a file is known by its first bytes, whatever "
+                  "its name ('-': standard input, named with --source)")
+      ->required();
   cmd->add_option("--extensions", options.extensions,
                   "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
   AddEncodingOption(cmd, options.encoding);
@@ -121,6 +124,7 @@ int RunImport(const ImportOptions& options) {
     throw;
   }
   progress.End();
+  for (const std::string& note : result.notes) std::fprintf(stderr, "velqua: %s\n", note.c_str());
   const velqua_store::WriteResult& w = result.written;
   std::string notes;
   if (result.headings > 0) notes += ", " + std::to_string(result.headings) + " page headings";

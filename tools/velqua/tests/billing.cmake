@@ -21,3 +21,19 @@ velqua_e2e(unlisted_account_drawn 0 --now "2026-01-20 09:00:00" translate
            -c examples/kx-tda/kx-tda.json --random-extensions --format csv ${KX_RECORDS})
 velqua_e2e(bundled_extension_list 0 --now "2026-01-20 09:00:00" translate -c kx-tda --format csv
            ${KX_RECORDS} SAME_AS kx_tda_csv)
+
+# A file is known by its first bytes, whatever its name: records imported
+# from standard input under a name of their own are not stored again when the
+# same file comes by its path. TZ fixed: times received are stored in UTC.
+set(SOURCES_STORE ${VELQUA_E2E_TMP}/sources.db)
+set(SOURCES_IMPORT --now "2026-03-10 09:00:00" import --db ${SOURCES_STORE} --switch hicom
+                   -c hicom --year 2026)
+velqua_e2e(import_standard_input 3 ${SOURCES_IMPORT} --source old-2025 -
+           INPUT tests/e2e/data/hicom-damaged.txt PRODUCED ${SOURCES_STORE})
+velqua_e2e(import_same_bytes_other_name 0 ${SOURCES_IMPORT} tests/e2e/data/hicom-damaged.txt)
+velqua_e2e(error_import_standard_input_unnamed 1 ${SOURCES_IMPORT} -)
+set_tests_properties(cli.e2e.import_standard_input PROPERTIES FIXTURES_SETUP e2e_sources
+                     ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.import_same_bytes_other_name
+                     cli.e2e.error_import_standard_input_unnamed
+                     PROPERTIES FIXTURES_REQUIRED e2e_sources ENVIRONMENT TZ=UTC)

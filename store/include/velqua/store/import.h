@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
@@ -56,6 +57,9 @@ struct ImportResult {
   int64_t headings = 0;  // page-heading lines (kept as unrecognised, with that reason)
   int64_t unlisted = 0;  // calls whose account code the extension list lacks
   WriteResult written;
+  // What the user should know about the files: one continuing a source
+  // under another name, one skipped as stored already, a source moved aside.
+  std::vector<std::string> notes;
 };
 
 class Importer {
@@ -72,15 +76,21 @@ class Importer {
   Importer& operator=(const Importer&) = delete;
 
   // Imports the files in order; `progress` (if set) is called after every
-  // batch. A file that was imported before under the same path but whose
-  // first bytes differ now is refused (Failure) before anything is written:
-  // another file with that name would otherwise be taken for the one
-  // stored. Throws as the constructor; what was committed stays.
+  // batch. A file is known by its first bytes, not its name: one whose first
+  // bytes match a source imported before continues that source from its
+  // checkpoint (a copy, a rotated `smdr.log.1`: nothing is stored twice),
+  // and another file under an imported file's name becomes a source of its
+  // own, the old one renamed "NAME (replaced <UTC>)" (ImportResult::notes
+  // says so). "-" is standard input, alone and named by `source`. A file
+  // shorter than the part of its source already imported is refused
+  // (Failure). Throws as the constructor; what was committed stays.
   ImportResult Import(const std::vector<std::string>& files,
                       const std::function<void(const ImportProgress&)>& progress = nullptr);
 
  private:
   void ImportFile(const std::string& path, ImportResult& result);
+  Source SourceFor(std::FILE* f, int64_t size, const std::string& path, const std::string& name,
+                   ImportResult& result);
 
   Store& store_;
   ImportSettings settings_;

@@ -173,6 +173,13 @@ class Store {
   // Stores a file source's fingerprint (the import's check that a file
   // name still means the same file).
   virtual void SetFingerprint(const Source& source, const std::string& fingerprint) = 0;
+  // The switch's file sources that have a fingerprint, in the order they
+  // were added: an import finds by them the source a file continues,
+  // whatever the file is called now.
+  virtual std::vector<Source> FileSources(const std::string& switch_name) = 0;
+  // Gives a source another name (unique per switch: a name held by another
+  // source is refused with StoreError). Its records stay with it.
+  virtual void RenameSource(const Source& source, const std::string& new_name) = 0;
 
   // Writes the records of one source in one transaction, and, in the same
   // transaction, sets the source's checkpoint when one is given. Idempotent:
