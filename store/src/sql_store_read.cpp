@@ -152,6 +152,26 @@ void SqlStore::ListCalls(const CallFilter& filter,
   db_->Run(sql, params, [&](const ResultRow& r) { each(ReadCall(r)); });
 }
 
+void SqlStore::ListUnrecognised(const std::string& switch_name, int64_t limit,
+                                const std::function<void(const StoredUnrecognised&)>& each) {
+  std::vector<Value> params;
+  std::string sql =
+      "SELECT w.name, s.name, u.position, u.received_utc, u.reason, u.raw FROM unrecognised u "
+      "JOIN switches w ON w.id = u.switch_id JOIN sources s ON s.id = u.source_id";
+  if (!switch_name.empty()) {
+    params.emplace_back(SwitchId(switch_name));
+    sql += " WHERE u.switch_id = $1";
+  }
+  sql += " ORDER BY w.name, s.name, u.position";
+  if (limit > 0) {
+    params.emplace_back(limit);
+    sql += " LIMIT $" + std::to_string(params.size());
+  }
+  db_->Run(sql, params, [&](const ResultRow& r) {
+    each(StoredUnrecognised{r.Text(0), r.Text(1), r.Int(2), r.Text(3), r.Text(4), r.Text(5)});
+  });
+}
+
 int64_t SqlStore::Count(const char* table, const std::string& switch_name) {
   int64_t n = 0;
   const RowFn read = [&](const ResultRow& r) { n = r.Int(0); };

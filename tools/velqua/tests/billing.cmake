@@ -37,3 +37,14 @@ set_tests_properties(cli.e2e.import_standard_input PROPERTIES FIXTURES_SETUP e2e
 set_tests_properties(cli.e2e.import_same_bytes_other_name
                      cli.e2e.error_import_standard_input_unnamed
                      PROPERTIES FIXTURES_REQUIRED e2e_sources ENVIRONMENT TZ=UTC)
+
+# The unrecognised records of a store, with source, position, reason and raw
+# text, in every form; other call filters make no sense for them.
+velqua_e2e(calls_unrecognised_table 0 calls --db ${SOURCES_STORE} --unrecognised --format table)
+velqua_e2e(calls_unrecognised_jsonl 0 calls --db ${SOURCES_STORE} --unrecognised --format jsonl
+           --switch hicom --limit 3)
+velqua_e2e(error_calls_unrecognised_filter 1 calls --db ${SOURCES_STORE} --unrecognised
+           --extension 21)
+set_tests_properties(cli.e2e.calls_unrecognised_table cli.e2e.calls_unrecognised_jsonl
+                     cli.e2e.error_calls_unrecognised_filter
+                     PROPERTIES FIXTURES_REQUIRED e2e_sources ENVIRONMENT TZ=UTC)

@@ -124,6 +124,13 @@ struct StoredCall {
   std::string raw, received_utc;
 };
 
+// A stored unrecognised record as ListUnrecognised reads it.
+struct StoredUnrecognised {
+  std::string switch_name, source_name;
+  int64_t position = 0;  // a file's byte offset, or a spool position
+  std::string received_utc, reason, raw;
+};
+
 // A stored record as retranslation reads it.
 struct StoredRecord {
   int64_t id = 0;
@@ -214,6 +221,11 @@ class Store {
   // date in the filter.
   virtual void ListCalls(const CallFilter& filter,
                          const std::function<void(const StoredCall&)>& each) = 0;
+
+  // The unrecognised records of a switch ("" = all), by switch, source and
+  // position, at most `limit` (0: all); `each` is called for every one.
+  virtual void ListUnrecognised(const std::string& switch_name, int64_t limit,
+                                const std::function<void(const StoredUnrecognised&)>& each) = 0;
 
   // The number of calls and of unrecognised records of a switch ("" = all).
   virtual int64_t CountCalls(const std::string& switch_name) = 0;
