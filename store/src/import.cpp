@@ -100,8 +100,20 @@ Importer::Importer(Store& store, const ImportSettings& settings,
   velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(settings_.config);
   cfg_ = std::move(loaded.cfg);
   form_ = std::move(loaded.form);
-  store_.PutSwitch({settings_.switch_name, std::filesystem::absolute(settings_.config).string(),
-                    ConfigHash(settings_.config), settings_.time_zone});
+  const std::string config_path = std::filesystem::absolute(settings_.config).string();
+  const std::string config_hash = ConfigHash(settings_.config);
+  // The same configuration file, edited since the switch's records were
+  // last translated with it: those records still read as it said then.
+  if (const std::optional<SwitchInfo> before = store_.FindSwitch(settings_.switch_name);
+      before && before->config_path == config_path && !before->config_hash.empty() &&
+      before->config_hash != config_hash) {
+    config_note_ = "the configuration '" + settings_.config + "' of switch '" +
+                   settings_.switch_name +
+                   "' changed since its records were last translated with it: the records "
+                   "stored before still read as it said then (velqua retranslate --dry-run "
+                   "tells what the change would make of them)";
+  }
+  store_.PutSwitch({settings_.switch_name, config_path, config_hash, settings_.time_zone});
   std::vector<Store*> writers = {&store_};
   writers.insert(writers.end(), more_writers.begin(), more_writers.end());
   batcher_ = std::make_unique<BatchWriter>(writers, settings_.batch);
@@ -124,6 +136,7 @@ ImportResult Importer::Import(const std::vector<std::string>& files,
     bytes += static_cast<int64_t>(std::filesystem::file_size(file));
   }
   ImportResult result;
+  if (!config_note_.empty()) result.notes.push_back(std::exchange(config_note_, ""));
   store_.BeginBulk(bytes / kBytesPerRecord);
   try {
     for (const std::string& file : files) ImportFile(file, result);

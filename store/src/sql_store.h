@@ -44,7 +44,7 @@ class SqlStore : public Store {
                                        int64_t limit) override;
   int64_t LastStoredId(const std::string& switch_name, bool calls) override;
   RewriteResult Rewrite(const std::string& switch_name,
-                        const std::vector<Retranslated>& records) override;
+                        const std::vector<Retranslated>& records, bool dry_run) override;
   void BeginBulk(int64_t records) override;
   void EndBulk() override;
 

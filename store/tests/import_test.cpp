@@ -182,6 +182,36 @@ TEST_P(ImportTest, RetranslationRewritesOnlyWhatChanges) {
   }
 }
 
+// A dry run counts what a real run does and writes nothing; an import with
+// the switch's configuration file edited since says so, once.
+TEST_P(ImportTest, ADryRunWritesNothingAndAnEditedConfigurationIsNoted) {
+  const std::string config = dir_ + "/hicom.json";
+  WriteFile(config, ReadFile(kExamples + "hicom/hicom.json"));
+  const std::string records = kExamples + "hicom/records.txt";
+  EXPECT_TRUE(Importer(*store_, Settings("hicom", config)).Import({records}).notes.empty());
+  const std::string one_digit =
+      EditedHicom(dir_, "one-digit", "\"emParamDuracionSegundos\": {\"pos\": 42, \"size\": 2",
+                  "\"emParamDuracionSegundos\": {\"pos\": 42, \"size\": 1");
+  const RewriteResult dry = Retranslate(*store_, "hicom", one_digit, "", false, true);
+  EXPECT_GT(dry.updated, 0);
+  EXPECT_EQ(dry.changed.at("duration"), dry.updated);
+  EXPECT_EQ(dry.changed.size(), 1u);
+  EXPECT_EQ(store_->FindSwitch("hicom")->config_hash, ConfigHash(config));
+  const RewriteResult real = Retranslate(*store_, "hicom", one_digit, "");
+  EXPECT_EQ(real.updated, dry.updated);
+  EXPECT_EQ(real.changed, dry.changed);
+
+  // Back to the first file (another file than the switch's last: no note),
+  // then that file edited.
+  EXPECT_EQ(Importer(*store_, Settings("hicom", config)).Import({records}).notes.size(), 1u);
+  WriteFile(config, ReadFile(one_digit));
+  const std::vector<std::string> notes =
+      Importer(*store_, Settings("hicom", config)).Import({records}).notes;
+  ASSERT_EQ(notes.size(), 2u);  // the configuration, and the file stored already
+  EXPECT_NE(notes[0].find("changed since"), std::string::npos) << notes[0];
+  EXPECT_EQ(Importer(*store_, Settings("hicom", config)).Import({records}).notes.size(), 1u);
+}
+
 INSTANTIATE_TEST_SUITE_P(Engines, ImportTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
                          velqua_store_testing::EngineName);
 

@@ -16,6 +16,7 @@ struct RetranslateOptions {
   std::string config;
   std::string extensions;
   bool random_extensions = false;
+  bool dry_run = false;  // say what would change, write nothing
 };
 
 void AddRetranslateCommand(CLI::App& app, RetranslateOptions& options);

@@ -48,3 +48,15 @@ velqua_e2e(error_calls_unrecognised_filter 1 calls --db ${SOURCES_STORE} --unrec
 set_tests_properties(cli.e2e.calls_unrecognised_table cli.e2e.calls_unrecognised_jsonl
                      cli.e2e.error_calls_unrecognised_filter
                      PROPERTIES FIXTURES_REQUIRED e2e_sources ENVIRONMENT TZ=UTC)
+
+# A dry run says what a corrected configuration would change (records moved
+# between calls and unrecognised, calls updated and in which columns) and
+# writes nothing: run again, it says the same.
+velqua_e2e(retranslate_dry_run 0 retranslate --db ${SOURCES_STORE} --switch hicom
+           -c tests/e2e/data/hicom-one-digit-seconds.json --dry-run)
+velqua_e2e(retranslate_dry_run_again 0 retranslate --db ${SOURCES_STORE} --switch hicom
+           -c tests/e2e/data/hicom-one-digit-seconds.json -n SAME_AS retranslate_dry_run)
+set_tests_properties(cli.e2e.retranslate_dry_run PROPERTIES FIXTURES_REQUIRED e2e_sources
+                     FIXTURES_SETUP e2e_dry_run ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.retranslate_dry_run_again PROPERTIES
+                     FIXTURES_REQUIRED "e2e_sources;e2e_dry_run" ENVIRONMENT TZ=UTC)

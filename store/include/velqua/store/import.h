@@ -65,8 +65,9 @@ struct ImportResult {
 class Importer {
  public:
   // Loads the configuration and puts the switch in the store with it (and
-  // the time zone). `more_writers` are further stores open on the same
-  // PostgreSQL database: batches are then written on all at once (the
+  // the time zone). When the switch was last translated with the same file
+  // and the file has changed since, the first Import's notes say so. `more_writers` are further
+  // stores open on the same PostgreSQL database: batches are then written on all at once (the
   // server works on each on a core of its own) and committed in order.
   // Throws velqua_records::Failure, velqua::Error or StoreError.
   Importer(Store& store, const ImportSettings& settings,
@@ -98,15 +99,19 @@ class Importer {
   velqua_records::RecordForm form_;  // delimited shaping, page headings
   std::unique_ptr<BatchWriter> batcher_;
   std::function<void(const ImportProgress&)> progress_;
+  std::string config_note_;  // the configuration file changed since the last import
 };
 
 // Translates a switch's stored records (calls and unrecognised) again with
 // `config` and stores what changed (Store::Rewrite), batch by batch; the
 // switch's configuration becomes `config`. Records received before keep
 // their year rule: the year is the one they were received in.
-// `random_extensions` as in ImportSettings.
+// `random_extensions` as in ImportSettings. With `dry_run` nothing is
+// written, the switch's configuration included: the result tells what would
+// change.
 RewriteResult Retranslate(Store& store, const std::string& switch_name, const std::string& config,
-                          const std::string& extensions, bool random_extensions = false);
+                          const std::string& extensions, bool random_extensions = false,
+                          bool dry_run = false);
 
 // "YYYY-MM-DDTHH:MM:SSZ" of a local date and time of this machine, and back.
 std::string LocalToUtc(const velqua_records::FechaHora& local);

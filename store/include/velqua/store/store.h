@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <ctime>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -155,6 +156,8 @@ struct RewriteResult {
   int64_t updated = 0;
   int64_t recognised = 0;
   int64_t unrecognised = 0;
+  // Of the calls updated: how many changed in each column ("duration": 6).
+  std::map<std::string, int64_t> changed = {};
 };
 
 // One interface, two engines. A Store is used by one thread at a time.
@@ -242,8 +245,10 @@ class Store {
   // touching only those whose stored form changes: a call is updated in
   // place, a record that changes table moves with its source, position, raw
   // text and received time.
+  // With `dry_run` the transaction is rolled back: the result tells what
+  // would change, and nothing does.
   virtual RewriteResult Rewrite(const std::string& switch_name,
-                                const std::vector<Retranslated>& records) = 0;
+                                const std::vector<Retranslated>& records, bool dry_run = false) = 0;
 
   // A large load is coming (about `records` records): an engine may put off
   // work until EndBulk (SQLite builds its query indexes once at the end
