@@ -390,7 +390,7 @@ void Pipeline::NewConnection(StreamState& s) {
   s.translation = std::make_unique<velqua_records::Translation>(
       sw.config.cfg, s.catcher,
       velqua_records::Translation::Settings{"", sw.settings.extensions, sw.settings.utf8,
-                                            sw.config.form});
+                                            sw.config.form, true});
   s.translation->on_heading = [this, &s](const std::string&, std::u16string_view line,
                                          int64_t position) { Heading(s, line, position); };
   s.input_second = -1;
