@@ -44,6 +44,9 @@ class SqlStore : public Store {
   void BeginBulk(int64_t records) override;
   void EndBulk() override;
 
+  // The engine's connection, for the read-only aggregates (aggregates.cpp).
+  Connection& connection() { return *db_; }
+
  private:
   WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,
                         std::optional<int64_t> checkpoint,
