@@ -1,8 +1,10 @@
 // compare: a kind's tables for the period beside the same for the period of
 // as many days just before it, with the change. Rows are matched by their
 // key (the leading text columns); a table keyed by day or time (calls per
-// day, the busiest half hours) is compared by its total only, since its
-// rows name different days in each period.
+// day) is compared by its totals only, since its rows name different days
+// in each period, and one without totals (the busiest half hours) is left
+// out.
+#include <algorithm>
 #include <map>
 
 #include "kinds_internal.h"
@@ -91,20 +93,58 @@ std::vector<Cell> CompareRow(const Table& t, const Layout& l, const std::vector<
   return row;
 }
 
-// The table compared; nothing when it has neither keys nor a total.
-std::optional<Table> Compared(const Table& now, const Table& before) {
-  const Layout l = LayoutOf(now);
-  if (l.values.empty() || (l.keys == 0 && !now.total)) return std::nullopt;
-  Table t{now.name, {}, {}, {}};
-  for (size_t i = 0; i < l.keys; ++i) t.columns.push_back(now.columns[i]);
-  if (l.keys == 0) t.columns.push_back(TextColumn(""));
+// A table keyed by day or time: its totals, one measure a row, in a table
+// per column type (counts apart from times), so that every column stays
+// of one type.
+void CompareTotals(const Table& now, const Table& before, const Layout& l,
+                   std::vector<Table>* out) {
+  std::vector<ColumnType> types;
   for (size_t i : l.values) {
-    const Column& c = now.columns[i];
-    t.columns.push_back(c);
-    t.columns.push_back({c.heading + " before", c.type, c.currency});
-    t.columns.push_back({"change", c.type, c.currency});
+    if (std::find(types.begin(), types.end(), now.columns[i].type) == types.end()) {
+      types.push_back(now.columns[i].type);
+    }
   }
-  if (l.keys > 0) {
+  for (ColumnType type : types) {
+    Table t{now.name + (type == ColumnType::kDuration ? ", times" : ", totals"), {}, {}, {}};
+    std::string currency;
+    for (size_t i : l.values) {
+      if (now.columns[i].type != type) continue;
+      currency = now.columns[i].currency;
+      const Cell& a = (*now.total)[i];
+      const Cell& b = (*before.total)[i];
+      t.rows.push_back({Cell::Text(now.columns[i].heading), a, b, Change(type, a, b)});
+    }
+    t.columns = {TextColumn("measure"),
+                 {"this period", type, currency},
+                 {"previous period", type, currency},
+                 {"change", type, currency}};
+    out->push_back(std::move(t));
+  }
+}
+
+// A keyed table: rows matched by key; with more than two measures, one
+// table a measure, so that a table stays readable on a page.
+void CompareKeyed(const Table& now, const Table& before, const Layout& all,
+                  std::vector<Table>* out) {
+  std::vector<Layout> parts;
+  if (all.values.size() <= 2) {
+    parts.push_back(all);
+  } else {
+    for (size_t i : all.values) parts.push_back({all.keys, {i}});
+  }
+  for (const Layout& l : parts) {
+    const bool single = l.values.size() == 1;
+    Table t{parts.size() == 1 ? now.name : now.name + ": " + now.columns[l.values[0]].heading,
+            {},
+            {},
+            {}};
+    for (size_t i = 0; i < l.keys; ++i) t.columns.push_back(now.columns[i]);
+    for (size_t i : l.values) {
+      const Column& c = now.columns[i];
+      t.columns.push_back({single ? "this period" : c.heading, c.type, c.currency});
+      t.columns.push_back({single ? "previous period" : c.heading + " before", c.type, c.currency});
+      t.columns.push_back({"change", c.type, c.currency});
+    }
     std::map<std::string, const std::vector<Cell>*> earlier;
     for (const auto& row : before.rows) earlier[KeyOf(row, l.keys)] = &row;
     for (const auto& row : now.rows) {
@@ -113,20 +153,13 @@ std::optional<Table> Compared(const Table& now, const Table& before) {
       if (it != earlier.end()) earlier.erase(it);
     }
     for (const auto& row : before.rows) {
-      if (earlier.count(KeyOf(row, l.keys)) > 0)
+      if (earlier.count(KeyOf(row, l.keys)) > 0) {
         t.rows.push_back(CompareRow(now, l, nullptr, &row));
+      }
     }
+    if (now.total && before.total) t.total = CompareRow(now, l, &*now.total, &*before.total);
+    out->push_back(std::move(t));
   }
-  if (now.total && before.total) {
-    std::vector<Cell> row = CompareRow(now, l, &*now.total, &*before.total);
-    if (l.keys > 0) {
-      t.total = std::move(row);
-    } else {
-      row.insert(row.begin(), Cell::Text("total"));
-      t.rows.push_back(std::move(row));
-    }
-  }
-  return t;
 }
 
 }  // namespace
@@ -141,11 +174,16 @@ void BuildCompare(velqua_store::Store& store, const Request& request, Report& re
   earlier.to = DayText(from - 1);
   const Report now = BuildReport(store, base);
   const Report before = BuildReport(store, earlier);
-  report.title = now.title + ": " + request.from + " to " + request.to + " against " +
-                 earlier.from + " to " + earlier.to;
+  report.title = now.title + " against the previous period";
   report.notes.push_back("Previous period: " + earlier.from + " to " + earlier.to);
   for (size_t i = 0; i < now.tables.size() && i < before.tables.size(); ++i) {
-    if (auto t = Compared(now.tables[i], before.tables[i])) report.tables.push_back(std::move(*t));
+    const Layout l = LayoutOf(now.tables[i]);
+    if (l.values.empty()) continue;
+    if (l.keys > 0) {
+      CompareKeyed(now.tables[i], before.tables[i], l, &report.tables);
+    } else if (now.tables[i].total && before.tables[i].total) {
+      CompareTotals(now.tables[i], before.tables[i], l, &report.tables);
+    }
   }
 }
 
