@@ -72,7 +72,7 @@ velqua_store::Record Call(std::mt19937_64& rng, int64_t position, int64_t at) {
   row.extension = velqua_records::U16(std::to_string(201 + rng() % 40));
   if (row.type != 3) {
     row.trunk = velqua_records::U16("0" + std::to_string(1 + rng() % 8));
-    row.dialled = velqua_records::U16("0" + std::to_string(910000000 + rng() % 3000 * 7));
+    row.dialled = velqua_records::U16("0" + std::to_string(910000000 + rng() % 200000 * 7));
   } else {
     row.dialled = velqua_records::U16(std::to_string(201 + rng() % 40));
   }

@@ -102,8 +102,7 @@ std::vector<CallCounts> CountCallsBy(Store& store, const Span& span, CallGroup g
   return rows;
 }
 
-std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGroup group,
-                                        int64_t callback_seconds) {
+std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGroup group) {
   Connection& db = ConnectionOf(store);
   const Dialect dialect(db);
   const auto [key, extra] = GroupKey(dialect, group);
@@ -125,11 +124,6 @@ std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGrou
              key + ") AS n FROM calls c" + where +
              " AND c.ring IS NOT NULL) r WHERE rn = (9 * n + 9) / 10",
          params, [&](const ResultRow& r) { by_key[r.Text(0)].ring_p90 = r.Int(1); });
-  std::vector<Value> with_window = params;
-  with_window.emplace_back(callback_seconds);
-  db.Run("SELECT " + key + ", count(*) FROM calls c" + where +
-             NotCalledBack(dialect, with_window.size()) + " GROUP BY " + key,
-         with_window, [&](const ResultRow& r) { by_key[r.Text(0)].not_called_back = r.Int(1); });
   std::vector<MissedCounts> rows;
   for (auto& [k, m] : by_key) rows.push_back(std::move(m));
   SortByKey(&rows);

@@ -43,23 +43,22 @@ struct CallCounts {
 // The calls of the span grouped so, in the key's byte order.
 std::vector<CallCounts> CountCallsBy(Store& store, const Span& span, CallGroup group);
 
-// Missed calls (incoming and unanswered) of one group: how many, their ring
-// time (calls with a printed ring time: sum, count and the 90th percentile
-// by nearest rank), and how many of those with a caller's number were never
-// called back: no outgoing call of the same switch to exactly that number
-// from the missed call's start to `callback_seconds` after it.
+// Missed calls (incoming and unanswered) of one group: how many, and their
+// ring time (calls with a printed ring time: sum, count and the 90th
+// percentile by nearest rank).
 struct MissedCounts {
   std::string key;
   int64_t missed = 0;
   int64_t ring_calls = 0, ring_seconds = 0, ring_p90 = 0;
-  int64_t not_called_back = 0;
 };
 
 // kExtension or kHour groupings; in the key's byte order.
-std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGroup group,
-                                        int64_t callback_seconds);
+std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGroup group);
 
-// One missed call never called back.
+// A missed call with a caller's number that was never called back: no
+// outgoing call of the same switch to exactly that number from the missed
+// call's start to `callback_seconds` after it. (One query finds them all;
+// a report groups the few it finds as it needs.)
 struct MissedCall {
   std::string start, extension, number;
   int64_t ring = -1;  // -1: not printed
