@@ -4,7 +4,10 @@
 // both engines give them in one order.
 #include "velqua/store/aggregates.h"
 
+#include <date/date.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <map>
 #include <tuple>
 
@@ -34,11 +37,41 @@ struct Dialect {
   }
 };
 
-// The WHERE clause of a span, its parameters appended to `params`.
-std::string SpanWhere(const Span& span, std::vector<Value>* params) {
+// Days since 1970 of the "YYYY-MM-DD" that `text` starts with.
+int64_t DayOf(const std::string& text) {
+  int y = 0;
+  unsigned m = 0, d = 0;
+  if (std::sscanf(text.c_str(), "%d-%u-%u", &y, &m, &d) != 3) return 0;
+  return date::sys_days{date::year{y} / date::month{m} / date::day{d}}.time_since_epoch().count();
+}
+
+// Whether SQLite should read the whole table rather than the span through
+// the index on the start: when the span covers more than a quarter of the
+// days the store's calls span. Reading a large share of the calls through
+// the index costs a random read per call, several times the sequential
+// read of the whole table (PostgreSQL's planner weighs this itself, from
+// its statistics).
+bool ScanWhole(Connection& db, const Dialect& d, const Span& span) {
+  if (d.pg) return false;
+  int64_t first = 0, last = 0;
+  db.Run("SELECT (SELECT min(start) FROM calls), (SELECT max(start) FROM calls)", {},
+         [&](const ResultRow& r) {
+           if (r.IsNull(0)) return;
+           first = DayOf(r.Text(0));
+           last = DayOf(r.Text(1));
+         });
+  const int64_t stored = last - first + 1, asked = DayOf(span.to_next) - DayOf(span.from);
+  return last > 0 && asked * 4 > stored;
+}
+
+// The WHERE clause of a span, its parameters appended to `params`. SQLite
+// reads the span through the index on the start unless `scan` (a unary +
+// keeps its planner off an index).
+std::string SpanWhere(const Span& span, std::vector<Value>* params, bool scan = false) {
   params->push_back(span.from);
   params->push_back(span.to_next);
-  std::string sql = " WHERE c.start >= $1 AND c.start < $2";
+  std::string sql =
+      scan ? " WHERE +c.start >= $1 AND +c.start < $2" : " WHERE c.start >= $1 AND c.start < $2";
   if (!span.switch_name.empty()) {
     params->push_back(span.switch_name);
     sql += " AND c.switch_id = (SELECT id FROM switches WHERE name = $3)";
@@ -86,7 +119,7 @@ std::vector<CallCounts> CountCallsBy(Store& store, const Span& span, CallGroup g
   Connection& db = ConnectionOf(store);
   const auto [key, extra] = GroupKey(Dialect(db), group);
   std::vector<Value> params;
-  const std::string where = SpanWhere(span, &params);
+  const std::string where = SpanWhere(span, &params, ScanWhole(db, Dialect(db), span));
   std::vector<CallCounts> rows;
   db.Run("SELECT " + key +
              ", count(*), coalesce(sum(c.duration), 0),"
@@ -107,7 +140,8 @@ std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGrou
   const Dialect dialect(db);
   const auto [key, extra] = GroupKey(dialect, group);
   std::vector<Value> params;
-  const std::string where = SpanWhere(span, &params) + extra + kMissed;
+  const std::string where =
+      SpanWhere(span, &params, ScanWhole(db, dialect, span)) + extra + kMissed;
   std::map<std::string, MissedCounts> by_key;
   db.Run("SELECT " + key + ", count(*), count(c.ring), coalesce(sum(c.ring), 0) FROM calls c" +
              where + " GROUP BY " + key,
@@ -134,7 +168,7 @@ std::vector<MissedCall> MissedNotCalledBack(Store& store, const Span& span,
                                             int64_t callback_seconds) {
   Connection& db = ConnectionOf(store);
   std::vector<Value> params;
-  std::string where = SpanWhere(span, &params) + kMissed;
+  std::string where = SpanWhere(span, &params, ScanWhole(db, Dialect(db), span)) + kMissed;
   params.emplace_back(callback_seconds);
   where += NotCalledBack(Dialect(db), params.size());
   std::vector<MissedCall> rows;
@@ -155,7 +189,7 @@ std::vector<ChannelSlot> ChannelsInUse(Store& store, const Span& span) {
   Connection& db = ConnectionOf(store);
   const Dialect d(db);
   std::vector<Value> params;
-  const std::string where = SpanWhere(span, &params);
+  const std::string where = SpanWhere(span, &params, ScanWhole(db, d, span));
   const std::string length = "coalesce(c.ring, 0) + coalesce(c.duration, 0)";
   // Events at one second are summed first: a line freed and taken again at
   // once is one line in use, and a level counts only whole seconds.
