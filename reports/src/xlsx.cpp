@@ -5,6 +5,7 @@
 // 31 characters a sheet name may have and made unique.
 #include <xlsxwriter.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <set>
@@ -48,6 +49,22 @@ lxw_datetime DateTimeOf(const std::string& text) {
   return t;
 }
 
+// The number format of a money column: as many decimals as its values
+// carry (the tariff's currency decides them), and its currency.
+std::string MoneyFormat(const Table& t, size_t column) {
+  size_t decimals = 0;
+  const auto measure = [&](const std::vector<Cell>& row) {
+    const size_t point = row[column].text.find('.');
+    if (!row[column].empty && point != std::string::npos) {
+      decimals = std::max(decimals, row[column].text.size() - point - 1);
+    }
+  };
+  for (const auto& row : t.rows) measure(row);
+  if (t.total) measure(*t.total);
+  return "#,##0" + (decimals > 0 ? "." + std::string(decimals, '0') : "") + " \"" +
+         t.columns[column].currency + "\"";
+}
+
 void WriteCell(lxw_worksheet* ws, lxw_row_t r, lxw_col_t c, const Column& col, const Cell& cell,
                lxw_format* money, const Formats& f) {
   if (cell.empty) return;
@@ -84,7 +101,7 @@ void WriteSheet(lxw_workbook* wb, const Table& t, const std::string& name, const
     worksheet_write_string(ws, 0, col, c.heading.c_str(), f.bold);
     if (c.type == ColumnType::kMoney) {
       money[i] = workbook_add_format(wb);
-      format_set_num_format(money[i], ("#,##0.00 \"" + c.currency + "\"").c_str());
+      format_set_num_format(money[i], MoneyFormat(t, i).c_str());
     }
     worksheet_set_column(ws, col, col, c.type == ColumnType::kDateTime ? 18 : 14, nullptr);
   }
