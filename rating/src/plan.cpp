@@ -145,11 +145,9 @@ const PlanEntry* RatingPlan::Select(const std::string& switch_name, const std::s
 Rated Rater::Rate(const std::string& switch_name, const std::string& trunk,
                   const CallToPrice& call) {
   Rated out;
-  if (!call.has_date) {
-    out.priced.reason = "no date";
-    return out;
+  if (call.has_date) {
+    out.entry = plan_.Select(switch_name, trunk, DayNumber(call.year, call.month, call.day));
   }
-  out.entry = plan_.Select(switch_name, trunk, DayNumber(call.year, call.month, call.day));
   if (out.entry == nullptr) {
     // Calls no carrier charges need no tariff to cost 0.
     if (!IsOutgoing(call.type)) {
@@ -157,7 +155,8 @@ Rated Rater::Rate(const std::string& switch_name, const std::string& trunk,
       out.priced.reason = call.type == velqua::emTradEntrante ? "incoming" : "not charged";
       return out;
     }
-    out.priced.reason = "no tariff for switch " + switch_name + " on this date";
+    out.priced.reason =
+        call.has_date ? "no tariff for switch " + switch_name + " on this date" : "no date";
     return out;
   }
   Normalise(call.dialled, out.entry->rule, number_);

@@ -9,6 +9,7 @@
 
 #include "cli_common.h"
 #include "cmd_calls.h"
+#include "cmd_rate.h"
 #ifdef VELQUA_CLI_HAS_CAPTURE
 #include "cmd_capture.h"
 #endif
@@ -68,6 +69,8 @@ int Run(int argc, char** argv) {
   velqua_cli::AddImportCommand(app, import);
   velqua_cli::CallsOptions calls;
   velqua_cli::AddCallsCommand(app, calls);
+  velqua_cli::RateOptions rate;
+  velqua_cli::AddRateCommand(app, rate);
   velqua_cli::RetranslateOptions retranslate;
   velqua_cli::AddRetranslateCommand(app, retranslate);
   velqua_cli::ConfigOptions config;
@@ -106,6 +109,7 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
   if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
   if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
+  if (app.got_subcommand("rate")) return velqua_cli::RunRate(rate);
   if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
 #ifdef VELQUA_CLI_HAS_CAPTURE

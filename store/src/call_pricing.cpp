@@ -1,0 +1,118 @@
+#include "call_pricing.h"
+
+#include <cstdio>
+#include <limits>
+
+#include "sql.h"
+#include "velqua/rating/money.h"
+
+namespace velqua_store {
+namespace {
+
+// Rows an upsert statement writes: 10 parameters each, well under both
+// engines' limits on parameters.
+constexpr size_t kRowsPerStatement = 100;
+constexpr size_t kColumns = 10;
+
+std::string UpsertSql(size_t rows) {
+  std::string sql =
+      "INSERT INTO call_costs (source_id, position, cost, currency, destination, "
+      "destination_class, band, tariff, tariff_version, reason) VALUES ";
+  for (size_t r = 0; r < rows; ++r) {
+    sql += r == 0 ? "(" : ",(";
+    for (size_t c = 0; c < kColumns; ++c) {
+      sql += (c == 0 ? "$" : ",$") + std::to_string(r * kColumns + c + 1);
+    }
+    sql += ")";
+  }
+  return sql +
+         " ON CONFLICT (source_id, position) DO UPDATE SET cost = excluded.cost, "
+         "currency = excluded.currency, destination = excluded.destination, "
+         "destination_class = excluded.destination_class, band = excluded.band, "
+         "tariff = excluded.tariff, tariff_version = excluded.tariff_version, "
+         "reason = excluded.reason";
+}
+
+void Unpriced(CostRow& out, const std::string& reason) {
+  out.cost.reset();
+  out.reason = reason;
+}
+
+}  // namespace
+
+bool PriceStored(velqua_rating::Rater& rater, const std::string& switch_name,
+                 const StoredForPricing& call, CostRow& out) {
+  out.cost.reset();
+  out.currency.clear();
+  out.destination.clear();
+  out.destination_class.clear();
+  out.band.clear();
+  out.tariff.clear();
+  out.tariff_version.clear();
+  out.reason.clear();
+  velqua_rating::CallToPrice c;
+  c.type = call.type;
+  c.attribute = call.attribute;
+  int h = 0, mi = 0, s = 0;
+  const int fields = call.start->empty() ? 0
+                                         : std::sscanf(call.start->c_str(), "%d-%d-%dT%d:%d:%d",
+                                                       &c.year, &c.month, &c.day, &h, &mi, &s);
+  c.has_date = fields >= 3;
+  c.time = h * 3600 + mi * 60 + s;
+  c.duration = call.duration > std::numeric_limits<int32_t>::max()
+                   ? std::numeric_limits<int32_t>::max()
+                   : static_cast<int32_t>(call.duration);
+  c.dialled = *call.dialled;
+  const auto rated = rater.Rate(switch_name, *call.trunk, c);
+  const auto& p = rated.priced;
+  if (rated.entry == nullptr && p.status == velqua_rating::Priced::Status::kFree) return false;
+  if (c.has_date && fields < 5 && p.status == velqua_rating::Priced::Status::kPriced) {
+    Unpriced(out, "no time");  // a band needs the time of day
+    return true;
+  }
+  out.reason = p.reason;
+  if (rated.entry != nullptr) {
+    const auto& t = *rated.entry->tariff;
+    out.tariff = t.name;
+    out.tariff_version = t.version;
+    out.currency = t.currency;
+    if (p.destination >= 0) {
+      const auto& d = t.destinations[static_cast<size_t>(p.destination)];
+      out.destination = d.name;
+      out.destination_class = velqua_rating::ClassName(d.klass);
+    }
+    if (p.band >= 0) out.band = t.bands[static_cast<size_t>(p.band)];
+    if (p.status != velqua_rating::Priced::Status::kUnpriced) {
+      out.cost = velqua_rating::FormatUnits(p.cost, t.decimals);
+    }
+  } else if (p.status != velqua_rating::Priced::Status::kUnpriced) {
+    out.cost = "0";
+  }
+  return true;
+}
+
+void UpsertCosts(Connection& db, const std::vector<CostRow>& rows) {
+  static const std::string kFull = UpsertSql(kRowsPerStatement);
+  std::vector<Value> params;
+  for (size_t first = 0; first < rows.size(); first += kRowsPerStatement) {
+    const size_t n = std::min(kRowsPerStatement, rows.size() - first);
+    params.clear();
+    params.reserve(n * kColumns);
+    for (size_t i = first; i < first + n; ++i) {
+      const CostRow& r = rows[i];
+      params.emplace_back(r.source_id);
+      params.emplace_back(r.position);
+      params.push_back(r.cost ? Value(*r.cost) : Value());
+      params.push_back(Value::TextOrNull(r.currency));
+      params.push_back(Value::TextOrNull(r.destination));
+      params.push_back(Value::TextOrNull(r.destination_class));
+      params.push_back(Value::TextOrNull(r.band));
+      params.push_back(Value::TextOrNull(r.tariff));
+      params.push_back(Value::TextOrNull(r.tariff_version));
+      params.push_back(Value::TextOrNull(r.reason));
+    }
+    db.Run(n == kRowsPerStatement ? kFull : UpsertSql(n), params);
+  }
+}
+
+}  // namespace velqua_store
