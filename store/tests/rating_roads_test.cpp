@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,66 +22,8 @@ namespace {
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples/";
 
-// A Berlin office on a Hicom: trunk 1-2 on one carrier (split at 18:00),
-// 3-4 on another from 15 March. Numbers as the Hicom prints them.
-const char* const kTariffA = R"(name = "Carrier A"
-version = "2026-03"
-currency = "EUR"
-mode = "split"
-[[band]]
-name = "day"
-days = "mon-fri"
-from = "08:00"
-to = "18:00"
-[[band]]
-name = "night"
-days = "mon-fri"
-to = "08:00"
-[[band]]
-name = "night"
-days = "mon-fri"
-from = "18:00"
-[[band]]
-name = "night"
-days = "sat-sun"
-[rate.local]
-day = { connect = "0.05", per_minute = "0.0290", first = 60, increment = 1 }
-night = { connect = "0.05", per_minute = "0.0150", first = 60, increment = 1 }
-[rate.national]
-all = { per_minute = "0.0450", first = 30, increment = 6, minimum = "0.06" }
-[rate.mobile]
-all = { per_minute = "0.1390", first = 1, increment = 1 }
-[rate.international]
-all = { connect = "0.10", per_minute = "0.2350", first = 60, increment = 60 }
-[rate.free]
-all = { per_minute = "0" }
-[[destination]]
-name = "Berlin"
-class = "local"
-prefixes = ["+4930"]
-[[destination]]
-name = "Germany"
-class = "national"
-prefixes = ["+492", "+493", "+494", "+495", "+496", "+497", "+498", "+499"]
-[[destination]]
-name = "Germany mobile"
-class = "mobile"
-prefixes = ["+4915", "+4916", "+4917"]
-[[destination]]
-name = "Austria"
-class = "international"
-prefixes = ["+43"]
-[[destination]]
-name = "Freephone"
-class = "toll-free"
-rate = "free"
-prefixes = ["+49800"]
-[[destination]]
-name = "Emergency"
-class = "emergency"
-rate = "free"
-prefixes = ["112", "110"]
-)";
+// The Berlin office of examples/rating/office-de.toml on a Hicom, with trunks
+// 3-4 on another carrier from 15 March. Numbers as the Hicom prints them.
 
 const char* const kPlan = R"([[tariff]]
 switch = "berlin"
@@ -178,8 +121,10 @@ class CaptureLikeSink : public velqua_records::RowSink {
 std::vector<std::vector<std::string>> ThreeRoads(const std::string& dir,
                                                  const std::vector<std::string>& urls) {
   const std::string records = Put(dir + "/month.txt", MonthOfRecords());
-  Put(dir + "/a.toml", kTariffA);
-  std::string b = kTariffA;
+  std::ifstream in_a(kExamples + "rating/office-de.toml", std::ios::binary);
+  const std::string a((std::istreambuf_iterator<char>(in_a)), std::istreambuf_iterator<char>());
+  Put(dir + "/a.toml", a);
+  std::string b = a;
   b.replace(b.find("per_minute = \"0.0290\""), 21, "per_minute = \"0.0310\"");
   b.replace(b.find("name = \"Carrier A\""), 18, "name = \"Carrier B\"");
   Put(dir + "/b.toml", b);
