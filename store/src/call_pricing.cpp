@@ -1,5 +1,6 @@
 #include "call_pricing.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <limits>
 
@@ -9,12 +10,15 @@
 namespace velqua_store {
 namespace {
 
-// Rows an upsert statement writes: 10 parameters each, well under both
-// engines' limits on parameters.
-constexpr size_t kRowsPerStatement = 100;
+// Rows an upsert statement writes: many, so that a batch takes few round
+// trips to a server (10 parameters a row, well under PostgreSQL's limit).
+// SQLite writes one row a statement instead (sqlite_connection.cpp).
+constexpr size_t kRowsPerStatement = 200;
 constexpr size_t kColumns = 10;
 
-std::string UpsertSql(size_t rows) {
+}  // namespace
+
+std::string UpsertCostsSql(size_t rows) {
   std::string sql =
       "INSERT INTO call_costs (source_id, position, cost, currency, destination, "
       "destination_class, band, tariff, tariff_version, reason) VALUES ";
@@ -32,6 +36,8 @@ std::string UpsertSql(size_t rows) {
          "tariff = excluded.tariff, tariff_version = excluded.tariff_version, "
          "reason = excluded.reason";
 }
+
+namespace {
 
 void Unpriced(CostRow& out, const std::string& reason) {
   out.cost.reset();
@@ -91,27 +97,23 @@ bool PriceStored(velqua_rating::Rater& rater, const std::string& switch_name,
   return true;
 }
 
-void UpsertCosts(Connection& db, const std::vector<CostRow>& rows) {
-  static const std::string kFull = UpsertSql(kRowsPerStatement);
+void Connection::UpsertCosts(const CostRow* rows, size_t count) {
+  const std::string full = UpsertCostsSql(kRowsPerStatement);
   std::vector<Value> params;
-  for (size_t first = 0; first < rows.size(); first += kRowsPerStatement) {
-    const size_t n = std::min(kRowsPerStatement, rows.size() - first);
+  for (size_t first = 0; first < count; first += kRowsPerStatement) {
+    const size_t n = std::min(kRowsPerStatement, count - first);
     params.clear();
     params.reserve(n * kColumns);
-    for (size_t i = first; i < first + n; ++i) {
-      const CostRow& r = rows[i];
-      params.emplace_back(r.source_id);
-      params.emplace_back(r.position);
-      params.push_back(r.cost ? Value(*r.cost) : Value());
-      params.push_back(Value::TextOrNull(r.currency));
-      params.push_back(Value::TextOrNull(r.destination));
-      params.push_back(Value::TextOrNull(r.destination_class));
-      params.push_back(Value::TextOrNull(r.band));
-      params.push_back(Value::TextOrNull(r.tariff));
-      params.push_back(Value::TextOrNull(r.tariff_version));
-      params.push_back(Value::TextOrNull(r.reason));
+    for (const CostRow* r = rows + first; r != rows + first + n; ++r) {
+      params.emplace_back(r->source_id);
+      params.emplace_back(r->position);
+      params.push_back(r->cost ? Value(*r->cost) : Value());
+      for (const std::string* text : {&r->currency, &r->destination, &r->destination_class,
+                                      &r->band, &r->tariff, &r->tariff_version, &r->reason}) {
+        params.push_back(Value::TextOrNull(*text));
+      }
     }
-    db.Run(n == kRowsPerStatement ? kFull : UpsertSql(n), params);
+    Run(n == kRowsPerStatement ? full : UpsertCostsSql(n), params);
   }
 }
 

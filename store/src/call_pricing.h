@@ -37,8 +37,8 @@ struct StoredForPricing {
 bool PriceStored(velqua_rating::Rater& rater, const std::string& switch_name,
                  const StoredForPricing& call, CostRow& out);
 
-// Writes the rows (insert, or replace the price a call had) in statements
-// of many rows each.
-void UpsertCosts(Connection& db, const std::vector<CostRow>& rows);
+// The upsert of `rows` rows into call_costs, with $1 ... parameters in the
+// order of CostRow's members.
+std::string UpsertCostsSql(size_t rows);
 
 }  // namespace velqua_store

@@ -86,17 +86,19 @@ bool SqlStore::RefreshPlan() {
 
 void SqlStore::PriceCalls(const Source& source, const CallValues* calls, size_t n) {
   if (n == 0 || !RefreshPlan()) return;
-  costs_.clear();
-  CostRow row;
+  // costs_ is a pool: its rows' strings keep their storage batch after batch.
+  if (costs_.size() < n) costs_.resize(n);
+  size_t kept = 0;
   for (const CallValues* v = calls; v != calls + n; ++v) {
     const StoredForPricing stored{v->type,     v->attribute, &v->start,
                                   v->duration, &v->texts[0], &v->texts[2]};
+    CostRow& row = costs_[kept];
     if (!PriceStored(*rater_, source.switch_name, stored, row)) continue;
     row.source_id = source.id;
     row.position = v->position;
-    costs_.push_back(row);
+    ++kept;
   }
-  UpsertCosts(*db_, costs_);
+  db_->UpsertCosts(costs_.data(), kept);
 }
 
 RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int64_t)>& progress) {
@@ -127,7 +129,7 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
   CostRow row;
   for (;;) {
     params[0] = Value(last);
-    costs_.clear();
+    size_t kept = 0;
     int64_t read = 0;
     db_->Run(sql, params, [&](const ResultRow& r) {
       ++read;
@@ -144,13 +146,17 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
                                     r.IsNull(7) ? -1 : r.Int(7),
                                     &dialled,
                                     &trunk};
-      if (!PriceStored(*rater_, switch_name, stored, row)) return;
-      (row.cost ? (row.reason.empty() ? result.priced : result.free) : result.unpriced) += 1;
-      costs_.push_back(row);
+      if (kept == costs_.size()) costs_.emplace_back();
+      CostRow& cost = costs_[kept];
+      if (!PriceStored(*rater_, switch_name, stored, cost)) return;
+      cost.source_id = row.source_id;
+      cost.position = row.position;
+      ++kept;
+      (cost.cost ? (cost.reason.empty() ? result.priced : result.free) : result.unpriced) += 1;
     });
     if (read == 0) break;
     InTransaction(*db_, [&] {
-      UpsertCosts(*db_, costs_);
+      db_->UpsertCosts(costs_.data(), kept);
       db_->Run(
           "INSERT INTO rating_progress (run, last_id) VALUES ($1, $2) "
           "ON CONFLICT (run) DO UPDATE SET last_id = excluded.last_id",

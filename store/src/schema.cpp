@@ -102,7 +102,7 @@ CREATE TABLE call_costs (
   tariff_version {text},
   reason {text},
   PRIMARY KEY (source_id, position)
-);
+){without_rowid};
 CREATE TABLE rating_files (
   name {text} PRIMARY KEY,
   kind {text} NOT NULL,
@@ -167,7 +167,10 @@ void Apply(Connection& db, int version) {
     db.Script(ForEngine(IsPostgres(db), kQueryIndexes));
     FillLookups(db);
   } else if (version == 2) {
-    db.Script(ForEngine(IsPostgres(db), kVersion2));
+    // In SQLite the costs are their key's B-tree alone, not a table and an
+    // index: writing a price is then one insertion, not two.
+    db.Script(Replace(ForEngine(IsPostgres(db), kVersion2), "{without_rowid}",
+                      IsPostgres(db) ? "" : " WITHOUT ROWID"));
   }
 }
 

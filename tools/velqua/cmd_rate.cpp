@@ -61,7 +61,9 @@ int ListUnpriced(velqua_store::Store& store, const RateOptions& options) {
 }  // namespace
 
 int RunRate(const RateOptions& options) {
-  std::unique_ptr<velqua_store::Store> store = velqua_store::OpenStore(options.db, false);
+  // A plan may come before any call: then import and capture price from the first one.
+  std::unique_ptr<velqua_store::Store> store =
+      velqua_store::OpenStore(options.db, !options.plan.empty());
   if (!options.plan.empty()) {
     const int64_t tariffs = store->PutRatingPlan(options.plan);
     std::fprintf(stderr, "velqua: rating plan '%s' and %lld tariffs kept in the store\n",
