@@ -1,7 +1,6 @@
 #include "call_pricing.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 
 #include "sql.h"
@@ -59,12 +58,22 @@ bool PriceStored(velqua_rating::Rater& rater, const std::string& switch_name,
   velqua_rating::CallToPrice c;
   c.type = call.type;
   c.attribute = call.attribute;
-  int h = 0, mi = 0, s = 0;
-  const int fields = call.start->empty() ? 0
-                                         : std::sscanf(call.start->c_str(), "%d-%d-%dT%d:%d:%d",
-                                                       &c.year, &c.month, &c.day, &h, &mi, &s);
-  c.has_date = fields >= 3;
-  c.time = h * 3600 + mi * 60 + s;
+  // "YYYY-MM-DD", then "THH:MM", then ":SS", as the store writes a start.
+  const std::string& start = *call.start;
+  const auto number = [&start](size_t at, size_t digits) {
+    int value = 0;
+    for (size_t i = at; i < at + digits; ++i) value = value * 10 + (start[i] - '0');
+    return value;
+  };
+  const bool has_time = start.size() >= 16;
+  c.has_date = start.size() >= 10;
+  if (c.has_date) {
+    c.year = number(0, 4);
+    c.month = number(5, 2);
+    c.day = number(8, 2);
+  }
+  c.time = has_time ? number(11, 2) * 3600 + number(14, 2) * 60 : 0;
+  if (start.size() >= 19) c.time += number(17, 2);
   c.duration = call.duration > std::numeric_limits<int32_t>::max()
                    ? std::numeric_limits<int32_t>::max()
                    : static_cast<int32_t>(call.duration);
@@ -72,7 +81,7 @@ bool PriceStored(velqua_rating::Rater& rater, const std::string& switch_name,
   const auto rated = rater.Rate(switch_name, *call.trunk, c);
   const auto& p = rated.priced;
   if (rated.entry == nullptr && p.status == velqua_rating::Priced::Status::kFree) return false;
-  if (c.has_date && fields < 5 && p.status == velqua_rating::Priced::Status::kPriced) {
+  if (c.has_date && !has_time && p.status == velqua_rating::Priced::Status::kPriced) {
     Unpriced(out, "no time");  // a band needs the time of day
     return true;
   }
