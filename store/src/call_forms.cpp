@@ -20,7 +20,7 @@ class TableWriter : public CallWriter {
   explicit TableWriter(std::FILE* out)
       : out_(out),
         table_({"start", "switch", "type", "attribute", "dur", "ring", "dialled", "ext", "trunk",
-                "rx ext", "rx trunk", "account", "cost", "destination", "note"},
+                "rx ext", "rx trunk", "account", "cost", "destination", "charged to", "note"},
                {false, false, false, false, true, true}) {}  // the two durations: numbers
 
   void Write(const StoredCall& c) override {
@@ -35,6 +35,7 @@ class TableWriter : public CallWriter {
     // No cost with a reason: the call could not be priced, and says why.
     cells.push_back(c.cost ? *c.cost + ' ' + c.currency.value_or("") : c.cost_reason ? "-" : "");
     cells.push_back(c.cost || !c.cost_reason ? c.destination.value_or("") : *c.cost_reason);
+    cells.push_back(c.person.value_or(c.client.value_or("")));
     if (c.extension_random) cells.push_back("random extension");
     table_.Add(std::move(cells), &out_.text());
     out_.MaybeFlush();

@@ -170,4 +170,40 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
   return result;
 }
 
+int64_t SqlStore::PutDirectory(const std::vector<velqua_rating::DirectoryEntry>& entries) {
+  InTransaction(*db_, [&] {
+    for (const auto& e : entries) {
+      const bool account = e.kind == velqua_rating::DirectoryEntry::Kind::kAccount;
+      db_->Run(
+          "INSERT INTO directory (kind, entry_key, from_day, person, department, cost_centre, "
+          "client, project) VALUES ($1, $2, $3, $4, $5, $6, $7, $8) "
+          "ON CONFLICT (kind, entry_key, from_day) DO UPDATE SET person = excluded.person, "
+          "department = excluded.department, cost_centre = excluded.cost_centre, "
+          "client = excluded.client, project = excluded.project",
+          {account ? "account" : "extension", e.key, e.from, Value::TextOrNull(e.person),
+           Value::TextOrNull(e.department), Value::TextOrNull(e.cost_centre),
+           Value::TextOrNull(e.client), Value::TextOrNull(e.project)});
+    }
+  });
+  return static_cast<int64_t>(entries.size());
+}
+
+std::vector<velqua_rating::DirectoryEntry> SqlStore::ListDirectory() {
+  std::vector<velqua_rating::DirectoryEntry> entries;
+  db_->Run(
+      "SELECT kind, entry_key, from_day, person, department, cost_centre, client, project "
+      "FROM directory ORDER BY kind DESC, entry_key, from_day",
+      {}, [&](const ResultRow& r) {
+        velqua_rating::DirectoryEntry e;
+        e.kind = r.Text(0) == "account" ? velqua_rating::DirectoryEntry::Kind::kAccount
+                                        : velqua_rating::DirectoryEntry::Kind::kExtension;
+        e.key = r.Text(1);
+        e.from = r.Text(2);
+        std::string* texts[] = {&e.person, &e.department, &e.cost_centre, &e.client, &e.project};
+        for (int i = 0; i < 5; ++i) *texts[i] = r.IsNull(3 + i) ? "" : r.Text(3 + i);
+        entries.push_back(std::move(e));
+      });
+  return entries;
+}
+
 }  // namespace velqua_store

@@ -88,7 +88,8 @@ LEFT JOIN call_attributes a ON a.value = c.attribute
 // (source and position), so that writing calls stays as it was and pricing
 // again is an upsert; the rating plan and its tariffs are kept as their
 // texts (every writer prices with the same ones); a run of velqua rate
-// notes how far it came.
+// notes how far it came; the directory names extensions and account codes
+// (from_day '' = always).
 constexpr const char* kVersion2 = R"(
 CREATE TABLE call_costs (
   source_id BIGINT NOT NULL REFERENCES sources (id),
@@ -113,6 +114,17 @@ CREATE TABLE rating_files (
 CREATE TABLE rating_progress (
   run {text} PRIMARY KEY,
   last_id BIGINT NOT NULL
+);
+CREATE TABLE directory (
+  kind {text} NOT NULL,
+  entry_key {text} NOT NULL,
+  from_day {text} NOT NULL,
+  person {text},
+  department {text},
+  cost_centre {text},
+  client {text},
+  project {text},
+  PRIMARY KEY (kind, entry_key, from_day)
 )
 )";
 

@@ -46,6 +46,8 @@ class SqlStore : public Store {
   void EndBulk() override;
   int64_t PutRatingPlan(const std::string& path) override;
   RateResult Rate(const RatePeriod& period, const std::function<void(int64_t)>& progress) override;
+  int64_t PutDirectory(const std::vector<velqua_rating::DirectoryEntry>& entries) override;
+  std::vector<velqua_rating::DirectoryEntry> ListDirectory() override;
 
  private:
   WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,

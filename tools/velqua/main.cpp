@@ -9,6 +9,7 @@
 
 #include "cli_common.h"
 #include "cmd_calls.h"
+#include "cmd_directory.h"
 #include "cmd_rate.h"
 #ifdef VELQUA_CLI_HAS_CAPTURE
 #include "cmd_capture.h"
@@ -71,6 +72,8 @@ int Run(int argc, char** argv) {
   velqua_cli::AddCallsCommand(app, calls);
   velqua_cli::RateOptions rate;
   velqua_cli::AddRateCommand(app, rate);
+  velqua_cli::DirectoryOptions directory;
+  velqua_cli::AddDirectoryCommand(app, directory);
   velqua_cli::RetranslateOptions retranslate;
   velqua_cli::AddRetranslateCommand(app, retranslate);
   velqua_cli::ConfigOptions config;
@@ -110,6 +113,10 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
   if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
   if (app.got_subcommand("rate")) return velqua_cli::RunRate(rate);
+  if (CLI::App* cmd = app.get_subcommand("directory"); cmd->parsed()) {
+    return cmd->got_subcommand("import") ? velqua_cli::RunDirectoryImport(directory)
+                                         : velqua_cli::RunDirectoryList(directory);
+  }
   if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
 #ifdef VELQUA_CLI_HAS_CAPTURE

@@ -19,6 +19,7 @@
 #include <utility>
 #include <vector>
 
+#include "velqua/rating/directory.h"
 #include "velqua/records/call_row.h"
 #include "velqua/records/common.h"
 
@@ -127,6 +128,10 @@ struct StoredCall {
   // decimal text (none when it could not be priced), and why a call costs
   // 0 or nothing ("incoming", "no tariff for +99...").
   std::optional<std::string> cost, currency, destination, destination_class, cost_reason;
+  // From the directory, as in force on the call's start date: its
+  // extension's person, department and cost centre, its account code's
+  // client and project.
+  std::optional<std::string> person, department, cost_centre, client, project;
 };
 
 // Which stored calls Rate prices again: days as CallFilter's, "" = all.
@@ -265,6 +270,11 @@ class Store {
   // when no plan is stored.
   virtual RateResult Rate(const RatePeriod& period,
                           const std::function<void(int64_t)>& progress = nullptr) = 0;
+  // Adds directory rows, or replaces those of the same kind, key and date,
+  // in one transaction; returns how many were written.
+  virtual int64_t PutDirectory(const std::vector<velqua_rating::DirectoryEntry>& entries) = 0;
+  // Every directory row: extensions then account codes, by key and date.
+  virtual std::vector<velqua_rating::DirectoryEntry> ListDirectory() = 0;
 
  protected:
   explicit Store(std::string name) : name_(std::move(name)) {}
