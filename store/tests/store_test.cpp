@@ -187,6 +187,31 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenRatingTablesAreAdded) {
   EXPECT_THROW(store_->Rate(all), StoreError);  // the tables are back, and hold no plan
 }
 
+TEST_P(StoreTest, ListedCallsNameWhoTheDirectoryGaveOnTheirDate) {
+  using Kind = velqua_rating::DirectoryEntry::Kind;
+  EXPECT_EQ(
+      store_->PutDirectory({{Kind::kExtension, "21", "", "Ana", "Sales", "CC1", "", ""},
+                            {Kind::kExtension, "21", "2026-03-10", "Ana", "Support", "CC2", "", ""},
+                            {Kind::kAccount, "77", "2026-03-10", "", "", "", "Acme", "Audit"}}),
+      3);
+  // Written again: replaced, not added.
+  store_->PutDirectory({{Kind::kExtension, "21", "", "Ana Ruiz", "Sales", "CC1", "", ""}});
+  EXPECT_EQ(store_->ListDirectory().size(), 3u);
+  const Source source = NewSource("hq", "v24");
+  store_->Write(source,
+                {Call(1, "21", "2026-03-09 23:59:59", "01", "555", "77"),
+                 Call(2, "21", "2026-03-10 00:00:00", "01", "555", "77"),
+                 Call(3, "22", "2026-03-10 08:00:00")},
+                std::nullopt, nullptr);
+  std::vector<std::string> names;
+  store_->ListCalls({}, [&](const StoredCall& c) {
+    names.push_back(c.person.value_or("-") + "/" + c.department.value_or("-") + "/" +
+                    c.client.value_or("-") + "/" + c.project.value_or("-"));
+  });
+  EXPECT_EQ(names,
+            (std::vector<std::string>{"Ana Ruiz/Sales/-/-", "Ana/Support/Acme/Audit", "-/-/-/-"}));
+}
+
 TEST_P(StoreTest, AnUnknownTimeZoneIsRefused) {
   EXPECT_THROW(store_->PutSwitch({"hq", "", "", "Mars/Olympus"}), StoreError);
   EXPECT_FALSE(store_->FindSwitch("hq"));
