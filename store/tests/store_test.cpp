@@ -168,7 +168,8 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenRatingTablesAreAdded) {
   store_.reset();
   // The store as version 1 left it: no rating tables.
   const char* const down =
-      "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress;";
+      "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
+      "DROP TABLE directory;";
   if (GetParam() == Engine::kSqlite) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);

@@ -11,6 +11,7 @@
 #include "cmd_calls.h"
 #include "cmd_directory.h"
 #include "cmd_rate.h"
+#include "cmd_tariff.h"
 #ifdef VELQUA_CLI_HAS_CAPTURE
 #include "cmd_capture.h"
 #endif
@@ -74,6 +75,8 @@ int Run(int argc, char** argv) {
   velqua_cli::AddRateCommand(app, rate);
   velqua_cli::DirectoryOptions directory;
   velqua_cli::AddDirectoryCommand(app, directory);
+  velqua_cli::TariffOptions tariff;
+  velqua_cli::AddTariffCommand(app, tariff);
   velqua_cli::RetranslateOptions retranslate;
   velqua_cli::AddRetranslateCommand(app, retranslate);
   velqua_cli::ConfigOptions config;
@@ -113,6 +116,10 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
   if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
   if (app.got_subcommand("rate")) return velqua_cli::RunRate(rate);
+  if (CLI::App* cmd = app.get_subcommand("tariff"); cmd->parsed()) {
+    return cmd->got_subcommand("check") ? velqua_cli::RunTariffCheck(tariff)
+                                        : velqua_cli::RunTariffImportCgrates(tariff);
+  }
   if (CLI::App* cmd = app.get_subcommand("directory"); cmd->parsed()) {
     return cmd->got_subcommand("import") ? velqua_cli::RunDirectoryImport(directory)
                                          : velqua_cli::RunDirectoryList(directory);

@@ -141,6 +141,10 @@ velqua_e2e(rate_directory_import 0 directory import --db ${RATED_STORE}
            examples/rating/people.csv examples/rating/accounts.csv)
 velqua_e2e(rate_directory_list 0 directory list --db ${RATED_STORE} --format table)
 velqua_e2e(rate_calls_table 0 calls --db ${RATED_STORE} --format table)
+velqua_e2e(tariff_check 0 tariff check examples/rating/business-es.toml)
+velqua_e2e(tariff_import_cgrates 0 tariff import-cgrates rating/tests/data/cgrates
+           -o ${VELQUA_E2E_TMP}/cgrates.toml PRODUCED ${VELQUA_E2E_TMP}/cgrates.toml
+           GOLDEN tests/e2e/golden/tariff_import_cgrates.toml)
 velqua_e2e(error_directory_bad_date 1 directory import --db ${RATED_STORE}
            tests/e2e/data/rating/people-bad-date.csv)
 velqua_e2e(rate_calls_cdr_csv 0 calls --db ${RATED_STORE} --format cdr-csv --type incoming
