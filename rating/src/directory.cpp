@@ -68,7 +68,7 @@ std::string Trimmed(const std::string& s) {
 
 bool IsDate(const std::string& s) {
   if (s.size() != 10 || s[4] != '-' || s[7] != '-') return false;
-  for (size_t i : {0, 1, 2, 3, 5, 6, 8, 9}) {
+  for (size_t i : {0u, 1u, 2u, 3u, 5u, 6u, 8u, 9u}) {
     if (s[i] < '0' || s[i] > '9') return false;
   }
   const int m = std::stoi(s.substr(5, 2));

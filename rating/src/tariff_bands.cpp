@@ -31,7 +31,7 @@ std::string Clock(int minute) {
 // "HH:MM" as minutes from midnight; "24:00" only when `end`. -1 if not.
 int Minutes(const std::string& text, bool end) {
   if (text.size() != 5 || text[2] != ':') return -1;
-  for (size_t i : {0, 1, 3, 4}) {
+  for (size_t i : {0u, 1u, 3u, 4u}) {
     if (text[i] < '0' || text[i] > '9') return -1;
   }
   const int h = (text[0] - '0') * 10 + (text[1] - '0');

@@ -90,7 +90,7 @@ bool ReadDate(const toml::node& node, int32_t& day_number) {
   } else if (const auto* text = node.as_string()) {
     const std::string& s = text->get();
     if (s.size() != 10 || s[4] != '-' || s[7] != '-') return false;
-    for (size_t i : {0, 1, 2, 3, 5, 6, 8, 9}) {
+    for (size_t i : {0u, 1u, 2u, 3u, 5u, 6u, 8u, 9u}) {
       if (s[i] < '0' || s[i] > '9') return false;
     }
     y = std::stoi(s.substr(0, 4));
