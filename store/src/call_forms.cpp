@@ -36,7 +36,9 @@ class TableWriter : public CallWriter {
     cells.push_back(c.cost ? *c.cost + ' ' + c.currency.value_or("") : c.cost_reason ? "-" : "");
     cells.push_back(c.cost || !c.cost_reason ? c.destination.value_or("") : *c.cost_reason);
     cells.push_back(c.person.value_or(c.client.value_or("")));
-    if (c.extension_random) cells.push_back("random extension");
+    if (c.extension_random) {
+      cells.push_back(c.extension ? "random extension" : "account code not in the extension list");
+    }
     table_.Add(std::move(cells), &out_.text());
     out_.MaybeFlush();
   }
