@@ -11,7 +11,9 @@ PACKAGES=(build-essential cmake g++ clang libgtest-dev libbenchmark-dev libcairo
           # the call store: SQLite, libpq, time zones; a PostgreSQL server for its tests
           libsqlite3-dev libpq-dev libhowardhinnant-date-dev tzdata postgresql
           # the capture service: Asio (sources), toml++ (its configuration), zlib (spool checksums)
-          libasio-dev libtomlplusplus-dev zlib1g-dev)
+          libasio-dev libtomlplusplus-dev zlib1g-dev
+          # its Prometheus metrics (HTTP); the package's manual pages (from --help)
+          libcpp-httplib-dev help2man)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -190,6 +190,8 @@ void Pipeline::Loop() {
       Process(e);
     }
     if (pending_rows_ > 0) Retry([this] { Commit(); });
+    const int64_t end = published_.load();
+    board_.Progress(end, caught_up ? end : processed_end_, caught_up);  // for the metrics
     if (caught_up) {
       std::unique_lock<std::mutex> lock(mutex_);
       if (stop_) return;

@@ -16,6 +16,7 @@
 #include "cmd_draw.h"
 #include "cmd_guess.h"
 #include "cmd_import.h"
+#include "cmd_purge.h"
 #include "cmd_retranslate.h"
 #include "cmd_switches.h"
 #include "cmd_translate.h"
@@ -70,6 +71,8 @@ int Run(int argc, char** argv) {
   velqua_cli::AddCallsCommand(app, calls);
   velqua_cli::RetranslateOptions retranslate;
   velqua_cli::AddRetranslateCommand(app, retranslate);
+  velqua_cli::PurgeOptions purge;
+  velqua_cli::AddPurgeCommand(app, purge);
   velqua_cli::ConfigOptions config;
   velqua_cli::AddConfigCommand(app, config);
   velqua_cli::GuessOptions guess;
@@ -107,6 +110,7 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
   if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
   if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
+  if (app.got_subcommand("purge")) return velqua_cli::RunPurge(purge);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
 #ifdef VELQUA_CLI_HAS_CAPTURE
   if (CLI::App* cmd = app.get_subcommand("capture"); cmd->parsed()) {
