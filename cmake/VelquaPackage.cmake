@@ -24,8 +24,9 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 if(TARGET velqua_capture)
-  # useradd (passwd) makes the service's user; both are in every Debian.
-  set(CPACK_DEBIAN_PACKAGE_DEPENDS "passwd")
+  # useradd (passwd) makes the service's user; the unit's reload sends its
+  # signal with /bin/kill (procps), which a minimal system lacks.
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "passwd, procps")
   set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
       ${PROJECT_SOURCE_DIR}/packaging/debian/conffiles
       ${PROJECT_SOURCE_DIR}/packaging/debian/postinst

@@ -42,11 +42,21 @@ sed 's|/usr/share/velqua/|'"$root"'/usr/share/velqua/|' "$root/etc/velqua/captur
 "$build/tools/velqua/velqua" capture status --config "$work/capture.toml" >/dev/null || [ $? -eq 2 ] ||
   fail "the shipped configuration is refused"
 
+# Every program the unit runs comes from the package, an essential package
+# or one it depends on (a minimal system has no /bin/kill without procps).
+depends=$(dpkg-deb -f "$deb" Depends)
+for program in $(sed -n 's/^Exec[A-Za-z]*=[-@+!:]*\(\/[^ ]*\).*/\1/p' "$unit"); do
+  [ -e "$root$program" ] && continue
+  owner=$(dpkg -S "$program" 2>/dev/null | head -1 | cut -d: -f1) || fail "$program: from no package"
+  [ "$(dpkg-query -W -f='${Essential}' "$owner")" = yes ] && continue
+  case ", $depends," in *", $owner"[\ ,]*) ;; *) fail "$program comes from $owner, not a dependency" ;; esac
+done
+
 if command -v systemd-analyze >/dev/null; then
   # ExecReload's /bin/kill comes from the system, the rest from the package.
   sed "s|^ExecStart=/usr/bin/velqua|ExecStart=$root/usr/bin/velqua|" "$unit" \
     >"$work/velqua-capture.service"
-  systemd-analyze verify "$work/velqua-capture.service" 2>"$work/verify.log" ||
+  systemd-analyze verify --man=no "$work/velqua-capture.service" 2>"$work/verify.log" ||
     { cat "$work/verify.log" >&2; fail "systemd-analyze verify"; }
   if grep -v "Cannot add dependency job\|velqua user\|Failed to resolve user" "$work/verify.log" |
       grep -q .; then
