@@ -2,6 +2,8 @@
 
 #include <httplib.h>
 
+#include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <mutex>
 #include <set>
@@ -165,7 +167,15 @@ class MetricsServer::Impl {
       throw std::runtime_error("metrics: cannot listen on " + host + " port " +
                                std::to_string(port) + " (in use?)");
     }
-    thread_ = std::thread([this] { server_.listen_after_bind(); });
+    thread_ = std::thread([this] {
+      server_.listen_after_bind();
+      ended_ = true;
+    });
+    // Until it runs, a stop would not reach it (and the join would wait
+    // for ever): a service stopped at once still ends.
+    while (!server_.is_running() && !ended_) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
   }
 
   ~Impl() {
@@ -199,6 +209,7 @@ class MetricsServer::Impl {
   const int64_t started_us_;
   httplib::Server server_;
   std::thread thread_;
+  std::atomic<bool> ended_{false};
   int port_ = 0;
   std::mutex mutex_;
   std::vector<std::pair<std::string, std::string>> sources_;
