@@ -3,6 +3,12 @@
 #include "velqua/capture/health.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
 
 namespace velqua_capture {
 namespace {
@@ -129,6 +135,31 @@ TEST(CaptureHealth, LevelAndProblemForEachState) {
     EXPECT_EQ(report.summary.rfind(c.summary, 0), 0u) << report.summary;
     EXPECT_EQ(report.problems, c.problems);
   }
+}
+
+// A monitoring user (NRPE) may not signal the service's process, which runs
+// as another user, but must see it running all the same.
+TEST(CaptureHealth, AServiceOfAnotherUserIsSeenRunning) {
+  if (::geteuid() != 0) GTEST_SKIP() << "becoming another user needs root";
+  char dir[] = "/tmp/velqua-health-XXXXXX";
+  ASSERT_NE(::mkdtemp(dir), nullptr);
+  ::chmod(dir, 0755);
+  ServiceSettings settings;
+  settings.spool = dir;
+  WriteStatusFile(StatusFilePath(dir), static_cast<int>(::getpid()), NowMicros(), NowMicros(), {},
+                  {});
+  ::chmod(StatusFilePath(dir).c_str(), 0644);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    if (::setgid(65534) != 0 || ::setuid(65534) != 0) ::_exit(2);  // nobody
+    const ServiceState state = ReadServiceState(settings);
+    ::_exit(state.found && state.running ? 0 : 1);
+  }
+  int status = 0;
+  ASSERT_EQ(::waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFEXITED(status));
+  EXPECT_EQ(WEXITSTATUS(status), 0);
+  std::filesystem::remove_all(dir);
 }
 
 }  // namespace
