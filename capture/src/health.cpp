@@ -23,7 +23,7 @@ std::string SourceProblem(const std::vector<const StreamStatus*>& streams, int64
   for (const StreamStatus* s : streams) {
     if (s->never_seen) return "never connected";
     if (!s->connected) {
-      problem = "disconnected since " + IsoTime(s->since_us);
+      problem = std::string(ConnectionState(*s)) + " since " + IsoTime(s->since_us);
       if (!s->last_event.empty()) problem += " (" + s->last_event + ")";
       continue;
     }

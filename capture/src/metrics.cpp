@@ -64,6 +64,9 @@ std::string Moment(int64_t us) { return us == 0 ? "0" : Seconds(us, 1000000); }
 const StreamMetric kStreamMetrics[] = {
     {"velqua_capture_connected", "gauge", "1 while the stream's source is connected, else 0.",
      [](const StreamStatus& s) { return Count(s.connected ? 1 : 0); }},
+    {"velqua_capture_login_failed", "gauge",
+     "1 while the switch refuses the login (retried with growing waits), else 0.",
+     [](const StreamStatus& s) { return Count(s.login_failed ? 1 : 0); }},
     {"velqua_capture_received_bytes_total", "counter", "Bytes received from the switch.",
      [](const StreamStatus& s) { return Count(s.bytes); }},
     {"velqua_capture_records_total", "counter", "Records stored as calls.",

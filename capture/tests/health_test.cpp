@@ -73,6 +73,9 @@ TEST(CaptureHealth, LevelAndProblemForEachState) {
   never.streams.push_back(unseen);
   StreamStatus dropped = Stream("lan", false, 120, 130);
   dropped.last_event = "connection reset by peer";
+  StreamStatus refused = Stream("lan", false, 60, -1);
+  refused.login_failed = true;
+  refused.last_event = "login refused";
 
   const struct {
     const char* name;
@@ -121,6 +124,11 @@ TEST(CaptureHealth, LevelAndProblemForEachState) {
        Health::kWarning,
        "running",
        {"ipo: silent for 11 minutes (since 2026-01-19T08:49:00Z)"}},
+      {"the switch refuses the login",
+       Running({refused, Stream("ipo/10.1.0.7", true, 60, 1)}),
+       Health::kWarning,
+       "running",
+       {"lan: login failed since 2026-01-19T08:59:00Z (login refused)"}},
       {"a switch that moved address: its old stream left behind",
        Running({Stream("lan", true, 60, 1), Stream("ipo/10.1.0.7", false, 900, 900),
                 Stream("ipo/10.1.0.8", true, 60, 2)}),

@@ -72,7 +72,7 @@ TEST(CaptureMetrics, TextFormatWithEveryStreamAndTheSourcesNotSeen) {
     EXPECT_TRUE(std::regex_match(line, comment) || std::regex_match(line, sample));
     samples += line[0] != '#';
   }
-  EXPECT_EQ(samples, 9 * 2 + 1 + 1 + 3 + 1);  // 9 per stream, 2 streams, then the service's
+  EXPECT_EQ(samples, 10 * 2 + 1 + 1 + 3 + 1);  // 10 per stream, 2 streams, then the service's
   for (const char* expected : {
            "velqua_capture_records_total{stream=\"lan\",source=\"lan\",switch=\"kx\"} 118\n",
            "velqua_capture_connected{stream=\"lan\",source=\"lan\",switch=\"kx\"} 1\n",
