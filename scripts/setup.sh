@@ -13,7 +13,9 @@ PACKAGES=(build-essential cmake g++ clang libgtest-dev libbenchmark-dev libcairo
           # the capture service: Asio (sources), toml++ (its configuration), zlib (spool checksums)
           libasio-dev libtomlplusplus-dev zlib1g-dev
           # its Prometheus metrics (HTTP); the package's manual pages (from --help)
-          libcpp-httplib-dev help2man)
+          libcpp-httplib-dev help2man
+          # reports: spreadsheets, mail; their tests read PDFs and spreadsheets back
+          libxlsxwriter-dev libcurl4-openssl-dev poppler-utils python3-openpyxl)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -15,9 +15,10 @@ struct CallsOptions {
   std::string from, to;  // days, YYYY-MM-DD, both included
   std::string switch_name, extension, trunk, type, number, account;
   int64_t limit = 0;
-  std::string format;   // table, csv, jsonl, cdr-csv; "": table on a terminal, else csv
-  std::string output;   // -o FILE; "" = standard output
-  int mask_digits = 0;  // --mask-digits N: the last N digits of dialled numbers hidden
+  std::string format;         // table, csv, jsonl, cdr-csv; "": table on a terminal, else csv
+  std::string output;         // -o FILE; "" = standard output
+  bool unrecognised = false;  // list the unrecognised records instead
+  int mask_digits = 0;         // --mask-digits N: the last N digits of dialled numbers hidden
 };
 
 void AddCallsCommand(CLI::App& app, CallsOptions& options);
