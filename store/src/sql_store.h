@@ -46,6 +46,7 @@ class SqlStore : public Store {
   int64_t LastStoredId(const std::string& switch_name, bool calls) override;
   RewriteResult Rewrite(const std::string& switch_name, const std::vector<Retranslated>& records,
                         bool dry_run) override;
+  PurgeResult Purge(const PurgeFilter& filter, bool dry_run) override;
   void BeginBulk(int64_t records) override;
   void EndBulk() override;
   int64_t PutRatingPlan(const std::string& path) override;

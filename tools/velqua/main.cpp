@@ -19,6 +19,7 @@
 #include "cmd_draw.h"
 #include "cmd_guess.h"
 #include "cmd_import.h"
+#include "cmd_purge.h"
 #ifdef VELQUA_CLI_HAS_REPORT
 #include "cmd_report.h"
 #endif
@@ -82,6 +83,8 @@ int Run(int argc, char** argv) {
   velqua_cli::AddTariffCommand(app, tariff);
   velqua_cli::RetranslateOptions retranslate;
   velqua_cli::AddRetranslateCommand(app, retranslate);
+  velqua_cli::PurgeOptions purge;
+  velqua_cli::AddPurgeCommand(app, purge);
 #ifdef VELQUA_CLI_HAS_REPORT
   velqua_cli::ReportOptions report;
   velqua_cli::AddReportCommand(app, report);
@@ -132,6 +135,7 @@ int Run(int argc, char** argv) {
                                          : velqua_cli::RunDirectoryList(directory);
   }
   if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
+  if (app.got_subcommand("purge")) return velqua_cli::RunPurge(purge);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
 #ifdef VELQUA_CLI_HAS_REPORT
   if (app.got_subcommand("report")) return velqua_cli::RunReport(report);

@@ -29,6 +29,24 @@ if(TARGET velqua_store_testing)
   add_test(NAME cli.import_killed_and_resumed COMMAND test_cli_import_kill)
 endif()
 
+# What an administrator runs on a site: the capture service's health and
+# metrics against a running service, purge on both engines, file modes,
+# --mask-digits (real child processes, an emulated switch, PostgreSQL).
+if(TARGET velqua_store_testing AND TARGET velqua_capture)
+  add_executable(test_cli_operations ${CMAKE_CURRENT_LIST_DIR}/operations_test.cpp
+                 ${PROJECT_SOURCE_DIR}/capture/tests/capture_test.cpp)
+  target_link_libraries(test_cli_operations PRIVATE velqua_store_testing PkgConfig::VELQUA_HTTPLIB
+                        SQLite::SQLite3 GTest::gtest_main)
+  target_include_directories(test_cli_operations PRIVATE ${PROJECT_SOURCE_DIR}/capture/tests)
+  target_compile_definitions(test_cli_operations PRIVATE
+    VELQUA_PROGRAM="$<TARGET_FILE:velqua_cli>" VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    VELQUA_CAPTURE_TEST_TMP="${CMAKE_CURRENT_BINARY_DIR}/tmp"
+    VELQUA_EMULATOR="$<TARGET_FILE:velqua_emulator>")
+  velqua_warnings(test_cli_operations)
+  add_dependencies(test_cli_operations velqua_cli velqua_emulator)
+  gtest_discover_tests(test_cli_operations TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
+endif()
+
 # End-to-end: the built program on examples/ and tests/e2e/data/, against
 # tests/e2e/golden/. Every run fixes the clock (--now) because the library
 # falls back to the current date and time for what a switch does not print.

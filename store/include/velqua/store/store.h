@@ -183,6 +183,20 @@ struct RewriteResult {
   std::map<std::string, int64_t> changed = {};
 };
 
+// What Purge removes: everything older than `before` ("YYYY-MM-DD", a day
+// that exists), of one switch or ("") of all.
+struct PurgeFilter {
+  std::string before;
+  std::string switch_name;
+};
+
+// What Purge removed (or, on a dry run, would remove).
+struct PurgeResult {
+  int64_t calls = 0;
+  int64_t unrecognised = 0;
+  int64_t events = 0;
+};
+
 // One interface, two engines. A Store is used by one thread at a time.
 class Store {
  public:
@@ -274,6 +288,18 @@ class Store {
   // would change, and nothing does.
   virtual RewriteResult Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records, bool dry_run = false) = 0;
+
+  // Retention: removes, in one transaction, the calls that started before
+  // the day (the switch's local date; a call without a start date by when
+  // it was received, UTC) with their raw records, the unrecognised records
+  // and the events received before it (UTC). Sources and their checkpoints
+  // stay, so an import or a capture goes on where it was and never brings
+  // purged records back. SQLite overwrites what it removes (secure_delete)
+  // and empties its write-ahead log, so the records leave the file's bytes
+  // too. A dry run counts and removes nothing. Throws
+  // velqua_records::Failure for a malformed day, StoreError for an unknown
+  // switch.
+  virtual PurgeResult Purge(const PurgeFilter& filter, bool dry_run) = 0;
 
   // A large load is coming (about `records` records): an engine may put off
   // work until EndBulk (SQLite builds its query indexes once at the end
