@@ -56,7 +56,7 @@ bool StripSevenBit(std::vector<std::u16string>* lines) {
 // The number of fields of `line` when split by `separator` (quotes honoured).
 size_t FieldCount(Text line, char16_t separator) {
   std::u16string shaped;
-  return ShapeDelimited({separator, u'"', {}}, line, &shaped).fields;
+  return ShapeDelimited({separator, u'"', {}, {}}, line, &shaped).fields;
 }
 
 // The separator and field count most records share, or none (0).
@@ -125,7 +125,7 @@ bool IsSeconds(const std::vector<std::u16string>& values) {
 // left out. Fields that may be counts of seconds are listed in *seconds.
 DelimitedForm DeclareFields(const std::vector<std::u16string>& records, char16_t separator,
                             size_t count, Guess* guess, std::vector<size_t>* seconds) {
-  DelimitedForm form{separator, u'"', std::vector<DelimitedField>(count)};
+  DelimitedForm form{separator, u'"', std::vector<DelimitedField>(count), {}};
   std::vector<std::vector<std::u16string>> values;
   for (size_t i = 0; i < count; ++i) values.push_back(FieldValues(records, form, i));
   for (size_t i = 0; i < count; ++i) {

@@ -52,7 +52,7 @@ DelimitedField ReadField(const json& field, const std::string& where) {
 
 DelimitedForm ReadDelimited(const json& delimited) {
   const std::string where = "records.delimited";
-  CheckJsonMembers(delimited, where, {"separator", "quote", "fields"});
+  CheckJsonMembers(delimited, where, {"separator", "quote", "fields", "derived"});
   DelimitedForm form;
   form.separator = Character(delimited, "separator", where, u',', false);
   form.quote = Character(delimited, "quote", where, u'"', true);
@@ -66,6 +66,7 @@ DelimitedForm ReadDelimited(const json& delimited) {
   for (size_t i = 0; i < fields.size(); ++i) {
     form.fields.push_back(ReadField(fields[i], where + ".fields[" + std::to_string(i) + "]"));
   }
+  if (delimited.contains("derived")) form.derived = DerivedFromJson(delimited.at("derived"), form);
   return form;
 }
 
@@ -155,7 +156,9 @@ std::string RecordFormToJson(const RecordForm& form) {
       if (field.seconds) out += ", \"seconds\": true";
       out += "}";
     }
-    out += "\n      ]\n    }";
+    out += "\n      ]";
+    if (!form.fields.derived.empty()) out += DerivedToJson(form.fields);
+    out += "\n    }";
     next = ",\n";
   }
   if (!form.headings.empty()) {
