@@ -183,6 +183,7 @@ std::string RecordForm::Describe() const {
   if (nul_ends_record) text += " + NUL record ends";
   if (!continuation.empty()) text += " + continuation lines";
   if (seven_bit) text += " + 7-bit";
+  if (printed_time == PrintedTime::kEnd) text += " + end times";
   return text;
 }
 

@@ -156,6 +156,7 @@ Row Translation::ReadRow(int64_t number) {
       ProgramClock::Instance().PrintedParts(traductor_, {row.day, row.month, row.year, row.time});
   if ((row.printed & kPrintedYear) == 0) row.year = YearReceived(row.month, row.day, received_);
   row.random_extension = ExtensionIsRandom(traductor_, *cfg_, row.extension);
+  PlaceInTime(form_.printed_time, &row);
   return row;
 }
 

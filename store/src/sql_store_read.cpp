@@ -12,8 +12,8 @@ namespace {
 
 constexpr const char* kCallColumns =
     "type, attribute, start, start_utc, duration, ring, dialled, extension, trunk, "
-    "receiving_extension, receiving_trunk, account_code, extension_random";
-constexpr int kCallColumnCount = 13;
+    "receiving_extension, receiving_trunk, account_code, extension_random, ended, ended_utc";
+constexpr int kCallColumnCount = 15;
 
 // A call's stored translation as one string, read from the kCallColumns
 // that start at column `first`.
@@ -41,6 +41,8 @@ std::string Signature(const CallValues& v) {
   add(v.ring < 0 ? "" : std::to_string(v.ring));
   for (const std::string& text : v.texts) add(text);
   add(v.extension_random ? "1" : "0");
+  add(v.ended);
+  add(v.ended_utc);
   return s;
 }
 
@@ -131,6 +133,8 @@ StoredCall ReadCall(const ResultRow& r) {
   c.extension_random = r.Int(15) != 0;
   c.raw = r.Text(16);
   c.received_utc = r.Text(17);
+  c.ended = OptionalText(r, 18);
+  c.ended_utc = OptionalText(r, 19);
   return c;
 }
 
@@ -142,7 +146,8 @@ void SqlStore::ListCalls(const CallFilter& filter,
   std::string sql =
       "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, c.duration, "
       "c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, c.receiving_trunk, "
-      "c.account_code, c.extension_random, c.raw, c.received_utc FROM calls c "
+      "c.account_code, c.extension_random, c.raw, c.received_utc, c.ended, c.ended_utc "
+      "FROM calls c "
       "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id" +
       Where(filter, &params) + " ORDER BY c.start NULLS FIRST, w.name, s.name, c.position";
   if (filter.limit > 0) {
@@ -217,10 +222,13 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
       for (int64_t n : {v.duration, v.ring}) params.push_back(n < 0 ? Value() : Value(n));
       for (const std::string& text : v.texts) params.push_back(Value::TextOrNull(text));
       params.emplace_back(int64_t{v.extension_random});
+      params.push_back(Value::TextOrNull(v.ended));
+      params.push_back(Value::TextOrNull(v.ended_utc));
       db_->Run(
           "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
           "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "
-          "receiving_trunk = $12, account_code = $13, extension_random = $14 WHERE id = $1",
+          "receiving_trunk = $12, account_code = $13, extension_random = $14, ended = $15, "
+          "ended_utc = $16 WHERE id = $1",
           params);
       ++result.updated;
     } else if (!call && !old.is_call) {

@@ -133,6 +133,31 @@ TEST_P(ImportTest, RetranslationRewritesOnlyWhatChanges) {
   }
 }
 
+// Calls stored when the configuration took the time the switch prints for
+// the call's start, though it is the end, carry that time as their start; translated again with a
+// configuration that says so, they carry the true start, and the end beside it.
+TEST_P(ImportTest, RetranslationGivesStoredCallsTheirTrueStart) {
+  const std::string as_start =
+      EditedHicom(dir_, "as-start", "\"time\": \"end\"", "\"time\": \"start\"");
+  Importer(*store_, Settings("hicom", as_start)).Import({kExamples + "hicom/records.txt"});
+  const auto first = [&] {
+    StoredCall call;
+    CallFilter one;
+    one.limit = 1;
+    one.from = "2026-03-09";
+    store_->ListCalls(one, [&](const StoredCall& c) { call = c; });
+    return call;
+  };
+  // 08:03:12 printed, 155 s long: taken as the start, it ends 155 s later.
+  EXPECT_EQ(first().start.value_or(""), "2026-03-09T08:03:12");
+  EXPECT_EQ(first().ended.value_or(""), "2026-03-09T08:05:47");
+  const RewriteResult r = Retranslate(*store_, "hicom", kExamples + "hicom/hicom.json", "");
+  EXPECT_EQ(r.updated, 14);  // every call: each has a duration
+  EXPECT_EQ(first().start.value_or(""), "2026-03-09T08:00:37");
+  EXPECT_EQ(first().ended.value_or(""), "2026-03-09T08:03:12");
+  EXPECT_EQ(Retranslate(*store_, "hicom", kExamples + "hicom/hicom.json", "").updated, 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(Engines, ImportTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
                          velqua_store_testing::EngineName);
 

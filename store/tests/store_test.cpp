@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "schema.h"
 #include "store_test_support.h"
 
 namespace velqua_store {
@@ -144,20 +145,24 @@ TEST_P(StoreTest, ASchemaNewerThanTheProgramIsRefused) {
   if (GetParam() == Engine::kSqlite) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);
-    sqlite3_exec(db, "PRAGMA user_version = 2", nullptr, nullptr, nullptr);
+    const std::string later = "PRAGMA user_version = " + std::to_string(kSchemaVersion + 1);
+    sqlite3_exec(db, later.c_str(), nullptr, nullptr, nullptr);
     sqlite3_close(db);
   } else {
     PGconn* db = PQconnectdb(url_.c_str());
-    PQclear(PQexec(db, "INSERT INTO schema_migrations VALUES (2, 'later')"));
+    const std::string later = "INSERT INTO schema_migrations VALUES (" +
+                              std::to_string(kSchemaVersion + 1) + ", 'later')";
+    PQclear(PQexec(db, later.c_str()));
     PQfinish(db);
   }
   try {
     OpenStore(url_);
     FAIL() << "opened";
   } catch (const StoreError& e) {
-    EXPECT_EQ(std::string(e.what()), "database '" + url_ +
-                                         "' has schema version 2, newer than this program's (1): "
-                                         "use a newer velqua");
+    EXPECT_EQ(std::string(e.what()), "database '" + url_ + "' has schema version " +
+                                         std::to_string(kSchemaVersion + 1) +
+                                         ", newer than this program's (" +
+                                         std::to_string(kSchemaVersion) + "): use a newer velqua");
   }
 }
 

@@ -31,6 +31,7 @@
 #include <utility>
 #include <vector>
 
+#include "velqua/records/call_times.h"
 #include "velqua/records/record_rules.h"
 
 namespace velqua_records {
@@ -101,10 +102,11 @@ struct RecordForm {
   std::u16string continuation;           // pattern of a continuation line; "" = none
   int continuation_column = 0;           // its first column in the joined record (1-255)
   bool seven_bit = false;                // clear bit 7 of every byte before decoding
+  PrintedTime printed_time = PrintedTime::kUnstated;  // the call's start or its end
 
   // Whether `line` (decoded, without its line end) is a page heading.
   bool IsHeading(std::u16string_view line) const;
-  // Nothing beyond plain fixed-column lines.
+  // Nothing beyond plain fixed-column lines (whatever time they print).
   bool Plain() const {
     return !delimited && headings.empty() && !nul_ends_record && continuation.empty() && !seven_bit;
   }
@@ -116,7 +118,8 @@ struct RecordForm {
   // blanks up to it; right after a record already reaching it).
   void Join(std::u16string_view line, std::u16string* record) const;
   // "fixed columns", "delimited (35 fields)", with "+ 2 heading patterns",
-  // "+ NUL record ends", "+ continuation lines" and "+ 7-bit" as they apply:
+  // "+ NUL record ends", "+ continuation lines", "+ 7-bit" and "+ end times"
+  // as they apply:
   // how `velqua switches` shows it.
   std::string Describe() const;
 };
