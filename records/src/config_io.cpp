@@ -162,7 +162,7 @@ void SaveSwitchConfigChecked(SwitchConfig& config, const std::string& path, bool
     SaveConfigChecked(*config.cfg, path, force);
     std::string dropped;
     if (!config.delivery.empty()) dropped = "the delivery";
-    if (!config.form.Plain()) {
+    if (!config.form.Plain() || config.form.printed_time != PrintedTime::kUnstated) {
       dropped += std::string(dropped.empty() ? "" : " and ") + "the record form (" +
                  config.form.Describe() + ")";
     }

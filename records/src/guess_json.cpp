@@ -86,11 +86,20 @@ GuessScore ScoreGuess(const Guess& guess, const std::string& known_json) {
   std::string delivery;
   SwitchConfigFromJson(known_json, cfg, &form, &delivery);
   GuessScore score;
+  int width = 0;
+  const std::vector<int> columns = ShapedColumns(form.fields, &width);
+  // Derived fields come last: a field read from their columns is read by rule.
+  const int first_derived =
+      form.delimited && !form.fields.derived.empty() ? columns[form.fields.fields.size()] : 256;
   for (int32_t key = velqua::emPrimerParamDato + 1; key < velqua::emUltimoParamDato; ++key) {
     cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
     if (!cfg.HayDATO()) continue;
-    ++score.total;
     const int pos = cfg.DATOPos(), size = cfg.DATOTam();
+    if (pos >= first_derived) {
+      ++score.by_rule;
+      continue;
+    }
+    ++score.total;
     Datum datum{};
     bool found = false;
     if (DatumOfKey(key, &datum)) {

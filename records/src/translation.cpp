@@ -53,6 +53,22 @@ void Decode(std::string_view bytes, bool utf8, std::u16string* text) {
   *text += utf8 ? velqua::DesdeUtf8(bytes.substr(i)) : velqua::DesdeAnsi(bytes.substr(i));
 }
 
+// A delimited field is never cut: a text the row read whole from a field's
+// columns, which the field did not fit, is given the field's whole text.
+void Uncut(const std::vector<std::pair<std::u16string, std::u16string>>& cut, Row* row) {
+  for (std::u16string* text :
+       {&row->dialled, &row->extension, &row->trunk, &row->receiving_extension,
+        &row->receiving_trunk, &row->account_code}) {
+    const std::u16string_view value = Trimmed(*text);
+    for (const auto& [shaped, whole] : cut) {
+      if (!value.empty() && value == shaped) {
+        *text = whole;
+        break;
+      }
+    }
+  }
+}
+
 // Set by SIGINT and SIGTERM once StopOnSignals has run.
 volatile std::sig_atomic_t g_stop = 0;
 
@@ -99,8 +115,9 @@ void Translation::Record(const std::u16string& record, int64_t offset) {
     ~Thaw() { clock.Thaw(); }
   } thaw{clock};
   const std::u16string* text = &record;
+  ShapeOutcome outcome;
   if (form_.delimited) {
-    const ShapeOutcome outcome = ShapeDelimited(form_.fields, record, &shaped_);
+    outcome = ShapeDelimited(form_.fields, record, &shaped_);
     counts_.more_fields += outcome.more;
     counts_.fewer_fields += outcome.fewer;
     text = &shaped_;
@@ -116,6 +133,11 @@ void Translation::Record(const std::u16string& record, int64_t offset) {
       ++counts_.damaged;
       if (on_failure) on_failure(input_, number, row.error);
     }
+    // A checked row: its date and time as printed are sound, so the start
+    // and end computed from them are too; a field cut by its columns is
+    // given whole.
+    PlaceInTime(form_.printed_time, &row);
+    if (!outcome.cut.empty()) Uncut(outcome.cut, &row);
   } catch (const velqua::Error& e) {
     row = Row();
     row.number = number;

@@ -152,12 +152,13 @@ TEST(Operations, CaptureConfigurationMistakeIsNotRestartedAndUnknown) {
   EXPECT_EQ(r.FirstLine().rfind("UNKNOWN: " + config + ":3: metrics:", 0), 0u) << r.out;
 }
 
-// Hicom records on three days, and one line no configuration reads.
+// Hicom records on three days, and one line no configuration reads. Hicom
+// prints when a call ended: the fourth call started at midnight exactly.
 const char* const kRecords =
     "01.03.26 08:03:12   1     21 00:04 00:02:35 089123456                         1\r\n"
     "01.03.26 08:10:47   2     23       00:00:52 0301234567                  0.12  2\r\n"
     "09.03.26 23:59:59   1     24 00:11 00:07:19 017612345678                      1\r\n"
-    "10.03.26 00:00:00   3     21       00:15:02 004312345678                3.84  2\r\n"
+    "10.03.26 00:15:02   3     21       00:15:02 004312345678                3.84  2\r\n"
     "20.03.26 09:01:58   2     25 00:02 00:01:11 0891234                           1\r\n"
     "Hicom 150 E Office  -  call charge printout\r\n";
 

@@ -119,7 +119,8 @@ struct StoredCall {
   std::string switch_name, source_name;
   int64_t position = 0;
   int32_t type = 0, attribute = 0;
-  std::optional<std::string> start, start_utc;
+  std::optional<std::string> start, start_utc;  // the call's true start
+  std::optional<std::string> ended, ended_utc;  // its end (none without a duration)
   std::optional<int64_t> duration, ring;
   std::optional<std::string> dialled, extension, trunk, receiving_extension, receiving_trunk,
       account_code;
