@@ -76,9 +76,12 @@ VELQUA_EXPORT int32_t velqua_error_description(char** description);
 /* A new configuration, reset (version 3, case 1, every text empty). */
 VELQUA_EXPORT int32_t velqua_cfg_create(velqua_cfg** cfg);
 /* A new configuration read from a file by its extension: .cfg (Abrir), .ini
- * (Importar) or .json (the program's readable form). A missing file, another
- * extension or a bad JSON form fail with 5 and a description naming the file
- * and the fault; a file the library refuses with the library's error. */
+ * (Importar) or .json (the program's readable form); or, for a name that is
+ * not a file and has neither a folder nor an extension, the bundled switch of
+ * that name ("hicom"), as the program's -c reads it. A missing file, an
+ * unknown name or extension or a bad JSON form fail with 5 and an English
+ * description naming the file and the fault; a file the library refuses with
+ * the library's error. */
 VELQUA_EXPORT int32_t velqua_cfg_load(const char* path, velqua_cfg** cfg);
 /* Releases the handle and its listeners; translators bound to the
  * configuration keep it until they are released or rebound. NULL is ignored.

@@ -108,16 +108,26 @@ TEST(RowWriter, YearReceivedRollsBackForLaterDays) {
 TEST(RowWriter, FailedRecordKeepsItsErrorInEveryForm) {
   Row row;
   row.number = 4;
-  row.error = "error 6 (0x00000006) in Velqua: Desbordamiento, \"x\"";
+  row.error = "overflow: a column past 255, \"x\"";
+  row.error_number = 6;
+  row.error_source = "Velqua";
+  row.error_description = "Desbordamiento";
   const std::string csv = Render(RowFormat::kCsv, {row});
   EXPECT_EQ(csv.substr(csv.find("\r\n") + 2),
-            "4,0,unrecognised,0,none,,,,,,,,,,,,"
-            "\"error 6 (0x00000006) in Velqua: Desbordamiento, \"\"x\"\"\"\r\n");
+            "4,0,unrecognised,0,none,,,,,,,,,,,,\"overflow: a column past 255, \"\"x\"\"\"\r\n");
+  // JSON keeps what the library said beside the English message.
   EXPECT_NE(Render(RowFormat::kJsonl, {row})
-                .find("\"extension_random\":null,\"error\":\"error 6 (0x00000006) in Velqua: "
-                      "Desbordamiento, \\\"x\\\"\"}"),
+                .find("\"extension_random\":null,\"error\":{\"message\":\"overflow: a column past "
+                      "255, \\\"x\\\"\",\"number\":6,\"source\":\"Velqua\",\"description\":"
+                      "\"Desbordamiento\"}}"),
             std::string::npos);
-  EXPECT_NE(Render(RowFormat::kTable, {row}).find("Desbordamiento"), std::string::npos);
+  EXPECT_NE(Render(RowFormat::kTable, {row}).find("overflow: a column past 255"),
+            std::string::npos);
+  row.error_number = 0;  // an error of the road, not the library's: the message alone
+  EXPECT_NE(Render(RowFormat::kJsonl, {row})
+                .find("\"error\":{\"message\":\"overflow: a column "
+                      "past 255, \\\"x\\\"\"}}"),
+            std::string::npos);
 }
 
 TEST(RowWriter, CsvUnrecognisedRowHasBlankFields) {
