@@ -9,6 +9,7 @@
 #include <string>
 
 #include "velqua/cfg_conmut.h"
+#include "velqua/error.h"
 #include "velqua/export.h"
 
 namespace velqua {
