@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <termios.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <memory>
@@ -128,6 +131,34 @@ TEST(RowWriter, FailedRecordKeepsItsErrorInEveryForm) {
                 .find("\"error\":{\"message\":\"overflow: a column "
                       "past 255, \\\"x\\\"\"}}"),
             std::string::npos);
+}
+
+// Written to a terminal (a pseudo-terminal here), a record's escape sequence
+// is shown, not acted on; line ends still end lines. To a file it is data.
+TEST(Output, ATerminalGetsControlCharactersAsEscapes) {
+  int controller = -1, terminal = -1;
+  ASSERT_EQ(::openpty(&controller, &terminal, nullptr, nullptr, nullptr), 0);
+  termios raw{};
+  ::tcgetattr(terminal, &raw);
+  ::cfmakeraw(&raw);  // no echo, no line-end translation: the bytes as written
+  ::tcsetattr(terminal, TCSANOW, &raw);
+  std::unique_ptr<std::FILE, FileCloser> f(::fdopen(terminal, "w"));
+  {
+    Output out(f.get());
+    out.buffer() =
+        "a\x1b]0;owned\x07,\xc2\x9b"
+        "2J\tb\r\n";
+    out.Flush();
+  }
+  char bytes[256];
+  const ssize_t n = ::read(controller, bytes, sizeof bytes);
+  ::close(controller);
+  ASSERT_GT(n, 0);
+  EXPECT_EQ(std::string(bytes, static_cast<size_t>(n)), "a\\x1B]0;owned\\x07,\\u009B2J\tb\r\n");
+  Row row = Sample();
+  row.dialled = u"\x1b[31m0891";
+  const std::string csv = Render(RowFormat::kCsv, {row});
+  EXPECT_NE(csv.find("\x1b[31m0891"), std::string::npos);
 }
 
 TEST(RowWriter, CsvUnrecognisedRowHasBlankFields) {
