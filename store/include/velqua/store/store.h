@@ -200,7 +200,9 @@ class Store {
   virtual std::vector<RawRecord> RecentRecords(const Source& source, int64_t limit,
                                                const std::string& since_utc) = 0;
 
-  // Adds an event of a source (in its own transaction).
+  // Adds an event of a source, in its own transaction; called from a Write's
+  // `before_commit`, in that Write's transaction (committed or rolled back
+  // with its records and checkpoint).
   virtual void AddEvent(const Source& source, const Event& event) = 0;
 
   // The calls the filter lets through, by start (those without a start
