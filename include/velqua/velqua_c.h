@@ -264,7 +264,7 @@ VELQUA_EXPORT int32_t velqua_trad_busca_linea(velqua_trad* trad, const char* val
 
 typedef struct velqua_translation_settings {
   const char* extensions; /* KX-TDA extension list, or NULL */
-  const char* errors_log; /* unrecognised-record log, appended to, or NULL */
+  const char* errors_log; /* unrecognised-record log (English), appended to, or NULL */
   bool utf8;              /* records in UTF-8 rather than Windows-1252 */
   int32_t year;           /* year received, for switches that print none; 0: today */
 } velqua_translation_settings;
@@ -292,7 +292,7 @@ typedef struct velqua_call {
   char* receiving_trunk;
   char* account_code;
   bool extension_random; /* drawn at random for an account code not in the list */
-  char* error;           /* why the library failed on the record, or "" */
+  char* error;           /* why the library failed on the record, in English, or "" */
 } velqua_call;
 
 typedef struct velqua_counts {
