@@ -390,7 +390,7 @@ void Pipeline::NewConnection(StreamState& s) {
   s.translation = std::make_unique<velqua_records::Translation>(
       sw.config.cfg, s.catcher,
       velqua_records::Translation::Settings{"", sw.settings.extensions, sw.settings.utf8,
-                                            sw.config.form});
+                                            sw.config.form, true});
   s.translation->on_heading = [this, &s](const std::string&, std::u16string_view line,
                                          int64_t position) { Heading(s, line, position); };
   s.input_second = -1;
@@ -541,11 +541,13 @@ void Pipeline::Commit() {
         s->events.begin(), s->events.end(),
         [&](const StreamState::PendingEvent& ev) { return ev.position < checkpoint; });
     if (s->rows.empty() && ready == s->events.begin()) continue;
-    const velqua_store::WriteResult result = store_->Write(s->source, s->rows, checkpoint, [&] {
-      for (auto it = s->events.begin(); it != ready; ++it) {
-        store_->AddEvent(s->source, it->event);
-      }
-    });
+    StreamState* const stream = s.get();
+    const velqua_store::WriteResult result =
+        store_->Write(s->source, s->rows, checkpoint, [this, stream, ready] {
+          for (auto it = stream->events.begin(); it != ready; ++it) {
+            store_->AddEvent(stream->source, it->event);
+          }
+        });
     s->events.erase(s->events.begin(), ready);
     const int64_t now = NowMicros();
     int64_t last_us = 0;

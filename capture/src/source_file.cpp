@@ -19,6 +19,7 @@
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -140,7 +141,10 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
     if (changed) CatchUp();
     offset_ = same ? saved_offset_ : 0;
     saved_inode_ = 0;
-    if (changed) SaveState();  // the old file is done with: a restart must not read it again
+    // Known from now on: a restart after a rotation finds this file again
+    // even if nothing of it was handed over yet; and an old file read to its
+    // end is not read again.
+    SaveState();
     pending_.clear();
     events_.Connected(s_.name, s_.path);
   }
@@ -182,42 +186,83 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
   }
 
   // The file the last run was reading is no longer at the path: it was
-  // renamed away (found again by its inode) or truncated after a copy was
-  // made (found by the bytes before where the last run stopped). Its unread
-  // tail is handed over first, as a connection of its own; when it cannot be
-  // found, the gap is reported.
+  // renamed away or truncated after a copy was made, found by the bytes
+  // before where the last run stopped (the renamed file itself preferred). Its unread
+  // tail is handed over first, as a connection of its own; then every other
+  // rotated file written to since the last run saved where it was (the file
+  // was rotated more than once meanwhile), oldest first, whole. When the
+  // last run's file cannot be found, the gap is reported.
   void CatchUp() {
     const bool truncated = inode_ == saved_inode_;
+    struct stat state {};
+    const int64_t saved_at = ::stat(state_.c_str(), &state) == 0 ? Nanos(state.st_mtim) : INT64_MAX;
+    std::string old;
+    int64_t old_size = 0;
+    std::vector<std::pair<int64_t, std::string>> later;  // (modified, path)
     for (const std::string& candidate : RotatedCandidates(s_.path, s_.rotated)) {
       const int fd = ::open(candidate.c_str(), O_RDONLY | O_CLOEXEC);
       struct stat st {};
       if (fd < 0) continue;
-      const bool found =
-          ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) &&
-          (truncated || static_cast<unsigned long long>(st.st_ino) == saved_inode_) &&
-          saved_offset_ <= st.st_size && Tail(fd, saved_offset_) == saved_tail_;
-      if (found) ReadTail(fd, candidate, st.st_size);
+      const bool regular = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) &&
+                           static_cast<unsigned long long>(st.st_ino) != inode_;
+      const bool same_inode = static_cast<unsigned long long>(st.st_ino) == saved_inode_;
+      if (regular && saved_offset_ <= st.st_size && Tail(fd, saved_offset_) == saved_tail_) {
+        // The last run's bytes: the file itself, or a copy of it (the
+        // renamed file is preferred; the other holds the same bytes).
+        if (old.empty() || same_inode) {
+          old = candidate;
+          old_size = st.st_size;
+        }
+      } else if (regular && Nanos(st.st_mtim) > saved_at && !Compressed(candidate)) {
+        later.emplace_back(Nanos(st.st_mtim), candidate);
+      }
       ::close(fd);
-      if (found) return;
     }
-    events_.Gap(s_.name, std::string(truncated ? "truncated" : "rotated away") +
-                             " while the service was stopped, and the old file (" +
-                             std::to_string(saved_offset_) +
-                             " bytes read) was not found: what was written to it after that "
-                             "could not be read (bytes unknown)");
+    if (old.empty()) {
+      events_.Gap(s_.name, std::string(truncated ? "truncated" : "rotated away") +
+                               " while the service was stopped, and the old file (" +
+                               std::to_string(saved_offset_) +
+                               " bytes read) was not found: what was written to it after that "
+                               "could not be read (bytes unknown)");
+    } else {
+      ReadRotated(old, saved_offset_, old_size);
+    }
+    std::sort(later.begin(), later.end());
+    for (const auto& [modified, path] : later) ReadRotated(path, 0, -1);
   }
 
-  void ReadTail(int fd, const std::string& old, int64_t size) {
+  static int64_t Nanos(const timespec& t) {
+    return static_cast<int64_t>(t.tv_sec) * 1000000000 + t.tv_nsec;
+  }
+
+  // Rotation that compresses leaves files whose bytes are not records.
+  static bool Compressed(const std::string& path) {
+    for (const char* suffix : {".gz", ".bz2", ".xz", ".zst", ".Z", ".zip"}) {
+      const size_t n = std::strlen(suffix);
+      if (path.size() > n && path.compare(path.size() - n, n, suffix) == 0) return true;
+    }
+    return false;
+  }
+
+  // Hands over a rotated file from `from` to `size` (-1: its end), as a
+  // connection of its own.
+  void ReadRotated(const std::string& old, int64_t from, int64_t size) {
+    const int fd = ::open(old.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return;
+    struct stat st {};
+    if (size < 0) size = ::fstat(fd, &st) == 0 ? static_cast<int64_t>(st.st_size) : 0;
     events_.Log("source " + s_.name + ": " + s_.path +
-                " changed while the service was stopped: reading the rest of " + old + " (" +
-                std::to_string(size - saved_offset_) + " bytes) first");
+                " changed while the service was stopped: reading " +
+                (from > 0 ? "the rest of " : "") + old + " (" + std::to_string(size - from) +
+                " bytes) first");
     events_.Connected(s_.name, old);
-    for (int64_t at = saved_offset_; at < size;) {
+    for (int64_t at = from; at < size;) {
       const ssize_t n = ::pread(fd, buffer_.data(), buffer_.size(), at);
       if (n <= 0) break;
       events_.Received(s_.name, std::string_view(buffer_.data(), static_cast<size_t>(n)));
       at += n;
     }
+    ::close(fd);
     events_.Disconnected(s_.name, "rotated while the service was stopped: read to its end");
   }
 

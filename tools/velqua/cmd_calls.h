@@ -18,6 +18,7 @@ struct CallsOptions {
   int64_t min_duration = -1;  // seconds; -1: any
   std::string format;         // table, csv, jsonl, cdr-csv; "": table on a terminal, else csv
   std::string output;         // -o FILE; "" = standard output
+  bool unrecognised = false;  // list the unrecognised records instead
 };
 
 void AddCallsCommand(CLI::App& app, CallsOptions& options);
