@@ -96,6 +96,8 @@ std::string Where(const CallFilter& f, std::vector<Value>* params) {
   if (!f.extension.empty()) add("c.extension =", f.extension);
   if (!f.trunk.empty()) add("c.trunk =", f.trunk);
   if (f.type) add("c.type =", *f.type);
+  if (f.attribute) add("c.attribute =", *f.attribute);
+  if (f.min_duration) add("c.duration >=", *f.min_duration);
   if (!f.number_prefix.empty()) {
     add("c.dialled >=", f.number_prefix);
     const std::string end = PrefixEnd(f.number_prefix);

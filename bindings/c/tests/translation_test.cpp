@@ -107,7 +107,7 @@ TEST(CTranslation, AFailedRecordIsARowWithItsErrorAndTheRunGoesOn) {
   ASSERT_GE(rows.size(), 4u);
   EXPECT_EQ(rows[2],
             "3 unrecognised none | overflow: a column past 255, or a number too large for the "
-            "record (error 6, 0x00000006, in Velqua: Desbordamiento)");
+            "record");
   EXPECT_EQ(rows[3].substr(0, 35), "4 incoming none 20260203 29523s 391");
   velqua_counts counts{};
   ASSERT_EQ(velqua_translation_counts(t.get(), &counts), 0);

@@ -59,6 +59,11 @@ struct Row {
   uint8_t printed = 63;           // all printed unless the translation says otherwise
   bool random_extension = false;  // the extension was drawn at random (unlisted code)
   std::string error;              // why the record could not be translated, or ""
+  // For a library error, what the library said: its number, source and own
+  // (Spanish) description, for support staff and the JSON form; `error` holds
+  // its English line (error_text.h).
+  int32_t error_number = 0;
+  std::string error_source, error_description;
   // Where the record came from: the byte offset of its first byte in its
   // input (-1 when written directly, not read from a stream), and the record
   // exactly as the translator got it (a multi-line call joined with the

@@ -33,13 +33,17 @@ struct Counts {
   int64_t headings = 0;      // page-heading lines skipped (not records)
   int64_t more_fields = 0;   // delimited records with fields beyond those declared
   int64_t fewer_fields = 0;  // delimited records with fewer fields than declared
+  int64_t invalid_utf8 = 0;  // UTF-8 lines that were not well-formed
 };
 
 // Translates records with one configuration into rows written to a sink.
 class Translation {
  public:
   struct Settings {
-    std::string errors_log;  // the library's unrecognised-record log ("" = none)
+    // The unrecognised-record log ("" = none): each unrecognised or failed
+    // record is appended to it in English, with the time, the input, the
+    // record's number and, for a failure, the error (doc/cli.md).
+    std::string errors_log;
     std::string extensions;  // the KX-TDA account code to extension list
     bool utf8 = false;       // records in UTF-8 rather than Windows-1252
     RecordForm form;         // delimited shaping, page headings, record ends
@@ -56,9 +60,14 @@ class Translation {
 
   // Called for each record the library fails on, and for each damaged one
   // (a recognised record failing the row check): it is kept as an
-  // unrecognised row carrying the error or the reason. Input name, record
-  // number, error or reason.
-  std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
+  // unrecognised row carrying the error or the reason. Input name and the
+  // row, whose `number` and `error` members say which record and why (and
+  // for a library error, `error_number` and the library's own texts).
+  std::function<void(const std::string&, const Row&)> on_failure;
+
+  // Called for the first line of the run that is not well-formed UTF-8
+  // (with utf8 set): input name, and the number the record it starts gets.
+  std::function<void(const std::string&, int64_t)> on_invalid_utf8;
 
   // Called for each page-heading line skipped (input name, the line as
   // decoded, its byte offset), so that a caller keeping raw input keeps
@@ -132,6 +141,7 @@ class Translation {
   bool utf8_;
   bool blank_random_;
   RecordForm form_;
+  std::string errors_log_;
   RowCheck check_;
   bool plain_ = false;     // no record form and no multi-line calls: lines are records
   std::u16string shaped_;  // the shaped text of a delimited record
@@ -157,5 +167,10 @@ FechaHora ReceivedAt(const std::string& path, int32_t year);
 // From now on SIGINT and SIGTERM end a followed input cleanly (its open call
 // translated, the counts reported) instead of killing the program.
 void StopOnSignals();
+
+// Waits, as `tail -F` does, until `path` exists (a record file the switch's
+// logger has not created yet), looking every 200 ms; false when SIGINT or
+// SIGTERM came first (after StopOnSignals).
+bool WaitForFile(const std::string& path);
 
 }  // namespace velqua_records

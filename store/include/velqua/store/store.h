@@ -107,8 +107,10 @@ struct CallFilter {
   std::string switch_name;
   std::string extension;
   std::string trunk;
-  std::optional<int32_t> type;  // call type number
-  std::string number_prefix;    // the dialled number starts with it
+  std::optional<int32_t> type;          // call type number
+  std::optional<int32_t> attribute;     // transfer attribute number (4: unanswered)
+  std::optional<int64_t> min_duration;  // seconds; a call without a duration is left out
+  std::string number_prefix;            // the dialled number starts with it
   std::string account_code;
   bool unpriced = false;  // only calls kept without a cost (velqua rate --unpriced)
   int64_t limit = 0;      // 0 = no limit
