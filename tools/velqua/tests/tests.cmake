@@ -50,6 +50,7 @@ endif()
 # A followed file, as a user runs it (a real child process).
 add_executable(test_cli_follow ${CMAKE_CURRENT_LIST_DIR}/follow_test.cpp)
 target_link_libraries(test_cli_follow PRIVATE GTest::gtest_main)
+target_compile_features(test_cli_follow PRIVATE cxx_std_17)
 target_compile_definitions(test_cli_follow PRIVATE VELQUA_PROGRAM="$<TARGET_FILE:velqua_cli>"
                            VELQUA_CLI_TEST_TMP="${CMAKE_CURRENT_BINARY_DIR}/tmp")
 velqua_warnings(test_cli_follow)
