@@ -184,6 +184,8 @@ TEST_P(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
                              : velqua_store_testing::PgTestServer::Shared().NewDatabase();
   const std::string records = RecordsFile(dir);
   ASSERT_EQ(Velqua(Import(db, records)).status, 0);
+  ASSERT_EQ(Velqua({"rate", "--db", db, "--plan", kExamples + "/rating/hicom-plan.toml"}).status,
+            0);
   // A reader holding the SQLite file open, as a running capture service
   // does: the purge's own close does not fold the write-ahead log back.
   sqlite3* reader = nullptr;
@@ -254,6 +256,17 @@ TEST_P(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
     // What was removed left the file's bytes too, its log included.
     EXPECT_EQ(velqua_capture_test::ReadFile(db).find("0301234567"), std::string::npos);
     EXPECT_EQ(velqua_capture_test::ReadFile(db + "-wal").find("0301234567"), std::string::npos);
+    // The prices of the removed calls went with them: one outgoing call is
+    // left, and only outgoing calls are priced.
+    int64_t prices = -1;
+    sqlite3_exec(
+        reader, "SELECT COUNT(*) FROM call_costs",
+        [](void* n, int, char** v, char**) {
+          *static_cast<int64_t*>(n) = std::stoll(v[0]);
+          return 0;
+        },
+        &prices, nullptr);
+    EXPECT_EQ(prices, 1);
     sqlite3_close(reader);
   }
 }
