@@ -8,6 +8,7 @@
 #include "velqua/error.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
+#include "velqua/store/extension_list.h"
 #include "velqua/store/import.h"
 #include "velqua/texto.h"
 
@@ -63,6 +64,11 @@ struct Pipeline::SwitchState {
   // The service's framing for the switch, with what the record form adds:
   // NUL ending records as line ends do, and 7-bit lines.
   velqua_records::FramingSettings framing;
+  // The extension list its records are translated with (the configured
+  // one, else the one kept with the switch in the store, else a bundled
+  // switch's own), chosen once the store is open; a stream holds it as long
+  // as its translation reads it.
+  std::shared_ptr<velqua_store::SwitchExtensionList> extensions;
 };
 
 struct Pipeline::StreamState {
@@ -76,6 +82,7 @@ struct Pipeline::StreamState {
   // delimited shaping, continuation lines, multi-line calls.
   Catcher catcher;
   std::unique_ptr<velqua_records::Translation> translation;
+  std::shared_ptr<velqua_store::SwitchExtensionList> extensions;  // the one it reads
   int64_t input_second = -1;  // the second Translation::Input was last told
   ResendFilter resend;
   int64_t connect_position = -1;  // of the connection's mark
@@ -98,6 +105,7 @@ struct Pipeline::StreamState {
   int64_t last_received_us = 0;
   std::string received_utc;                // of last_received_us
   int64_t unrecognised = 0;                // seen by this run
+  int64_t unlisted = 0;                    // calls with an account code the list lacks
   int64_t headings = 0;                    // page headings in `rows`
   std::vector<velqua_store::Record> rows;  // translated, not yet stored
   std::vector<int64_t> rows_received_us;   // when each row's last byte came
@@ -380,6 +388,30 @@ void Pipeline::CloseResent(StreamState& s) {
   s.held_headings_us.clear();
 }
 
+// Chosen once a switch (and again after the settings are reloaded); a list
+// given or bundled is kept with the switch. A list that cannot be read was
+// refused with the settings; one that went since is logged and none used.
+std::shared_ptr<velqua_store::SwitchExtensionList> Pipeline::ExtensionsOf(SwitchState& sw) {
+  if (sw.extensions) return sw.extensions;
+  const SwitchSettings& set = sw.settings;
+  Retry([&] {
+    const std::optional<velqua_store::SwitchInfo> kept = store_->FindSwitch(set.name);
+    try {
+      sw.extensions = std::make_shared<velqua_store::SwitchExtensionList>(
+          set.extensions, kept ? kept->extension_list : "", set.config);
+    } catch (const velqua_records::Failure& e) {
+      log_.Error("switch " + set.name + ": " + e.what() + ": no extension list used");
+      sw.extensions = std::make_shared<velqua_store::SwitchExtensionList>("", "", "");
+      return;
+    }
+    if (!sw.extensions->to_keep().empty()) {
+      store_->PutSwitch({set.name, set.config, velqua_store::ConfigHash(set.config), set.time_zone,
+                         sw.extensions->to_keep()});
+    }
+  });
+  return sw.extensions;
+}
+
 void Pipeline::AddEvent(StreamState& s, int64_t position, const std::string& kind,
                         int64_t received_us, int64_t count, const std::string& detail) {
   s.events.push_back({position, {kind, IsoTime(received_us), count, detail}});
@@ -387,12 +419,13 @@ void Pipeline::AddEvent(StreamState& s, int64_t position, const std::string& kin
 
 // A connection's bytes start a new stream: nothing carries over from the last.
 void Pipeline::NewConnection(StreamState& s) {
-  const SwitchState& sw = *s.sw;
+  SwitchState& sw = *s.sw;
   s.framer = std::make_unique<velqua_records::Framer>(sw.framing);
+  s.extensions = ExtensionsOf(sw);
   s.translation = std::make_unique<velqua_records::Translation>(
       sw.config.cfg, s.catcher,
-      velqua_records::Translation::Settings{"", sw.settings.extensions, sw.settings.utf8,
-                                            sw.config.form, true});
+      velqua_records::Translation::Settings{"", s.extensions ? s.extensions->path() : "",
+                                            sw.settings.utf8, sw.config.form, true});
   s.translation->on_heading = [this, &s](const std::string&, std::u16string_view line,
                                          int64_t position) { Heading(s, line, position); };
   s.input_second = -1;
@@ -462,6 +495,7 @@ void Pipeline::Translated(StreamState& s) {
     record.received_utc = s.received_utc;
     record.row = std::move(c.row);
     if (!record.row.has_fields) Unrecognised(s, record);
+    if (record.row.random_extension) Unlisted(s, record);
     s.rows.push_back(std::move(record));
     s.rows_received_us.push_back(s.last_received_us);
     ++pending_rows_;
@@ -503,6 +537,20 @@ void Pipeline::Unrecognised(StreamState& s, const velqua_store::Record& record) 
               record.raw.substr(0, 120));
   } else if (n % 1000 == 0) {
     log_.Warn("source " + s.name + ": " + std::to_string(n) + " unrecognised records so far");
+  }
+}
+
+// As the program says it: the call is stored with its account code and no
+// extension.
+void Pipeline::Unlisted(StreamState& s, const velqua_store::Record& record) {
+  const int64_t n = ++s.unlisted;
+  if (n <= kLoggedUnrecognised) {
+    log_.Warn("source " + s.name + ": call at position " + std::to_string(record.position) +
+              " has account code " + velqua_records::U8(record.row.account_code) +
+              ", missing from the extension list: extension left blank, account code kept");
+  } else if (n % 1000 == 0) {
+    log_.Warn("source " + s.name + ": " + std::to_string(n) +
+              " calls with an account code missing from the extension list so far");
   }
 }
 

@@ -34,6 +34,7 @@
 #include "velqua/records/framer.h"
 #include "velqua/records/record_reader.h"
 #include "velqua/records/translation.h"
+#include "velqua/store/extension_list.h"
 #include "velqua/store/store.h"
 
 namespace velqua_capture {
@@ -78,6 +79,8 @@ class Pipeline {
   void Heading(StreamState& s, std::u16string_view line, int64_t position);
   void Complete(StreamState& s);
   void Unrecognised(StreamState& s, const velqua_store::Record& record);
+  void Unlisted(StreamState& s, const velqua_store::Record& record);
+  std::shared_ptr<velqua_store::SwitchExtensionList> ExtensionsOf(SwitchState& sw);
   int64_t Hold(const StreamState& s) const;
   bool EventsReady() const;
   void Commit();

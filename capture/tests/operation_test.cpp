@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <sys/resource.h>
 
+#include <fstream>
 #include <regex>
 
 #include "capture_test.h"
@@ -124,6 +125,51 @@ TEST(CaptureOperation, AStopSpoolsWhatTheSystemHolds) {
   EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
   EXPECT_EQ(service->Stop(SIGTERM), 0);
   EXPECT_EQ(StoredCalls(store), records);
+}
+
+// The switch's extension list kept in the store is the one the service
+// translates with when its settings name none; one they name replaces it.
+// A call whose account code the list lacks is stored with the code and no
+// extension, and the log says so.
+TEST(CaptureOperation, TheExtensionListKeptWithTheSwitchIsUsed) {
+  struct Case {
+    const char* what;
+    std::string switch_toml;
+    std::string extensions;  // of the account-code calls, by start; "-": none
+    std::string kept;
+  } cases[] = {
+      {"the kept list", "", "301 - - - 301", "1234;301\r\n"},
+      {"a list in the settings", "extensions = \"" + kExamples + "/kx-tda/extensions.txt\"\n",
+       "201 206 208 - 201", ReadFile(kExamples + "/kx-tda/extensions.txt")},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    const std::string dir = TempDir("extensions");
+    const std::string store = dir + "/calls.db";
+    velqua_store::OpenStore(store)->PutSwitch({"pbx", "", "", "", "1234;301\r\n"});
+    std::ofstream(dir + "/smdr.log", std::ios::binary) << ReadFile(kKxRecords);
+    const std::string config =
+        WriteConfig(dir, store, c.switch_toml,
+                    "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"" + dir +
+                        "/smdr.log\"\n");
+    auto service = StartService(config, dir);
+    EXPECT_TRUE(WaitForRecords(store, RecordsOf(kKxRecords).size()))
+        << ReadFile(dir + "/service.log");
+    EXPECT_EQ(service->Stop(SIGTERM), 0);
+    std::string extensions;
+    auto s = velqua_store::OpenStore(store);
+    s->ListCalls({}, [&](const velqua_store::StoredCall& call) {
+      if (call.account_code)
+        extensions += (extensions.empty() ? "" : " ") + call.extension.value_or("-");
+    });
+    EXPECT_EQ(extensions, c.extensions);
+    EXPECT_EQ(s->FindSwitch("pbx")->extension_list, c.kept);
+    EXPECT_NE(ReadFile(dir + "/service.log")
+                  .find("has account code 9999, missing from the extension list: extension left "
+                        "blank, account code kept"),
+              std::string::npos)
+        << ReadFile(dir + "/service.log");
+  }
 }
 
 }  // namespace

@@ -11,9 +11,11 @@
 
 #include "batch_writer.h"
 #include "values.h"
+#include "velqua/records/bundled.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/translation.h"
+#include "velqua/store/extension_list.h"
 
 namespace velqua_store {
 namespace {
@@ -94,9 +96,10 @@ velqua_records::FechaHora UtcToLocal(const std::string& utc) {
 Importer::Importer(Store& store, const ImportSettings& settings,
                    const std::vector<Store*>& more_writers)
     : store_(store), settings_(settings) {
-  if (!settings_.extensions.empty()) {
-    velqua_records::RequireReadableFile(settings_.extensions, "extension list");
-  }
+  const std::optional<SwitchInfo> before = store_.FindSwitch(settings_.switch_name);
+  extensions_ = std::make_unique<SwitchExtensionList>(
+      settings_.extensions, before ? before->extension_list : "", settings_.config);
+  settings_.config = velqua_records::ResolveConfig(settings_.config);
   velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(settings_.config);
   cfg_ = std::move(loaded.cfg);
   form_ = std::move(loaded.form);
@@ -104,8 +107,7 @@ Importer::Importer(Store& store, const ImportSettings& settings,
   const std::string config_hash = ConfigHash(settings_.config);
   // The same configuration file, edited since the switch's records were
   // last translated with it: those records still read as it said then.
-  if (const std::optional<SwitchInfo> before = store_.FindSwitch(settings_.switch_name);
-      before && before->config_path == config_path && !before->config_hash.empty() &&
+  if (before && before->config_path == config_path && !before->config_hash.empty() &&
       before->config_hash != config_hash) {
     config_note_ = "the configuration '" + settings_.config + "' of switch '" +
                    settings_.switch_name +
@@ -113,7 +115,8 @@ Importer::Importer(Store& store, const ImportSettings& settings,
                    "stored before still read as it said then (velqua retranslate --dry-run "
                    "tells what the change would make of them)";
   }
-  store_.PutSwitch({settings_.switch_name, config_path, config_hash, settings_.time_zone});
+  store_.PutSwitch({settings_.switch_name, config_path, config_hash, settings_.time_zone,
+                    extensions_->to_keep()});
   std::vector<Store*> writers = {&store_};
   writers.insert(writers.end(), more_writers.begin(), more_writers.end());
   batcher_ = std::make_unique<BatchWriter>(writers, settings_.batch);
@@ -214,7 +217,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
 
   velqua_records::Translation translation(
       cfg_, *batcher_,
-      {"", settings_.extensions, settings_.utf8, form_, !settings_.random_extensions});
+      {"", extensions_->path(), settings_.utf8, form_, !settings_.random_extensions});
   // A page heading is kept where every record is kept, as unrecognised with
   // that reason: nothing the switch sent is thrown away.
   translation.on_heading = [this](const std::string&, std::u16string_view line, int64_t at) {

@@ -12,6 +12,7 @@
 #include "engines.h"
 #include "sql_store.h"
 #include "values.h"
+#include "velqua/records/bundled.h"
 #include "velqua/records/common.h"
 #include "velqua/store/store.h"
 
@@ -68,7 +69,8 @@ std::unique_ptr<Store> OpenStore(const std::string& url, bool create) {
 }
 
 std::string ConfigHash(const std::string& path) {
-  const std::string content = velqua_records::ReadWholeFile(path, "configuration");
+  const std::string content =
+      velqua_records::ReadWholeFile(velqua_records::ResolveConfig(path), "configuration");
   return Fnv1aHex(content);
 }
 

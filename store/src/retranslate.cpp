@@ -2,8 +2,10 @@
 #include <filesystem>
 #include <memory>
 
+#include "velqua/records/bundled.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/translation.h"
+#include "velqua/store/extension_list.h"
 #include "velqua/store/import.h"
 
 namespace velqua_store {
@@ -35,15 +37,16 @@ RewriteResult Retranslate(Store& store, const std::string& switch_name, const st
                           const std::string& extensions, bool random_extensions, bool dry_run) {
   const std::optional<SwitchInfo> sw = store.FindSwitch(switch_name);
   if (!sw) throw StoreError("database '" + store.name() + "' has no switch '" + switch_name + "'");
-  if (!extensions.empty()) velqua_records::RequireReadableFile(extensions, "extension list");
-  velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(config);
+  const SwitchExtensionList list(extensions, sw->extension_list, config);
+  const std::string file = velqua_records::ResolveConfig(config);
+  velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(file);
   if (!dry_run) {
-    store.PutSwitch(
-        {switch_name, std::filesystem::absolute(config).string(), ConfigHash(config), ""});
+    store.PutSwitch({switch_name, std::filesystem::absolute(file).string(), ConfigHash(file), "",
+                     list.to_keep()});
   }
   LastRow sink;
-  velqua_records::Translation translation(loaded.cfg, sink,
-                                          {"", extensions, false, loaded.form, !random_extensions});
+  velqua_records::Translation translation(
+      loaded.cfg, sink, {"", list.path(), false, loaded.form, !random_extensions});
   RewriteResult total;
   // Records that move during the run land above these ids and are not read again.
   const int64_t last_ids[] = {store.LastStoredId(switch_name, true),
@@ -63,6 +66,7 @@ RewriteResult Retranslate(Store& store, const std::string& switch_name, const st
           translation.Input("database", UtcToLocal(record.received_utc));
           translation.Record(raw, record.position);
         }
+        total.unlisted += sink.row.random_extension;
         batch.push_back({std::move(record), sink.row});
       }
       if (batch.empty()) break;

@@ -148,6 +148,27 @@ LEFT JOIN call_types t ON t.value = c.type
 LEFT JOIN call_attributes a ON a.value = c.attribute
 )";
 
+// Version 4: a switch's extension list is kept with it (its text: the
+// file it came from may be gone by the next retranslation), and a record
+// read from a file keeps the number of the line it starts on.
+constexpr const char* kVersion4 = R"(
+ALTER TABLE switches ADD COLUMN extension_list {text} NOT NULL DEFAULT '';
+ALTER TABLE calls ADD COLUMN line BIGINT;
+ALTER TABLE unrecognised ADD COLUMN line BIGINT;
+DROP VIEW IF EXISTS calls_named;
+CREATE VIEW calls_named AS
+SELECT c.id, s.name AS switch_name, src.name AS source_name, c.position, c.received_utc,
+       c.type, t.name AS type_name, c.attribute, a.name AS attribute_name, c.start, c.start_utc,
+       c.ended, c.ended_utc, c.duration, c.ring, c.dialled, c.extension, c.trunk,
+       c.receiving_extension, c.receiving_trunk, c.account_code, c.extension_random, c.raw,
+       c.line
+FROM calls c
+JOIN switches s ON s.id = c.switch_id
+JOIN sources src ON src.id = c.source_id
+LEFT JOIN call_types t ON t.value = c.type
+LEFT JOIN call_attributes a ON a.value = c.attribute
+)";
+
 // The indexes of the queries people run: by time, by extension or trunk
 // over time, by number dialled, by account code (most calls have none).
 constexpr const char* kQueryIndexNames[] = {"calls_start",        "calls_extension_start",
@@ -205,6 +226,8 @@ void Apply(Connection& db, int version) {
                       IsPostgres(db) ? "" : " WITHOUT ROWID"));
   } else if (version == 3) {
     db.Script(ForEngine(IsPostgres(db), kVersion3));
+  } else if (version == 4) {
+    db.Script(ForEngine(IsPostgres(db), kVersion4));
   }
 }
 

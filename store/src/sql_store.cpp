@@ -23,22 +23,27 @@ SqlStore::SqlStore(std::unique_ptr<Connection> db, const std::string& name)
 SwitchInfo SqlStore::PutSwitch(const SwitchInfo& info) {
   Zone check(info.time_zone);  // an unknown zone is refused here
   db_->Run(
-      "INSERT INTO switches (name, config_path, config_hash, time_zone, updated_utc) "
-      "VALUES ($1, $2, $3, $4, $5) ON CONFLICT (name) DO UPDATE SET "
+      "INSERT INTO switches (name, config_path, config_hash, time_zone, updated_utc, "
+      "extension_list) VALUES ($1, $2, $3, $4, $5, $6) ON CONFLICT (name) DO UPDATE SET "
       "config_path = excluded.config_path, config_hash = excluded.config_hash, "
       "time_zone = CASE WHEN excluded.time_zone = '' THEN switches.time_zone "
-      "ELSE excluded.time_zone END, updated_utc = excluded.updated_utc",
-      {info.name, info.config_path, info.config_hash, info.time_zone, UtcNow()});
+      "ELSE excluded.time_zone END, updated_utc = excluded.updated_utc, "
+      "extension_list = CASE WHEN excluded.extension_list = '' THEN switches.extension_list "
+      "ELSE excluded.extension_list END",
+      {info.name, info.config_path, info.config_hash, info.time_zone, UtcNow(),
+       info.extension_list});
   zones_.clear();
   return *FindSwitch(info.name);
 }
 
 std::optional<SwitchInfo> SqlStore::FindSwitch(const std::string& name) {
   std::optional<SwitchInfo> found;
-  db_->Run("SELECT name, config_path, config_hash, time_zone FROM switches WHERE name = $1", {name},
-           [&](const ResultRow& r) {
-             found = SwitchInfo{r.Text(0), r.Text(1), r.Text(2), r.Text(3)};
-           });
+  db_->Run(
+      "SELECT name, config_path, config_hash, time_zone, extension_list FROM switches "
+      "WHERE name = $1",
+      {name}, [&](const ResultRow& r) {
+        found = SwitchInfo{r.Text(0), r.Text(1), r.Text(2), r.Text(3), r.Text(4)};
+      });
   return found;
 }
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -179,6 +181,83 @@ TEST_P(ImportTest, RetranslationRewritesOnlyWhatChanges) {
     EXPECT_EQ(store_->CountCalls("hicom"), step.calls);
     EXPECT_EQ(store_->CountUnrecognised("hicom"), 15 - step.calls);
     EXPECT_EQ(store_->FindSwitch("hicom")->config_hash, ConfigHash(step.config));
+  }
+}
+
+// The extensions of the account-code calls of the KX-TDA example (*1234,
+// *5678, *2468, *9999, *1234), "-" for one left blank.
+std::string AccountExtensions(Store& store) {
+  std::string out;
+  store.ListCalls({}, [&](const StoredCall& c) {
+    if (!c.account_code) return;
+    out += (out.empty() ? "" : " ") + c.extension.value_or("-");
+    if (c.extension_random != !c.extension) out += "?";  // blank exactly when unlisted
+  });
+  return out;
+}
+
+// A switch's extension list is kept with it: what an import is given is
+// what a retranslation without a list and a later import use, even once the
+// file is gone; a list given later replaces it. An unlisted code never gets
+// an extension.
+TEST_P(ImportTest, TheExtensionListIsKeptWithTheSwitch) {
+  const std::string config = kExamples + "kx-tda/kx-tda.cfg";
+  const std::string records = kExamples + "kx-tda/records.txt";
+  const std::string list = dir_ + "/list.txt";
+  const std::string kept = ReadFile(kExamples + "kx-tda/extensions.txt");
+  WriteFile(list, kept);
+  Importer(*store_,
+           [&] {
+             ImportSettings s = Settings("kx", config);
+             s.extensions = list;
+             return s;
+           }())
+      .Import({records});
+  std::filesystem::remove(list);
+  struct Step {
+    const char* what;
+    std::function<void()> act;
+    std::string extensions, kept;
+  };
+  const Step steps[] = {
+      {"imported with the list", [] {}, "201 206 208 - 201", kept},
+      {"retranslated, the file gone",
+       [&] { EXPECT_EQ(Retranslate(*store_, "kx", config, "").unlisted, 1); }, "201 206 208 - 201",
+       kept},
+      {"retranslated with another list",
+       [&] {
+         WriteFile(list, "1234;301\r\n9999;309\r\n");
+         EXPECT_EQ(Retranslate(*store_, "kx", config, list).updated, 5);
+         std::filesystem::remove(list);
+       },
+       "301 - - 309 301", "1234;301\r\n9999;309\r\n"},
+      {"a dry run with the example list changes nothing kept",
+       [&] {
+         Retranslate(*store_, "kx", config, kExamples + "kx-tda/extensions.txt", false, true);
+       },
+       "301 - - 309 301", "1234;301\r\n9999;309\r\n"},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.what);
+    step.act();
+    EXPECT_EQ(AccountExtensions(*store_), step.extensions);
+    EXPECT_EQ(store_->FindSwitch("kx")->extension_list, step.kept);
+  }
+  // Another file of the switch, imported without a list: the kept one.
+  WriteFile(dir_ + "/more.txt",
+            "01/21/26 09:00AM *9999 01 0312345678                     00:00'47\r\n");
+  Importer(*store_, Settings("kx", config)).Import({dir_ + "/more.txt"});
+  EXPECT_EQ(AccountExtensions(*store_), "301 - - 309 301 309");
+  // A list that is not text is refused before anything is written.
+  for (const std::string& bad : {std::string("1234;201\r\n\x93"), std::string("1234;2\0"
+                                                                              "01",
+                                                                              7)}) {
+    SCOPED_TRACE(bad);
+    WriteFile(list, bad);
+    ImportSettings s = Settings("kx", config);
+    s.extensions = list;
+    EXPECT_THROW(Importer(*store_, s), velqua_records::Failure);
+    EXPECT_EQ(store_->FindSwitch("kx")->extension_list, "1234;301\r\n9999;309\r\n");
   }
 }
 

@@ -174,7 +174,9 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   const char* const down =
       "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
       "DROP TABLE directory; DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN ended; "
-      "ALTER TABLE calls DROP COLUMN ended_utc;";
+      "ALTER TABLE calls DROP COLUMN ended_utc; ALTER TABLE calls DROP COLUMN line; "
+      "ALTER TABLE unrecognised DROP COLUMN line; "
+      "ALTER TABLE switches DROP COLUMN extension_list;";
   if (GetParam() == Engine::kSqlite) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);
@@ -191,6 +193,58 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   EXPECT_EQ(store_->CountCalls("hq"), 1);
   velqua_store::RatePeriod all;
   EXPECT_THROW(store_->Rate(all), StoreError);  // the tables are back, and hold no plan
+}
+
+// Sets the stored schema back to `version` after running `sql` on it.
+void Downgrade(Engine engine, const std::string& url, const std::string& sql, int version) {
+  if (engine == Engine::kSqlite) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(url.c_str(), &db), SQLITE_OK);
+    const std::string all = sql + "PRAGMA user_version = " + std::to_string(version);
+    EXPECT_EQ(sqlite3_exec(db, all.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(db);
+  } else {
+    PGconn* db = PQconnectdb(url.c_str());
+    const std::string all =
+        sql + "DELETE FROM schema_migrations WHERE version > " + std::to_string(version);
+    PGresult* r = PQexec(db, all.c_str());
+    EXPECT_EQ(PQresultStatus(r), PGRES_COMMAND_OK) << PQerrorMessage(db);
+    PQclear(r);
+    PQfinish(db);
+  }
+}
+
+// A version 3 store: its switches gain an empty extension list (none kept),
+// its records an unknown line; what was stored stays, and both can be
+// written from then on.
+TEST_P(StoreTest, AVersionThreeStoreGainsExtensionListsAndLines) {
+  const Source source = NewSource("hq", "calls.txt");
+  store_->PutSwitch({"hq", "", "", "Europe/Madrid"});
+  store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47"), Unrecognised(80, "noise")},
+                std::nullopt, nullptr);
+  store_.reset();
+  Downgrade(GetParam(), url_,
+            "DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN line; "
+            "ALTER TABLE unrecognised DROP COLUMN line; "
+            "ALTER TABLE switches DROP COLUMN extension_list;",
+            3);
+  store_ = OpenStore(url_);
+  EXPECT_EQ(store_->CountCalls("hq"), 1);
+  EXPECT_EQ(store_->FindSwitch("hq")->time_zone, "Europe/Madrid");
+  EXPECT_EQ(store_->FindSwitch("hq")->extension_list, "");
+  struct Step {
+    const char* what;
+    std::string given, kept;
+  };
+  const Step steps[] = {{"a list given is kept", "1234;201\n", "1234;201\n"},
+                        {"none given keeps it", "", "1234;201\n"},
+                        {"another replaces it", "5678;206\n", "5678;206\n"}};
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.what);
+    store_->PutSwitch({"hq", "", "", "", step.given});
+    EXPECT_EQ(store_->FindSwitch("hq")->extension_list, step.kept);
+    EXPECT_EQ(store_->FindSwitch("hq")->time_zone, "Europe/Madrid");
+  }
 }
 
 TEST_P(StoreTest, ListedCallsNameWhoTheDirectoryGaveOnTheirDate) {

@@ -72,7 +72,8 @@ void AddImportCommand(CLI::App& app, ImportOptions& options) {
                   "its name ('-': standard input, named with --source)")
       ->required();
   cmd->add_option("--extensions", options.extensions,
-                  "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
+                  "KX-TDA account code to extension list, kept with the switch (default: the "
+                  "one kept, else a bundled switch's own)");
   AddEncodingOption(cmd, options.encoding);
   cmd->add_option("--time-zone", options.time_zone,
                   "The switch's time zone (IANA name, e.g. Europe/Madrid): start times are also "
@@ -98,9 +99,8 @@ int RunImport(const ImportOptions& options) {
   std::unique_ptr<velqua_store::Store> store = velqua_store::OpenStore(options.db);
   velqua_store::ImportSettings settings;
   settings.switch_name = options.switch_name;
-  settings.config = ResolveConfig(options.config);
-  settings.extensions =
-      options.extensions.empty() ? BundledExtensionList(options.config) : options.extensions;
+  settings.config = options.config;
+  settings.extensions = options.extensions;
   settings.random_extensions = options.random_extensions;
   settings.utf8 = options.encoding == "utf-8";
   settings.time_zone = options.time_zone;

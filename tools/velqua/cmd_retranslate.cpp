@@ -24,7 +24,8 @@ void AddRetranslateCommand(CLI::App& app, RetranslateOptions& options) {
                   "The corrected configuration, or a bundled switch's name")
       ->required();
   cmd->add_option("--extensions", options.extensions,
-                  "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
+                  "KX-TDA account code to extension list, kept with the switch (default: the "
+                  "one kept, else a bundled switch's own)");
   AddRandomExtensionsFlag(cmd, options.random_extensions);
   cmd->add_flag("-n,--dry-run", options.dry_run,
                 "Say what would change (records moved between calls and unrecognised, calls "
@@ -33,10 +34,9 @@ void AddRetranslateCommand(CLI::App& app, RetranslateOptions& options) {
 
 int RunRetranslate(const RetranslateOptions& options) {
   std::unique_ptr<velqua_store::Store> store = velqua_store::OpenStore(options.db, false);
-  const velqua_store::RewriteResult r = velqua_store::Retranslate(
-      *store, options.switch_name, ResolveConfig(options.config),
-      options.extensions.empty() ? BundledExtensionList(options.config) : options.extensions,
-      options.random_extensions, options.dry_run);
+  const velqua_store::RewriteResult r =
+      velqua_store::Retranslate(*store, options.switch_name, options.config, options.extensions,
+                                options.random_extensions, options.dry_run);
   const long long total = r.unchanged + r.updated + r.recognised + r.unrecognised;
   std::fprintf(stderr,
                "velqua: %s %lld records of switch '%s' in '%s'%s: %lld updated, %lld "
@@ -53,6 +53,10 @@ int RunRetranslate(const RetranslateOptions& options) {
       columns += (columns.empty() ? "" : ", ") + column + " " + std::to_string(n);
     }
     std::fprintf(stderr, "velqua: calls updated, by column: %s\n", columns.c_str());
+  }
+  if (r.unlisted > 0) {
+    std::fprintf(stderr, "velqua: %s\n",
+                 UnlistedAccountCodes(r.unlisted, options.random_extensions).c_str());
   }
   return 0;
 }

@@ -60,3 +60,19 @@ set_tests_properties(cli.e2e.retranslate_dry_run PROPERTIES FIXTURES_REQUIRED e2
                      FIXTURES_SETUP e2e_dry_run ENVIRONMENT TZ=UTC)
 set_tests_properties(cli.e2e.retranslate_dry_run_again PROPERTIES
                      FIXTURES_REQUIRED "e2e_sources;e2e_dry_run" ENVIRONMENT TZ=UTC)
+
+# The extension list is kept with the switch: an import with a bundled
+# switch keeps its list, and a retranslation with a configuration file and
+# no list translates with the kept one (the unlisted code warned of again).
+set(LIST_STORE ${VELQUA_E2E_TMP}/lists.db)
+velqua_e2e(store_list_import 0 --now "2026-01-20 09:00:00" import --db ${LIST_STORE} --switch kx
+           -c kx-tda --year 2026 --source kx.txt ${KX_RECORDS} PRODUCED ${LIST_STORE})
+velqua_e2e(store_list_retranslate 0 --now "2026-01-20 09:00:00" retranslate --db ${LIST_STORE}
+           --switch kx -c examples/kx-tda/kx-tda.json)
+velqua_e2e(store_list_calls 0 calls --db ${LIST_STORE} --format csv)
+set_tests_properties(cli.e2e.store_list_import PROPERTIES FIXTURES_SETUP e2e_lists_1
+                     ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.store_list_retranslate PROPERTIES FIXTURES_REQUIRED e2e_lists_1
+                     FIXTURES_SETUP e2e_lists_2 ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.store_list_calls PROPERTIES FIXTURES_REQUIRED
+                     "e2e_lists_1;e2e_lists_2" ENVIRONMENT TZ=UTC)

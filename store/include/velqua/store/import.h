@@ -26,16 +26,19 @@
 namespace velqua_store {
 
 class BatchWriter;
+class SwitchExtensionList;
 
 struct ImportSettings {
   std::string switch_name;
-  std::string config;      // the configuration file (.cfg, .ini or .json)
-  std::string extensions;  // the KX-TDA account code to extension list, or ""
-  bool utf8 = false;       // records in UTF-8 rather than Windows-1252
-  std::string time_zone;   // the switch's IANA time zone; "" keeps the stored one
-  int32_t year = 0;        // year received for switches that print none; 0: file time
-  std::string source;      // the source's name for a single file, instead of its path
-  size_t batch = 20000;    // records a transaction
+  std::string config;  // the configuration file (.cfg, .ini or .json) or bundled name
+  // The KX-TDA account code to extension list, kept with the switch; ""
+  // uses the one kept, else a bundled switch's own (extension_list.h).
+  std::string extensions;
+  bool utf8 = false;      // records in UTF-8 rather than Windows-1252
+  std::string time_zone;  // the switch's IANA time zone; "" keeps the stored one
+  int32_t year = 0;       // year received for switches that print none; 0: file time
+  std::string source;     // the source's name for a single file, instead of its path
+  size_t batch = 20000;   // records a transaction
   // Keep the extension the library draws for an account code missing from
   // the extension list; false leaves it blank (translation.h).
   bool random_extensions = false;
@@ -98,6 +101,7 @@ class Importer {
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
   velqua_records::RecordForm form_;  // delimited shaping, page headings
   std::unique_ptr<BatchWriter> batcher_;
+  std::unique_ptr<SwitchExtensionList> extensions_;
   std::function<void(const ImportProgress&)> progress_;
   std::string config_note_;  // the configuration file changed since the last import
 };
@@ -106,9 +110,9 @@ class Importer {
 // `config` and stores what changed (Store::Rewrite), batch by batch; the
 // switch's configuration becomes `config`. Records received before keep
 // their year rule: the year is the one they were received in.
-// `random_extensions` as in ImportSettings. With `dry_run` nothing is
-// written, the switch's configuration included: the result tells what would
-// change.
+// `extensions` and `random_extensions` as in ImportSettings. With `dry_run`
+// nothing is written, the switch's configuration and list included: the
+// result tells what would change.
 RewriteResult Retranslate(Store& store, const std::string& switch_name, const std::string& config,
                           const std::string& extensions, bool random_extensions = false,
                           bool dry_run = false);

@@ -49,6 +49,8 @@ struct SwitchInfo {
   std::string config_path;  // the configuration the records were last translated with
   std::string config_hash;  // its content hash (ConfigHash)
   std::string time_zone;    // IANA name ("Europe/Madrid"), or "": no UTC times
+  // The text of its extension list (extension_list.h), or "": none kept.
+  std::string extension_list = {};
 };
 
 // Where a switch's records come from: a file (import) or a capture source.
@@ -184,6 +186,8 @@ struct RewriteResult {
   int64_t unrecognised = 0;
   // Of the calls updated: how many changed in each column ("duration": 6).
   std::map<std::string, int64_t> changed = {};
+  // Calls (stored or not) whose account code the extension list lacks.
+  int64_t unlisted = 0;
 };
 
 // What Purge removes: everything older than `before` ("YYYY-MM-DD", a day
@@ -210,8 +214,9 @@ class Store {
   // The database as named in messages (a PostgreSQL URL without password).
   const std::string& name() const { return name_; }
 
-  // Adds the switch, or updates its configuration and time zone (an empty
-  // time_zone keeps the stored one). Returns it as stored.
+  // Adds the switch, or updates its configuration, time zone and extension
+  // list (an empty time_zone or extension_list keeps the stored one).
+  // Returns it as stored.
   virtual SwitchInfo PutSwitch(const SwitchInfo& info) = 0;
   // The switch of that name, if stored.
   virtual std::optional<SwitchInfo> FindSwitch(const std::string& name) = 0;
