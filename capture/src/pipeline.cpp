@@ -37,6 +37,7 @@ class Catcher : public velqua_records::RowSink {
   void Write(const velqua_records::Row& row) override {
     caught_.push_back({row, velqua_records::U8(row.text)});
     caught_.back().row.text = {};  // viewed the translation's buffer
+    caught_.back().row.input = {};
   }
   std::vector<Caught>& caught() { return caught_; }
 

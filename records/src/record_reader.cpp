@@ -172,6 +172,15 @@ bool LineReader::Next(std::string_view* line) {
   }
 }
 
+int64_t LinesBefore(std::FILE* file, int64_t end) {
+  std::rewind(file);
+  LineReader reader(file);
+  std::string_view line;
+  int64_t lines = 0;
+  while (reader.Next(&line) && reader.line_offset() < end) ++lines;
+  return lines;
+}
+
 bool CallGatherer::IsHeader(std::u16string_view line) {
   size_t i = 0;
   while (i < line.size() && (line[i] == u' ' || line[i] == u'\t')) ++i;

@@ -107,14 +107,21 @@ Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sin
   }
 }
 
-void Translation::Input(const std::string& name, const FechaHora& received, int64_t offset) {
+void Translation::Input(const std::string& name, const FechaHora& received, int64_t offset,
+                        int64_t lines) {
   input_ = name;
   received_ = received;
   start_offset_ = offset;
+  line_ = lines;
 }
 
 void Translation::Record(const std::u16string& record, int64_t offset) {
-  const int64_t number = ++counts_.read;
+  RecordAt(record, offset, ++line_);
+}
+
+void Translation::RecordAt(const std::u16string& record, int64_t offset, int64_t line) {
+  ++counts_.read;
+  const int64_t number = line;
   ProgramClock& clock = ProgramClock::Instance();
   clock.Freeze();
   struct Thaw {
@@ -163,6 +170,7 @@ void Translation::Record(const std::u16string& record, int64_t offset) {
   counts_.random_extensions += row.random_extension;
   row.offset = offset;
   row.text = record;
+  row.input = input_;
   sink_.Write(row);
 }
 
@@ -188,6 +196,11 @@ Row Translation::ReadRow(int64_t number) {
 }
 
 bool Translation::Line(std::u16string_view line, int64_t offset) {
+  ++line_;
+  return Text(line, offset);
+}
+
+bool Translation::Text(std::u16string_view line, int64_t offset) {
   if (!form_.nul_ends_record) return Piece(line, offset);
   // Each NUL ends a record; an empty piece (a NUL then the line end) is none.
   // A piece's offset is its line's plus the characters before it: exact in
@@ -215,11 +228,12 @@ bool Translation::Piece(std::u16string_view piece, int64_t offset) {
     form_.Join(piece, &held_);
     return false;
   }
-  if (form_.continuation.empty()) return Emit(piece, offset);
+  if (form_.continuation.empty()) return Emit(piece, offset, line_);
   // The record is complete when the next line is not one of its continuations.
   const bool wrote = FlushHeld();
   held_.assign(piece.data(), piece.size());
   held_offset_ = offset;
+  held_line_ = line_;
   holding_ = true;
   return wrote;
 }
@@ -227,34 +241,40 @@ bool Translation::Piece(std::u16string_view piece, int64_t offset) {
 bool Translation::FlushHeld() {
   if (!holding_) return false;
   holding_ = false;
-  return Emit(held_, held_offset_);
+  return Emit(held_, held_offset_, held_line_);
 }
 
 // A multi-line call is translated when the next one starts, with the offset
 // of its first line.
-bool Translation::Emit(std::u16string_view record, int64_t offset) {
+bool Translation::Emit(std::u16string_view record, int64_t offset, int64_t line) {
   if (gatherer_ == nullptr) {
     record_.assign(record.data(), record.size());  // reuses the storage of the last one
-    Record(record_, offset);
+    RecordAt(record_, offset, line);
     return true;
   }
   const int64_t closed_offset = call_offset_;
+  const int64_t closed_line = call_line_;
   if (gatherer_->Add(record, &call_)) {
     call_offset_ = offset;
-    Record(call_, closed_offset);
+    call_line_ = line;
+    RecordAt(call_, closed_offset, closed_line);
     return true;
   }
-  if (call_offset_ < 0) call_offset_ = offset;
+  if (call_offset_ < 0) {
+    call_offset_ = offset;
+    call_line_ = line;
+  }
   return false;
 }
 
 bool Translation::FinishCall() {
   if (gatherer_ == nullptr || !gatherer_->Finish(&call_)) return false;
-  Record(call_, std::exchange(call_offset_, -1));
+  RecordAt(call_, std::exchange(call_offset_, -1), call_line_);
   return true;
 }
 
 bool Translation::LineBytes(std::string_view bytes, int64_t offset) {
+  ++line_;
   if (bytes.empty()) return false;
   if (form_.seven_bit) {
     bytes_.assign(bytes.data(), bytes.size());
@@ -262,14 +282,14 @@ bool Translation::LineBytes(std::string_view bytes, int64_t offset) {
     bytes = bytes_;
   }
   if (!Decode(bytes, utf8_, &text_) && counts_.invalid_utf8++ == 0 && on_invalid_utf8) {
-    on_invalid_utf8(input_, counts_.read + 1);
+    on_invalid_utf8(input_, line_);
   }
   // Plain fixed-column lines, the common case, go to the library as decoded.
   if (plain_) {
-    Record(text_, offset);
+    RecordAt(text_, offset, line_);
     return true;
   }
-  return Line(text_, offset);
+  return Text(text_, offset);
 }
 
 void Translation::Lines(LineReader& reader, bool live) {

@@ -17,7 +17,7 @@ void LogUnrecognised(const std::string& path, const std::string& input, const Ro
                 now.intDia, now.intHora, now.intMinuto, now.intSegundo);
   std::string entry = "\r\n\r\nUnrecognised call (";
   entry += stamp;
-  entry += "; " + input + ", record " + std::to_string(row.number);
+  entry += "; " + input + ", line " + std::to_string(row.number);
   if (!row.error.empty()) entry += "; " + row.error;
   entry += "): \r\n";
   entry += utf8 ? velqua::AUtf8(record) : velqua::AAnsi(record);

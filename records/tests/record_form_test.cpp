@@ -252,8 +252,8 @@ TEST(TranslationWithAForm, DelimitedRecordsAreShapedAndCounted) {
     translation.Line(line);
   }
   translation.Finish();
-  EXPECT_EQ(rows.rows, (std::vector<std::string>{"1 2 0312345678 125 201", "2 1 0215,550199 61 ",
-                                                 "3 2 555 3600 202"}));
+  EXPECT_EQ(rows.rows, (std::vector<std::string>{"2 2 0312345678 125 201", "3 1 0215,550199 61 ",
+                                                 "4 2 555 3600 202"}));
   EXPECT_EQ(translation.counts().headings, 1);
   EXPECT_EQ(translation.counts().fewer_fields, 1);
   EXPECT_EQ(translation.counts().more_fields, 1);
@@ -277,8 +277,59 @@ TEST(TranslationWithAForm, ContinuationNulEndsAndSevenBitBeforeTranslating) {
   std::rewind(f.get());
   translation.Stream(f.get());
   translation.Finish();
-  EXPECT_EQ(rows.rows, (std::vector<std::string>{"1 2 0312345678 125 201", "2 1 0215550199 61 &209",
+  // Numbered by the line each starts on: two on the first, the third on the third.
+  EXPECT_EQ(rows.rows, (std::vector<std::string>{"1 2 0312345678 125 201", "1 1 0215550199 61 &209",
                                                  "3 2 555 3600 202"}));
+}
+
+// A row's number is the line of the file its record starts on, as `config
+// check` counts lines: empty lines, page headings and continuation lines
+// count; CR, LF and CR LF each end a line; a resumed input counts on.
+TEST(TranslationWithAForm, RowsAreNumberedByTheLineTheirRecordStartsOn) {
+  const std::string o = "O 0312345678 0:02:05 201", i = "I 0215550199 0:01:01";
+  struct Case {
+    const char* what;
+    std::string form, bytes;
+    int64_t lines_before;
+    std::vector<int64_t> numbers;
+    int64_t lines;  // in the bytes
+  } cases[] = {
+      {"empty lines and every line end",
+       "{}",
+       o + "\r\n\r\n" + i + "\r" + o + "\n\n" + i,
+       0,
+       {1, 3, 4, 6},
+       6},
+      {"headings and continuations",
+       R"({"headings": ["Type*"], "continuation": {"pattern": "&*", "column": 22}})",
+       "Type\r\n" + o + "\r\n&209\r\n&210\r\nType\r\n" + i + "\r\n",
+       0,
+       {2, 6},
+       6},
+      {"resumed after 41 lines", "{}", o + "\r\n" + i + "\r\n", 41, {42, 43}, 2},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    RecordForm form;
+    const auto cfg = Config(c.form, &form);
+    Rows rows;
+    Translation translation(cfg, rows, {"", "", false, form});
+    translation.Input("calls.txt", FechaHora{2026, 1, 1, 0, 0, 0}, 0, c.lines_before);
+    std::unique_ptr<std::FILE, FileCloser> f(std::tmpfile());
+    std::fwrite(c.bytes.data(), 1, c.bytes.size(), f.get());
+    std::rewind(f.get());
+    translation.Stream(f.get());
+    translation.Finish();
+    std::vector<int64_t> numbers;
+    for (const std::string& row : rows.rows) numbers.push_back(std::stoll(row));
+    EXPECT_EQ(numbers, c.numbers);
+    // What a resumed reading starts from: the lines before a byte.
+    std::rewind(f.get());
+    EXPECT_EQ(LinesBefore(f.get(), static_cast<int64_t>(c.bytes.size())), c.lines);
+    if (c.bytes.rfind(o + "\r\n", 0) == 0) {
+      EXPECT_EQ(LinesBefore(f.get(), static_cast<int64_t>(o.size()) + 2), 1);
+    }
+  }
 }
 
 }  // namespace

@@ -45,6 +45,8 @@ void BatchWriter::Write(const velqua_records::Row& row) {
   record.received_utc = received_utc_;
   record.row = row;
   record.row.text = {};
+  record.row.input = {};
+  record.line = row.number;
   ++rows_;
 }
 

@@ -213,6 +213,9 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
                            source.name + "')");
   }
   if (fingerprint != source.fingerprint) store_.SetFingerprint(source, fingerprint);
+  // Records are known by the line they start on too: a resumed file's
+  // lines are counted on from those already imported.
+  const int64_t lines = from > 0 ? velqua_records::LinesBefore(f.get(), from) : 0;
   std::fseek(f.get(), static_cast<long>(from), SEEK_SET);
 
   velqua_records::Translation translation(
@@ -220,9 +223,10 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
       {"", extensions_->path(), settings_.utf8, form_, !settings_.random_extensions});
   // A page heading is kept where every record is kept, as unrecognised with
   // that reason: nothing the switch sent is thrown away.
-  translation.on_heading = [this](const std::string&, std::u16string_view line, int64_t at) {
+  translation.on_heading = [&](const std::string&, std::u16string_view line, int64_t at) {
     velqua_records::Row heading;
     heading.error = "page heading";
+    heading.number = translation.line();
     heading.offset = at;
     heading.text = line;
     batcher_->Write(heading);
@@ -239,7 +243,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
                     result.read = read_before + read;
                     if (progress_) progress_({path, offset, size, result.read});
                   });
-  translation.Input(shown, received, from);
+  translation.Input(shown, received, from, lines);
   translation.Stream(f.get());
   translation.Finish();
   batcher_->Commit(translation.end_offset());

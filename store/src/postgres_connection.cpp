@@ -140,7 +140,7 @@ class PgConnection : public Connection {
     Copy(
         "COPY calls (switch_id, source_id, position, received_utc, raw, type, attribute, start, "
         "start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
-        "receiving_trunk, account_code, extension_random, ended, ended_utc) FROM STDIN",
+        "receiving_trunk, account_code, extension_random, ended, ended_utc, line) FROM STDIN",
         rows, n, [](std::string& out, const CallValues& v) {
           AppendCommon(out, v);
           out += '\t';
@@ -163,19 +163,25 @@ class PgConnection : public Connection {
           AppendCopyText(out, v.ended);
           out += '\t';
           AppendCopyText(out, v.ended_utc);
+          out += '\t';
+          AppendCopyNumber(out, v.line);
           out += '\n';
         });
   }
 
   void InsertUnrecognised(const CallValues* rows, size_t n) override {
     if (n == 0) return;
-    Copy("COPY unrecognised (switch_id, source_id, position, received_utc, raw, reason) FROM STDIN",
-         rows, n, [](std::string& out, const CallValues& v) {
-           AppendCommon(out, v);
-           out += '\t';
-           AppendCopyText(out, v.reason);
-           out += '\n';
-         });
+    Copy(
+        "COPY unrecognised (switch_id, source_id, position, received_utc, raw, reason, line) "
+        "FROM STDIN",
+        rows, n, [](std::string& out, const CallValues& v) {
+          AppendCommon(out, v);
+          out += '\t';
+          AppendCopyText(out, v.reason);
+          out += '\t';
+          AppendCopyNumber(out, v.line);
+          out += '\n';
+        });
   }
 
   const char* engine() const override { return "postgresql"; }

@@ -188,7 +188,8 @@ void SqlStore::ListUnrecognised(const std::string& switch_name, int64_t limit,
                                 const std::function<void(const StoredUnrecognised&)>& each) {
   std::vector<Value> params;
   std::string sql =
-      "SELECT w.name, s.name, u.position, u.received_utc, u.reason, u.raw FROM unrecognised u "
+      "SELECT w.name, s.name, u.position, u.received_utc, u.reason, u.raw, u.line "
+      "FROM unrecognised u "
       "JOIN switches w ON w.id = u.switch_id JOIN sources s ON s.id = u.source_id";
   if (!switch_name.empty()) {
     params.emplace_back(SwitchId(switch_name));
@@ -200,7 +201,8 @@ void SqlStore::ListUnrecognised(const std::string& switch_name, int64_t limit,
     sql += " LIMIT $" + std::to_string(params.size());
   }
   db_->Run(sql, params, [&](const ResultRow& r) {
-    each(StoredUnrecognised{r.Text(0), r.Text(1), r.Int(2), r.Text(3), r.Text(4), r.Text(5)});
+    each(StoredUnrecognised{r.Text(0), r.Text(1), r.Int(2), r.Text(3), r.Text(4), r.Text(5),
+                            r.IsNull(6) ? 0 : r.Int(6)});
   });
 }
 
@@ -226,12 +228,13 @@ std::vector<StoredRecord> SqlStore::ReadStored(const std::string& switch_name, b
                                                int64_t after_id, int64_t limit) {
   const std::string columns = calls ? kCallColumns : "reason";
   std::vector<StoredRecord> records;
-  db_->Run("SELECT id, source_id, position, raw, received_utc, " + columns + " FROM " +
+  db_->Run("SELECT id, source_id, position, raw, received_utc, line, " + columns + " FROM " +
                (calls ? "calls" : "unrecognised") +
                " WHERE switch_id = $1 AND id > $2 ORDER BY id LIMIT $3",
            {SwitchId(switch_name), after_id, limit}, [&](const ResultRow& r) {
              records.push_back(StoredRecord{r.Int(0), calls, r.Int(1), r.Int(2), r.Text(3),
-                                            r.Text(4), calls ? StoredSignature(r, 5) : r.Text(5)});
+                                            r.Text(4), calls ? StoredSignature(r, 6) : r.Text(6),
+                                            r.IsNull(5) ? 0 : r.Int(5)});
            });
   return records;
 }
@@ -303,7 +306,8 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
   CallValues v;
   for (const Retranslated& r : records) {
     const StoredRecord& old = r.record;
-    v.Fill(switch_id, old.source_id, Record{old.position, old.raw, old.received_utc, r.row}, zone);
+    v.Fill(switch_id, old.source_id,
+           Record{old.position, old.raw, old.received_utc, r.row, old.line}, zone);
     const bool call = r.row.has_fields;
     if (call == old.is_call && old.stored == (call ? Signature(v) : v.reason)) {
       ++result.unchanged;

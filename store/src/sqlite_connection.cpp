@@ -116,8 +116,8 @@ class SqliteConnection : public Connection {
     sqlite3_stmt* stmt = Prepare(
         "INSERT INTO calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
         "start, start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
-        "receiving_trunk, account_code, extension_random, ended, ended_utc) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        "receiving_trunk, account_code, extension_random, ended, ended_utc, line) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     for (const CallValues* v = rows; v != rows + n; ++v) {
       BindCommon(stmt, *v);
       sqlite3_bind_int(stmt, 6, v->type);
@@ -130,6 +130,7 @@ class SqliteConnection : public Connection {
       sqlite3_bind_int(stmt, 18, v->extension_random ? 1 : 0);
       BindText(stmt, 19, v->ended);
       BindText(stmt, 20, v->ended_utc);
+      BindCount(stmt, 21, v->line);
       Step(stmt, nullptr);
     }
   }
@@ -152,11 +153,12 @@ class SqliteConnection : public Connection {
 
   void InsertUnrecognised(const CallValues* rows, size_t n) override {
     sqlite3_stmt* stmt = Prepare(
-        "INSERT INTO unrecognised (switch_id, source_id, position, received_utc, raw, reason) "
-        "VALUES (?, ?, ?, ?, ?, ?)");
+        "INSERT INTO unrecognised (switch_id, source_id, position, received_utc, raw, reason, "
+        "line) VALUES (?, ?, ?, ?, ?, ?, ?)");
     for (const CallValues* v = rows; v != rows + n; ++v) {
       BindCommon(stmt, *v);
       BindText(stmt, 6, v->reason);
+      BindCount(stmt, 7, v->line);
       Step(stmt, nullptr);
     }
   }

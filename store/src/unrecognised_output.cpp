@@ -13,7 +13,7 @@ namespace {
 class CsvWriter : public UnrecognisedWriter {
  public:
   explicit CsvWriter(std::FILE* out) : out_(out) {
-    out_.text() = "switch,source,position,received_utc,reason,raw\r\n";
+    out_.text() = "switch,source,line,position,received_utc,reason,raw\r\n";
   }
   void Write(const StoredUnrecognised& u) override {
     std::string& b = out_.text();
@@ -21,7 +21,8 @@ class CsvWriter : public UnrecognisedWriter {
       velqua_records::AppendCsvField(b, *text);
       b += ',';
     }
-    b += std::to_string(u.position) + ',' + u.received_utc + ',';
+    if (u.line > 0) b += std::to_string(u.line);
+    b += ',' + std::to_string(u.position) + ',' + u.received_utc + ',';
     velqua_records::AppendCsvField(b, u.reason);
     b += ',';
     velqua_records::AppendCsvField(b, u.raw);
@@ -51,6 +52,7 @@ class JsonlWriter : public UnrecognisedWriter {
     velqua_records::AppendJsonEscaped(b, u.switch_name);
     b += '"';
     JsonMember(b, "source", u.source_name);
+    b += ",\"line\":" + (u.line > 0 ? std::to_string(u.line) : "null");
     b += ",\"position\":" + std::to_string(u.position);
     JsonMember(b, "received_utc", u.received_utc);
     JsonMember(b, "reason", u.reason);
@@ -68,9 +70,11 @@ class TableWriter : public UnrecognisedWriter {
  public:
   explicit TableWriter(std::FILE* out)
       : out_(out),
-        table_({"switch", "source", "position", "reason", "raw"}, {false, false, true}) {}
+        table_({"switch", "source", "line", "position", "reason", "raw"},
+               {false, false, true, true}) {}
   void Write(const StoredUnrecognised& u) override {
-    table_.Add({u.switch_name, u.source_name, std::to_string(u.position), u.reason, u.raw},
+    table_.Add({u.switch_name, u.source_name, u.line > 0 ? std::to_string(u.line) : "",
+                std::to_string(u.position), u.reason, u.raw},
                &out_.text());
     out_.MaybeFlush();
   }

@@ -133,6 +133,7 @@ void CallValues::Fill(int64_t switch_id_, int64_t source_id_, const Record& reco
   switch_id = switch_id_;
   source_id = source_id_;
   position = record.position;
+  line = record.line > 0 ? record.line : -1;
   received_utc = record.received_utc;
   raw = record.raw;
   ReplaceNul(raw);

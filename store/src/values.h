@@ -56,6 +56,7 @@ struct CallValues {
   std::array<std::string, 6> texts;
   bool extension_random = false;
   std::string reason;  // unrecognised records: why
+  int64_t line = -1;   // the file's line it starts on; -1: none
 
   // Fills every column from a record; keeps the strings' storage, so a
   // vector of CallValues reused batch after batch allocates nothing.

@@ -90,6 +90,14 @@ TEST_P(ImportTest, AFileImportedAgainAddsNothingAndAGrownFileOnlyItsTail) {
     EXPECT_EQ(store_->CountCalls("hicom"), step.calls);
     EXPECT_EQ(store_->CountUnrecognised("hicom"), step.unrecognised);
   }
+  // The unrecognised record, read in the grown part, is known by the line of
+  // the whole file it is on: the lines of the part read before count.
+  std::vector<StoredUnrecognised> kept;
+  store_->ListUnrecognised("hicom", 0, [&](const StoredUnrecognised& u) { kept.push_back(u); });
+  ASSERT_EQ(kept.size(), 1u);
+  EXPECT_GT(kept[0].line, 10);
+  const std::string before = FirstLines(records, static_cast<int>(kept[0].line) - 1);
+  EXPECT_EQ(records.substr(before.size(), kept[0].raw.size() + 2), kept[0].raw + "\r\n");
 }
 
 // A file is known by its first bytes: a rotated log, a copy, a file under

@@ -51,9 +51,9 @@ void ReportCounts(const Counts& counts, const TranslateOptions& options) {
     for (int64_t n : counts.listed) list += (list.empty() ? "" : ", ") + std::to_string(n);
     if (counts.unrecognised > static_cast<int64_t>(counts.listed.size())) list += ", ...";
     std::fprintf(
-        stderr, "velqua: %lld unrecognised record%s: %s%s\n",
+        stderr, "velqua: %lld unrecognised record%s, at line%s %s%s\n",
         static_cast<long long>(counts.unrecognised), counts.unrecognised == 1 ? "" : "s",
-        list.c_str(),
+        counts.unrecognised == 1 ? "" : "s", list.c_str(),
         options.errors_log.empty() ? "" : (" (logged to " + options.errors_log + ")").c_str());
   }
   CountNote(counts.headings, "page-heading line", "skipped");
@@ -171,12 +171,12 @@ int RunTranslate(const TranslateOptions& options) {
                                 ? row.error
                                 : ShowError(velqua::Error(row.error_number, U16(row.error_source),
                                                           U16(row.error_description)));
-    std::fprintf(stderr, "velqua: %s, record %lld: %s\n", input.c_str(),
+    std::fprintf(stderr, "velqua: %s, line %lld: %s\n", input.c_str(),
                  static_cast<long long>(row.number), why.c_str());
   };
   translation.on_invalid_utf8 = [](const std::string& input, int64_t number) {
     std::fprintf(stderr,
-                 "velqua: %s, record %lld: not valid UTF-8 (its bad bytes read as U+FFFD; later "
+                 "velqua: %s, line %lld: not valid UTF-8 (its bad bytes read as U+FFFD; later "
                  "ones not reported; is the input Windows-1252?)\n",
                  input.c_str(), static_cast<long long>(number));
   };

@@ -223,7 +223,7 @@ class CsvWriter : public RowWriter {
       if (i > 0) b += ',';
       b += kColumns[i];
     }
-    b += "\r\n";
+    b += ",file,raw\r\n";  // of a record without call data: where to find it, and what it says
     for (size_t i = 0; i < kNamed; ++i) {
       type_names_[i] = ShortTypeName(static_cast<int32_t>(i));
       attribute_names_[i] = ShortAttributeName(static_cast<int32_t>(i));
@@ -239,6 +239,8 @@ class CsvWriter : public RowWriter {
     size_t bound = 256 + type.size() + attribute.size() + 2 * row.error.size();
     if (row.has_fields) {
       for (const std::u16string* text : texts) bound += CsvBound(*text);
+    } else {
+      bound += CsvBound(row.text) + 2 * row.input.size() + 2;
     }
     if (row_.size() < bound) row_.resize(bound);
     Pen pen(&row_[0]);
@@ -273,7 +275,16 @@ class CsvWriter : public RowWriter {
       AppendCsvText(scratch_, velqua::DesdeUtf8(row.error));
       pen.Text(scratch_);
     }
-    pen.Text("\r\n");
+    if (row.has_fields) {
+      pen.Text(",,\r\n");
+    } else {
+      scratch_.assign(1, ',');
+      velqua_records::AppendCsvField(scratch_, row.input);
+      scratch_ += ',';
+      pen.Text(scratch_);
+      CsvText(pen, row.text);
+      pen.Text("\r\n");
+    }
     out_.buffer().append(row_.data(), static_cast<size_t>(pen.end() - row_.data()));
     out_.MaybeFlush();
   }
@@ -422,6 +433,12 @@ class JsonlWriter : public RowWriter {
     } else {
       AppendError(b, row);
     }
+    if (!row.has_fields) {  // where to find it, and what it says
+      b += ",\"file\":";
+      AppendJsonString(b, velqua::DesdeUtf8(row.input));
+      b += ",\"raw\":";
+      AppendJsonString(b, row.text);
+    }
     b += "}\n";
     out_.MaybeFlush();
   }
@@ -473,7 +490,11 @@ class TableWriter : public RowWriter {
     AppendInt(c[2], row.attribute);
     c[2] += ' ' + ShortAttributeName(row.attribute);
     c[13] = row.error;
-    if (!row.has_fields) return c;
+    if (!row.has_fields) {  // where to find it, and what it says
+      c[13] += (row.error.empty() ? "" : "; ") + std::string(row.input) + ": ";
+      AppendUtf8(c[13], row.text);
+      return c;
+    }
     if (row.random_extension) {
       c[13] = row.extension.empty() ? "account code not in the extension list" : "random extension";
     }

@@ -44,7 +44,13 @@ def program_rows(program, config, extra, records):
     env = {k: v for k, v in os.environ.items() if k != "LD_PRELOAD"}
     out = subprocess.run([program, "translate", "-c", str(config), "--format", "jsonl", *extra,
                           str(records)], capture_output=True, check=True, env=env)
-    return out.stdout.decode().splitlines()
+    # The program's rows of unrecognised records also say where to find them
+    # (file) and what they say (raw): a caller of translate holds both.
+    rows = [json.loads(line) for line in out.stdout.decode().splitlines()]
+    for row in rows:
+        row.pop("file", None)
+        row.pop("raw", None)
+    return [json.dumps(row, ensure_ascii=False, separators=(",", ":")) for row in rows]
 
 
 def inputs(records, encoding):

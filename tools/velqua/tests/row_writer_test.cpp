@@ -56,8 +56,9 @@ TEST(RowWriter, CsvQuotesPerRfc4180) {
       csv,
       "record,type,type_name,attribute,attribute_name,date,time,duration,ring,dialled,"
       "extension,trunk,receiving_extension,receiving_trunk,account_code,extension_random,"
-      "error\r\n"
-      "7,2,outgoing,2,in-transfer,2026-01-09,09:05:03,83,,\"0312,34\"\"5\",201,01,,,Müller,0,\r\n");
+      "error,file,raw\r\n"
+      "7,2,outgoing,2,in-transfer,2026-01-09,09:05:03,83,,\"0312,34\"\"5\",201,01,,,Müller,0,,,"
+      "\r\n");
 }
 
 // What the switch did not print is left blank or shortened, never invented.
@@ -85,7 +86,7 @@ TEST(RowWriter, DateAndTimeShowOnlyWhatWasPrinted) {
     row.random_extension = c.random;
     const std::string csv = Render(RowFormat::kCsv, {row});
     EXPECT_NE(csv.find(std::string("in-transfer,") + c.csv + ",83,"), std::string::npos) << csv;
-    EXPECT_NE(csv.find(c.random ? "Müller,1,\r\n" : "Müller,0,\r\n"), std::string::npos);
+    EXPECT_NE(csv.find(c.random ? "Müller,1,,,\r\n" : "Müller,0,,,\r\n"), std::string::npos);
     const std::string jsonl = Render(RowFormat::kJsonl, {row});
     EXPECT_NE(jsonl.find(c.jsonl), std::string::npos) << jsonl;
     EXPECT_NE(jsonl.find(c.random ? "\"extension_random\":true" : "\"extension_random\":false"),
@@ -115,21 +116,26 @@ TEST(RowWriter, FailedRecordKeepsItsErrorInEveryForm) {
   row.error_number = 6;
   row.error_source = "Velqua";
   row.error_description = "Desbordamiento";
+  row.input = "calls.txt";
+  const std::u16string text = u"12:00 x";
+  row.text = text;
   const std::string csv = Render(RowFormat::kCsv, {row});
   EXPECT_EQ(csv.substr(csv.find("\r\n") + 2),
-            "4,0,unrecognised,0,none,,,,,,,,,,,,\"overflow: a column past 255, \"\"x\"\"\"\r\n");
+            "4,0,unrecognised,0,none,,,,,,,,,,,,\"overflow: a column past 255, \"\"x\"\"\","
+            "calls.txt,12:00 x\r\n");
   // JSON keeps what the library said beside the English message.
   EXPECT_NE(Render(RowFormat::kJsonl, {row})
                 .find("\"extension_random\":null,\"error\":{\"message\":\"overflow: a column past "
                       "255, \\\"x\\\"\",\"number\":6,\"source\":\"Velqua\",\"description\":"
-                      "\"Desbordamiento\"}}"),
+                      "\"Desbordamiento\"},\"file\":\"calls.txt\",\"raw\":\"12:00 x\"}"),
             std::string::npos);
-  EXPECT_NE(Render(RowFormat::kTable, {row}).find("overflow: a column past 255"),
+  EXPECT_NE(Render(RowFormat::kTable, {row})
+                .find("overflow: a column past 255, \"x\"; calls.txt: 12:00 x"),
             std::string::npos);
   row.error_number = 0;  // an error of the road, not the library's: the message alone
   EXPECT_NE(Render(RowFormat::kJsonl, {row})
                 .find("\"error\":{\"message\":\"overflow: a column "
-                      "past 255, \\\"x\\\"\"}}"),
+                      "past 255, \\\"x\\\"\"},\"file\""),
             std::string::npos);
 }
 
@@ -165,7 +171,7 @@ TEST(RowWriter, CsvUnrecognisedRowHasBlankFields) {
   Row row;
   row.number = 1;
   const std::string csv = Render(RowFormat::kCsv, {row});
-  EXPECT_EQ(csv.substr(csv.find("\r\n") + 2), "1,0,unrecognised,0,none,,,,,,,,,,,,\r\n");
+  EXPECT_EQ(csv.substr(csv.find("\r\n") + 2), "1,0,unrecognised,0,none,,,,,,,,,,,,,,\r\n");
 }
 
 // The first column of every CSV row after the heading.
@@ -235,7 +241,8 @@ TEST(RowWriter, JsonlUnrecognisedRowHasNullFields) {
   row.number = 3;
   const std::string line = Render(RowFormat::kJsonl, {row});
   EXPECT_NE(line.find("\"date\":null"), std::string::npos);
-  EXPECT_NE(line.find("\"account_code\":null,\"extension_random\":null,\"error\":null}"),
+  EXPECT_NE(line.find("\"account_code\":null,\"extension_random\":null,\"error\":null,"
+                      "\"file\":\"\",\"raw\":\"\"}"),
             std::string::npos);
 }
 

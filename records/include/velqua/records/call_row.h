@@ -41,7 +41,7 @@ struct Row {
   bool HasTime() const { return (printed & 24) == 24; }
   bool HasSeconds() const { return (printed & 32) != 0; }
 
-  int64_t number = 0;       // 1-based ordinal of the record in the input
+  int64_t number = 0;       // the line of its input the record starts on (1 = the first)
   int32_t type = 0;         // emTipoLlamadaTraductor
   int32_t attribute = 0;    // emAtributoTraductor
   bool has_fields = false;  // false for an unrecognised record: fields blank
@@ -71,6 +71,7 @@ struct Row {
   // while the sink's Write runs; a sink that keeps it copies it.
   int64_t offset = -1;
   std::u16string_view text;
+  std::string_view input;  // the input's name (Translation::Input), valid as `text` is
 };
 
 // Where translated rows go (an output form, a store batch). Flush is called

@@ -79,6 +79,11 @@ class LineReader {
 // ends before the next header or at the end of the input. Lines before the
 // first header form a call of their own, so nothing is dropped. The lines of
 // a call are joined with `separator` (the configuration's Separador).
+// The number of lines (as LineReader cuts them) that start before byte
+// `end` of a file read from its start: a resumed reading's first line is
+// that number plus one. Leaves the file's position where it was not.
+int64_t LinesBefore(std::FILE* file, int64_t end);
+
 class CallGatherer {
  public:
   // BuscaLinea positions are 16-bit: a call never grows past

@@ -66,7 +66,7 @@ class Translation {
   std::function<void(const std::string&, const Row&)> on_failure;
 
   // Called for the first line of the run that is not well-formed UTF-8
-  // (with utf8 set): input name, and the number the record it starts gets.
+  // (with utf8 set): input name, and its line number.
   std::function<void(const std::string&, int64_t)> on_invalid_utf8;
 
   // Called for each page-heading line skipped (input name, the line as
@@ -76,18 +76,25 @@ class Translation {
 
   // The input the next records come from, and when they were received (the
   // year of a record whose switch prints none). `offset` is where the next
-  // stream stands in that input: rows carry their byte offsets from it.
-  void Input(const std::string& name, const FechaHora& received, int64_t offset = 0);
+  // stream stands in that input: rows carry their byte offsets from it; and
+  // `lines` the number of lines before it: rows are numbered by the line of
+  // the input they start on (the first line is 1), as `config check` counts
+  // lines (every line, empty ones and page headings included; CR, LF and
+  // CR LF each end one).
+  void Input(const std::string& name, const FechaHora& received, int64_t offset = 0,
+             int64_t lines = 0);
 
   // Translates one record as received (a multi-line call already joined; a
   // delimited record is shaped here) and writes its row, which carries
   // `offset` and the record's text as received, so that a stored record can
   // be translated again the same way. A record the library fails on is kept
-  // as an unrecognised row carrying the error; the run goes on.
+  // as an unrecognised row carrying the error; the run goes on. The record
+  // counts as the next line of the input.
   void Record(const std::u16string& record, int64_t offset = -1);
 
-  // One line as read, decoded, without its line end, and the byte offset of
-  // its first byte in the input (-1: unknown): a page heading is skipped and
+  // One line as read, decoded, without its line end (the input's next line),
+  // and the byte offset of its first byte in the input (-1: unknown): a page
+  // heading is skipped and
   // counted, a delimited record shaped, the lines of a multi-line call
   // gathered; each record completed is translated with the offset where it
   // starts. True when a row was written.
@@ -126,11 +133,17 @@ class Translation {
 
   const Counts& counts() const { return counts_; }
 
+  // The number of the input's line read last (0 before the first): in
+  // on_heading, the heading's.
+  int64_t line() const { return line_; }
+
  private:
   Row ReadRow(int64_t number);
+  void RecordAt(const std::u16string& record, int64_t offset, int64_t line);
+  bool Text(std::u16string_view line, int64_t offset);
   void Lines(LineReader& reader, bool live);
   bool Piece(std::u16string_view piece, int64_t offset);
-  bool Emit(std::u16string_view record, int64_t offset);
+  bool Emit(std::u16string_view record, int64_t offset, int64_t line);
   bool FlushHeld();
   bool FinishCall();
 
@@ -148,6 +161,7 @@ class Translation {
   std::u16string record_;  // the record being translated
   std::u16string held_;    // a record waiting for its continuation lines
   int64_t held_offset_ = -1;
+  int64_t held_line_ = 0;
   bool holding_ = false;
   std::string bytes_;    // a line with bit 7 cleared
   std::u16string text_;  // a line decoded
@@ -156,7 +170,9 @@ class Translation {
   FechaHora received_;
   int64_t start_offset_ = 0;
   int64_t end_offset_ = 0;
+  int64_t line_ = 0;          // the input's lines read so far
   int64_t call_offset_ = -1;  // of the multi-line call still open, -1 when none
+  int64_t call_line_ = 0;     // and its first line
   std::u16string call_;       // the multi-line call closed last
 };
 

@@ -75,6 +75,7 @@ struct Record {
   std::string raw;           // the record as given to the translator, UTF-8
   std::string received_utc;  // when it was received, "YYYY-MM-DDTHH:MM:SSZ"
   velqua_records::Row row;   // its text views are not used: raw holds the record
+  int64_t line = 0;          // the file's line it starts on; 0: none (a capture)
 };
 
 // What a batch added. Records whose place of origin was already stored
@@ -158,6 +159,7 @@ struct StoredUnrecognised {
   std::string switch_name, source_name;
   int64_t position = 0;  // a file's byte offset, or a spool position
   std::string received_utc, reason, raw;
+  int64_t line = 0;  // the file's line it starts on; 0: none kept (a capture)
 };
 
 // A stored record as retranslation reads it.
@@ -168,6 +170,7 @@ struct StoredRecord {
   int64_t position = 0;
   std::string raw, received_utc;
   std::string stored;  // its stored translation (or reason), as Rewrite compares it
+  int64_t line = 0;    // as Record's
 };
 
 // A stored record with its translation under a corrected configuration.
