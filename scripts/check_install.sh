@@ -23,7 +23,13 @@ kx="$prefix/share/velqua/examples/kx-tda"
 args=("$kx/kx-tda.cfg" "$kx/records.txt" "$kx/extensions.txt")
 
 "$prefix/bin/velqua" translate -c "$kx/kx-tda.cfg" --extensions "$kx/extensions.txt" \
-  --format csv "$kx/records.txt" >"$work/program.csv" 2>/dev/null
+  --format csv "$kx/records.txt" >"$work/program-all.csv" 2>/dev/null
+# The hosts print the call columns; the program adds where an unrecognised
+# record came from and its text (file, raw), left out here.
+"$python" -c 'import csv, sys
+w = csv.writer(sys.stdout, lineterminator="\r\n")
+for row in csv.reader(open(sys.argv[1], newline="")):
+    w.writerow(row[:-2])' "$work/program-all.csv" >"$work/program.csv"
 
 cp -r "$hosts/c" "$work/c"
 # shellcheck disable=SC2046  # pkg-config gives several words
