@@ -72,11 +72,12 @@ TEST(CTranslation, KxTdaRowsShowOnlyWhatTheSwitchPrinted) {
   Translation t = NewTranslation(cfg.get(), &settings);
   const std::vector<std::string> rows =
       Rows(t.get(), ReadFile(Example("kx-tda/records.txt")), 4096);
-  // The sample's two page-heading lines are skipped, not rows.
+  // The sample's two page-heading lines are skipped, not rows; rows are
+  // numbered by the line their record starts on.
   ASSERT_EQ(rows.size(), 30u);
-  EXPECT_EQ(rows[0], "1 incoming none 20260119 28800m 83 5 0312345678 201 01   ");
-  EXPECT_EQ(rows[3], "4 outgoing none 20260119 29880m 727 -1 00441632960123 201 02   1234");
-  EXPECT_EQ(rows[21].substr(0, 45), "22 outgoing none 20260119 48840m 47 -1 031234");
+  EXPECT_EQ(rows[0], "3 incoming none 20260119 28800m 83 5 0312345678 201 01   ");
+  EXPECT_EQ(rows[3], "6 outgoing none 20260119 29880m 727 -1 00441632960123 201 02   1234");
+  EXPECT_EQ(rows[21].substr(0, 45), "24 outgoing none 20260119 48840m 47 -1 031234");
   EXPECT_EQ(rows[21].substr(rows[21].size() - 12), " 9999 random");
   velqua_counts counts{};
   ASSERT_EQ(velqua_translation_counts(t.get(), &counts), 0);
@@ -106,9 +107,9 @@ TEST(CTranslation, AFailedRecordIsARowWithItsErrorAndTheRunGoesOn) {
   const std::vector<std::string> rows = Rows(t.get(), input, 4000);
   ASSERT_GE(rows.size(), 4u);
   EXPECT_EQ(rows[2],
-            "3 unrecognised none | overflow: a column past 255, or a number too large for the "
+            "9 unrecognised none | overflow: a column past 255, or a number too large for the "
             "record");
-  EXPECT_EQ(rows[3].substr(0, 35), "4 incoming none 20260203 29523s 391");
+  EXPECT_EQ(rows[3].substr(0, 36), "11 incoming none 20260203 29523s 391");
   velqua_counts counts{};
   ASSERT_EQ(velqua_translation_counts(t.get(), &counts), 0);
   EXPECT_EQ(counts.failed, 1);

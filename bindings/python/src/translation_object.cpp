@@ -147,7 +147,8 @@ class State {
   }
 
   // One item: str (text) or bytes (Windows-1252 or UTF-8); a line end is
-  // added when it has none, so that each item holds whole lines.
+  // added when it has none, so that each item holds whole lines (an empty
+  // item is an empty line: rows are numbered by line).
   void Append(const py::handle& item, bool whole_lines) {
     const char* data = nullptr;
     Py_ssize_t size = 0;
@@ -168,7 +169,7 @@ class State {
     }
     Kind(text);
     block_.append(data, static_cast<size_t>(size));
-    if (whole_lines && size > 0 && data[size - 1] != '\n' && data[size - 1] != '\r') {
+    if (whole_lines && (size == 0 || (data[size - 1] != '\n' && data[size - 1] != '\r'))) {
       block_ += '\n';
     }
   }

@@ -5,6 +5,7 @@ import datetime
 import io
 import json
 import os
+import re
 import subprocess
 import sys
 import threading
@@ -64,7 +65,8 @@ def inputs(records, encoding):
         "the file's bytes": data,
         "bytes lines without line ends": data.splitlines(),
         "text through io.StringIO": io.StringIO(text),
-        "text lines": [line + "\n" for line in text.splitlines()],
+        # The file's lines (str.splitlines would cut at form feeds too).
+        "text lines": [line + "\n" for line in re.split(r"\r\n|\r|\n", text)],
     }
 
 
