@@ -86,11 +86,10 @@ GuessScore ScoreGuess(const Guess& guess, const std::string& known_json) {
   std::string delivery;
   SwitchConfigFromJson(known_json, cfg, &form, &delivery);
   GuessScore score;
-  for (int32_t key = velqua::emPrimerParamDato + 1; key < velqua::emUltimoParamDato; ++key) {
-    cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
-    if (!cfg.HayDATO()) continue;
+  for (const velqua::CampoDATO& f : cfg.ListaDATO()) {
+    const int32_t key = f.emParam;
     ++score.total;
-    const int pos = cfg.DATOPos(), size = cfg.DATOTam();
+    const int pos = f.btPos, size = f.btTam;
     Datum datum{};
     bool found = false;
     if (DatumOfKey(key, &datum)) {

@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <csignal>
 #include <ctime>
 #include <utility>
 
@@ -53,11 +52,6 @@ void Decode(std::string_view bytes, bool utf8, std::u16string* text) {
   *text += utf8 ? velqua::DesdeUtf8(bytes.substr(i)) : velqua::DesdeAnsi(bytes.substr(i));
 }
 
-// Set by SIGINT and SIGTERM once StopOnSignals has run.
-volatile std::sig_atomic_t g_stop = 0;
-
-void Stop(int) { g_stop = 1; }
-
 // Whether an input is live: anything but a regular file read to its end.
 bool IsLive(std::FILE* stream, bool follow) {
   struct stat st {};
@@ -68,9 +62,14 @@ bool IsLive(std::FILE* stream, bool follow) {
 
 Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink,
                          const Settings& settings)
-    : cfg_(std::move(cfg)), sink_(sink), utf8_(settings.utf8), form_(settings.form) {
+    : cfg_(std::move(cfg)),
+      clock_(std::make_shared<ProgramClock>(settings.environment,
+                                            settings.now ? settings.now : ProgramFixedNow())),
+      traductor_(clock_),
+      sink_(sink),
+      utf8_(settings.utf8),
+      form_(settings.form) {
   plain_ = form_.Plain() && cfg_->Caso() != velqua::emCasoNortelNorstar0x32SMDR6;
-  ProgramClock::Instance();  // the library reads the records' clock from here on
   traductor_.Conmutador(cfg_);
   traductor_.ArchivoLlamadasError(U16(settings.errors_log));
   traductor_.ArchivoListaExtensionesKXTDA(U16(settings.extensions));
@@ -87,7 +86,7 @@ void Translation::Input(const std::string& name, const FechaHora& received, int6
 
 void Translation::Record(const std::u16string& record, int64_t offset) {
   const int64_t number = ++counts_.read;
-  ProgramClock& clock = ProgramClock::Instance();
+  ProgramClock& clock = *clock_;
   clock.Freeze();
   struct Thaw {
     ProgramClock& clock;
@@ -134,8 +133,7 @@ Row Translation::ReadRow(int64_t number) {
     return row;
   }
   Row row(number, type, attribute, traductor_);
-  row.printed =
-      ProgramClock::Instance().PrintedParts(traductor_, {row.day, row.month, row.year, row.time});
+  row.printed = clock_->PrintedParts(traductor_, {row.day, row.month, row.year, row.time});
   if ((row.printed & kPrintedYear) == 0) row.year = YearReceived(row.month, row.day, received_);
   row.random_extension = ExtensionIsRandom(traductor_, *cfg_, row.extension);
   return row;
@@ -246,7 +244,7 @@ void Translation::Stream(std::FILE* stream, const std::string& follow) {
   }
   LineReader::Live live;
   live.follow = follow;
-  live.stop = [] { return g_stop != 0; };
+  live.stop = stop;
   live.on_idle = [this] {
     const bool held = FlushHeld();
     if (FinishCall() || held) sink_.Flush();
@@ -266,20 +264,12 @@ void Translation::Finish() {
 FechaHora ReceivedAt(const std::string& path, int32_t year) {
   if (year > 0) return FechaHora{year, 12, 31, 23, 59, 59};
   struct stat st {};
-  if (path == "-" || ::stat(path.c_str(), &st) != 0) return ProgramClock::Instance().Now();
+  if (path == "-" || ::stat(path.c_str(), &st) != 0) return ProgramNow();
   std::tm local{};
   const std::time_t when = st.st_mtime;
   localtime_r(&when, &local);
   return FechaHora{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
                    local.tm_hour,        local.tm_min,     local.tm_sec};
-}
-
-void StopOnSignals() {
-  struct sigaction action {};
-  action.sa_handler = Stop;  // no SA_RESTART: a waiting poll returns
-  sigemptyset(&action.sa_mask);
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
 }
 
 }  // namespace velqua_records

@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <string>
 
-#include "velqua/cfg_conmut.h"
+#include "model/datos_cfg.h"
 #include "velqua/superficie.h"
 #include "wiring/dibujo_comun.h"
 
@@ -34,7 +34,7 @@ constexpr float kAncho = 3200;
 // and row heights h8, h; the three column edges; the next row's top y and
 // wire level w; the port's last switch pin N; the two pin classes.
 struct Diagrama {
-  const clsCfgConmut& cfg;
+  const DatosCfgConmut& cfg;
   Superficie& pic;
   emPuertoSerial puerto;
   float X, Y;
@@ -234,8 +234,8 @@ void PasadaPrincipal(Diagrama& d) {
 
 }  // namespace
 
-void clsCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib,
-                                           float sglPosX, float sglPosY) const {
+void DatosCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib,
+                                             float sglPosX, float sglPosY) const {
   Diagrama d{*this, picDib, iemPuerto, sglPosX, sglPosY};
   DibujaTitulo(d);
   if (!HayConfiguracionSMDR(iemPuerto)) {

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "velqua/cfg_conmut.h"
+#include "model/datos_cfg.h"
 #include "velqua/superficie.h"
 #include "wiring/dibujo_comun.h"
 
@@ -63,8 +63,8 @@ void DibujaFilas(Superficie& pic, float X, float M, float y) {
 
 }  // namespace
 
-void clsCfgConmut::DibujaTablaConversionDB9DB25(Superficie& picDib, float sglPosX,
-                                                float sglPosY) const {
+void DatosCfgConmut::DibujaTablaConversionDB9DB25(Superficie& picDib, float sglPosX,
+                                                  float sglPosY) const {
   const float X = sglPosX;
   const float Y = sglPosY;
   const float M = X + kAncho / 2;

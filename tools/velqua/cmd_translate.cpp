@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -16,6 +17,23 @@
 
 namespace velqua_cli {
 namespace {
+
+// Set by SIGINT and SIGTERM once StopOnSignals has run: a followed input
+// then ends cleanly (its open call translated, the counts reported) instead
+// of the program being killed.
+volatile std::sig_atomic_t g_stop = 0;
+
+void Stop(int) { g_stop = 1; }
+
+void StopOnSignals() {
+  struct sigaction action {};
+  action.sa_handler = Stop;  // no SA_RESTART: a waiting poll returns
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGINT, &action, nullptr);
+  sigaction(SIGTERM, &action, nullptr);
+}
+
+bool StopRequested() { return g_stop != 0; }
 
 // At most this many failed records are reported one by one.
 constexpr int64_t kReportedFailures = 20;
@@ -125,6 +143,7 @@ int RunTranslate(const TranslateOptions& options) {
   Translation translation(
       config.cfg, *writer,
       {options.errors_log, options.extensions, options.encoding == "utf-8", config.form});
+  translation.stop = [] { return StopRequested(); };
   translation.on_failure = [](const std::string& input, int64_t number, const std::string& error) {
     static int64_t reported = 0;
     if (++reported > kReportedFailures) return;

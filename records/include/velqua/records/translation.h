@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,11 @@ class Translation {
     std::string extensions;  // the KX-TDA account code to extension list
     bool utf8 = false;       // records in UTF-8 rather than Windows-1252
     RecordForm form;         // delimited shaping, page headings, record ends
+    // The files and clock the translation works with (nullptr: the real
+    // ones), and the instant it reads as now (none: the program's fixed
+    // instant, else the environment's clock).
+    std::shared_ptr<velqua::Entorno> environment = nullptr;
+    std::optional<FechaHora> now = std::nullopt;
   };
 
   // Binds a translator to `cfg`; rows go to `sink`.
@@ -49,6 +55,11 @@ class Translation {
   // Called for each record the library fails on (it is kept as an
   // unrecognised row carrying the error): input name, record number, error.
   std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
+
+  // Asked while a live input waits for bytes: true ends it cleanly (its open
+  // call translated, the counts reported), as the program does on SIGINT
+  // and SIGTERM. Unset: a live input ends only with its source.
+  std::function<bool()> stop;
 
   // Called for each page-heading line skipped (input name, the line as
   // decoded, its byte offset), so that a caller keeping raw input keeps
@@ -116,6 +127,7 @@ class Translation {
   bool FinishCall();
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
+  std::shared_ptr<ProgramClock> clock_;
   velqua::clsTraductor traductor_;
   std::unique_ptr<CallGatherer> gatherer_;
   RowSink& sink_;
@@ -141,9 +153,5 @@ class Translation {
 // When the records of a file were received: 31 December of `year` when it is
 // above 0, else the file's modification time ("-": the clock's now).
 FechaHora ReceivedAt(const std::string& path, int32_t year);
-
-// From now on SIGINT and SIGTERM end a followed input cleanly (its open call
-// translated, the counts reported) instead of killing the program.
-void StopOnSignals();
 
 }  // namespace velqua_records
