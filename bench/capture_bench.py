@@ -6,6 +6,10 @@ raw lines in SQLite (what a user would otherwise write). Prints a Markdown
 table; the figures and the command are in doc/performance.md.
 
     python3 bench/capture_bench.py [--build build] [--records 1000000]
+
+With --vs-import it measures instead the capture end to end with one
+pushing source (first byte sent to last call stored), side by side with
+`velqua import` of the same records into a new store, --pairs times in turn.
 """
 import argparse
 import json
@@ -111,10 +115,82 @@ def run_python_collector(build, work, records, count):
     return count / (end - start)
 
 
+def wait_for_log(path, text, timeout=20):
+    end = time.monotonic() + timeout
+    while time.monotonic() < end:
+        with open(path) as f:
+            if text in f.read():
+                return
+        time.sleep(0.02)
+    raise RuntimeError(f"{text!r} not in {path}")
+
+
+def capture_end_to_end(build, work, records, count, tag, fsync="always"):
+    """Seconds from the pusher's first byte to the last call stored."""
+    port = free_port()
+    folder = os.path.join(work, f"end-to-end-{tag}")
+    os.makedirs(folder)
+    config = os.path.join(folder, "capture.toml")
+    root = os.path.abspath(os.path.join(os.path.dirname(__file__), ".."))
+    with open(config, "w") as f:
+        f.write(f'store = "calls.db"\nspool = "spool"\nfsync = "{fsync}"\n'
+                f'[[switch]]\nname = "kx-tda"\nconfig = "{root}/examples/kx-tda/kx-tda.json"\n'
+                f'[[switch.source]]\nname = "ipo"\nkind = "tcp-listen"\nport = {port}\n')
+    log_path = os.path.join(folder, "service.log")
+    log = open(log_path, "w")
+    service = subprocess.Popen([f"{build}/tools/velqua/velqua", "capture", "--config", config],
+                               stderr=log)
+    wait_for_log(log_path, "listening")
+    db = None
+    while db is None:
+        try:
+            db = sqlite3.connect(os.path.join(folder, "calls.db"))
+            db.execute("SELECT max(id) FROM calls")
+        except sqlite3.Error:
+            db = None
+            time.sleep(0.02)
+    start = time.monotonic()
+    pusher = subprocess.Popen(
+        [f"{build}/tools/switch-emulator/velqua-emulator", "ipoffice", "--port", str(port),
+         "--records", records, "--rate", "0", "--resend", "0"], stdout=subprocess.DEVNULL)
+    while (db.execute("SELECT max(id) FROM calls").fetchone()[0] or 0) < count:
+        time.sleep(0.01)
+    took = time.monotonic() - start
+    service.terminate()
+    service.wait()
+    pusher.kill()
+    pusher.wait()
+    return took
+
+
+def import_time(build, work, records, tag):
+    root = os.path.abspath(os.path.join(os.path.dirname(__file__), ".."))
+    start = time.monotonic()
+    subprocess.run([f"{build}/tools/velqua/velqua", "import", "--db",
+                    os.path.join(work, f"import-{tag}.db"), "--switch", "kx-tda", "-c",
+                    f"{root}/examples/kx-tda/kx-tda.json", records],
+                   check=True, stdout=subprocess.DEVNULL)
+    return time.monotonic() - start
+
+
+def main_vs_import(args, work, records):
+    print("| pair | velqua capture, one pushing source (records/s) | velqua import (records/s) "
+          "| import / capture |")
+    print("|---|---|---|---|")
+    for pair in range(1, args.pairs + 1):
+        capture = args.records / capture_end_to_end(args.build, work, records, args.records, pair,
+                                                    args.fsync)
+        imported = args.records / import_time(args.build, work, records, pair)
+        print(f"| {pair} | {capture:,.0f} | {imported:,.0f} | {imported / capture:.2f} |")
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--build", default="build")
     parser.add_argument("--records", type=int, default=1000000)
+    parser.add_argument("--vs-import", action="store_true")
+    parser.add_argument("--pairs", type=int, default=3)
+    parser.add_argument("--fsync", default="always", help="with --vs-import")
     args = parser.parse_args()
     work = tempfile.mkdtemp(prefix="velqua-capture-bench-")
     records = os.path.join(work, "records.txt")
@@ -122,6 +198,8 @@ def main():
         subprocess.run([f"{args.build}/tools/switch-emulator/velqua-emulator", "generate",
                         str(args.records)], stdout=f, check=True)
     print(f"{args.records} records, work folder {work}\n")
+    if args.vs_import:
+        return main_vs_import(args, work, records)
     print("| collector | sent at | records stored/s | p50 ms | p99 ms | max ms | "
           "RSS at 10% / 50% / 100% (MiB) |")
     print("|---|---|---|---|---|---|---|")

@@ -99,7 +99,7 @@ inline int Run(const uint8_t* data, size_t size) {
   cfg->Caso(velqua::emCasoEstandar);
   Count count;
   velqua_records::Translation translation(cfg, count,
-                                          {"", "", false, form, velqua_fuzz::EntornoFijo()});
+                                          {"", "", false, form, false, velqua_fuzz::EntornoFijo()});
   for (size_t at = 0; at <= text.size();) {
     const size_t next = std::min(text.find(u'\n', at), text.size());
     translation.Line(std::u16string_view(text).substr(at, next - at));

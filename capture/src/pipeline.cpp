@@ -78,8 +78,23 @@ struct Pipeline::StreamState {
   std::unique_ptr<velqua_records::Translation> translation;
   int64_t input_second = -1;  // the second Translation::Input was last told
   ResendFilter resend;
-  int64_t connect_position = -1;  // while the connection is in its re-sent part
-  int64_t dropped = 0;            // re-sent records dropped in this connection
+  int64_t connect_position = -1;  // of the connection's mark
+  int64_t resent_dropped = 0;     // in the connection's re-sent part
+  int64_t dropped = 0;            // re-sent records dropped and not yet logged
+  bool connected = false;
+  // Page headings printed while the connection is in its re-sent part: they
+  // join the batch once it is over, so that a replay of the connection finds
+  // the store as the connection found it.
+  std::vector<velqua_store::Record> held_headings;
+  std::vector<int64_t> held_headings_us;
+  // Events not yet stored, each with the spool position it concerns: stored
+  // in the transaction whose checkpoint passes that position, so that a
+  // replay neither makes them again nor loses them.
+  struct PendingEvent {
+    int64_t position;
+    velqua_store::Event event;
+  };
+  std::vector<PendingEvent> events;
   int64_t last_received_us = 0;
   std::string received_utc;                // of last_received_us
   int64_t unrecognised = 0;                // seen by this run
@@ -188,7 +203,8 @@ void Pipeline::Loop() {
       if (pending_rows_ == 0) first_pending_ = Clock::now();
       Process(e);
     }
-    if (pending_rows_ > 0) Retry([this] { Commit(); });
+    if (pending_rows_ > 0 || EventsReady()) Retry([this] { Commit(); });
+    for (auto& [name, s] : streams_) ReportDropped(*s);
     if (caught_up) {
       std::unique_lock<std::mutex> lock(mutex_);
       if (stop_) return;
@@ -260,11 +276,25 @@ Pipeline::StreamState* Pipeline::Stream(const std::string& name) {
   return (streams_[name] = std::move(s)).get();
 }
 
+// The processed end moves past an entry only once it is processed whole: a
+// commit it makes (a new connection commits what came before it) must leave
+// the entry itself to be read again.
 void Pipeline::Process(const SpoolEntry& e) {
   const int64_t end = e.data_position + static_cast<int64_t>(e.bytes.size());
+  Handle(e, end);
   processed_end_ = std::max(processed_end_, end);
+}
+
+void Pipeline::Handle(const SpoolEntry& e, int64_t end) {
   if (e.kind == SpoolKind::kStart) {
-    for (auto& [name, s] : streams_) EndConnection(*s);
+    for (auto& [name, s] : streams_) {
+      if (s->connected && end > s->checkpoint) {
+        AddEvent(*s, e.position, "disconnect", e.received_us, 0,
+                 "the service stopped without ending the connection");
+      }
+      s->connected = false;
+      EndConnection(*s);
+    }
     return;
   }
   StreamState* s = Stream(e.source);
@@ -281,15 +311,19 @@ void Pipeline::Process(const SpoolEntry& e) {
       break;
     }
     case SpoolKind::kFlush:
-    case SpoolKind::kDisconnect: {
-      const bool disconnect = e.kind == SpoolKind::kDisconnect;
-      if (disconnect) {
-        EndConnection(*s);
-      } else {
-        Complete(*s);
-      }
+      Complete(*s);
       break;
-    }
+    case SpoolKind::kDisconnect:
+      EndConnection(*s);
+      s->connected = false;
+      AddEvent(*s, e.position, "disconnect", e.received_us, 0, e.bytes);
+      break;
+    case SpoolKind::kGap:
+    case SpoolKind::kTornTail:
+      // Logged where it was found; recorded here, once.
+      AddEvent(*s, e.position, e.kind == SpoolKind::kGap ? "gap" : "torn-tail", e.received_us, 0,
+               e.bytes);
+      break;
     case SpoolKind::kStart:
       break;
   }
@@ -307,7 +341,8 @@ void Pipeline::Complete(StreamState& s) {
   Translated(s);
 }
 
-// Logs how many re-sent records were dropped since the last report, if any.
+// Logs how many re-sent records were dropped since the last report, if any
+// (the loop calls it at least every second).
 void Pipeline::ReportDropped(StreamState& s) {
   if (s.dropped == 0) return;
   log_.Info("source " + s.name + ": " + std::to_string(s.dropped) + " re-sent records dropped");
@@ -318,10 +353,33 @@ void Pipeline::ReportDropped(StreamState& s) {
 void Pipeline::EndConnection(StreamState& s) {
   if (s.sw == nullptr) return;
   Complete(s);
-  ReportDropped(s);
-  s.resend.End();
-  s.connect_position = -1;
+  CloseResent(s);
   NewConnection(s);
+}
+
+// The connection's re-sent part is over (a new record came, every stored
+// record it could send again was matched, or it ended): what it dropped is
+// recorded, and the page headings it printed meanwhile join the batch.
+void Pipeline::CloseResent(StreamState& s) {
+  s.resend.End();
+  ReportDropped(s);
+  if (s.resent_dropped > 0) {
+    AddEvent(s, s.connect_position, "resent-dropped", s.last_received_us, s.resent_dropped, "");
+    s.resent_dropped = 0;
+  }
+  for (size_t i = 0; i < s.held_headings.size(); ++i) {
+    s.rows.push_back(std::move(s.held_headings[i]));
+    s.rows_received_us.push_back(s.held_headings_us[i]);
+    ++s.headings;
+    ++pending_rows_;
+  }
+  s.held_headings.clear();
+  s.held_headings_us.clear();
+}
+
+void Pipeline::AddEvent(StreamState& s, int64_t position, const std::string& kind,
+                        int64_t received_us, int64_t count, const std::string& detail) {
+  s.events.push_back({position, {kind, IsoTime(received_us), count, detail}});
 }
 
 // A connection's bytes start a new stream: nothing carries over from the last.
@@ -331,13 +389,16 @@ void Pipeline::NewConnection(StreamState& s) {
   s.translation = std::make_unique<velqua_records::Translation>(
       sw.config.cfg, s.catcher,
       velqua_records::Translation::Settings{"", sw.settings.extensions, sw.settings.utf8,
-                                            sw.config.form});
+                                            sw.config.form, true});
   s.translation->on_heading = [this, &s](const std::string&, std::u16string_view line,
                                          int64_t position) { Heading(s, line, position); };
   s.input_second = -1;
 }
 
 // A new connection: what was stored before it decides what it re-sends.
+// The commit stops before the connection's mark (the processed end has not
+// passed it yet): until the re-sent part is over, a replay must make the
+// decision again from the mark.
 void Pipeline::Connect(StreamState& s, const SpoolEntry& e) {
   Retry([this] { Commit(); });
   const SwitchSettings& sw = s.sw->settings;
@@ -353,7 +414,9 @@ void Pipeline::Connect(StreamState& s, const SpoolEntry& e) {
     });
   }
   s.resend.Connect(std::move(stored), e.received_us, sw.resend_records, age_us + 1000000);
-  s.connect_position = s.resend.active() ? e.position : -1;
+  s.connect_position = e.position;
+  s.connected = true;
+  AddEvent(s, e.position, "connect", e.received_us, 0, e.bytes);
 }
 
 void Pipeline::Framed(StreamState& s, const velqua_records::Framer::Record& r) {
@@ -383,12 +446,13 @@ void Pipeline::Translated(StreamState& s) {
     if (s.resend.active()) {
       if (s.resend.Drop(raw)) {
         ++s.dropped;
+        ++s.resent_dropped;
         board_.Update(s.name, [](StreamStatus& st) { ++st.resent_dropped; });
+        if (!s.resend.active()) CloseResent(s);
         continue;
       }
-      s.connect_position = -1;
+      CloseResent(s);
     }
-    ReportDropped(s);
     velqua_store::Record record;
     record.position = c.row.offset;
     record.raw = std::move(raw);
@@ -413,6 +477,11 @@ void Pipeline::Heading(StreamState& s, std::u16string_view line, int64_t positio
   record.received_utc = s.received_utc;
   record.row.error = kHeadingReason;
   record.row.offset = position;
+  if (s.resend.active()) {
+    s.held_headings.push_back(std::move(record));
+    s.held_headings_us.push_back(s.last_received_us);
+    return;
+  }
   s.rows.push_back(std::move(record));
   s.rows_received_us.push_back(s.last_received_us);
   ++s.headings;
@@ -443,8 +512,22 @@ int64_t Pipeline::Hold(const StreamState& s) const {
   if (s.translation && s.translation->held_offset() >= 0) {
     hold = std::min(hold, s.translation->held_offset());
   }
-  if (s.resend.active() && s.connect_position >= 0) hold = std::min(hold, s.connect_position);
+  if (s.resend.active()) hold = std::min(hold, s.connect_position);
   return hold == INT64_MAX ? -1 : hold;
+}
+
+// Each stream's batch goes with its checkpoint, and with the events the
+// checkpoint passes, in one transaction; then the spool's replay-from moves
+// to the earliest position any stream still needs.
+// Whether a stream holds an event a commit would store now.
+bool Pipeline::EventsReady() const {
+  for (const auto& [name, s] : streams_) {
+    const int64_t hold = Hold(*s);
+    for (const StreamState::PendingEvent& ev : s->events) {
+      if (ev.position < (hold >= 0 ? hold : processed_end_)) return true;
+    }
+  }
+  return false;
 }
 
 void Pipeline::Commit() {
@@ -452,9 +535,19 @@ void Pipeline::Commit() {
   for (auto& [name, s] : streams_) {
     const int64_t hold = Hold(*s);
     if (hold >= 0) safe = std::min(safe, hold);
-    if (s->rows.empty()) continue;
+    const int64_t checkpoint = hold >= 0 ? hold : processed_end_;
+    const auto ready = std::stable_partition(
+        s->events.begin(), s->events.end(),
+        [&](const StreamState::PendingEvent& ev) { return ev.position < checkpoint; });
+    if (s->rows.empty() && ready == s->events.begin()) continue;
+    StreamState* const stream = s.get();
     const velqua_store::WriteResult result =
-        store_->Write(s->source, s->rows, hold >= 0 ? hold : processed_end_);
+        store_->Write(s->source, s->rows, checkpoint, [this, stream, ready] {
+          for (auto it = stream->events.begin(); it != ready; ++it) {
+            store_->AddEvent(stream->source, it->event);
+          }
+        });
+    s->events.erase(s->events.begin(), ready);
     const int64_t now = NowMicros();
     int64_t last_us = 0;
     for (int64_t& received : s->rows_received_us) {

@@ -64,10 +64,14 @@ class Pipeline {
   void Loop();
   void Apply(const ServiceSettings& settings);
   void Process(const SpoolEntry& e);
+  void Handle(const SpoolEntry& e, int64_t end);
   StreamState* Stream(const std::string& name);
   void Feed(StreamState& s, std::string_view bytes, int64_t position);
   void EndConnection(StreamState& s);
+  void CloseResent(StreamState& s);
   void ReportDropped(StreamState& s);
+  void AddEvent(StreamState& s, int64_t position, const std::string& kind, int64_t received_us,
+                int64_t count, const std::string& detail);
   void Connect(StreamState& s, const SpoolEntry& e);
   void Framed(StreamState& s, const velqua_records::Framer::Record& r);
   void Translated(StreamState& s);
@@ -75,6 +79,7 @@ class Pipeline {
   void Complete(StreamState& s);
   void Unrecognised(StreamState& s, const velqua_store::Record& record);
   int64_t Hold(const StreamState& s) const;
+  bool EventsReady() const;
   void Commit();
   // Runs `work` until it succeeds, waiting while the store is unavailable;
   // throws Abandon (pipeline.cpp) when the service stops first.
@@ -91,8 +96,10 @@ class Pipeline {
   std::map<std::string, std::unique_ptr<StreamState>> streams_;
   std::set<std::string> unknown_;  // streams of sources no longer configured
   std::unique_ptr<SpoolReader> reader_;
-  int64_t processed_end_ = 0;  // the spool position after the last entry processed
-  int64_t replay_from_ = 0;    // as last written to the replay-from file
+  // The spool position after the last entry processed whole: a commit made
+  // while an entry is being processed never passes that entry.
+  int64_t processed_end_ = 0;
+  int64_t replay_from_ = 0;  // as last written to the replay-from file
   size_t pending_rows_ = 0;
   std::chrono::steady_clock::time_point first_pending_;
 

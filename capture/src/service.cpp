@@ -28,11 +28,12 @@ std::string Fingerprint(const SwitchSettings& sw, const SourceSettings& s) {
   for (const std::string& h : sw.framing.page_headings) f << '|' << h;
   f << "||" << static_cast<int>(s.kind) << '|' << s.device << '|' << s.baud << s.data_bits
     << static_cast<int>(s.parity) << s.stop_bits << static_cast<int>(s.flow) << '|' << s.host << '|'
-    << s.port << '|' << s.bind << '|' << s.path << '|' << s.retry_min.count() << '|'
-    << s.retry_max.count() << '|' << s.silence.count();
+    << s.port << '|' << s.bind << '|' << s.path << '|' << s.rotated << '|' << s.retry_min.count()
+    << '|' << s.retry_max.count() << '|' << s.silence.count();
   for (const LoginStep& l : s.login)
     f << '|' << l.expect << '|' << l.send << '|' << l.timeout.count();
   for (const std::string& a : s.allow) f << '|' << a;
+  for (const std::string& failure : s.login_failure) f << "|!" << failure;
   return f.str();
 }
 
@@ -104,15 +105,22 @@ class Service::Impl {
     source->Start();
   }
 
+  // The sources stop in a handler of their own, queued behind every read
+  // the loop has completed already, and each spools what the operating
+  // system holds for it before it closes: nothing the switch sent before
+  // the stop is left behind.
   void Shutdown(const std::string& why) {
-    if (stopping_) return;
-    stopping_ = true;
+    if (shutting_down_) return;
+    shutting_down_ = true;
     stop_time_ = Clock::now();
     log_.Info("stopping (" + why + ")");
-    for (auto& [name, source] : sources_) source.second->Stop("service stopping");
-    spooler_.Stop();
-    asio::error_code ignored;
-    signals_.cancel(ignored);
+    asio::post(io_, [this] {
+      for (auto& [name, source] : sources_) source.second->Stop("service stopping");
+      spooler_.Stop();
+      asio::error_code ignored;
+      signals_.cancel(ignored);
+      stopping_ = true;
+    });
   }
 
   void Reload() {
@@ -169,6 +177,7 @@ class Service::Impl {
   Spooler spooler_;
   Pipeline pipeline_;
   std::map<std::string, std::pair<std::string, std::shared_ptr<Source>>> sources_;
+  bool shutting_down_ = false;
   bool stopping_ = false;
   Clock::time_point stop_time_;
 };

@@ -239,14 +239,15 @@ SourceSettings ReadSource(const Reader& r, std::set<std::string>* names) {
       break;
     }
     case SourceKind::kTcpConnect:
-      r.OnlyKeys(
-          {"name", "kind", "host", "port", "login", "retry_min", "retry_max", "silence_warning"},
-          "a tcp-connect source");
+      r.OnlyKeys({"name", "kind", "host", "port", "login", "login_failure", "retry_min",
+                  "retry_max", "silence_warning"},
+                 "a tcp-connect source");
       s.host = r.String("host", "", true);
       if (s.host.empty()) r.Fail("host", "must not be empty");
       if (!r.Has("port")) r.Fail("port", "missing");
       s.port = static_cast<int>(r.Integer("port", 0, 1, 65535));
       ReadLogin(r, &s);
+      if (r.Has("login_failure")) s.login_failure = r.Strings("login_failure");
       break;
     case SourceKind::kTcpListen:
       r.OnlyKeys({"name", "kind", "bind", "port", "allow", "silence_warning"},
@@ -262,8 +263,9 @@ SourceSettings ReadSource(const Reader& r, std::set<std::string>* names) {
       ReadAllowList(r, &s);
       break;
     case SourceKind::kFileFollow:
-      r.OnlyKeys({"name", "kind", "path", "silence_warning"}, "a file-follow source");
+      r.OnlyKeys({"name", "kind", "path", "rotated", "silence_warning"}, "a file-follow source");
       s.path = r.Path("path", true);
+      s.rotated = r.Path("rotated", false);
       break;
   }
   return s;

@@ -6,8 +6,12 @@
 // over once the file has been quiet for the switch's idle time. Where it is
 // in the file (inode and offset) is kept in a small state file beside the
 // spool, so that after a restart it goes on where it was rather than reading
-// the file again.
+// the file again. A file rotated or truncated while the service was stopped
+// is found again where rotation puts it and its unread tail read first; when
+// it cannot be found the gap is logged and recorded, never passed over.
 #include <fcntl.h>
+#include <fnmatch.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,8 +19,10 @@
 #include <asio/steady_timer.hpp>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include "sources.h"
@@ -27,6 +33,51 @@ namespace {
 
 constexpr Millis kPoll{100};
 constexpr size_t kReadSize = 1 << 16;
+
+// The last bytes before `offset` of the file open on `fd` (at most 32), in
+// hexadecimal.
+std::string Tail(int fd, int64_t offset) {
+  char bytes[32];
+  const int64_t from = std::max<int64_t>(0, offset - static_cast<int64_t>(sizeof bytes));
+  const ssize_t n = ::pread(fd, bytes, static_cast<size_t>(offset - from), from);
+  std::string hex = "-";  // never empty, so that the state file reads back
+  for (ssize_t i = 0; i < n; ++i) {
+    static const char kDigits[] = "0123456789abcdef";
+    hex += kDigits[static_cast<unsigned char>(bytes[i]) >> 4];
+    hex += kDigits[static_cast<unsigned char>(bytes[i]) & 15];
+  }
+  return hex;
+}
+
+// Where a rotated copy of `path` may be: the files beside it whose names
+// start with its own (smdr.log.1, smdr.log-20260101), then those matching
+// `pattern` ("" for none).
+std::vector<std::string> RotatedCandidates(const std::string& path, const std::string& pattern) {
+  namespace fs = std::filesystem;
+  std::vector<std::string> found;
+  auto scan = [&](const fs::path& dir, const std::function<bool(const std::string&)>& keep) {
+    std::error_code ec;
+    std::vector<std::string> names;
+    for (const auto& e : fs::directory_iterator(dir, ec)) {
+      const std::string name = e.path().filename().string();
+      if (e.path() != fs::path(path) && keep(name)) names.push_back(e.path().string());
+    }
+    std::sort(names.begin(), names.end());
+    found.insert(found.end(), names.begin(), names.end());
+  };
+  const fs::path file(path);
+  const std::string base = file.filename().string();
+  scan(file.parent_path(), [&](const std::string& name) {
+    return name.size() > base.size() && name.compare(0, base.size(), base) == 0;
+  });
+  if (!pattern.empty()) {
+    const fs::path p(pattern);
+    const std::string leaf = p.filename().string();
+    scan(p.parent_path(),
+         [&](const std::string& name) { return ::fnmatch(leaf.c_str(), name.c_str(), 0) == 0; });
+  }
+  return found;
+}
 
 class FileSource : public Source, public std::enable_shared_from_this<FileSource> {
  public:
@@ -83,9 +134,17 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
     }
     waiting_ = false;
     inode_ = static_cast<unsigned long long>(st.st_ino);
-    // Go on where the last run stopped when it is the same file, not shorter.
-    offset_ = SameFile(st) ? saved_offset_ : 0;
+    // Go on where the last run stopped when it is the same file, not shorter;
+    // else the last run's file was rotated or truncated meanwhile.
+    const bool same = SameFile(st);
+    const bool changed = saved_inode_ != 0 && !same;
+    if (changed) CatchUp();
+    offset_ = same ? saved_offset_ : 0;
     saved_inode_ = 0;
+    // Known from now on: a restart after a rotation finds this file again
+    // even if nothing of it was handed over yet; and an old file read to its
+    // end is not read again.
+    SaveState();
     pending_.clear();
     events_.Connected(s_.name, s_.path);
   }
@@ -121,24 +180,90 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
   // inode, not shorter, and still holding the bytes last handed over where
   // they were (a file truncated and written again past the old offset is
   // not the same file).
-  bool SameFile(const struct stat& st) {
-    if (inode_ != saved_inode_ || saved_offset_ > st.st_size) return false;
-    const std::string tail = Tail(saved_offset_);
-    return tail == saved_tail_;
+  bool SameFile(const struct stat& st) const {
+    return inode_ == saved_inode_ && saved_offset_ <= st.st_size &&
+           Tail(fd_, saved_offset_) == saved_tail_;
   }
 
-  // The last bytes before `offset` of the file open (at most 32), in hexadecimal.
-  std::string Tail(int64_t offset) {
-    char bytes[32];
-    const int64_t from = std::max<int64_t>(0, offset - static_cast<int64_t>(sizeof bytes));
-    const ssize_t n = ::pread(fd_, bytes, static_cast<size_t>(offset - from), from);
-    std::string hex = "-";  // never empty, so that the state file reads back
-    for (ssize_t i = 0; i < n; ++i) {
-      static const char kDigits[] = "0123456789abcdef";
-      hex += kDigits[static_cast<unsigned char>(bytes[i]) >> 4];
-      hex += kDigits[static_cast<unsigned char>(bytes[i]) & 15];
+  // The file the last run was reading is no longer at the path: it was
+  // renamed away or truncated after a copy was made, found by the bytes
+  // before where the last run stopped (the renamed file itself preferred). Its unread
+  // tail is handed over first, as a connection of its own; then every other
+  // rotated file written to since the last run saved where it was (the file
+  // was rotated more than once meanwhile), oldest first, whole. When the
+  // last run's file cannot be found, the gap is reported.
+  void CatchUp() {
+    const bool truncated = inode_ == saved_inode_;
+    struct stat state {};
+    const int64_t saved_at = ::stat(state_.c_str(), &state) == 0 ? Nanos(state.st_mtim) : INT64_MAX;
+    std::string old;
+    int64_t old_size = 0;
+    std::vector<std::pair<int64_t, std::string>> later;  // (modified, path)
+    for (const std::string& candidate : RotatedCandidates(s_.path, s_.rotated)) {
+      const int fd = ::open(candidate.c_str(), O_RDONLY | O_CLOEXEC);
+      struct stat st {};
+      if (fd < 0) continue;
+      const bool regular = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) &&
+                           static_cast<unsigned long long>(st.st_ino) != inode_;
+      const bool same_inode = static_cast<unsigned long long>(st.st_ino) == saved_inode_;
+      if (regular && saved_offset_ <= st.st_size && Tail(fd, saved_offset_) == saved_tail_) {
+        // The last run's bytes: the file itself, or a copy of it (the
+        // renamed file is preferred; the other holds the same bytes).
+        if (old.empty() || same_inode) {
+          old = candidate;
+          old_size = st.st_size;
+        }
+      } else if (regular && Nanos(st.st_mtim) > saved_at && !Compressed(candidate)) {
+        later.emplace_back(Nanos(st.st_mtim), candidate);
+      }
+      ::close(fd);
     }
-    return hex;
+    if (old.empty()) {
+      events_.Gap(s_.name, std::string(truncated ? "truncated" : "rotated away") +
+                               " while the service was stopped, and the old file (" +
+                               std::to_string(saved_offset_) +
+                               " bytes read) was not found: what was written to it after that "
+                               "could not be read (bytes unknown)");
+    } else {
+      ReadRotated(old, saved_offset_, old_size);
+    }
+    std::sort(later.begin(), later.end());
+    for (const auto& [modified, path] : later) ReadRotated(path, 0, -1);
+  }
+
+  static int64_t Nanos(const timespec& t) {
+    return static_cast<int64_t>(t.tv_sec) * 1000000000 + t.tv_nsec;
+  }
+
+  // Rotation that compresses leaves files whose bytes are not records.
+  static bool Compressed(const std::string& path) {
+    for (const char* suffix : {".gz", ".bz2", ".xz", ".zst", ".Z", ".zip"}) {
+      const size_t n = std::strlen(suffix);
+      if (path.size() > n && path.compare(path.size() - n, n, suffix) == 0) return true;
+    }
+    return false;
+  }
+
+  // Hands over a rotated file from `from` to `size` (-1: its end), as a
+  // connection of its own.
+  void ReadRotated(const std::string& old, int64_t from, int64_t size) {
+    const int fd = ::open(old.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) return;
+    struct stat st {};
+    if (size < 0) size = ::fstat(fd, &st) == 0 ? static_cast<int64_t>(st.st_size) : 0;
+    events_.Log("source " + s_.name + ": " + s_.path +
+                " changed while the service was stopped: reading " +
+                (from > 0 ? "the rest of " : "") + old + " (" + std::to_string(size - from) +
+                " bytes) first");
+    events_.Connected(s_.name, old);
+    for (int64_t at = from; at < size;) {
+      const ssize_t n = ::pread(fd, buffer_.data(), buffer_.size(), at);
+      if (n <= 0) break;
+      events_.Received(s_.name, std::string_view(buffer_.data(), static_cast<size_t>(n)));
+      at += n;
+    }
+    ::close(fd);
+    events_.Disconnected(s_.name, "rotated while the service was stopped: read to its end");
   }
 
   int64_t Pending() const { return static_cast<int64_t>(pending_.size()); }
@@ -155,7 +280,7 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
 
   void SaveState() {
     std::ostringstream text;
-    text << inode_ << ' ' << offset_ << ' ' << Tail(offset_) << '\n';
+    text << inode_ << ' ' << offset_ << ' ' << Tail(fd_, offset_) << '\n';
     velqua_records::ReplaceFileText(state_, text.str());  // else the next hand-over tries again
   }
 
@@ -192,6 +317,17 @@ std::shared_ptr<Source> MakeFileSource(asio::io_context& io, const SourceSetting
                                        const SwitchSettings& sw, const std::string& state_dir,
                                        SourceEvents& events) {
   return std::make_shared<FileSource>(io, s, sw, state_dir, events);
+}
+
+void DrainHeld(int fd, std::string& buffer, const std::function<void(std::string_view)>& got) {
+  if (fd < 0) return;
+  for (;;) {
+    pollfd ready{fd, POLLIN, 0};
+    if (::poll(&ready, 1, 0) != 1 || (ready.revents & POLLIN) == 0) return;
+    const ssize_t n = ::read(fd, buffer.data(), buffer.size());
+    if (n <= 0) return;
+    got(std::string_view(buffer.data(), static_cast<size_t>(n)));
+  }
 }
 
 std::shared_ptr<Source> MakeSource(asio::io_context& io, const SourceSettings& settings,

@@ -31,6 +31,10 @@ class SerialSource : public Source, public std::enable_shared_from_this<SerialSo
   void Stop(const std::string& reason) override {
     stopped_ = true;
     timer_.cancel();
+    if (open_) {
+      DrainHeld(port_.native_handle(), buffer_,
+                [this](std::string_view bytes) { events_.Received(s_.name, bytes); });
+    }
     Close(reason);
   }
 

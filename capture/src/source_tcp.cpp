@@ -21,6 +21,9 @@ using asio::ip::tcp;
 
 constexpr size_t kReadSize = 1 << 16;
 constexpr Millis kTakeOver{5000};
+// How long the switch's answer to the login's last step is waited for
+// before its silence counts as a welcome.
+constexpr Millis kSettle{2000};
 constexpr const char* kReplaced = "replaced by a new connection from the same address";
 
 std::string Reason(const asio::error_code& ec) {
@@ -53,6 +56,10 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
     resolver_.cancel();
     timer_.cancel();
     login_timer_.cancel();
+    if (online_) {
+      DrainHeld(socket_.native_handle(), buffer_,
+                [this](std::string_view bytes) { events_.Received(s_.name, bytes); });
+    }
     Close(reason);
   }
 
@@ -81,7 +88,8 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
     if (!s_.login.empty()) {
       events_.Log("source " + s_.name + ": reached " + PeerName(socket_) + ", logging in");
     }
-    login_ = std::make_unique<LoginScript>(s_.login);
+    login_ = std::make_unique<LoginScript>(s_.login, s_.login_failure);
+    settle_ = false;
     Answer(login_->Start());
   }
 
@@ -89,22 +97,39 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
   void Answer(const LoginScript::Progress& p) {
     asio::error_code ec;
     if (!p.send.empty()) asio::write(socket_, asio::buffer(p.send), ec);
-    if (ec) return Lost("login failed: " + ec.message());
+    if (ec) return LoginFailed(ec.message());
+    if (!p.failed.empty()) return LoginFailed("the switch answered \"" + p.failed + "\"");
     if (p.done) return Online(p.rest);
     auto self = shared_from_this();
-    login_timer_.expires_after(login_->current().timeout);
+    login_timer_.expires_after(login_->confirming() ? kSettle : login_->current().timeout);
     login_timer_.async_wait([this, self](const asio::error_code& e) {
       if (e || stopped_ || login_ == nullptr || login_->done()) return;
-      Lost("login failed: \"" + login_->current().expect + "\" not received within " +
-           std::to_string(login_->current().timeout.count()) + " ms");
+      if (login_->confirming()) {
+        settle_ = true;  // the read below ends, and the login with it
+        asio::error_code ignored;
+        socket_.cancel(ignored);
+        return;
+      }
+      LoginFailed("\"" + login_->current().expect + "\" not received within " +
+                  std::to_string(login_->current().timeout.count()) + " ms");
     });
     socket_.async_read_some(asio::buffer(buffer_),
                             [this, self](const asio::error_code& e, size_t n) {
                               if (stopped_ || login_ == nullptr) return;
-                              if (e) return Lost("login failed: " + Reason(e));
+                              if (e && settle_) {
+                                settle_ = false;
+                                return Answer(login_->Settle());
+                              }
+                              if (e) return LoginFailed(Reason(e));
+                              settle_ = false;  // bytes came before the wait ended the read
                               login_timer_.cancel();
                               Answer(login_->Feed(std::string_view(buffer_.data(), n)));
                             });
+  }
+
+  void LoginFailed(const std::string& why) {
+    events_.LoginFailed(s_.name, why);
+    Lost("login failed: " + why);
   }
 
   void Online(const std::string& first) {
@@ -165,6 +190,7 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
   std::string buffer_;
   bool online_ = false;
   bool stopped_ = false;
+  bool settle_ = false;
 };
 
 // One peer of a listening source.
@@ -193,6 +219,13 @@ class PeerConnection : public std::enable_shared_from_this<PeerConnection> {
     takeover_.async_wait([this, self, reason](const asio::error_code& ec) {
       if (!ec) End(reason);
     });
+  }
+
+  // Spools what the operating system holds for the connection already.
+  void Drain() {
+    if (ended_) return;
+    DrainHeld(socket_.native_handle(), buffer_,
+              [this](std::string_view bytes) { events_.Received(stream_, bytes); });
   }
 
   void End(const std::string& reason) {
@@ -247,7 +280,10 @@ class TcpListenSource : public Source, public std::enable_shared_from_this<TcpLi
     timer_.cancel();
     waiting_.clear();
     auto peers = std::move(peers_);
-    for (auto& [stream, peer] : peers) peer->End(reason);
+    for (auto& [stream, peer] : peers) {
+      peer->Drain();
+      peer->End(reason);
+    }
   }
 
  private:

@@ -4,6 +4,7 @@
 #include <asio/buffer.hpp>
 #include <asio/error_code.hpp>
 #include <asio/steady_timer.hpp>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -35,6 +36,11 @@ void ReadUnlessHeld(std::shared_ptr<void> self, SourceEvents& events, asio::stea
                            if (!ended()) got(ec, n);
                          });
 }
+
+// Hands over, chunk by chunk, what the operating system already holds for
+// `fd` (without waiting for more): a stopping source spools it before it
+// closes, so that a stop loses nothing the switch has sent.
+void DrainHeld(int fd, std::string& buffer, const std::function<void(std::string_view)>& got);
 
 std::shared_ptr<Source> MakeTcpConnectSource(asio::io_context& io, const SourceSettings& s,
                                              SourceEvents& events);

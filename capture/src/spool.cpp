@@ -1,6 +1,7 @@
 #include "velqua/capture/spool.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -101,7 +102,7 @@ Parse ReadAt(int fd, int64_t first, int64_t offset, int64_t size, std::string* b
   if (fmt::Checksum(prefix, *body) != fmt::DecodeFixed32(prefix + 4)) return Parse::kBad;
   const auto kind = static_cast<uint8_t>((*body)[0]);
   const auto source_size = static_cast<uint8_t>((*body)[1]);
-  if (kind < 1 || kind > 5 || source_size == 0 || 2u + source_size + 8u > length) {
+  if (kind < 1 || kind > 7 || source_size == 0 || 2u + source_size + 8u > length) {
     return Parse::kBad;
   }
   entry->position = first + offset;
@@ -120,6 +121,21 @@ bool HeaderIsGood(int fd, int64_t first) {
   return ReadFully(fd, header, sizeof header, 0) &&
          std::memcmp(header, fmt::kMagic, sizeof fmt::kMagic) == 0 &&
          static_cast<int64_t>(fmt::DecodeFixed64(header + 8)) == first;
+}
+
+// The source named by a record torn at `offset`, when enough of it remains.
+std::string TornSource(int fd, int64_t offset, int64_t size) {
+  char head[fmt::kRecordPrefixSize + 2 + 255];
+  const int64_t n = std::min<int64_t>(size - offset, static_cast<int64_t>(sizeof head));
+  if (n < static_cast<int64_t>(fmt::kRecordPrefixSize + 2) ||
+      !ReadFully(fd, head, static_cast<size_t>(n), offset)) {
+    return "";
+  }
+  const auto source_size = static_cast<unsigned char>(head[fmt::kRecordPrefixSize + 1]);
+  if (source_size == 0 || fmt::kRecordPrefixSize + 2 + source_size > static_cast<size_t>(n)) {
+    return "";
+  }
+  return std::string(head + fmt::kRecordPrefixSize + 2, source_size);
 }
 
 void SyncFolder(const std::string& dir) {
@@ -150,6 +166,7 @@ SpoolWriter::SpoolWriter(std::string dir, FsyncPolicy policy, Log log)
   if (!std::filesystem::is_directory(dir_)) {
     throw std::runtime_error("cannot make the spool folder '" + dir_ + "': " + ec.message());
   }
+  Lock();
   const auto segments = ListSegments(dir_);
   if (!segments.empty()) CutTornTail(segments.back().second, segments.back().first);
 }
@@ -158,6 +175,30 @@ SpoolWriter::~SpoolWriter() {
   if (fd_ >= 0) {
     if (policy_ != FsyncPolicy::kNever) ::fdatasync(fd_);
     ::close(fd_);
+  }
+  if (lock_fd_ >= 0) ::close(lock_fd_);  // the lock goes with it
+}
+
+void SpoolWriter::Lock() {
+  const std::string path = dir_ + "/lock";
+  lock_fd_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0640);
+  if (lock_fd_ < 0) throw std::runtime_error("cannot open '" + path + "': " + Errno());
+  if (::flock(lock_fd_, LOCK_EX | LOCK_NB) != 0) {
+    const int why = errno;
+    char pid[32] = {};
+    const ssize_t n = ::pread(lock_fd_, pid, sizeof pid - 1, 0);
+    ::close(lock_fd_);
+    lock_fd_ = -1;
+    std::string holder(pid, static_cast<size_t>(std::max<ssize_t>(0, n)));
+    while (!holder.empty() && (holder.back() == '\n' || holder.back() == ' ')) holder.pop_back();
+    if (why != EWOULDBLOCK) {
+      throw std::runtime_error("cannot lock '" + path + "': " + std::strerror(why));
+    }
+    throw SpoolInUse("spool " + dir_ + " in use by pid " + (holder.empty() ? "?" : holder));
+  }
+  const std::string pid = std::to_string(::getpid()) + "\n";
+  if (::ftruncate(lock_fd_, 0) != 0 || ::pwrite(lock_fd_, pid.data(), pid.size(), 0) < 0) {
+    // The lock holds all the same; only the message of a second writer lacks the pid.
   }
 }
 
@@ -174,8 +215,10 @@ void SpoolWriter::CutTornTail(const std::string& path, int64_t first) {
     while (ReadAt(fd, first, good, size, &buffer_, &entry, &total) == Parse::kOk) good += total;
   }
   if (good < size) {
-    log_("spool: torn tail cut: " + std::to_string(size - good) + " bytes at the end of " + path +
-         " (from position " + std::to_string(first + good) + ")");
+    torn_tail_ = "torn tail cut: " + std::to_string(size - good) + " bytes at the end of " + path +
+                 " (from position " + std::to_string(first + good) + ")";
+    if (good > 0) torn_stream_ = TornSource(fd, good, size);
+    log_("spool: " + torn_tail_);
     if (good == 0) {
       ::unlink(path.c_str());
     } else if (::ftruncate(fd, good) != 0 || ::fsync(fd) != 0) {

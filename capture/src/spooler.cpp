@@ -36,6 +36,10 @@ void Spooler::Start() {
     for (const SourceSettings& s : sw.sources) last_data_[s.name] = now;
   }
   Append(SpoolKind::kStart, "service", "");
+  // The record cut was the stream's: the store records it there.
+  if (!writer_->torn_stream().empty()) {
+    Append(SpoolKind::kTornTail, writer_->torn_stream(), writer_->torn_tail());
+  }
   Tick();
 }
 
@@ -85,6 +89,7 @@ void Spooler::Connected(const std::string& stream, const std::string& peer) {
     s.source = std::string(SourceOfStream(stream));
     s.switch_name = sw != nullptr ? sw->name : "";
     s.connected = true;
+    s.login_failed = false;
     s.since_us = NowMicros();
     ++s.connections;
   });
@@ -115,6 +120,19 @@ void Spooler::Disconnected(const std::string& stream, const std::string& reason)
     s.last_event = reason;
   });
   Append(SpoolKind::kDisconnect, stream, reason);
+}
+
+void Spooler::LoginFailed(const std::string& stream, const std::string& why) {
+  board_.Update(stream, [&](StreamStatus& s) {
+    s.source = std::string(SourceOfStream(stream));
+    s.login_failed = true;
+    s.last_event = "login failed: " + why;
+  });
+}
+
+void Spooler::Gap(const std::string& stream, const std::string& what) {
+  log_.Warn("source " + stream + ": " + what);
+  Append(SpoolKind::kGap, stream, what);
 }
 
 void Spooler::Append(SpoolKind kind, const std::string& stream, std::string_view bytes) {

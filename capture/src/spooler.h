@@ -45,6 +45,8 @@ class Spooler : public SourceEvents {
   void Disconnected(const std::string& stream, const std::string& reason) override;
   bool Held() const override { return !held_.empty(); }
   void Log(const std::string& line) override { log_.Info(line); }
+  void Gap(const std::string& stream, const std::string& what) override;
+  void LoginFailed(const std::string& stream, const std::string& why) override;
 
  private:
   using Clock = std::chrono::steady_clock;

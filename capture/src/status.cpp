@@ -60,6 +60,7 @@ void WriteStatusFile(const std::string& path, int pid, int64_t started_us, int64
                             {"source", s.source},
                             {"switch", s.switch_name},
                             {"connected", s.connected},
+                            {"login_failed", s.login_failed},
                             {"since_us", s.since_us},
                             {"bytes", s.bytes},
                             {"connections", s.connections},
@@ -90,6 +91,7 @@ bool ReadStatusFile(const std::string& path, int* pid, int64_t* started_us, int6
       s.source = e.at("source").get<std::string>();
       s.switch_name = e.at("switch").get<std::string>();
       s.connected = e.at("connected").get<bool>();
+      s.login_failed = e.value("login_failed", false);
       s.since_us = e.at("since_us").get<int64_t>();
       s.bytes = e.at("bytes").get<int64_t>();
       s.connections = e.at("connections").get<int64_t>();
@@ -129,6 +131,11 @@ ServiceState ReadServiceState(const ServiceSettings& settings) {
     }
   }
   return state;
+}
+
+const char* ConnectionState(const StreamStatus& s) {
+  if (s.connected) return "connected";
+  return s.login_failed ? "login failed" : "disconnected";
 }
 
 }  // namespace velqua_capture

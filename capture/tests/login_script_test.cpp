@@ -62,5 +62,59 @@ TEST(LoginScript, StepsInOrderLeadingSendsAndNoScript) {
   }
 }
 
+// With failure texts, the switch's answer to the last step decides: a
+// refusal fails the login, whole or in pieces; the first line that is not
+// one is a record; silence is settled by the caller.
+TEST(LoginScript, ARefusalIsNeverTakenForARecord) {
+  const std::vector<std::string> kFailures = {"Login incorrect", "Invalid"};
+  const struct {
+    const char* name;
+    std::vector<std::string> pieces;
+    const char* failed;  // "" = not failed
+    bool done;
+    const char* rest;
+  } rows[] = {
+      {"refused after the password",
+       {"login: ", "Password: ", "\r\nLogin incorrect\r\n"},
+       "Login incorrect",
+       false,
+       ""},
+      {"refusal in pieces",
+       {"login: Password: \r\nLogin inc", "orrect"},
+       "Login incorrect",
+       false,
+       ""},
+      {"refused before the password", {"login: ", "Invalid user\r\n"}, "Invalid", false, ""},
+      {"a record after the password",
+       {"login: Password: ", "\r\n", "01/19/26 08:02AM 201\r\n"},
+       "",
+       true,
+       " \r\n01/19/26 08:02AM 201\r\n"},
+      {"a record not whole yet", {"login: Password: ", "01/19/26 08:02"}, "", false, ""},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    LoginScript script(kPanasonic, kFailures);
+    script.Start();
+    LoginScript::Progress last;
+    std::string rest;
+    for (const std::string& piece : row.pieces) {
+      last = script.Feed(piece);
+      rest += last.rest;
+      if (!last.failed.empty()) break;
+    }
+    EXPECT_EQ(last.failed, row.failed);
+    EXPECT_EQ(script.done(), row.done);
+    EXPECT_EQ(rest, row.rest);
+  }
+  // Silence after the last step: settled, with what came meanwhile.
+  LoginScript quiet(kPanasonic, kFailures);
+  quiet.Feed("login: Password: 01/19");
+  EXPECT_TRUE(quiet.confirming());
+  const LoginScript::Progress settled = quiet.Settle();
+  EXPECT_TRUE(settled.done);
+  EXPECT_EQ(settled.rest, " 01/19");
+}
+
 }  // namespace
 }  // namespace velqua_capture

@@ -61,4 +61,12 @@ std::string ResolveConfig(const std::string& name_or_path) {
                 "': no such file, nor a bundled switch (velqua switches lists them)");
 }
 
+std::string BundledExtensionList(const std::string& name_or_path) {
+  const std::string config = ResolveConfig(name_or_path);
+  if (config == name_or_path) return "";  // a file, not a bundled name
+  const std::string list =
+      std::filesystem::path(config).parent_path().append("extensions.txt").string();
+  return IsFile(list) ? list : "";
+}
+
 }  // namespace velqua_records

@@ -68,7 +68,9 @@ Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sin
       traductor_(clock_),
       sink_(sink),
       utf8_(settings.utf8),
-      form_(settings.form) {
+      blank_random_(settings.blank_random_extensions),
+      form_(settings.form),
+      check_(*cfg_) {
   plain_ = form_.Plain() && cfg_->Caso() != velqua::emCasoNortelNorstar0x32SMDR6;
   traductor_.Conmutador(cfg_);
   traductor_.ArchivoLlamadasError(U16(settings.errors_log));
@@ -103,6 +105,13 @@ void Translation::Record(const std::u16string& record, int64_t offset) {
   try {
     traductor_.LlamadaActual(*text);
     row = ReadRow(number);
+    if (std::string reason = check_.Check(row, *text); !reason.empty()) {
+      row = Row();
+      row.number = number;
+      row.error = std::move(reason);
+      ++counts_.damaged;
+      if (on_failure) on_failure(input_, number, row.error);
+    }
   } catch (const velqua::Error& e) {
     row = Row();
     row.number = number;
@@ -136,6 +145,7 @@ Row Translation::ReadRow(int64_t number) {
   row.printed = clock_->PrintedParts(traductor_, {row.day, row.month, row.year, row.time});
   if ((row.printed & kPrintedYear) == 0) row.year = YearReceived(row.month, row.day, received_);
   row.random_extension = ExtensionIsRandom(traductor_, *cfg_, row.extension);
+  if (row.random_extension && blank_random_) row.extension.clear();
   return row;
 }
 

@@ -32,7 +32,9 @@ class TableWriter : public CallWriter {
         c.duration ? std::to_string(*c.duration) : "",
         c.ring ? std::to_string(*c.ring) : ""};
     for (size_t i = 0; i < 6; ++i) cells.push_back(Texts(c, i)->value_or(""));
-    if (c.extension_random) cells.push_back("random extension");
+    if (c.extension_random) {
+      cells.push_back(c.extension ? "random extension" : "account code not in the extension list");
+    }
     table_.Add(std::move(cells), &out_.text());
     out_.MaybeFlush();
   }

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -34,6 +35,26 @@ std::string Fingerprint(std::FILE* f, int64_t n) {
   const size_t got = std::fread(&bytes[0], 1, bytes.size(), f);
   bytes.resize(got);
   return std::to_string(got) + ":" + Fnv1aHex(bytes);
+}
+
+// Standard input copied into an unnamed temporary file: an import reads a
+// file's first bytes (its fingerprint) and then seeks, which a pipe cannot.
+std::FILE* CopyOfStandardInput() {
+  std::FILE* copy = std::tmpfile();
+  if (copy == nullptr) throw Failure("cannot make a temporary copy of standard input");
+  char block[65536];
+  for (size_t n; (n = std::fread(block, 1, sizeof block, stdin)) > 0;) {
+    if (std::fwrite(block, 1, n, copy) != n) {
+      std::fclose(copy);
+      throw Failure("cannot make a temporary copy of standard input (disk full?)");
+    }
+  }
+  const bool failed = std::ferror(stdin) != 0 || std::fflush(copy) != 0;
+  if (failed) {
+    std::fclose(copy);
+    throw Failure("cannot read standard input");
+  }
+  return copy;
 }
 
 int64_t FileSize(std::FILE* f) {
@@ -79,8 +100,20 @@ Importer::Importer(Store& store, const ImportSettings& settings,
   velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(settings_.config);
   cfg_ = std::move(loaded.cfg);
   form_ = std::move(loaded.form);
-  store_.PutSwitch({settings_.switch_name, std::filesystem::absolute(settings_.config).string(),
-                    ConfigHash(settings_.config), settings_.time_zone});
+  const std::string config_path = std::filesystem::absolute(settings_.config).string();
+  const std::string config_hash = ConfigHash(settings_.config);
+  // The same configuration file, edited since the switch's records were
+  // last translated with it: those records still read as it said then.
+  if (const std::optional<SwitchInfo> before = store_.FindSwitch(settings_.switch_name);
+      before && before->config_path == config_path && !before->config_hash.empty() &&
+      before->config_hash != config_hash) {
+    config_note_ = "the configuration '" + settings_.config + "' of switch '" +
+                   settings_.switch_name +
+                   "' changed since its records were last translated with it: the records "
+                   "stored before still read as it said then (velqua retranslate --dry-run "
+                   "tells what the change would make of them)";
+  }
+  store_.PutSwitch({settings_.switch_name, config_path, config_hash, settings_.time_zone});
   std::vector<Store*> writers = {&store_};
   writers.insert(writers.end(), more_writers.begin(), more_writers.end());
   batcher_ = std::make_unique<BatchWriter>(writers, settings_.batch);
@@ -93,10 +126,17 @@ ImportResult Importer::Import(const std::vector<std::string>& files,
   progress_ = progress;
   int64_t bytes = 0;
   for (const std::string& file : files) {
+    if (file == "-") {
+      if (settings_.source.empty() || files.size() != 1) {
+        throw Failure("standard input ('-') is imported alone and named: --source NAME");
+      }
+      continue;
+    }
     velqua_records::RequireReadableFile(file, "input");
     bytes += static_cast<int64_t>(std::filesystem::file_size(file));
   }
   ImportResult result;
+  if (!config_note_.empty()) result.notes.push_back(std::exchange(config_note_, ""));
   store_.BeginBulk(bytes / kBytesPerRecord);
   try {
     for (const std::string& file : files) ImportFile(file, result);
@@ -108,33 +148,73 @@ ImportResult Importer::Import(const std::vector<std::string>& files,
   return result;
 }
 
+// The source a file continues: the one whose stored fingerprint its first
+// bytes match, whatever the file was called then (a copy, a rotated
+// `smdr.log.1`), the one of the same name preferred; else a new source under
+// `name`. A source of another file holding `name` is renamed out of the way
+// ("NAME (replaced <UTC>)"): a rotated log's new file takes the old name.
+Source Importer::SourceFor(std::FILE* f, int64_t size, const std::string& path,
+                           const std::string& name, ImportResult& result) {
+  std::map<int64_t, std::string> prints;  // the file's fingerprints by length
+  const auto print_of = [&](int64_t n) -> const std::string& {
+    auto found = prints.find(n);
+    if (found == prints.end()) found = prints.emplace(n, Fingerprint(f, n)).first;
+    return found->second;
+  };
+  const std::vector<Source> sources = store_.FileSources(settings_.switch_name);
+  const Source* match = nullptr;
+  const Source* holder = nullptr;  // the source named `name`, if any
+  for (const Source& s : sources) {
+    if (s.name == name) holder = &s;
+    // The stored fingerprint covers the first n bytes the file had then
+    // (fewer than kFingerprintBytes when it was shorter): the same bytes
+    // are compared. An empty file is known by nothing.
+    const int64_t n = std::stoll(s.fingerprint);
+    if (n <= 0 || n > size || print_of(n) != s.fingerprint) continue;
+    if (match == nullptr || s.name == name) match = &s;
+  }
+  if (match != nullptr) {
+    if (match->name != name) {
+      result.notes.push_back("'" + path + "' continues the source '" + match->name +
+                             "' (the same first bytes)");
+    }
+    return *match;
+  }
+  if (holder != nullptr) {
+    const std::string aside = name + " (replaced " + UtcNow() + ")";
+    store_.RenameSource(*holder, aside);
+    result.notes.push_back("'" + path + "' is another file than the one imported as '" + name +
+                           "' before (its first bytes differ): that source is now '" + aside + "'");
+  }
+  return store_.OpenSource(settings_.switch_name, name, "file");
+}
+
 void Importer::ImportFile(const std::string& path, ImportResult& result) {
+  const bool stdin_copy = path == "-";
   const std::string name =
       settings_.source.empty() ? std::filesystem::canonical(path).string() : settings_.source;
-  std::unique_ptr<std::FILE, FileCloser> f(velqua_records::OpenFile(path, "rb", "input"));
+  std::unique_ptr<std::FILE, FileCloser> f(
+      stdin_copy ? CopyOfStandardInput() : velqua_records::OpenFile(path, "rb", "input"));
+  const std::string shown = stdin_copy ? "standard input" : path;
   const int64_t size = FileSize(f.get());
-  Source source = store_.OpenSource(settings_.switch_name, name, "file");
+  Source source = SourceFor(f.get(), size, shown, name, result);
   const int64_t head = std::min(size, kFingerprintBytes);
   const std::string fingerprint = Fingerprint(f.get(), head);
-  if (!source.fingerprint.empty()) {
-    // The stored one covers the first n bytes the file had then (fewer than
-    // kFingerprintBytes when it was shorter): the same bytes are compared.
-    const int64_t n = std::stoll(source.fingerprint);
-    if ((n == head ? fingerprint : Fingerprint(f.get(), n)) != source.fingerprint) {
-      throw Failure("input '" + path + "' is not the file imported under that name before (its " +
-                    "first bytes differ): rename it to import it as a new file");
-    }
-  }
   const int64_t from = source.checkpoint.value_or(0);
   if (from > size) {
-    throw Failure("input '" + path + "' is shorter (" + std::to_string(size) +
+    throw Failure("input '" + shown + "' is shorter (" + std::to_string(size) +
                   " bytes) than the part already imported (" + std::to_string(from) + " bytes)");
+  }
+  if (from == size && size > 0) {
+    result.notes.push_back("'" + shown + "' skipped: its records are stored already (source '" +
+                           source.name + "')");
   }
   if (fingerprint != source.fingerprint) store_.SetFingerprint(source, fingerprint);
   std::fseek(f.get(), static_cast<long>(from), SEEK_SET);
 
-  velqua_records::Translation translation(cfg_, *batcher_,
-                                          {"", settings_.extensions, settings_.utf8, form_});
+  velqua_records::Translation translation(
+      cfg_, *batcher_,
+      {"", settings_.extensions, settings_.utf8, form_, !settings_.random_extensions});
   // A page heading is kept where every record is kept, as unrecognised with
   // that reason: nothing the switch sent is thrown away.
   translation.on_heading = [this](const std::string&, std::u16string_view line, int64_t at) {
@@ -156,11 +236,13 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
                     result.read = read_before + read;
                     if (progress_) progress_({path, offset, size, result.read});
                   });
-  translation.Input(path, received, from);
+  translation.Input(shown, received, from);
   translation.Stream(f.get());
   translation.Finish();
   batcher_->Commit(translation.end_offset());
   result.failed += translation.counts().failed;
+  result.damaged += translation.counts().damaged;
+  result.unlisted += translation.counts().random_extensions;
   result.headings += translation.counts().headings;
   ++result.files;
   store_.AddEvent(source, {"import", "", translation.counts().read,

@@ -26,20 +26,24 @@ void Add(RewriteResult& total, const RewriteResult& part) {
   total.updated += part.updated;
   total.recognised += part.recognised;
   total.unrecognised += part.unrecognised;
+  for (const auto& [column, n] : part.changed) total.changed[column] += n;
 }
 
 }  // namespace
 
 RewriteResult Retranslate(Store& store, const std::string& switch_name, const std::string& config,
-                          const std::string& extensions) {
+                          const std::string& extensions, bool random_extensions, bool dry_run) {
   const std::optional<SwitchInfo> sw = store.FindSwitch(switch_name);
   if (!sw) throw StoreError("database '" + store.name() + "' has no switch '" + switch_name + "'");
   if (!extensions.empty()) velqua_records::RequireReadableFile(extensions, "extension list");
   velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(config);
-  store.PutSwitch(
-      {switch_name, std::filesystem::absolute(config).string(), ConfigHash(config), ""});
+  if (!dry_run) {
+    store.PutSwitch(
+        {switch_name, std::filesystem::absolute(config).string(), ConfigHash(config), ""});
+  }
   LastRow sink;
-  velqua_records::Translation translation(loaded.cfg, sink, {"", extensions, false, loaded.form});
+  velqua_records::Translation translation(loaded.cfg, sink,
+                                          {"", extensions, false, loaded.form, !random_extensions});
   RewriteResult total;
   // Records that move during the run land above these ids and are not read again.
   const int64_t last_ids[] = {store.LastStoredId(switch_name, true),
@@ -62,7 +66,7 @@ RewriteResult Retranslate(Store& store, const std::string& switch_name, const st
         batch.push_back({std::move(record), sink.row});
       }
       if (batch.empty()) break;
-      Add(total, store.Rewrite(switch_name, batch));
+      Add(total, store.Rewrite(switch_name, batch, dry_run));
     }
   }
   return total;

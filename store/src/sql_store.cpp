@@ -73,6 +73,31 @@ void SqlStore::SetFingerprint(const Source& source, const std::string& fingerpri
   db_->Run("UPDATE sources SET fingerprint = $2 WHERE id = $1", {source.id, fingerprint});
 }
 
+std::vector<Source> SqlStore::FileSources(const std::string& switch_name) {
+  const int64_t switch_id = SwitchId(switch_name);
+  std::vector<Source> sources;
+  db_->Run(
+      "SELECT id, name, checkpoint, fingerprint FROM sources WHERE switch_id = $1 "
+      "AND kind = 'file' AND fingerprint <> '' ORDER BY id",
+      {switch_id}, [&](const ResultRow& r) {
+        Source source{r.Int(0), switch_id, switch_name, r.Text(1), "file", std::nullopt, r.Text(3)};
+        if (!r.IsNull(2)) source.checkpoint = r.Int(2);
+        sources.push_back(std::move(source));
+      });
+  return sources;
+}
+
+void SqlStore::RenameSource(const Source& source, const std::string& new_name) {
+  bool taken = false;
+  db_->Run("SELECT 1 FROM sources WHERE switch_id = $1 AND name = $2", {source.switch_id, new_name},
+           [&](const ResultRow&) { taken = true; });
+  if (taken) {
+    throw StoreError("database '" + name() + "': switch '" + source.switch_name +
+                     "' already has a source named '" + new_name + "'");
+  }
+  db_->Run("UPDATE sources SET name = $2 WHERE id = $1", {source.id, new_name});
+}
+
 WriteResult SqlStore::Write(const Source& source, const std::vector<Record>& records,
                             std::optional<int64_t> checkpoint,
                             const std::function<void()>& before_commit) {

@@ -25,6 +25,8 @@ class SqlStore : public Store {
   Source OpenSource(const std::string& switch_name, const std::string& source_name,
                     const std::string& kind) override;
   void SetFingerprint(const Source& source, const std::string& fingerprint) override;
+  std::vector<Source> FileSources(const std::string& switch_name) override;
+  void RenameSource(const Source& source, const std::string& new_name) override;
   WriteResult Write(const Source& source, const std::vector<Record>& records,
                     std::optional<int64_t> checkpoint,
                     const std::function<void()>& before_commit) override;
@@ -34,13 +36,15 @@ class SqlStore : public Store {
   void AddEvent(const Source& source, const Event& event) override;
   void ListCalls(const CallFilter& filter,
                  const std::function<void(const StoredCall&)>& each) override;
+  void ListUnrecognised(const std::string& switch_name, int64_t limit,
+                        const std::function<void(const StoredUnrecognised&)>& each) override;
   int64_t CountCalls(const std::string& switch_name) override;
   int64_t CountUnrecognised(const std::string& switch_name) override;
   std::vector<StoredRecord> ReadStored(const std::string& switch_name, bool calls, int64_t after_id,
                                        int64_t limit) override;
   int64_t LastStoredId(const std::string& switch_name, bool calls) override;
   RewriteResult Rewrite(const std::string& switch_name,
-                        const std::vector<Retranslated>& records) override;
+                        const std::vector<Retranslated>& records, bool dry_run) override;
   void BeginBulk(int64_t records) override;
   void EndBulk() override;
 

@@ -152,6 +152,26 @@ void SqlStore::ListCalls(const CallFilter& filter,
   db_->Run(sql, params, [&](const ResultRow& r) { each(ReadCall(r)); });
 }
 
+void SqlStore::ListUnrecognised(const std::string& switch_name, int64_t limit,
+                                const std::function<void(const StoredUnrecognised&)>& each) {
+  std::vector<Value> params;
+  std::string sql =
+      "SELECT w.name, s.name, u.position, u.received_utc, u.reason, u.raw FROM unrecognised u "
+      "JOIN switches w ON w.id = u.switch_id JOIN sources s ON s.id = u.source_id";
+  if (!switch_name.empty()) {
+    params.emplace_back(SwitchId(switch_name));
+    sql += " WHERE u.switch_id = $1";
+  }
+  sql += " ORDER BY w.name, s.name, u.position";
+  if (limit > 0) {
+    params.emplace_back(limit);
+    sql += " LIMIT $" + std::to_string(params.size());
+  }
+  db_->Run(sql, params, [&](const ResultRow& r) {
+    each(StoredUnrecognised{r.Text(0), r.Text(1), r.Int(2), r.Text(3), r.Text(4), r.Text(5)});
+  });
+}
+
 int64_t SqlStore::Count(const char* table, const std::string& switch_name) {
   int64_t n = 0;
   const RowFn read = [&](const ResultRow& r) { n = r.Int(0); };
@@ -195,10 +215,52 @@ int64_t SqlStore::LastStoredId(const std::string& switch_name, bool calls) {
 }
 
 RewriteResult SqlStore::Rewrite(const std::string& switch_name,
-                                const std::vector<Retranslated>& records) {
+                                const std::vector<Retranslated>& records, bool dry_run) {
   const int64_t switch_id = SwitchId(switch_name);
-  return InTransaction(*db_, [&] { return RewriteOnce(switch_id, records); });
+  if (!dry_run) return InTransaction(*db_, [&] { return RewriteOnce(switch_id, records); });
+  // The same work, rolled back: what would change is counted exactly as a
+  // real run counts it, moves between the tables included.
+  struct RolledBack {
+    RewriteResult result;
+  };
+  try {
+    InTransaction(*db_, [&] { throw RolledBack{RewriteOnce(switch_id, records)}; });
+  } catch (const RolledBack& done) {
+    return done.result;
+  }
+  return {};
 }
+
+namespace {
+
+// Counts, column by column, where two call signatures differ.
+void CountChanged(const std::string& before, const std::string& after,
+                  std::map<std::string, int64_t>* changed) {
+  static const char* const kNames[] = {"type",
+                                       "attribute",
+                                       "start",
+                                       "start_utc",
+                                       "duration",
+                                       "ring",
+                                       "dialled",
+                                       "extension",
+                                       "trunk",
+                                       "receiving_extension",
+                                       "receiving_trunk",
+                                       "account_code",
+                                       "extension_random"};
+  static_assert(sizeof kNames / sizeof kNames[0] == kCallColumnCount);
+  size_t a = 0, b = 0;
+  for (const char* name : kNames) {
+    const size_t a_end = before.find('\x1f', a), b_end = after.find('\x1f', b);
+    if (a_end == std::string::npos || b_end == std::string::npos) return;
+    if (before.compare(a, a_end - a, after, b, b_end - b) != 0) ++(*changed)[name];
+    a = a_end + 1;
+    b = b_end + 1;
+  }
+}
+
+}  // namespace
 
 RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retranslated>& records) {
   const Zone& zone = ZoneOf(switch_id);
@@ -217,6 +279,7 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
       for (int64_t n : {v.duration, v.ring}) params.push_back(n < 0 ? Value() : Value(n));
       for (const std::string& text : v.texts) params.push_back(Value::TextOrNull(text));
       params.emplace_back(int64_t{v.extension_random});
+      CountChanged(old.stored, Signature(v), &result.changed);
       db_->Run(
           "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
           "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "

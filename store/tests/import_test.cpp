@@ -88,10 +88,59 @@ TEST_P(ImportTest, AFileImportedAgainAddsNothingAndAGrownFileOnlyItsTail) {
     EXPECT_EQ(store_->CountCalls("hicom"), step.calls);
     EXPECT_EQ(store_->CountUnrecognised("hicom"), step.unrecognised);
   }
-  // Another file put under the imported one's name is refused.
-  WriteFile(path, "X" + records.substr(1));
-  EXPECT_THROW(importer.Import({path}), velqua_records::Failure);
-  EXPECT_EQ(store_->CountCalls("hicom"), 14);
+}
+
+// A file is known by its first bytes: a rotated log, a copy, a file under
+// another name never stores its calls twice, and a new file under an
+// imported file's name is a source of its own.
+TEST_P(ImportTest, AFileIsKnownByItsFirstBytesWhateverItsName) {
+  const std::string records = ReadFile(kExamples + "hicom/records.txt");
+  const auto in_year = [&records](const char* year) {  // the same calls another year
+    std::string text = records;
+    for (size_t at = 0; (at = text.find(".26 ", at)) != std::string::npos;) {
+      text.replace(at, 4, std::string(".") + year + " ");
+    }
+    return text;
+  };
+  const std::string next_year = in_year("27");
+  Importer importer(*store_, Settings("hicom", kExamples + "hicom/hicom.json"));
+  struct Step {
+    const char* what;
+    const char* file;
+    std::string content;
+    int64_t read, calls;
+    const char* note;  // the start of the one note expected, or ""
+  };
+  const Step steps[] = {
+      {"the log's first eight records", "smdr.log", FirstLines(records, 8), 8, 8, ""},
+      {"rotated after it grew", "smdr.log.1", records, 7, 14, "continues the source"},
+      {"a new log under the old name", "smdr.log", FirstLines(next_year, 4), 4, 18,
+       "is another file than"},
+      {"a copy of the rotated log", "copy.txt", records, 0, 18, "continues the source"},
+      {"the new log grown", "smdr.log", next_year, 11, 28, ""},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.what);
+    const std::string path = dir_ + "/" + step.file;
+    WriteFile(path, step.content);
+    const ImportResult result = importer.Import({path});
+    EXPECT_EQ(result.read, step.read);
+    EXPECT_EQ(store_->CountCalls("hicom"), step.calls);
+    const std::string note = step.note;
+    const std::string first = result.notes.empty() ? "" : result.notes[0];
+    EXPECT_NE(first.find(note), std::string::npos) << first;
+    EXPECT_EQ(result.notes.empty(), note.empty());
+    const std::string last = result.notes.empty() ? "" : result.notes.back();
+    EXPECT_EQ(last.find("skipped") != std::string::npos, step.read == 0);
+  }
+  // A file known by its first 4096 bytes but cut shorter than the part
+  // imported is refused: its tail is gone, and what follows would be misread.
+  const std::string big = in_year("28") + in_year("29") + in_year("30") + in_year("31");
+  ASSERT_GT(big.size(), 4600u);
+  WriteFile(dir_ + "/big.log", big);
+  importer.Import({dir_ + "/big.log"});
+  WriteFile(dir_ + "/big.log", big.substr(0, 4500));
+  EXPECT_THROW(importer.Import({dir_ + "/big.log"}), velqua_records::Failure);
 }
 
 // A corrected configuration: records it now recognises move to calls, calls
@@ -131,6 +180,36 @@ TEST_P(ImportTest, RetranslationRewritesOnlyWhatChanges) {
     EXPECT_EQ(store_->CountUnrecognised("hicom"), 15 - step.calls);
     EXPECT_EQ(store_->FindSwitch("hicom")->config_hash, ConfigHash(step.config));
   }
+}
+
+// A dry run counts what a real run does and writes nothing; an import with
+// the switch's configuration file edited since says so, once.
+TEST_P(ImportTest, ADryRunWritesNothingAndAnEditedConfigurationIsNoted) {
+  const std::string config = dir_ + "/hicom.json";
+  WriteFile(config, ReadFile(kExamples + "hicom/hicom.json"));
+  const std::string records = kExamples + "hicom/records.txt";
+  EXPECT_TRUE(Importer(*store_, Settings("hicom", config)).Import({records}).notes.empty());
+  const std::string one_digit =
+      EditedHicom(dir_, "one-digit", "\"emParamDuracionSegundos\": {\"pos\": 42, \"size\": 2",
+                  "\"emParamDuracionSegundos\": {\"pos\": 42, \"size\": 1");
+  const RewriteResult dry = Retranslate(*store_, "hicom", one_digit, "", false, true);
+  EXPECT_GT(dry.updated, 0);
+  EXPECT_EQ(dry.changed.at("duration"), dry.updated);
+  EXPECT_EQ(dry.changed.size(), 1u);
+  EXPECT_EQ(store_->FindSwitch("hicom")->config_hash, ConfigHash(config));
+  const RewriteResult real = Retranslate(*store_, "hicom", one_digit, "");
+  EXPECT_EQ(real.updated, dry.updated);
+  EXPECT_EQ(real.changed, dry.changed);
+
+  // Back to the first file (another file than the switch's last: no note),
+  // then that file edited.
+  EXPECT_EQ(Importer(*store_, Settings("hicom", config)).Import({records}).notes.size(), 1u);
+  WriteFile(config, ReadFile(one_digit));
+  const std::vector<std::string> notes =
+      Importer(*store_, Settings("hicom", config)).Import({records}).notes;
+  ASSERT_EQ(notes.size(), 2u);  // the configuration, and the file stored already
+  EXPECT_NE(notes[0].find("changed since"), std::string::npos) << notes[0];
+  EXPECT_EQ(Importer(*store_, Settings("hicom", config)).Import({records}).notes.size(), 1u);
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, ImportTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),

@@ -48,6 +48,8 @@ int main(int argc, char** argv) {
   ipoffice->add_option("--cut-every", o.cut_every, "Close the connection after every N records");
   ipoffice->add_option("--retry-ms", o.retry_ms, "Wait between connection attempts")
       ->capture_default_str();
+  ipoffice->add_option("--quiet-ms", o.quiet_ms,
+                       "Send nothing new for this long after each re-send (a quiet switch)");
   CLI::App* serial =
       app.add_subcommand("serial", "A serial SMDR port, through a pseudo-terminal pair");
   common(serial);

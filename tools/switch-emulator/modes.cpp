@@ -149,6 +149,7 @@ int RunIpOffice(const Options& o) {
     const int fd = socket.native_handle();
     bool lost = false;
     for (const std::string& r : last) lost = lost || !Send(fd, r + "\r\n", o.one_byte);
+    if (o.quiet_ms > 0) std::this_thread::sleep_for(std::chrono::milliseconds(o.quiet_ms));
     while (more && !lost) {
       player.Pace();
       last.push_back(record);  // it may be lost with the connection: re-sent next time

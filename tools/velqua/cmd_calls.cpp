@@ -49,7 +49,34 @@ void AddCallsCommand(CLI::App& app, CallsOptions& options) {
                   "columns of Asterisk's Master.csv")
       ->check(CLI::IsMember({"table", "csv", "jsonl", "cdr-csv"}));
   cmd->add_option("-o,--output", options.output, "Write to this file (default: stdout)");
+  cmd->add_flag("--unrecognised", options.unrecognised,
+                "List the records kept as unrecognised instead (source, position, reason, raw "
+                "text), filtered by --switch and --limit only");
 }
+
+namespace {
+
+// The records of `--unrecognised`: no call field to filter on.
+void ListUnrecognised(const CallsOptions& options, velqua_store::Store& store,
+                      velqua_store::CallFormat format, std::FILE* out) {
+  if (!options.from.empty() || !options.to.empty() || !options.extension.empty() ||
+      !options.trunk.empty() || !options.type.empty() || !options.number.empty() ||
+      !options.account.empty()) {
+    throw CliError(
+        "--unrecognised lists records that are no calls: filter by --switch and "
+        "--limit only");
+  }
+  if (format == velqua_store::CallFormat::kCdrCsv) {
+    throw CliError("--unrecognised: cdr-csv holds calls only; use table, csv or jsonl");
+  }
+  std::unique_ptr<velqua_store::UnrecognisedWriter> writer =
+      velqua_store::MakeUnrecognisedWriter(format, out);
+  store.ListUnrecognised(options.switch_name, options.limit,
+                         [&](const velqua_store::StoredUnrecognised& u) { writer->Write(u); });
+  writer->Finish();
+}
+
+}  // namespace
 
 int RunCalls(const CallsOptions& options) {
   velqua_store::CallFilter filter;
@@ -68,10 +95,14 @@ int RunCalls(const CallsOptions& options) {
   std::FILE* out = file ? file.get() : stdout;
   std::string format = options.format;
   if (format.empty()) format = !file && ::isatty(::fileno(stdout)) ? "table" : "csv";
-  std::unique_ptr<velqua_store::CallWriter> writer =
-      velqua_store::MakeCallWriter(velqua_store::CallFormatNamed(format), out);
-  store->ListCalls(filter, [&](const velqua_store::StoredCall& call) { writer->Write(call); });
-  writer->Finish();
+  if (options.unrecognised) {
+    ListUnrecognised(options, *store, velqua_store::CallFormatNamed(format), out);
+  } else {
+    std::unique_ptr<velqua_store::CallWriter> writer =
+        velqua_store::MakeCallWriter(velqua_store::CallFormatNamed(format), out);
+    store->ListCalls(filter, [&](const velqua_store::StoredCall& call) { writer->Write(call); });
+    writer->Finish();
+  }
   if (file && std::fclose(file.release()) != 0) {
     throw CliError("cannot write output '" + options.output + "': " + std::strerror(errno));
   }

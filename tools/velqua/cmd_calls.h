@@ -15,8 +15,9 @@ struct CallsOptions {
   std::string from, to;  // days, YYYY-MM-DD, both included
   std::string switch_name, extension, trunk, type, number, account;
   int64_t limit = 0;
-  std::string format;  // table, csv, jsonl, cdr-csv; "": table on a terminal, else csv
-  std::string output;  // -o FILE; "" = standard output
+  std::string format;         // table, csv, jsonl, cdr-csv; "": table on a terminal, else csv
+  std::string output;         // -o FILE; "" = standard output
+  bool unrecognised = false;  // list the unrecognised records instead
 };
 
 void AddCallsCommand(CLI::App& app, CallsOptions& options);

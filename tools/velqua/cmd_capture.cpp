@@ -73,7 +73,7 @@ int RunCaptureStatus(const CaptureOptions& options) {
       PrintRow({s.stream, s.switch_name, "never", "-", "0", "0", "0", "0", "0", "0", "-"});
       continue;
     }
-    PrintRow({s.stream, s.switch_name, s.connected ? "connected" : "disconnected", Since(s),
+    PrintRow({s.stream, s.switch_name, velqua_capture::ConnectionState(s), Since(s),
               std::to_string(s.bytes), std::to_string(s.records), std::to_string(s.unrecognised),
               std::to_string(s.headings), std::to_string(s.resent_dropped),
               std::to_string(s.connections > 0 ? s.connections - 1 : 0),

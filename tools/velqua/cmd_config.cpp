@@ -13,6 +13,7 @@
 #include "velqua/records/config_io.h"
 #include "velqua/records/names.h"
 #include "velqua/records/record_reader.h"
+#include "velqua/records/translation.h"
 #include "velqua/texto.h"
 #include "velqua/traductor.h"
 
@@ -223,6 +224,12 @@ std::vector<CheckedRecord> ReadForCheck(const ConfigOptions& options, const Reco
   return records;
 }
 
+// Keeps the reason of the one row a Record call writes.
+struct LastRow : RowSink {
+  std::string error;
+  void Write(const Row& row) override { error = row.error; }
+};
+
 // Checks one record (one line, or one NUL-ended piece of it) of `check`.
 void CheckPiece(const SwitchConfig& config, std::u16string_view piece,
                 const std::vector<Entry>& entries, velqua::clsTraductor* traductor) {
@@ -332,6 +339,12 @@ int RunConfigCheck(const ConfigOptions& options) {
     throw CliError("records '" + options.records +
                    "': nothing to check (the file is empty or holds only empty lines)");
   }
+  // A recognised record is also checked as translate checks it: a damaged
+  // one (a date that does not exist, letters in a duration) is kept as
+  // unrecognised, and the reason is shown here.
+  LastRow last;
+  Translation translation(cfg, last, {"", "", false, config.form});
+  int64_t damaged = 0;
   for (const CheckedRecord& record : records) {
     std::printf("line %lld:\n", static_cast<long long>(record.line));
     try {
@@ -339,7 +352,18 @@ int RunConfigCheck(const ConfigOptions& options) {
     } catch (const velqua::Error& e) {
       throw CliError("line " + std::to_string(record.line) + ": " + DescribeError(e));
     }
+    if (traductor && !config.form.IsHeading(record.text)) {
+      translation.Record(record.text);
+      if (!last.error.empty()) {
+        std::printf("    damaged, kept as unrecognised: %s\n", last.error.c_str());
+        ++damaged;
+      }
+    }
     std::printf("\n");
+  }
+  if (damaged > 0) {
+    std::printf("%lld damaged record%s\n", static_cast<long long>(damaged),
+                damaged == 1 ? "" : "s");
   }
   return 0;
 }

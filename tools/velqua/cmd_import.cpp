@@ -67,7 +67,10 @@ void AddImportCommand(CLI::App& app, ImportOptions& options) {
   cmd->add_option("-c,--config", options.config,
                   "Switch configuration (.cfg, .ini or .json), or a bundled switch's name")
       ->required();
-  cmd->add_option("files", options.files, "Record files, imported in order")->required();
+  cmd->add_option("files", options.files,
+                  "Record files, imported in order; a file is known by its first bytes, whatever "
+                  "its name ('-': standard input, named with --source)")
+      ->required();
   cmd->add_option("--extensions", options.extensions,
                   "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
   AddEncodingOption(cmd, options.encoding);
@@ -85,6 +88,7 @@ void AddImportCommand(CLI::App& app, ImportOptions& options) {
       ->check(CLI::Range(int64_t{1}, int64_t{10000000}))
       ->capture_default_str();
   cmd->add_flag("-q,--quiet", options.quiet, "No progress, only the summary line");
+  AddRandomExtensionsFlag(cmd, options.random_extensions);
 }
 
 int RunImport(const ImportOptions& options) {
@@ -95,7 +99,9 @@ int RunImport(const ImportOptions& options) {
   velqua_store::ImportSettings settings;
   settings.switch_name = options.switch_name;
   settings.config = ResolveConfig(options.config);
-  settings.extensions = options.extensions;
+  settings.extensions =
+      options.extensions.empty() ? BundledExtensionList(options.config) : options.extensions;
+  settings.random_extensions = options.random_extensions;
   settings.utf8 = options.encoding == "utf-8";
   settings.time_zone = options.time_zone;
   settings.year = options.year;
@@ -118,10 +124,12 @@ int RunImport(const ImportOptions& options) {
     throw;
   }
   progress.End();
+  for (const std::string& note : result.notes) std::fprintf(stderr, "velqua: %s\n", note.c_str());
   const velqua_store::WriteResult& w = result.written;
   std::string notes;
   if (result.headings > 0) notes += ", " + std::to_string(result.headings) + " page headings";
   if (result.failed > 0) notes += ", " + std::to_string(result.failed) + " failed with an error";
+  if (result.damaged > 0) notes += ", " + std::to_string(result.damaged) + " damaged";
   if (!notes.empty()) notes = " (" + notes.substr(2) + ")";
   std::fprintf(stderr,
                "velqua: imported %lld record%s from %lld file%s into '%s': %lld calls, %lld "
@@ -131,7 +139,11 @@ int RunImport(const ImportOptions& options) {
                store->name().c_str(), static_cast<long long>(w.calls),
                static_cast<long long>(w.unrecognised), notes.c_str(),
                static_cast<long long>(w.duplicates));
-  return result.failed > 0 ? kExitRecordsFailed : 0;
+  if (result.unlisted > 0) {
+    std::fprintf(stderr, "velqua: %s\n",
+                 UnlistedAccountCodes(result.unlisted, options.random_extensions).c_str());
+  }
+  return result.failed + result.damaged > 0 ? kExitRecordsFailed : 0;
 }
 
 }  // namespace velqua_cli

@@ -23,6 +23,7 @@ struct ImportOptions {
   int32_t year = 0;
   int64_t batch = 20000;
   bool quiet = false;
+  bool random_extensions = false;
 };
 
 void AddImportCommand(CLI::App& app, ImportOptions& options);

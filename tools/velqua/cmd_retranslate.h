@@ -15,6 +15,8 @@ struct RetranslateOptions {
   std::string switch_name;
   std::string config;
   std::string extensions;
+  bool random_extensions = false;
+  bool dry_run = false;  // say what would change, write nothing
 };
 
 void AddRetranslateCommand(CLI::App& app, RetranslateOptions& options);

@@ -53,16 +53,13 @@ void CountNote(int64_t count, const char* noun, const char* what) {
 }
 
 void ReportCounts(const Counts& counts, const TranslateOptions& options) {
-  if (counts.failed > kReportedFailures) {
-    std::fprintf(stderr, "velqua: %lld more failed records not shown\n",
-                 static_cast<long long>(counts.failed - kReportedFailures));
+  if (counts.failed + counts.damaged > kReportedFailures) {
+    std::fprintf(stderr, "velqua: %lld more failed or damaged records not shown\n",
+                 static_cast<long long>(counts.failed + counts.damaged - kReportedFailures));
   }
   if (counts.random_extensions > 0) {
-    std::fprintf(stderr,
-                 "velqua: %lld extension%s drawn at random for account codes missing from the "
-                 "extension list (column extension_random)\n",
-                 static_cast<long long>(counts.random_extensions),
-                 counts.random_extensions == 1 ? "" : "s");
+    std::fprintf(stderr, "velqua: %s\n",
+                 UnlistedAccountCodes(counts.random_extensions, options.random_extensions).c_str());
   }
   if (counts.unrecognised > 0) {
     std::string list;
@@ -79,16 +76,34 @@ void ReportCounts(const Counts& counts, const TranslateOptions& options) {
             "had more fields than the configuration declares (the extra fields ignored)");
   CountNote(counts.fewer_fields, "record",
             "had fewer fields than the configuration declares (the missing fields blank)");
+  std::string why;
+  if (counts.failed > 0) why += ", " + std::to_string(counts.failed) + " failed with an error";
+  if (counts.damaged > 0) why += ", " + std::to_string(counts.damaged) + " damaged";
+  if (!why.empty()) why = " (" + why.substr(2) + ")";
   std::fprintf(stderr, "velqua: %lld records read, %lld translated, %lld unrecognised%s\n",
                static_cast<long long>(counts.read),
                static_cast<long long>(counts.read - counts.unrecognised),
-               static_cast<long long>(counts.unrecognised),
-               counts.failed == 0
-                   ? ""
-                   : (" (" + std::to_string(counts.failed) + " failed with an error)").c_str());
+               static_cast<long long>(counts.unrecognised), why.c_str());
 }
 
 }  // namespace
+
+std::string UnlistedAccountCodes(int64_t calls, bool drawn) {
+  const std::string n = std::to_string(calls) + (calls == 1 ? " call" : " calls");
+  if (drawn) {
+    return n +
+           " with an account code missing from the extension list: extension drawn at "
+           "random (column extension_random)";
+  }
+  return n + " with an account code missing from the extension list: extension left blank, " +
+         "account code kept (column extension_random; --random-extensions draws one)";
+}
+
+void AddRandomExtensionsFlag(CLI::App* cmd, bool& flag) {
+  cmd->add_flag("--random-extensions", flag,
+                "For an account code missing from the extension list, keep the extension the "
+                "library draws at random (default: leave it blank)");
+}
 
 void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
   CLI::App* cmd = app.add_subcommand(
@@ -106,6 +121,7 @@ void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
                   "Append unrecognised records to this log (ArchivoLlamadasError)");
   cmd->add_option("--extensions", options.extensions,
                   "KX-TDA account code to extension list (ArchivoListaExtensionesKXTDA)");
+  AddRandomExtensionsFlag(cmd, options.random_extensions);
   cmd->add_option("--follow", options.follow,
                   "Follow a growing record file like tail -F (rotation and truncation "
                   "handled) until interrupted; rows come out as records complete");
@@ -126,7 +142,9 @@ int RunTranslate(const TranslateOptions& options) {
   for (const std::string& input : inputs) {
     if (input != "-") RequireReadableInput(input, "input");
   }
-  if (!options.extensions.empty()) RequireReadableFile(options.extensions, "extension list");
+  const std::string extensions =
+      options.extensions.empty() ? BundledExtensionList(options.config) : options.extensions;
+  if (!extensions.empty()) RequireReadableFile(extensions, "extension list");
   if (!options.errors_log.empty()) RequireAppendableFile(options.errors_log, "error log");
 
   SwitchConfig config = LoadSwitchConfig(ResolveConfig(options.config));
@@ -140,9 +158,9 @@ int RunTranslate(const TranslateOptions& options) {
   std::unique_ptr<RowWriter> writer = MakeRowWriter(
       options.format.empty() && output_file ? RowFormat::kCsv : ChooseFormat(options.format), out);
   if (!options.follow.empty()) StopOnSignals();
-  Translation translation(
-      config.cfg, *writer,
-      {options.errors_log, options.extensions, options.encoding == "utf-8", config.form});
+  Translation translation(config.cfg, *writer,
+                          {options.errors_log, extensions, options.encoding == "utf-8", config.form,
+                           !options.random_extensions});
   translation.stop = [] { return StopRequested(); };
   translation.on_failure = [](const std::string& input, int64_t number, const std::string& error) {
     static int64_t reported = 0;
@@ -164,7 +182,8 @@ int RunTranslate(const TranslateOptions& options) {
     throw CliError("cannot write output '" + options.output + "': " + std::strerror(errno));
   }
   ReportCounts(translation.counts(), options);
-  return translation.counts().failed > 0 ? kExitRecordsFailed : 0;
+  const Counts& counts = translation.counts();
+  return counts.failed + counts.damaged > 0 ? kExitRecordsFailed : 0;
 }
 
 }  // namespace velqua_cli

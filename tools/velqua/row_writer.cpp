@@ -429,7 +429,9 @@ class TableWriter : public RowWriter {
     c[2] += ' ' + ShortAttributeName(row.attribute);
     c[13] = row.error;
     if (!row.has_fields) return c;
-    if (row.random_extension) c[13] = "random extension";
+    if (row.random_extension) {
+      c[13] = row.extension.empty() ? "account code not in the extension list" : "random extension";
+    }
     if (row.HasDate()) AppendDate(c[3], row);
     if (row.HasTime()) AppendTime(c[4], row);
     if (row.duration >= 0) AppendInt(c[5], row.duration);

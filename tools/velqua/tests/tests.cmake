@@ -224,3 +224,6 @@ endif()
 
 # The bundled switches, their record forms, `switches` and `config guess`.
 include(${CMAKE_CURRENT_LIST_DIR}/switches.cmake)
+
+# What a biller relies on: damaged records, sources, extensions, unrecognised records.
+include(${CMAKE_CURRENT_LIST_DIR}/billing.cmake)

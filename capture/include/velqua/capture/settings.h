@@ -52,12 +52,17 @@ struct SourceSettings {
   std::string host;
   int port = 0;
   std::vector<LoginStep> login;
+  // What the switch answers a refused login with (tcp-connect with a login).
+  std::vector<std::string> login_failure = {"Login incorrect", "Invalid"};
   // tcp-listen: the address and port to listen on (default 127.0.0.1), and
   // the peers allowed (addresses or networks such as 10.1.0.0/16; empty: any).
   std::string bind = "127.0.0.1";
   std::vector<std::string> allow;
-  // file-follow: the file another program appends to.
+  // file-follow: the file another program appends to, and where its
+  // rotated files go when not beside it with names starting with its own
+  // (a pattern of `*` and `?`, such as "archive/smdr-*.log"; "": none).
   std::string path;
+  std::string rotated;
   // Reconnection (and serial reopening) waits from retry_min, doubling up
   // to retry_max, with jitter. Defaults 1 s and 60 s.
   Millis retry_min{1000};

@@ -27,6 +27,13 @@ class SourceEvents {
   virtual bool Held() const = 0;
   // One line for the service's log.
   virtual void Log(const std::string& line) = 0;
+  // The source knows it missed bytes it can never read (a followed file
+  // rotated away or truncated while the service was stopped): logged, and
+  // recorded in the store as a gap.
+  virtual void Gap(const std::string& stream, const std::string& what) = 0;
+  // The switch refused the source's login (or never completed it): the
+  // stream's state is "login failed" until it connects.
+  virtual void LoginFailed(const std::string& stream, const std::string& why) = 0;
 };
 
 class Source {

@@ -22,6 +22,8 @@ enum class SpoolKind : uint8_t {
   kDisconnect = 3,  // a source's connection ended (bytes: the reason)
   kFlush = 4,       // a source was quiet: the record it left open is complete
   kStart = 5,       // the service started: every connection before it has ended
+  kGap = 6,         // a source knows it missed bytes it can never read (bytes: what)
+  kTornTail = 7,    // a torn spool tail held a record of this source (bytes: what was cut)
 };
 
 enum class FsyncPolicy {
@@ -47,7 +49,15 @@ class SpoolFull : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// Appends to a spool folder. One writer per folder.
+// Another writer holds the spool folder (another service on the same configuration).
+class SpoolInUse : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Appends to a spool folder. One writer per folder: it holds the folder's
+// `lock` file (an exclusive lock, released by the system when the process
+// ends however it ends) and keeps its process id in it.
 class SpoolWriter {
  public:
   // Called with one line for each event worth logging (a torn tail cut).
@@ -59,8 +69,9 @@ class SpoolWriter {
   // bytes cut. The next append starts a new segment whose first position is
   // the current time in nanoseconds since 1970, or the end of the spool if
   // that is later: a position once given, even to bytes lost with a machine's
-  // unwritten cache, is never given again. Throws std::runtime_error when the
-  // folder cannot be made or read.
+  // unwritten cache, is never given again. Throws SpoolInUse ("spool DIR in
+  // use by pid N") when another writer holds the folder, std::runtime_error
+  // when the folder cannot be made or read.
   SpoolWriter(std::string dir, FsyncPolicy policy, Log log);
   ~SpoolWriter();
   SpoolWriter(const SpoolWriter&) = delete;
@@ -75,6 +86,11 @@ class SpoolWriter {
   void Sync();
   // The position after the last record appended.
   int64_t End() const { return end_; }
+  // The torn tail cut on opening: "" when there was none; else a line
+  // saying what was cut, and the stream whose record it was ("" when the
+  // tail is too short to name it).
+  const std::string& torn_tail() const { return torn_tail_; }
+  const std::string& torn_stream() const { return torn_stream_; }
   // Deletes the segments that end at or before `position`, never the one
   // being written.
   void Release(int64_t position);
@@ -86,12 +102,14 @@ class SpoolWriter {
   void set_segment_bytes(int64_t bytes) { segment_bytes_ = bytes; }
 
  private:
+  void Lock();
   void OpenSegment(int64_t first);
   void CutTornTail(const std::string& path, int64_t first);
 
   std::string dir_;
   FsyncPolicy policy_;
   Log log_;
+  int lock_fd_ = -1;
   int fd_ = -1;
   int64_t first_ = 0;  // of the segment being written
   int64_t end_ = 0;
@@ -101,6 +119,7 @@ class SpoolWriter {
   int64_t segment_bytes_ = 64ll << 20;
   bool deferred_sync_ = false;
   std::string buffer_;
+  std::string torn_tail_, torn_stream_;
 };
 
 // Reads a spool folder's records in position order, from a position on,

@@ -18,7 +18,8 @@ struct StreamStatus {
   std::string source;
   std::string switch_name;
   bool connected = false;
-  int64_t since_us = 0;  // connected (or disconnected) since, microseconds since 1970 UTC
+  bool login_failed = false;  // the switch refused the login; retried with growing waits
+  int64_t since_us = 0;       // connected (or disconnected) since, microseconds since 1970 UTC
   int64_t bytes = 0;
   int64_t connections = 0;  // reconnections = connections - 1
   int64_t records = 0;      // stored as calls
@@ -98,6 +99,9 @@ struct ServiceState {
   std::vector<StreamStatus> streams;
 };
 ServiceState ReadServiceState(const ServiceSettings& settings);
+
+// "connected", "login failed" or "disconnected".
+const char* ConnectionState(const StreamStatus& s);
 
 // Microseconds since 1970 UTC now, and their ISO 8601 UTC form
 // ("2026-01-19T08:02:11Z"; "-" for 0).

@@ -27,4 +27,10 @@ std::vector<BundledSwitch> ListBundledSwitches();
 // Failure for a name no bundled switch has.
 std::string ResolveConfig(const std::string& name_or_path);
 
+// The extension list a bundled switch brings (<name>/extensions.txt beside
+// its JSON form) when `name_or_path` names a bundled switch (as ResolveConfig
+// takes it) and its folder holds one; "" otherwise. `-c kx-tda` thus reads
+// account codes as the sample site lists them.
+std::string BundledExtensionList(const std::string& name_or_path);
+
 }  // namespace velqua_records

@@ -18,6 +18,7 @@
 #include "velqua/records/clock.h"
 #include "velqua/records/record_form.h"
 #include "velqua/records/record_reader.h"
+#include "velqua/records/row_check.h"
 #include "velqua/traductor.h"
 
 namespace velqua_records {
@@ -26,8 +27,9 @@ struct Counts {
   int64_t read = 0;
   int64_t unrecognised = 0;  // failed records included
   int64_t failed = 0;
-  int64_t random_extensions = 0;
-  std::vector<int64_t> listed;  // the first unrecognised record numbers
+  int64_t damaged = 0;            // recognised, but failing the row check (row_check.h)
+  int64_t random_extensions = 0;  // unlisted account codes (extension drawn or left blank)
+  std::vector<int64_t> listed;    // the first unrecognised record numbers
   static constexpr size_t kListed = 20;
   int64_t headings = 0;      // page-heading lines skipped (not records)
   int64_t more_fields = 0;   // delimited records with fields beyond those declared
@@ -42,6 +44,12 @@ class Translation {
     std::string extensions;  // the KX-TDA account code to extension list
     bool utf8 = false;       // records in UTF-8 rather than Windows-1252
     RecordForm form;         // delimited shaping, page headings, record ends
+    // An outgoing call whose account code is missing from the extension
+    // list gets an extension drawn at random by the library (cases 10 and
+    // 11): true leaves it blank instead (the row still marks it), so that
+    // no call is charged to an extension that does not exist. The program,
+    // the store and the capture service set it unless told otherwise.
+    bool blank_random_extensions = false;
     // The files and clock the translation works with (nullptr: the real
     // ones), and the instant it reads as now (none: the program's fixed
     // instant, else the environment's clock).
@@ -52,8 +60,10 @@ class Translation {
   // Binds a translator to `cfg`; rows go to `sink`.
   Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink, const Settings& settings);
 
-  // Called for each record the library fails on (it is kept as an
-  // unrecognised row carrying the error): input name, record number, error.
+  // Called for each record the library fails on, and for each damaged one
+  // (a recognised record failing the row check): it is kept as an
+  // unrecognised row carrying the error or the reason. Input name, record
+  // number, error or reason.
   std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
 
   // Asked while a live input waits for bytes: true ends it cleanly (its open
@@ -132,7 +142,9 @@ class Translation {
   std::unique_ptr<CallGatherer> gatherer_;
   RowSink& sink_;
   bool utf8_;
+  bool blank_random_;
   RecordForm form_;
+  RowCheck check_;
   bool plain_ = false;     // no record form and no multi-line calls: lines are records
   std::u16string shaped_;  // the shaped text of a delimited record
   std::u16string record_;  // the record being translated

@@ -31,4 +31,16 @@ class CallWriter {
 
 std::unique_ptr<CallWriter> MakeCallWriter(CallFormat format, std::FILE* out);
 
+// The same for unrecognised records (`velqua calls --unrecognised`): switch,
+// source, position, received_utc, reason and raw text, as a table, CSV or
+// JSON Lines (cdr-csv has no place for them: it is taken as CSV).
+class UnrecognisedWriter {
+ public:
+  virtual ~UnrecognisedWriter() = default;
+  virtual void Write(const StoredUnrecognised& record) = 0;
+  virtual void Finish() = 0;
+};
+
+std::unique_ptr<UnrecognisedWriter> MakeUnrecognisedWriter(CallFormat format, std::FILE* out);
+
 }  // namespace velqua_store

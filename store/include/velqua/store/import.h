@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <string>
@@ -35,6 +36,9 @@ struct ImportSettings {
   int32_t year = 0;        // year received for switches that print none; 0: file time
   std::string source;      // the source's name for a single file, instead of its path
   size_t batch = 20000;    // records a transaction
+  // Keep the extension the library draws for an account code missing from
+  // the extension list; false leaves it blank (translation.h).
+  bool random_extensions = false;
 };
 
 // How far an import has come in the file at hand (after each batch).
@@ -49,15 +53,21 @@ struct ImportResult {
   int64_t files = 0;
   int64_t read = 0;      // records read in this run (a resumed file: past its checkpoint)
   int64_t failed = 0;    // records the library failed on (kept as unrecognised)
+  int64_t damaged = 0;   // records failing the row check (kept as unrecognised, with why)
   int64_t headings = 0;  // page-heading lines (kept as unrecognised, with that reason)
+  int64_t unlisted = 0;  // calls whose account code the extension list lacks
   WriteResult written;
+  // What the user should know about the files: one continuing a source
+  // under another name, one skipped as stored already, a source moved aside.
+  std::vector<std::string> notes;
 };
 
 class Importer {
  public:
   // Loads the configuration and puts the switch in the store with it (and
-  // the time zone). `more_writers` are further stores open on the same
-  // PostgreSQL database: batches are then written on all at once (the
+  // the time zone). When the switch was last translated with the same file
+  // and the file has changed since, the first Import's notes say so. `more_writers` are further
+  // stores open on the same PostgreSQL database: batches are then written on all at once (the
   // server works on each on a core of its own) and committed in order.
   // Throws velqua_records::Failure, velqua::Error or StoreError.
   Importer(Store& store, const ImportSettings& settings,
@@ -67,15 +77,21 @@ class Importer {
   Importer& operator=(const Importer&) = delete;
 
   // Imports the files in order; `progress` (if set) is called after every
-  // batch. A file that was imported before under the same path but whose
-  // first bytes differ now is refused (Failure) before anything is written:
-  // another file with that name would otherwise be taken for the one
-  // stored. Throws as the constructor; what was committed stays.
+  // batch. A file is known by its first bytes, not its name: one whose first
+  // bytes match a source imported before continues that source from its
+  // checkpoint (a copy, a rotated `smdr.log.1`: nothing is stored twice),
+  // and another file under an imported file's name becomes a source of its
+  // own, the old one renamed "NAME (replaced <UTC>)" (ImportResult::notes
+  // says so). "-" is standard input, alone and named by `source`. A file
+  // shorter than the part of its source already imported is refused
+  // (Failure). Throws as the constructor; what was committed stays.
   ImportResult Import(const std::vector<std::string>& files,
                       const std::function<void(const ImportProgress&)>& progress = nullptr);
 
  private:
   void ImportFile(const std::string& path, ImportResult& result);
+  Source SourceFor(std::FILE* f, int64_t size, const std::string& path, const std::string& name,
+                   ImportResult& result);
 
   Store& store_;
   ImportSettings settings_;
@@ -83,14 +99,19 @@ class Importer {
   velqua_records::RecordForm form_;  // delimited shaping, page headings
   std::unique_ptr<BatchWriter> batcher_;
   std::function<void(const ImportProgress&)> progress_;
+  std::string config_note_;  // the configuration file changed since the last import
 };
 
 // Translates a switch's stored records (calls and unrecognised) again with
 // `config` and stores what changed (Store::Rewrite), batch by batch; the
 // switch's configuration becomes `config`. Records received before keep
 // their year rule: the year is the one they were received in.
+// `random_extensions` as in ImportSettings. With `dry_run` nothing is
+// written, the switch's configuration included: the result tells what would
+// change.
 RewriteResult Retranslate(Store& store, const std::string& switch_name, const std::string& config,
-                          const std::string& extensions);
+                          const std::string& extensions, bool random_extensions = false,
+                          bool dry_run = false);
 
 // "YYYY-MM-DDTHH:MM:SSZ" of a local date and time of this machine, and back.
 std::string LocalToUtc(const velqua_records::FechaHora& local);

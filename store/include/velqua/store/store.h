@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <ctime>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -124,6 +125,13 @@ struct StoredCall {
   std::string raw, received_utc;
 };
 
+// A stored unrecognised record as ListUnrecognised reads it.
+struct StoredUnrecognised {
+  std::string switch_name, source_name;
+  int64_t position = 0;  // a file's byte offset, or a spool position
+  std::string received_utc, reason, raw;
+};
+
 // A stored record as retranslation reads it.
 struct StoredRecord {
   int64_t id = 0;
@@ -148,6 +156,8 @@ struct RewriteResult {
   int64_t updated = 0;
   int64_t recognised = 0;
   int64_t unrecognised = 0;
+  // Of the calls updated: how many changed in each column ("duration": 6).
+  std::map<std::string, int64_t> changed = {};
 };
 
 // One interface, two engines. A Store is used by one thread at a time.
@@ -173,6 +183,13 @@ class Store {
   // Stores a file source's fingerprint (the import's check that a file
   // name still means the same file).
   virtual void SetFingerprint(const Source& source, const std::string& fingerprint) = 0;
+  // The switch's file sources that have a fingerprint, in the order they
+  // were added: an import finds by them the source a file continues,
+  // whatever the file is called now.
+  virtual std::vector<Source> FileSources(const std::string& switch_name) = 0;
+  // Gives a source another name (unique per switch: a name held by another
+  // source is refused with StoreError). Its records stay with it.
+  virtual void RenameSource(const Source& source, const std::string& new_name) = 0;
 
   // Writes the records of one source in one transaction, and, in the same
   // transaction, sets the source's checkpoint when one is given. Idempotent:
@@ -198,7 +215,9 @@ class Store {
   virtual std::vector<RawRecord> RecentRecords(const Source& source, int64_t limit,
                                                const std::string& since_utc) = 0;
 
-  // Adds an event of a source (in its own transaction).
+  // Adds an event of a source, in its own transaction; called from a Write's
+  // `before_commit`, in that Write's transaction (committed or rolled back
+  // with its records and checkpoint).
   virtual void AddEvent(const Source& source, const Event& event) = 0;
 
   // The calls the filter lets through, by start (those without a start
@@ -207,6 +226,11 @@ class Store {
   // date in the filter.
   virtual void ListCalls(const CallFilter& filter,
                          const std::function<void(const StoredCall&)>& each) = 0;
+
+  // The unrecognised records of a switch ("" = all), by switch, source and
+  // position, at most `limit` (0: all); `each` is called for every one.
+  virtual void ListUnrecognised(const std::string& switch_name, int64_t limit,
+                                const std::function<void(const StoredUnrecognised&)>& each) = 0;
 
   // The number of calls and of unrecognised records of a switch ("" = all).
   virtual int64_t CountCalls(const std::string& switch_name) = 0;
@@ -223,8 +247,10 @@ class Store {
   // touching only those whose stored form changes: a call is updated in
   // place, a record that changes table moves with its source, position, raw
   // text and received time.
+  // With `dry_run` the transaction is rolled back: the result tells what
+  // would change, and nothing does.
   virtual RewriteResult Rewrite(const std::string& switch_name,
-                                const std::vector<Retranslated>& records) = 0;
+                                const std::vector<Retranslated>& records, bool dry_run = false) = 0;
 
   // A large load is coming (about `records` records): an engine may put off
   // work until EndBulk (SQLite builds its query indexes once at the end

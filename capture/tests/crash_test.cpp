@@ -1,0 +1,165 @@
+// The capture service across crashes: a kill inside a connection's re-sent
+// part, events recorded once, a followed file rotated or truncated while the
+// service is down, two services on one spool, a refused login.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "capture_test.h"
+#include "service_support.h"
+
+namespace velqua_capture_test {
+namespace {
+
+struct StoredEvent {
+  std::string kind;
+  int64_t count;
+  std::string detail;
+};
+
+// The events a SQLite store holds, in the order they were written.
+std::vector<StoredEvent> StoredEvents(const std::string& store) {
+  std::vector<StoredEvent> events;
+  sqlite3* db = nullptr;
+  if (sqlite3_open_v2(store.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+    sqlite3_stmt* stmt = nullptr;
+    sqlite3_prepare_v2(db, "SELECT kind, count, detail FROM events ORDER BY id", -1, &stmt,
+                       nullptr);
+    while (stmt != nullptr && sqlite3_step(stmt) == SQLITE_ROW) {
+      events.push_back({reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0)),
+                        sqlite3_column_int64(stmt, 1),
+                        reinterpret_cast<const char*>(sqlite3_column_text(stmt, 2))});
+    }
+    sqlite3_finalize(stmt);
+  }
+  sqlite3_close(db);
+  return events;
+}
+
+std::vector<StoredEvent> OfKind(const std::vector<StoredEvent>& events, const std::string& kind) {
+  std::vector<StoredEvent> out;
+  std::copy_if(events.begin(), events.end(), std::back_inserter(out),
+               [&](const StoredEvent& e) { return e.kind == kind; });
+  return out;
+}
+
+size_t LinesStarting(Child& child, const std::string& prefix) {
+  const std::vector<std::string> lines = child.lines();
+  return static_cast<size_t>(std::count_if(
+      lines.begin(), lines.end(), [&](const std::string& l) { return l.rfind(prefix, 0) == 0; }));
+}
+
+const std::string kListen = "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = ";
+
+// A switch that reconnects at once and re-sends its last 100 records, then
+// stays quiet; the service is killed while the connection is in that
+// re-sent part, before any new record. After the restart each record is
+// stored once, and each event once.
+TEST(CaptureCrash, AKillInsideTheResentPartStoresNothingTwice) {
+  const std::string dir = TempDir("kill-resent");
+  const int port = FreePort();
+  const std::string store = dir + "/calls.db";
+  const std::string config = WriteConfig(dir, store, "", kListen + std::to_string(port));
+  const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 300);
+  auto service = StartService(config, dir);
+  Child pusher({EmulatorPath(), "ipoffice", "--port", std::to_string(port), "--records",
+                dir + "/records.txt", "--rate", "0", "--resend", "100", "--cut-every", "200",
+                "--quiet-ms", "2500", "--retry-ms", "50"});
+  // The cut after 200 records; the connection made again at once re-sends 100.
+  ASSERT_TRUE(WaitFor([&] { return LinesStarting(pusher, "ipoffice: connected") >= 2; }));
+  ASSERT_TRUE(WaitFor([&] {
+    return ReadFile(dir + "/service.log").find("100 re-sent records dropped") != std::string::npos;
+  })) << ReadFile(dir + "/service.log");
+  service->Stop(SIGKILL);
+  service = StartService(config, dir);
+  EXPECT_NE(pusher.WaitLine("played"), "");
+  EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), records);
+
+  const std::vector<StoredEvent> events = StoredEvents(store);
+  EXPECT_EQ(OfKind(events, "connect").size(), 3u);  // the first, after the cut, after the kill
+  const auto dropped = OfKind(events, "resent-dropped");
+  ASSERT_EQ(dropped.size(), 2u);
+  EXPECT_EQ(dropped[0].count, 100);  // decided again after the kill, recorded once
+  EXPECT_GE(dropped[1].count, 98);   // what the third connection re-sent before its new ones
+  const auto disconnects = OfKind(events, "disconnect");
+  ASSERT_EQ(disconnects.size(), 3u);  // the cut, the kill, the stop
+  EXPECT_EQ(disconnects[1].detail, "the service stopped without ending the connection");
+}
+
+// A followed file changed while the service was stopped: its unread tail is
+// read first wherever rotation put it; when it is gone the gap is recorded.
+TEST(CaptureCrash, AFileRotatedOrTruncatedWhileStoppedIsReadToItsEnd) {
+  namespace fs = std::filesystem;
+  using Change = std::function<void(const std::string& dir)>;
+  auto move_to = [](const std::string& to) {
+    return [to](const std::string& dir) {
+      fs::create_directories(fs::path(dir + "/" + to).parent_path());
+      fs::rename(dir + "/smdr.log", dir + "/" + to);
+    };
+  };
+  const struct {
+    const char* name;
+    std::string rotated;  // the source's `rotated` setting
+    Change change;        // after the old file got its last records, before the new one starts
+    bool lost;            // the old file's last records cannot be found
+  } rows[] = {
+      {"renamed to smdr.log.1", "", move_to("smdr.log.1"), false},
+      {"renamed to smdr.log-20260101", "", move_to("smdr.log-20260101"), false},
+      {"moved where the rotated pattern says", "archive/smdr-*.log", move_to("archive/smdr-1.log"),
+       false},
+      {"copied, then truncated", "",
+       [](const std::string& dir) {
+         fs::copy_file(dir + "/smdr.log", dir + "/smdr.log.0");
+         fs::resize_file(dir + "/smdr.log", 0);
+       },
+       false},
+      {"renamed and removed", "", [](const std::string& dir) { fs::remove(dir + "/smdr.log"); },
+       true},
+      {"truncated without a copy", "",
+       [](const std::string& dir) { fs::resize_file(dir + "/smdr.log", 0); }, true},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::string dir = TempDir("rotated");
+    const std::string store = dir + "/calls.db";
+    const std::string config = WriteConfig(
+        dir, store, "",
+        "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"smdr.log\"\n" +
+            (row.rotated.empty() ? "" : "rotated = \"" + row.rotated + "\"\n"));
+    const std::vector<std::string> all = GenerateRecords(dir + "/all.txt", 16);
+    auto append = [&](size_t from, size_t to) {
+      std::ofstream out(dir + "/smdr.log", std::ios::app);
+      for (size_t i = from; i < to; ++i) out << all[i] << "\r\n";
+    };
+    append(0, 10);
+    auto service = StartService(config, dir);
+    ASSERT_TRUE(WaitForRecords(store, 10)) << ReadFile(dir + "/service.log");
+    ASSERT_EQ(service->Stop(SIGTERM), 0);
+    append(10, 13);  // written after the service stopped
+    row.change(dir);
+    append(13, 16);  // the new file
+    std::vector<std::string> expected = all;
+    if (row.lost) expected.erase(expected.begin() + 10, expected.begin() + 13);
+    service = StartService(config, dir);
+    EXPECT_TRUE(WaitForRecords(store, expected.size())) << ReadFile(dir + "/service.log");
+    EXPECT_EQ(service->Stop(SIGTERM), 0);
+    EXPECT_EQ(StoredCalls(store), expected);
+    const auto gaps = OfKind(StoredEvents(store), "gap");
+    EXPECT_EQ(gaps.size(), row.lost ? 1u : 0u);
+    const std::string log = ReadFile(dir + "/service.log");
+    EXPECT_EQ(log.find("was not found: what was written to it after that could not be read") !=
+                  std::string::npos,
+              row.lost)
+        << log;
+  }
+}
+
+}  // namespace
+}  // namespace velqua_capture_test
