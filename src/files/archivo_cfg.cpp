@@ -250,7 +250,7 @@ void DatosCfgConmut::LeeArchivoV2(const std::u16string& cadArch, bool& bolLeido)
     Constante(u"x");
   }
   for (const ConversionV2& c : kConversionDatosV2) {
-    const size_t k = kV2OffPares + 2u * c.btPar;
+    const size_t k = kV2OffPares + size_t{2} * c.btPar;
     DATOActivo(c.emClave);
     DATOPos(b[k]);
     DATOTam(b[k + 1]);

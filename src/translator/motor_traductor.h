@@ -17,9 +17,6 @@
 #include "velqua/enums.h"
 
 namespace velqua {
-namespace plataforma {
-struct FechaHora;
-}  // namespace plataforma
 
 class MotorTraductor {
  public:
