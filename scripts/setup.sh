@@ -12,7 +12,9 @@ PACKAGES=(build-essential cmake g++ clang libgtest-dev libbenchmark-dev libcairo
           # the call store: SQLite, libpq, time zones; a PostgreSQL server for its tests
           libsqlite3-dev libpq-dev libhowardhinnant-date-dev tzdata postgresql
           # the capture service: Asio (sources), toml++ (its configuration), zlib (spool checksums)
-          libasio-dev libtomlplusplus-dev zlib1g-dev)
+          libasio-dev libtomlplusplus-dev zlib1g-dev
+          # reports: spreadsheets, mail; their tests read PDFs and spreadsheets back
+          libxlsxwriter-dev libcurl4-openssl-dev poppler-utils python3-openpyxl)
 missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")

@@ -43,10 +43,13 @@ class SqlStore : public Store {
   std::vector<StoredRecord> ReadStored(const std::string& switch_name, bool calls, int64_t after_id,
                                        int64_t limit) override;
   int64_t LastStoredId(const std::string& switch_name, bool calls) override;
-  RewriteResult Rewrite(const std::string& switch_name,
-                        const std::vector<Retranslated>& records, bool dry_run) override;
+  RewriteResult Rewrite(const std::string& switch_name, const std::vector<Retranslated>& records,
+                        bool dry_run) override;
   void BeginBulk(int64_t records) override;
   void EndBulk() override;
+
+  // The engine's connection, for the read-only aggregates (aggregates.cpp).
+  Connection& connection() { return *db_; }
 
  private:
   WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,

@@ -16,6 +16,9 @@
 #include "cmd_draw.h"
 #include "cmd_guess.h"
 #include "cmd_import.h"
+#ifdef VELQUA_CLI_HAS_REPORT
+#include "cmd_report.h"
+#endif
 #include "cmd_retranslate.h"
 #include "cmd_switches.h"
 #include "cmd_translate.h"
@@ -70,6 +73,10 @@ int Run(int argc, char** argv) {
   velqua_cli::AddCallsCommand(app, calls);
   velqua_cli::RetranslateOptions retranslate;
   velqua_cli::AddRetranslateCommand(app, retranslate);
+#ifdef VELQUA_CLI_HAS_REPORT
+  velqua_cli::ReportOptions report;
+  velqua_cli::AddReportCommand(app, report);
+#endif
   velqua_cli::ConfigOptions config;
   velqua_cli::AddConfigCommand(app, config);
   velqua_cli::GuessOptions guess;
@@ -107,6 +114,9 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
   if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
+#ifdef VELQUA_CLI_HAS_REPORT
+  if (app.got_subcommand("report")) return velqua_cli::RunReport(report);
+#endif
 #ifdef VELQUA_CLI_HAS_CAPTURE
   if (CLI::App* cmd = app.get_subcommand("capture"); cmd->parsed()) {
     return cmd->got_subcommand("status") ? velqua_cli::RunCaptureStatus(capture)

@@ -32,7 +32,8 @@ void Road::Start() {
   translation_ = std::make_unique<velqua_records::Translation>(
       cfg_, *collector_,
       velqua_records::Translation::Settings{settings_.errors_log, settings_.extensions,
-                                            settings_.utf8, settings_.form});
+                                            settings_.utf8, settings_.form,
+                                            true});  // the program's rows: none invented
   translation_->Input(settings_.input == "-" ? "input" : settings_.input,
                       velqua_records::ReceivedAt(settings_.input, settings_.year));
 }

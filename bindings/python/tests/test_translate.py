@@ -101,7 +101,9 @@ def test_calls_show_only_what_the_switch_printed(tmp_path):
     calls = list(velqua.translate([line, broken, "garbage"], cfg))
     first = calls[0]
     assert isinstance(first.date, datetime.date) and first.has_seconds is True
-    assert calls[1].date == "2026-02-31"
+    # a date the calendar has not: the record is damaged, kept as unrecognised with why
+    assert calls[1].type == 0 and calls[1].date is None
+    assert calls[1].error == "date 2026-02-31 does not exist"
     assert calls[2][:5] == (3, 0, "unrecognised", 0, "none")
     assert set(calls[2][5:]) == {None}
 

@@ -74,8 +74,8 @@ class Call(_NamedTuple):
     type_name: str
     attribute: int
     attribute_name: str
-    # A datetime.date; a date the calendar has not (31 February) as the
-    # program prints it, "2026-02-31".
+    # A datetime.date (a record with a date the calendar has not is kept
+    # unrecognised, with why in error).
     date: _Optional[_Union[_datetime.date, str]]
     # A datetime.time, its seconds 0 when the switch printed none (see
     # has_seconds); past 23:59:59 as the program prints it.
@@ -88,7 +88,7 @@ class Call(_NamedTuple):
     receiving_extension: _Optional[str]
     receiving_trunk: _Optional[str]
     account_code: _Optional[str]
-    # The extension was drawn at random for an account code not in the list.
+    # The account code is not in the extension list: the extension is blank.
     extension_random: _Optional[bool]
     error: _Optional[str]
     # Whether the switch printed the time's seconds.

@@ -143,6 +143,45 @@ set_tests_properties(cli.e2e.store_import_again cli.e2e.store_calls_csv
   cli.e2e.error_store_bad_date cli.e2e.error_store_unknown_type cli.e2e.error_store_unknown_switch
   PROPERTIES FIXTURES_REQUIRED e2e_store ENVIRONMENT TZ=UTC)
 
+# Reports of a store of the Hicom sample (SQLite), every kind, and their
+# refusals of bad input.
+if(TARGET velqua_reports)
+  set(REPORT_STORE ${VELQUA_E2E_TMP}/e2e-report.db)
+  set(MARCH --from 2026-03-01 --to 2026-03-31)
+  velqua_e2e(report_store_import 0 import --db ${REPORT_STORE} --switch hicom
+             -c examples/hicom/hicom.json --year 2026 --source hicom.txt
+             examples/hicom/records.txt PRODUCED ${REPORT_STORE})
+  velqua_e2e(report_extensions_table 0 report extensions --db ${REPORT_STORE} ${MARCH}
+             --format table)
+  velqua_e2e(report_itemised_table 0 report extensions --itemised 21 --db ${REPORT_STORE}
+             ${MARCH} --format table)
+  velqua_e2e(report_trunks_csv 0 report trunks --lines 2 --db ${REPORT_STORE} ${MARCH}
+             --format csv)
+  velqua_e2e(report_missed_json 0 report missed --db ${REPORT_STORE} ${MARCH} --format json)
+  velqua_e2e(report_traffic_csv 0 report traffic --db ${REPORT_STORE} --switch hicom
+             --from 2026-03-09 --to 2026-03-10 --format csv)
+  velqua_e2e(report_compare_table 0 report compare --of trunks --db ${REPORT_STORE} ${MARCH}
+             --format table)
+  velqua_e2e(error_report_unknown_kind 1 report costs --db ${REPORT_STORE} ${MARCH})
+  velqua_e2e(error_report_period 1 report trunks --db ${REPORT_STORE} --from 2026-03-31
+             --to 2026-03-01)
+  velqua_e2e(error_report_unknown_switch 1 report trunks --db ${REPORT_STORE} ${MARCH}
+             --switch nowhere)
+  velqua_e2e(error_report_unknown_department 1 report extensions --db ${REPORT_STORE} ${MARCH}
+             --department sales)
+  velqua_e2e(error_report_unwritable 1 report trunks --db ${REPORT_STORE} ${MARCH}
+             -o ${VELQUA_E2E_TMP}/none/trunks.pdf)
+  velqua_e2e(error_report_no_chart 1 report compare --db ${REPORT_STORE} ${MARCH} --format svg)
+  set_tests_properties(cli.e2e.report_store_import PROPERTIES FIXTURES_SETUP e2e_report
+                       ENVIRONMENT TZ=UTC)
+  set_tests_properties(cli.e2e.report_extensions_table cli.e2e.report_itemised_table
+    cli.e2e.report_trunks_csv cli.e2e.report_missed_json cli.e2e.report_traffic_csv
+    cli.e2e.report_compare_table cli.e2e.error_report_unknown_kind cli.e2e.error_report_period
+    cli.e2e.error_report_unknown_switch cli.e2e.error_report_unknown_department
+    cli.e2e.error_report_unwritable cli.e2e.error_report_no_chart
+    PROPERTIES FIXTURES_REQUIRED e2e_report ENVIRONMENT TZ=UTC)
+endif()
+
 # config show / convert / check
 velqua_e2e(show_kx_tda 0 config show examples/kx-tda/kx-tda.cfg)
 velqua_e2e(show_norstar 0 config show examples/norstar/norstar.json)

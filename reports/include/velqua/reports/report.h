@@ -1,0 +1,83 @@
+// A report: a title, the period it covers and the switches of the store,
+// one or more tables of typed columns, and charts. Every output
+// form (output.h) is drawn from this one value, so the numbers of a PDF,
+// a spreadsheet and a CSV file are always the same numbers.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velqua_reports {
+
+enum class ColumnType {
+  kText,
+  kInteger,   // Cell::number
+  kDuration,  // Cell::number, seconds; shown h:mm:ss
+  kMoney,     // Cell::text, exact decimal ("-12.30") in Column::currency
+  kDate,      // Cell::text, "YYYY-MM-DD"
+  kDateTime,  // Cell::text, "YYYY-MM-DDTHH:MM[:SS]"
+};
+
+struct Column {
+  std::string heading;
+  ColumnType type = ColumnType::kText;
+  std::string currency;  // kMoney only: "EUR"
+};
+
+// A value of a table. `empty`: nothing to show (no ring time printed).
+struct Cell {
+  std::string text;
+  int64_t number = 0;
+  bool empty = false;
+
+  static Cell Text(std::string t) { return {std::move(t), 0, false}; }
+  static Cell Number(int64_t n) { return {"", n, false}; }
+  static Cell Empty() { return {"", 0, true}; }
+};
+
+struct Table {
+  std::string name;  // "Trunks": a heading, a sheet's name, a CSV section
+  std::vector<Column> columns;
+  std::vector<std::vector<Cell>> rows;
+  // A last row of totals, shown apart (bold, ruled) where the form allows.
+  std::optional<std::vector<Cell>> total;
+};
+
+// A chart drawn from numbers of the report. kLine and kArea: one value per
+// label on the horizontal axis; kArea also draws `limit` as a line across
+// (the lines a user has). kHeatmap: `grid` rows (row_labels) by columns
+// (labels), each cell shaded by its value. kBars: one bar per label.
+struct Chart {
+  enum class Kind { kLine, kArea, kBars, kHeatmap } kind = Kind::kLine;
+  std::string title;
+  std::string value_label;  // what the vertical axis counts ("calls")
+  std::vector<std::string> labels;
+  std::vector<int64_t> values;
+  std::optional<int64_t> limit;
+  std::string limit_label;  // "8 lines"
+  std::vector<std::string> row_labels;
+  std::vector<std::vector<int64_t>> grid;
+};
+
+struct Report {
+  std::string kind;                   // "trunks"
+  std::string title;                  // "Trunks"
+  std::string from, to;               // the period's first and last day, "YYYY-MM-DD"
+  std::vector<std::string> switches;  // the switches it covers
+  std::vector<std::string> notes;     // lines shown under the title ("8 lines stated")
+  std::vector<Table> tables;
+  std::vector<Chart> charts;
+};
+
+// "1:02:03" for 3723 seconds; "-0:00:05" for -5.
+std::string DurationText(int64_t seconds);
+
+// A cell as text in a column: integers as digits, durations h:mm:ss, money
+// as its decimal and the currency ("12.30 EUR"), the rest as is; "" when
+// empty. Dates and times as stored ("2026-03-09T08:03:12" with a space
+// instead of the T when `readable`).
+std::string CellText(const Column& column, const Cell& cell, bool readable);
+
+}  // namespace velqua_reports

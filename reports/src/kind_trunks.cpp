@@ -1,0 +1,123 @@
+// trunks: calls and talk time per trunk, and the lines in use per half hour
+// against the lines the user has.
+#include <algorithm>
+#include <map>
+
+#include "kinds_internal.h"
+#include "period.h"
+#include "velqua/store/aggregates.h"
+
+namespace velqua_reports {
+namespace {
+
+constexpr size_t kBusiest = 10;
+
+Table TrunkTable(const std::vector<velqua_store::CallCounts>& counts) {
+  Table t{"Trunks", {TextColumn("trunk"), IntColumn("calls"), DurationColumn("talk time")}, {}, {}};
+  int64_t calls = 0, seconds = 0;
+  for (const velqua_store::CallCounts& c : counts) {
+    t.rows.push_back({Cell::Text(c.key), Cell::Number(c.calls), Cell::Number(c.seconds)});
+    calls += c.calls;
+    seconds += c.seconds;
+  }
+  t.total = {Cell::Text("total"), Cell::Number(calls), Cell::Number(seconds)};
+  return t;
+}
+
+// The lines in use in every half hour of the period [first, end), slots
+// without a start or an end of a call at the level their predecessors left.
+std::vector<int64_t> PeakPerSlot(const std::vector<velqua_store::ChannelSlot>& slots, int64_t first,
+                                 int64_t end) {
+  std::vector<int64_t> peaks(static_cast<size_t>(end - first), 0);
+  int64_t level = 0;
+  size_t i = 0;
+  for (int64_t s = first; s < end; ++s) {
+    int64_t peak = level;
+    for (; i < slots.size() && slots[i].slot <= s; ++i) {
+      if (slots[i].slot == s) peak = slots[i].peak;
+      level += slots[i].change;
+    }
+    peaks[static_cast<size_t>(s - first)] = peak;
+  }
+  return peaks;
+}
+
+Table BusiestTable(const std::vector<int64_t>& peaks, int64_t first) {
+  std::vector<size_t> order(peaks.size());
+  for (size_t i = 0; i < order.size(); ++i) order[i] = i;
+  std::stable_sort(order.begin(), order.end(),
+                   [&](size_t a, size_t b) { return peaks[a] > peaks[b]; });
+  Table t{"Busiest half hours",
+          {{"half hour", ColumnType::kDateTime, ""}, IntColumn("lines in use")},
+          {},
+          {}};
+  for (size_t i = 0; i < order.size() && i < kBusiest && peaks[order[i]] > 0; ++i) {
+    std::string slot = SlotText(first + static_cast<int64_t>(order[i]));
+    slot[10] = 'T';
+    t.rows.push_back({Cell::Text(slot), Cell::Number(peaks[order[i]])});
+  }
+  return t;
+}
+
+Table LevelsTable(const std::vector<int64_t>& peaks) {
+  std::map<int64_t, int64_t> count;
+  for (int64_t p : peaks) ++count[p];
+  Table t{
+      "Half hours by lines in use", {TextColumn("lines in use"), IntColumn("half hours")}, {}, {}};
+  for (const auto& [level, n] : count)
+    t.rows.push_back({Cell::Text(std::to_string(level)), Cell::Number(n)});
+  t.total = {Cell::Text("total"), Cell::Number(static_cast<int64_t>(peaks.size()))};
+  return t;
+}
+
+// Lines in use per half hour; per day (the day's most) over a period
+// longer than a month, where half hours would be too thin to see.
+Chart LinesChart(const std::vector<int64_t>& peaks, int64_t first, int64_t lines) {
+  Chart c;
+  c.kind = Chart::Kind::kArea;
+  c.title = "Trunk lines in use";
+  c.value_label = "lines in use";
+  const bool by_day = peaks.size() > 31 * 48;
+  for (size_t i = 0; i < peaks.size(); ++i) {
+    const std::string slot = SlotText(first + static_cast<int64_t>(i));
+    if (!by_day) {
+      c.labels.push_back(slot);
+      c.values.push_back(peaks[i]);
+    } else if (i % 48 == 0) {
+      c.labels.push_back(slot.substr(0, 10));
+      c.values.push_back(peaks[i]);
+    } else {
+      c.values.back() = std::max(c.values.back(), peaks[i]);
+    }
+  }
+  if (lines > 0) {
+    c.limit = lines;
+    c.limit_label = std::to_string(lines) + " lines";
+  }
+  return c;
+}
+
+}  // namespace
+
+void BuildTrunks(velqua_store::Store& store, const Request& request, Report& report) {
+  const velqua_store::Span span = SpanOf(request.from, request.to, request.switch_name);
+  report.tables.push_back(
+      TrunkTable(velqua_store::CountCallsBy(store, span, velqua_store::CallGroup::kTrunk)));
+  const int64_t first = DayNumber(span.from, "--from") * 48;
+  const int64_t end = DayNumber(span.to_next, "--to") * 48;
+  const std::vector<int64_t> peaks =
+      PeakPerSlot(velqua_store::ChannelsInUse(store, span), first, end);
+  const int64_t most = peaks.empty() ? 0 : *std::max_element(peaks.begin(), peaks.end());
+  report.notes.push_back("Most trunk lines in use at once: " + std::to_string(most));
+  if (request.lines > 0) {
+    const auto full =
+        std::count_if(peaks.begin(), peaks.end(), [&](int64_t p) { return p >= request.lines; });
+    report.notes.push_back("Half hours with all " + std::to_string(request.lines) +
+                           " lines in use: " + std::to_string(full));
+  }
+  report.tables.push_back(BusiestTable(peaks, first));
+  report.tables.push_back(LevelsTable(peaks));
+  report.charts.push_back(LinesChart(peaks, first, request.lines));
+}
+
+}  // namespace velqua_reports

@@ -1,0 +1,224 @@
+// The aggregates of reports, in the SQL both engines share; the few
+// expressions they spell differently (seconds since 1970, the weekday) come
+// from Dialect. Grouped rows are sorted here by their key's bytes, so that
+// both engines give them in one order.
+#include "velqua/store/aggregates.h"
+
+#include <date/date.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <map>
+#include <tuple>
+
+#include "sql_store.h"
+
+namespace velqua_store {
+namespace {
+
+Connection& ConnectionOf(Store& store) {
+  auto* sql = dynamic_cast<SqlStore*>(&store);
+  if (sql == nullptr) throw StoreError("database '" + store.name() + "': no SQL engine");
+  return sql->connection();
+}
+
+struct Dialect {
+  bool pg = false;
+  explicit Dialect(Connection& db) : pg(std::string(db.engine()) == "postgresql") {}
+
+  // Seconds since 1970-01-01T00:00 of a stored local time, as if it were UTC.
+  std::string Epoch(const std::string& column) const {
+    return pg ? "CAST(extract(epoch FROM CAST(" + column + " AS timestamp)) AS bigint)"
+              : "CAST(strftime('%s', " + column + ") AS INTEGER)";
+  }
+  std::string Weekday(const std::string& column) const {
+    return pg ? "CAST(CAST(extract(dow FROM CAST(" + column + " AS timestamp)) AS integer) AS text)"
+              : "strftime('%w', " + column + ")";
+  }
+};
+
+// Days since 1970 of the "YYYY-MM-DD" that `text` starts with.
+int64_t DayOf(const std::string& text) {
+  int y = 0;
+  unsigned m = 0, d = 0;
+  if (std::sscanf(text.c_str(), "%d-%u-%u", &y, &m, &d) != 3) return 0;
+  return date::sys_days{date::year{y} / date::month{m} / date::day{d}}.time_since_epoch().count();
+}
+
+// Whether SQLite should read the whole table rather than the span through
+// the index on the start: when the span covers more than a quarter of the
+// days the store's calls span. Reading a large share of the calls through
+// the index costs a random read per call, several times the sequential
+// read of the whole table (PostgreSQL's planner weighs this itself, from
+// its statistics).
+bool ScanWhole(Connection& db, const Dialect& d, const Span& span) {
+  if (d.pg) return false;
+  int64_t first = 0, last = 0;
+  db.Run("SELECT (SELECT min(start) FROM calls), (SELECT max(start) FROM calls)", {},
+         [&](const ResultRow& r) {
+           if (r.IsNull(0)) return;
+           first = DayOf(r.Text(0));
+           last = DayOf(r.Text(1));
+         });
+  const int64_t stored = last - first + 1, asked = DayOf(span.to_next) - DayOf(span.from);
+  return last > 0 && asked * 4 > stored;
+}
+
+// The WHERE clause of a span, its parameters appended to `params`. SQLite
+// reads the span through the index on the start unless `scan` (a unary +
+// keeps its planner off an index).
+std::string SpanWhere(const Span& span, std::vector<Value>* params, bool scan = false) {
+  params->push_back(span.from);
+  params->push_back(span.to_next);
+  std::string sql =
+      scan ? " WHERE +c.start >= $1 AND +c.start < $2" : " WHERE c.start >= $1 AND c.start < $2";
+  if (!span.switch_name.empty()) {
+    params->push_back(span.switch_name);
+    sql += " AND c.switch_id = (SELECT id FROM switches WHERE name = $3)";
+  }
+  return sql;
+}
+
+// The group's key expression and the condition it adds to the WHERE clause.
+std::pair<std::string, std::string> GroupKey(const Dialect& d, CallGroup group) {
+  const std::string timed = " AND length(c.start) >= 16";
+  switch (group) {
+    case CallGroup::kExtension:
+      return {"coalesce(c.extension, '')", ""};
+    case CallGroup::kTrunk:
+      return {"c.trunk", " AND c.trunk IS NOT NULL"};
+    case CallGroup::kDay:
+      return {"substr(c.start, 1, 10)", ""};
+    case CallGroup::kHour:
+      return {"substr(c.start, 12, 2)", timed};
+    case CallGroup::kWeekdayHour:
+      return {d.Weekday("c.start") + " || ' ' || substr(c.start, 12, 2)", timed};
+  }
+  return {"''", ""};
+}
+
+template <typename Row>
+void SortByKey(std::vector<Row>* rows) {
+  std::sort(rows->begin(), rows->end(), [](const Row& a, const Row& b) { return a.key < b.key; });
+}
+
+constexpr const char* kMissed = " AND c.type = 1 AND c.attribute = 4";
+
+// The condition "never called back" on a missed call `c`; its window is
+// parameter $n.
+std::string NotCalledBack(const Dialect& d, size_t n) {
+  return " AND c.dialled IS NOT NULL AND NOT EXISTS (SELECT 1 FROM calls o"
+         " WHERE o.switch_id = c.switch_id AND o.type IN (2, 5) AND o.dialled = c.dialled"
+         " AND o.start >= c.start AND " +
+         d.Epoch("o.start") + " <= " + d.Epoch("c.start") + " + $" + std::to_string(n) + ")";
+}
+
+}  // namespace
+
+std::vector<CallCounts> CountCallsBy(Store& store, const Span& span, CallGroup group) {
+  Connection& db = ConnectionOf(store);
+  const auto [key, extra] = GroupKey(Dialect(db), group);
+  std::vector<Value> params;
+  const std::string where = SpanWhere(span, &params, ScanWhole(db, Dialect(db), span));
+  std::vector<CallCounts> rows;
+  db.Run("SELECT " + key +
+             ", count(*), coalesce(sum(c.duration), 0),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type IN (2, 5) THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type = 1 THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type = 3 THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute = 4 THEN 1 ELSE 0 END) FROM calls c" +
+             where + extra + " GROUP BY " + key,
+         params, [&](const ResultRow& r) {
+           rows.push_back({r.Text(0), r.Int(1), r.Int(2), r.Int(3), r.Int(4), r.Int(5), r.Int(6)});
+         });
+  SortByKey(&rows);
+  return rows;
+}
+
+std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGroup group) {
+  Connection& db = ConnectionOf(store);
+  const Dialect dialect(db);
+  const auto [key, extra] = GroupKey(dialect, group);
+  std::vector<Value> params;
+  const std::string where =
+      SpanWhere(span, &params, ScanWhole(db, dialect, span)) + extra + kMissed;
+  std::map<std::string, MissedCounts> by_key;
+  db.Run("SELECT " + key + ", count(*), count(c.ring), coalesce(sum(c.ring), 0) FROM calls c" +
+             where + " GROUP BY " + key,
+         params, [&](const ResultRow& r) {
+           MissedCounts& m = by_key[r.Text(0)];
+           m.key = r.Text(0);
+           m.missed = r.Int(1);
+           m.ring_calls = r.Int(2);
+           m.ring_seconds = r.Int(3);
+         });
+  // The 90th percentile by nearest rank: the ring time at rank ceil(0.9 n).
+  db.Run("SELECT k, ring FROM (SELECT " + key + " AS k, c.ring AS ring, row_number() OVER " +
+             "(PARTITION BY " + key + " ORDER BY c.ring) AS rn, count(*) OVER (PARTITION BY " +
+             key + ") AS n FROM calls c" + where +
+             " AND c.ring IS NOT NULL) r WHERE rn = (9 * n + 9) / 10",
+         params, [&](const ResultRow& r) { by_key[r.Text(0)].ring_p90 = r.Int(1); });
+  std::vector<MissedCounts> rows;
+  for (auto& [k, m] : by_key) rows.push_back(std::move(m));
+  SortByKey(&rows);
+  return rows;
+}
+
+std::vector<MissedCall> MissedNotCalledBack(Store& store, const Span& span,
+                                            int64_t callback_seconds) {
+  Connection& db = ConnectionOf(store);
+  std::vector<Value> params;
+  std::string where = SpanWhere(span, &params, ScanWhole(db, Dialect(db), span)) + kMissed;
+  params.emplace_back(callback_seconds);
+  where += NotCalledBack(Dialect(db), params.size());
+  std::vector<MissedCall> rows;
+  db.Run(
+      "SELECT c.start, coalesce(c.extension, ''), c.dialled, coalesce(c.ring, -1)"
+      " FROM calls c" +
+          where,
+      params, [&](const ResultRow& r) {
+        rows.push_back({r.Text(0), r.Text(1), r.Text(2), r.Int(3)});
+      });
+  std::sort(rows.begin(), rows.end(), [](const MissedCall& a, const MissedCall& b) {
+    return std::tie(a.start, a.extension, a.number) < std::tie(b.start, b.extension, b.number);
+  });
+  return rows;
+}
+
+std::vector<ChannelSlot> ChannelsInUse(Store& store, const Span& span) {
+  Connection& db = ConnectionOf(store);
+  const Dialect d(db);
+  std::vector<Value> params;
+  const std::string where = SpanWhere(span, &params, ScanWhole(db, d, span));
+  const std::string length = "coalesce(c.ring, 0) + coalesce(c.duration, 0)";
+  // Events at one second are summed first: a line freed and taken again at
+  // once is one line in use, and a level counts only whole seconds.
+  const std::string sql =
+      "WITH held AS (SELECT " + d.Epoch("c.start") + " AS t, " + length + " AS len FROM calls c" +
+      where + " AND c.trunk IS NOT NULL AND length(c.start) >= 16 AND " + length +
+      " > 0), ev AS (SELECT t, 1 AS d FROM held UNION ALL SELECT t + len, -1 FROM held),"
+      " net AS (SELECT t, sum(d) AS d FROM ev GROUP BY t),"
+      " run AS (SELECT t, d, sum(d) OVER (ORDER BY t ROWS UNBOUNDED PRECEDING) AS level"
+      " FROM net) SELECT t / 1800, max(level), sum(d), min(t) FROM run GROUP BY t / 1800"
+      " ORDER BY 1";
+  std::vector<ChannelSlot> slots;
+  int64_t level = 0;  // calls in progress at the start of the slot at hand
+  db.Run(sql, params, [&](const ResultRow& r) {
+    // The level carried in holds at the slot's start unless a call starts
+    // or ends at that very second.
+    const bool carried = r.Int(3) > r.Int(0) * 1800;
+    slots.push_back({r.Int(0), std::max(carried ? level : 0, r.Int(1)), r.Int(2)});
+    level += r.Int(2);
+  });
+  return slots;
+}
+
+std::vector<std::string> SwitchNames(Store& store) {
+  std::vector<std::string> names;
+  ConnectionOf(store).Run("SELECT name FROM switches", {},
+                          [&](const ResultRow& r) { names.push_back(r.Text(0)); });
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+}  // namespace velqua_store
