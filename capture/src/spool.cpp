@@ -351,7 +351,15 @@ bool SpoolReader::Next(int64_t limit, SpoolEntry* entry) {
     if (fd_ < 0 && !OpenNextSegment()) return false;
     if (ReadRecord(limit, entry)) {
       if (entry->position >= from_) return true;
-      continue;
+      // The data record holding `from` (a record the framer had open when
+      // the replay position was written): its bytes from there on.
+      const int64_t end = entry->data_position + static_cast<int64_t>(entry->bytes.size());
+      if (entry->kind != SpoolKind::kData || from_ < entry->data_position || from_ >= end) {
+        continue;
+      }
+      entry->bytes.erase(0, static_cast<size_t>(from_ - entry->data_position));
+      entry->data_position = from_;
+      return true;
     }
     // At the end of what may be read: a later segment can hold a record only
     // when the writer has completed one past this segment's end (checked

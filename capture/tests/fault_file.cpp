@@ -42,6 +42,9 @@ int RunFileFaults(const Options& o) {
     written = true;
   });
   auto service = StartService(config, dir);
+  // A service that never ran starts at the file as it finds it (the files
+  // rotated before are not its business): the first run must have found it.
+  WaitFor([&] { return fs::exists(dir + "/spool/follow-log"); });
   std::mt19937_64 random(std::random_device{}());
   const double seconds = static_cast<double>(o.records) / static_cast<double>(o.rate);
   const double slot = 0.9 * seconds / std::max(1, o.kills);

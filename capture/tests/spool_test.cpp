@@ -71,6 +71,15 @@ TEST(Spool, RecordsReadBackInOrderFromAnyPositionAcrossSegments) {
       EXPECT_EQ(ReadAll(dir, positions[i - 1] + 1).size(), all.size() - i);
     }
   }
+  // From a byte inside a data record (where a record the framer held open
+  // began): that record's bytes from there on, then the rest.
+  for (const int64_t into : {0, 3}) {
+    SCOPED_TRACE(into);
+    const std::vector<SpoolEntry> tail = ReadAll(dir, all[4].data_position + into);
+    ASSERT_EQ(tail.size(), all.size() - 4);
+    EXPECT_EQ(tail[0].bytes, std::string("chunk2").substr(static_cast<size_t>(into)));
+    EXPECT_EQ(tail[0].data_position, all[4].data_position + into);
+  }
   // Only what the writer has completed is read.
   EXPECT_EQ(ReadAll(dir, 0, nullptr, positions[3]).size(), 3u);
 }

@@ -130,7 +130,8 @@ class SpoolReader {
   // here; the rest of that segment is skipped.
   using Log = std::function<void(const std::string&)>;
 
-  // Starts at the first record at or after `from`.
+  // Starts at `from`: the first record at or after it, or, when `from` falls
+  // inside a data record's bytes, that record's bytes from `from` on.
   SpoolReader(std::string dir, int64_t from, Log log);
   ~SpoolReader();
   SpoolReader(const SpoolReader&) = delete;
