@@ -13,6 +13,8 @@ PACKAGES=(build-essential cmake g++ clang libgtest-dev libbenchmark-dev libcairo
           libsqlite3-dev libpq-dev libhowardhinnant-date-dev tzdata postgresql
           # the capture service: Asio (sources), toml++ (its configuration), zlib (spool checksums)
           libasio-dev libtomlplusplus-dev zlib1g-dev
+          # its Prometheus metrics (HTTP); the package's manual pages (from --help)
+          libcpp-httplib-dev help2man
           # reports: spreadsheets, mail; their tests read PDFs and spreadsheets back
           libxlsxwriter-dev libcurl4-openssl-dev poppler-utils python3-openpyxl)
 missing=()

@@ -205,6 +205,8 @@ void Pipeline::Loop() {
     }
     if (pending_rows_ > 0 || EventsReady()) Retry([this] { Commit(); });
     for (auto& [name, s] : streams_) ReportDropped(*s);
+    const int64_t end = published_.load();
+    board_.Progress(end, caught_up ? end : processed_end_, caught_up);  // for the metrics
     if (caught_up) {
       std::unique_lock<std::mutex> lock(mutex_);
       if (stop_) return;

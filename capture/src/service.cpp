@@ -10,6 +10,7 @@
 
 #include "pipeline.h"
 #include "spooler.h"
+#include "velqua/capture/metrics.h"
 #include "velqua/capture/source.h"
 
 namespace velqua_capture {
@@ -37,6 +38,15 @@ std::string Fingerprint(const SwitchSettings& sw, const SourceSettings& s) {
   return f.str();
 }
 
+// The configured sources and their switches, for the metrics.
+std::vector<std::pair<std::string, std::string>> SourcesOf(const ServiceSettings& settings) {
+  std::vector<std::pair<std::string, std::string>> sources;
+  for (const SwitchSettings& sw : settings.switches) {
+    for (const SourceSettings& s : sw.sources) sources.emplace_back(s.name, sw.name);
+  }
+  return sources;
+}
+
 }  // namespace
 
 class Service::Impl {
@@ -61,6 +71,7 @@ class Service::Impl {
     }
     log_.Info("started: " + std::to_string(settings_.switches.size()) + " switch(es), spool " +
               settings_.spool + ", store " + settings_.store);
+    StartMetrics();
     pipeline_.Start();
     StartSources();
     signals_.add(SIGINT);
@@ -91,6 +102,21 @@ class Service::Impl {
       }
       Shutdown(signal == SIGINT ? "SIGINT" : "SIGTERM");
     });
+  }
+
+  // Metrics are for watching: a port that cannot be had is logged, and the
+  // records are captured all the same.
+  void StartMetrics() {
+    if (settings_.metrics_port == 0) return;
+    try {
+      metrics_ = std::make_unique<MetricsServer>(settings_.metrics_host, settings_.metrics_port,
+                                                 board_, NowMicros());
+      metrics_->Configure(SourcesOf(settings_));
+      log_.Info("metrics: http://" + settings_.metrics_host + ":" +
+                std::to_string(settings_.metrics_port) + "/metrics");
+    } catch (const std::exception& e) {
+      log_.Error(std::string(e.what()) + "; capturing without metrics");
+    }
   }
 
   void StartSources() {
@@ -132,11 +158,14 @@ class Service::Impl {
       return;
     }
     if (next.store != settings_.store || next.spool != settings_.spool ||
-        next.fsync != settings_.fsync) {
-      log_.Warn("reload: store, spool and fsync changes take effect on restart");
+        next.fsync != settings_.fsync || next.metrics_host != settings_.metrics_host ||
+        next.metrics_port != settings_.metrics_port) {
+      log_.Warn("reload: store, spool, fsync and metrics changes take effect on restart");
       next.store = settings_.store;
       next.spool = settings_.spool;
       next.fsync = settings_.fsync;
+      next.metrics_host = settings_.metrics_host;
+      next.metrics_port = settings_.metrics_port;
     }
     std::map<std::string, std::string> wanted;
     for (const SwitchSettings& sw : next.switches) {
@@ -155,6 +184,7 @@ class Service::Impl {
     }
     pipeline_.Reload(next);
     spooler_.Configure(next);
+    if (metrics_) metrics_->Configure(SourcesOf(next));
     settings_ = next;
     int started = 0;
     for (const SwitchSettings& sw : settings_.switches) {
@@ -180,6 +210,7 @@ class Service::Impl {
   bool shutting_down_ = false;
   bool stopping_ = false;
   Clock::time_point stop_time_;
+  std::unique_ptr<MetricsServer> metrics_;  // reads board_: goes first
 };
 
 Service::Service(ServiceSettings settings, Logger& log)

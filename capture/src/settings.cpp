@@ -6,6 +6,7 @@
 #include <set>
 
 #include "allow_list.h"
+#include "velqua/capture/metrics.h"
 #include "velqua/error.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
@@ -367,7 +368,7 @@ ServiceSettings ParseSettings(std::string_view text, const std::string& path) {
                         std::string(e.description()));
   }
   const Reader r(path, root, "");
-  r.OnlyKeys({"store", "spool", "fsync", "fsync_interval", "silence_warning", "switch"},
+  r.OnlyKeys({"store", "spool", "fsync", "fsync_interval", "silence_warning", "metrics", "switch"},
              "the service's configuration");
   ServiceSettings s;
   s.file = path;
@@ -384,6 +385,14 @@ ServiceSettings ParseSettings(std::string_view text, const std::string& path) {
                                    {"never", FsyncPolicy::kNever}});
   s.fsync_interval = r.Duration("fsync_interval", s.fsync_interval);
   s.silence = r.Duration("silence_warning", s.silence);
+  if (const std::string metrics = r.String("metrics", "", false); !metrics.empty()) {
+    if (!ParseMetricsAddress(metrics, &s.metrics_host, &s.metrics_port)) {
+      r.Fail("metrics",
+             "\"" + metrics +
+                 "\" is not a loopback port: \"9465\", \"127.0.0.1:9465\" or \"[::1]:9465\" (the "
+                 "metrics are served to this host only)");
+    }
+  }
   std::set<std::string> switches;
   std::set<std::string> sources;
   for (const Reader& sw : r.Tables("switch"))

@@ -2,6 +2,7 @@
 
 #include <signal.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
@@ -117,7 +118,9 @@ ServiceState ReadServiceState(const ServiceSettings& settings) {
   state.file = StatusFilePath(settings.spool);
   state.found =
       ReadStatusFile(state.file, &state.pid, &state.started_us, &state.written_us, &state.streams);
-  state.running = state.found && ::kill(state.pid, 0) == 0;
+  // A process of another user (the service's own) may not be signalled by
+  // a monitoring user, but is there all the same.
+  state.running = state.found && (::kill(state.pid, 0) == 0 || errno == EPERM);
   std::set<std::string> named;
   for (const StreamStatus& s : state.streams) named.insert(s.source);
   for (const SwitchSettings& sw : settings.switches) {

@@ -20,7 +20,7 @@ class TableWriter : public CallWriter {
   explicit TableWriter(std::FILE* out)
       : out_(out),
         table_({"start", "switch", "type", "attribute", "dur", "ring", "dialled", "ext", "trunk",
-                "rx ext", "rx trunk", "account", "note"},
+                "rx ext", "rx trunk", "account", "cost", "destination", "charged to", "note"},
                {false, false, false, false, true, true}) {}  // the two durations: numbers
 
   void Write(const StoredCall& c) override {
@@ -32,6 +32,10 @@ class TableWriter : public CallWriter {
         c.duration ? std::to_string(*c.duration) : "",
         c.ring ? std::to_string(*c.ring) : ""};
     for (size_t i = 0; i < 6; ++i) cells.push_back(Texts(c, i)->value_or(""));
+    // No cost with a reason: the call could not be priced, and says why.
+    cells.push_back(c.cost ? *c.cost + ' ' + c.currency.value_or("") : c.cost_reason ? "-" : "");
+    cells.push_back(c.cost || !c.cost_reason ? c.destination.value_or("") : *c.cost_reason);
+    cells.push_back(c.person.value_or(c.client.value_or("")));
     if (c.extension_random) {
       cells.push_back(c.extension ? "random extension" : "account code not in the extension list");
     }

@@ -26,7 +26,8 @@ class CsvWriter : public CallWriter {
     out_.text() =
         "switch,source,position,type,type_name,attribute,attribute_name,start,start_utc,"
         "duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,"
-        "account_code,extension_random,received_utc,raw\r\n";
+        "account_code,extension_random,received_utc,raw,cost,currency,destination,"
+        "destination_class,cost_reason,person,department,cost_centre,client,project\r\n";
   }
   void Write(const StoredCall& c) override {
     std::string& b = out_.text();
@@ -47,6 +48,12 @@ class CsvWriter : public CallWriter {
     b += c.extension_random ? ",1," : ",0,";
     b += c.received_utc + ',';
     velqua_records::AppendCsvField(b, c.raw);
+    for (const auto* price :
+         {&c.cost, &c.currency, &c.destination, &c.destination_class, &c.cost_reason, &c.person,
+          &c.department, &c.cost_centre, &c.client, &c.project}) {
+      b += ',';
+      velqua_records::AppendCsvField(b, price->value_or(""));
+    }
     b += "\r\n";
     out_.MaybeFlush();
   }
@@ -103,6 +110,16 @@ class JsonlWriter : public CallWriter {
     b += c.extension_random ? ",\"extension_random\":true" : ",\"extension_random\":false";
     JsonMember(b, "received_utc", c.received_utc);
     JsonMember(b, "raw", c.raw);
+    JsonMember(b, "cost", c.cost);
+    JsonMember(b, "currency", c.currency);
+    JsonMember(b, "destination", c.destination);
+    JsonMember(b, "destination_class", c.destination_class);
+    JsonMember(b, "cost_reason", c.cost_reason);
+    JsonMember(b, "person", c.person);
+    JsonMember(b, "department", c.department);
+    JsonMember(b, "cost_centre", c.cost_centre);
+    JsonMember(b, "client", c.client);
+    JsonMember(b, "project", c.project);
     b += "}\n";
     out_.MaybeFlush();
   }

@@ -1,4 +1,9 @@
 // Opening a store by its URL, and the small helpers of the store's callers.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <memory>
@@ -24,6 +29,18 @@ std::string WithoutPassword(const std::string& url) {
   return url.substr(0, colon) + url.substr(at);
 }
 
+// A new SQLite file is made here, readable and writable by its owner and
+// readable by its group only: it holds who called whom. SQLite gives its
+// journal and write-ahead log the database file's mode.
+void CreateSqliteFile(const std::string& path) {
+  const int fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0640);
+  if (fd >= 0) {
+    ::close(fd);
+  } else if (errno != EEXIST) {
+    throw StoreError("database '" + path + "': cannot create: " + std::strerror(errno));
+  }
+}
+
 }  // namespace
 
 bool IsPostgresUrl(const std::string& url) {
@@ -43,8 +60,9 @@ std::unique_ptr<Store> OpenStore(const std::string& url, bool create) {
   }
   const std::string path = StartsWith(url, "sqlite:") ? url.substr(7) : url;
   if (path.empty()) throw StoreError("database '" + url + "': no file name");
-  if (!create && !std::filesystem::exists(path)) {
-    throw StoreError("database '" + path + "' does not exist");
+  if (!std::filesystem::exists(path)) {
+    if (!create) throw StoreError("database '" + path + "' does not exist");
+    CreateSqliteFile(path);
   }
   return std::make_unique<SqlStore>(ConnectSqlite(path, path), path);
 }

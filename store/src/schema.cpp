@@ -84,6 +84,50 @@ LEFT JOIN call_types t ON t.value = c.type
 LEFT JOIN call_attributes a ON a.value = c.attribute
 )";
 
+// Version 2: rating. A call's price sits beside it, keyed as the call is
+// (source and position), so that writing calls stays as it was and pricing
+// again is an upsert; the rating plan and its tariffs are kept as their
+// texts (every writer prices with the same ones); a run of velqua rate
+// notes how far it came; the directory names extensions and account codes
+// (from_day '' = always).
+constexpr const char* kVersion2 = R"(
+CREATE TABLE call_costs (
+  source_id BIGINT NOT NULL REFERENCES sources (id),
+  position BIGINT NOT NULL,
+  cost {text},
+  currency {text},
+  destination {text},
+  destination_class {text},
+  band {text},
+  tariff {text},
+  tariff_version {text},
+  reason {text},
+  PRIMARY KEY (source_id, position)
+){without_rowid};
+CREATE TABLE rating_files (
+  name {text} PRIMARY KEY,
+  kind {text} NOT NULL,
+  content {text} NOT NULL,
+  stamp {text} NOT NULL,
+  loaded_utc {text} NOT NULL
+);
+CREATE TABLE rating_progress (
+  run {text} PRIMARY KEY,
+  last_id BIGINT NOT NULL
+);
+CREATE TABLE directory (
+  kind {text} NOT NULL,
+  entry_key {text} NOT NULL,
+  from_day {text} NOT NULL,
+  person {text},
+  department {text},
+  cost_centre {text},
+  client {text},
+  project {text},
+  PRIMARY KEY (kind, entry_key, from_day)
+)
+)";
+
 // The indexes of the queries people run: by time, by extension or trunk
 // over time, by number dialled, by account code (most calls have none).
 constexpr const char* kQueryIndexNames[] = {"calls_start",        "calls_extension_start",
@@ -134,6 +178,11 @@ void Apply(Connection& db, int version) {
     db.Script(ForEngine(IsPostgres(db), kVersion1));
     db.Script(ForEngine(IsPostgres(db), kQueryIndexes));
     FillLookups(db);
+  } else if (version == 2) {
+    // In SQLite the costs are their key's B-tree alone, not a table and an
+    // index: writing a price is then one insertion, not two.
+    db.Script(Replace(ForEngine(IsPostgres(db), kVersion2), "{without_rowid}",
+                      IsPostgres(db) ? "" : " WITHOUT ROWID"));
   }
 }
 

@@ -15,6 +15,8 @@
 
 namespace velqua_store {
 
+struct CostRow;
+
 // A statement parameter: NULL, an integer or a text.
 struct Value {
   enum Kind { kNull, kInt, kText } kind = kNull;
@@ -69,6 +71,9 @@ class Connection {
   // PostgreSQL).
   virtual void InsertCalls(const CallValues* rows, size_t n) = 0;
   virtual void InsertUnrecognised(const CallValues* rows, size_t n) = 0;
+  // Writes the prices of calls (insert, or replace the price a call had):
+  // by default multi-row upserts through Run (call_pricing.cpp).
+  virtual void UpsertCosts(const CostRow* rows, size_t n);
 
   // After the schema is up to date: puts back what a bulk load that died
   // left undone (SQLite: its query indexes), unless one is running now.

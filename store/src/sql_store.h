@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "call_pricing.h"
 #include "sql.h"
 #include "values.h"
 #include "velqua/store/store.h"
@@ -45,8 +46,13 @@ class SqlStore : public Store {
   int64_t LastStoredId(const std::string& switch_name, bool calls) override;
   RewriteResult Rewrite(const std::string& switch_name, const std::vector<Retranslated>& records,
                         bool dry_run) override;
+  PurgeResult Purge(const PurgeFilter& filter, bool dry_run) override;
   void BeginBulk(int64_t records) override;
   void EndBulk() override;
+  int64_t PutRatingPlan(const std::string& path) override;
+  RateResult Rate(const RatePeriod& period, const std::function<void(int64_t)>& progress) override;
+  int64_t PutDirectory(const std::vector<velqua_rating::DirectoryEntry>& entries) override;
+  std::vector<velqua_rating::DirectoryEntry> ListDirectory() override;
 
   // The engine's connection, for the read-only aggregates (aggregates.cpp).
   Connection& connection() { return *db_; }
@@ -68,9 +74,23 @@ class SqlStore : public Store {
     return pool[n];
   }
 
+  // Rating (rating_store.cpp): the stored plan, loaded again when its stamp
+  // changes (another program stored a new one); false when none is stored.
+  bool RefreshPlan();
+  // Prices the calls just inserted into call_costs, in the same transaction.
+  void PriceCalls(const Source& source, const CallValues* calls, size_t n);
+
   std::unique_ptr<Connection> db_;
   std::map<int64_t, Zone> zones_;  // by switch id
   std::vector<CallValues> calls_, unrecognised_;
+  std::unique_ptr<velqua_rating::RatingPlan> plan_;
+  std::unique_ptr<velqua_rating::Rater> rater_;
+  std::string plan_stamp_;
+  std::vector<CostRow> costs_;
 };
+
+// The WHERE clause of a call filter over `calls c`, its parameters appended
+// to `params` (sql_store_read.cpp).
+std::string CallWhere(const CallFilter& filter, std::vector<Value>* params);
 
 }  // namespace velqua_store

@@ -113,6 +113,16 @@ std::optional<int64_t> OptionalInt(const ResultRow& r, int column) {
   return r.Int(column);
 }
 
+// The directory's `column` for the call's `key` (an extension or account
+// code) as in force on the call's start date: the row of the latest date
+// not after it, a row without a date (always) otherwise.
+std::string DirectoryColumn(const char* kind, const char* key, const char* column) {
+  return std::string("(SELECT d.") + column + " FROM directory d WHERE d.kind = '" + kind +
+         "' AND d.entry_key = " + key +
+         " AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) "
+         "ORDER BY d.from_day DESC LIMIT 1)";
+}
+
 StoredCall ReadCall(const ResultRow& r) {
   StoredCall c;
   c.switch_name = r.Text(0);
@@ -131,6 +141,12 @@ StoredCall ReadCall(const ResultRow& r) {
   c.extension_random = r.Int(15) != 0;
   c.raw = r.Text(16);
   c.received_utc = r.Text(17);
+  std::optional<std::string>* price[] = {&c.cost, &c.currency, &c.destination, &c.destination_class,
+                                         &c.cost_reason};
+  for (int i = 0; i < 5; ++i) *price[i] = OptionalText(r, 18 + i);
+  std::optional<std::string>* names[] = {&c.person, &c.department, &c.cost_centre, &c.client,
+                                         &c.project};
+  for (int i = 0; i < 5; ++i) *names[i] = OptionalText(r, 23 + i);
   return c;
 }
 
@@ -142,9 +158,19 @@ void SqlStore::ListCalls(const CallFilter& filter,
   std::string sql =
       "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, c.duration, "
       "c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, c.receiving_trunk, "
-      "c.account_code, c.extension_random, c.raw, c.received_utc FROM calls c "
-      "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id" +
-      Where(filter, &params) + " ORDER BY c.start NULLS FIRST, w.name, s.name, c.position";
+      "c.account_code, c.extension_random, c.raw, c.received_utc, k.cost, k.currency, "
+      "k.destination, k.destination_class, k.reason, " +
+      DirectoryColumn("extension", "c.extension", "person") + ", " +
+      DirectoryColumn("extension", "c.extension", "department") + ", " +
+      DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
+      DirectoryColumn("account", "c.account_code", "client") + ", " +
+      DirectoryColumn("account", "c.account_code", "project") +
+      " FROM calls c "
+      "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
+      "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position" +
+      Where(filter, &params) +
+      (filter.unpriced ? " AND k.reason IS NOT NULL AND k.cost IS NULL" : "") +
+      " ORDER BY c.start NULLS FIRST, w.name, s.name, c.position";
   if (filter.limit > 0) {
     params.emplace_back(filter.limit);
     sql += " LIMIT $" + std::to_string(params.size());
@@ -302,6 +328,10 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
   db_->InsertCalls(calls_.data(), n_calls);
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
   return result;
+}
+
+std::string CallWhere(const CallFilter& filter, std::vector<Value>* params) {
+  return Where(filter, params);
 }
 
 }  // namespace velqua_store

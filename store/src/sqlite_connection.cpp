@@ -10,6 +10,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "call_pricing.h"
 #include "engines.h"
 #include "schema.h"
 #include "sql.h"
@@ -128,6 +129,22 @@ class SqliteConnection : public Connection {
       for (int i = 0; i < 6; ++i) BindText(stmt, 12 + i, v->texts[static_cast<size_t>(i)]);
       sqlite3_bind_int(stmt, 18, v->extension_random ? 1 : 0);
       Step(stmt, nullptr);
+    }
+  }
+
+  // One row a statement: SQLite looks "$n" parameters up by name, so a
+  // statement of many rows costs time growing with the square of their number.
+  void UpsertCosts(const CostRow* rows, size_t n) override {
+    if (costs_ == nullptr) costs_ = Prepare(UpsertCostsSql(1));
+    for (const CostRow* r = rows; r != rows + n; ++r) {
+      sqlite3_bind_int64(costs_, 1, r->source_id);
+      sqlite3_bind_int64(costs_, 2, r->position);
+      if (r->cost) BindText(costs_, 3, *r->cost);
+      const std::string* texts[] = {&r->currency, &r->destination, &r->destination_class,
+                                    &r->band,     &r->tariff,      &r->tariff_version,
+                                    &r->reason};
+      for (int i = 0; i < 7; ++i) BindText(costs_, 4 + i, *texts[i]);
+      Step(costs_, nullptr);
     }
   }
 
@@ -260,6 +277,7 @@ class SqliteConnection : public Connection {
   int bulk_lock_ = -1;
   sqlite3* db_ = nullptr;
   std::unordered_map<std::string, Statement> statements_;
+  sqlite3_stmt* costs_ = nullptr;  // the upsert of one price, held in statements_
 };
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "schema.h"
 #include "store_test_support.h"
 
 namespace velqua_store {
@@ -144,11 +145,11 @@ TEST_P(StoreTest, ASchemaNewerThanTheProgramIsRefused) {
   if (GetParam() == Engine::kSqlite) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);
-    sqlite3_exec(db, "PRAGMA user_version = 2", nullptr, nullptr, nullptr);
+    sqlite3_exec(db, "PRAGMA user_version = 99", nullptr, nullptr, nullptr);
     sqlite3_close(db);
   } else {
     PGconn* db = PQconnectdb(url_.c_str());
-    PQclear(PQexec(db, "INSERT INTO schema_migrations VALUES (2, 'later')"));
+    PQclear(PQexec(db, "INSERT INTO schema_migrations VALUES (99, 'later')"));
     PQfinish(db);
   }
   try {
@@ -156,9 +157,60 @@ TEST_P(StoreTest, ASchemaNewerThanTheProgramIsRefused) {
     FAIL() << "opened";
   } catch (const StoreError& e) {
     EXPECT_EQ(std::string(e.what()), "database '" + url_ +
-                                         "' has schema version 2, newer than this program's (1): "
-                                         "use a newer velqua");
+                                         "' has schema version 99, newer than this program's (" +
+                                         std::to_string(kSchemaVersion) + "): use a newer velqua");
   }
+}
+
+TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenRatingTablesAreAdded) {
+  const Source source = NewSource("hq", "v24");
+  store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47")}, std::nullopt, nullptr);
+  store_.reset();
+  // The store as version 1 left it: no rating tables.
+  const char* const down =
+      "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
+      "DROP TABLE directory;";
+  if (GetParam() == Engine::kSqlite) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);
+    sqlite3_exec(db, (std::string(down) + "PRAGMA user_version = 1").c_str(), nullptr, nullptr,
+                 nullptr);
+    sqlite3_close(db);
+  } else {
+    PGconn* db = PQconnectdb(url_.c_str());
+    PQclear(PQexec(
+        db, (std::string(down) + "DELETE FROM schema_migrations WHERE version > 1").c_str()));
+    PQfinish(db);
+  }
+  store_ = OpenStore(url_);
+  EXPECT_EQ(store_->CountCalls("hq"), 1);
+  velqua_store::RatePeriod all;
+  EXPECT_THROW(store_->Rate(all), StoreError);  // the tables are back, and hold no plan
+}
+
+TEST_P(StoreTest, ListedCallsNameWhoTheDirectoryGaveOnTheirDate) {
+  using Kind = velqua_rating::DirectoryEntry::Kind;
+  EXPECT_EQ(
+      store_->PutDirectory({{Kind::kExtension, "21", "", "Ana", "Sales", "CC1", "", ""},
+                            {Kind::kExtension, "21", "2026-03-10", "Ana", "Support", "CC2", "", ""},
+                            {Kind::kAccount, "77", "2026-03-10", "", "", "", "Acme", "Audit"}}),
+      3);
+  // Written again: replaced, not added.
+  store_->PutDirectory({{Kind::kExtension, "21", "", "Ana Ruiz", "Sales", "CC1", "", ""}});
+  EXPECT_EQ(store_->ListDirectory().size(), 3u);
+  const Source source = NewSource("hq", "v24");
+  store_->Write(source,
+                {Call(1, "21", "2026-03-09 23:59:59", "01", "555", "77"),
+                 Call(2, "21", "2026-03-10 00:00:00", "01", "555", "77"),
+                 Call(3, "22", "2026-03-10 08:00:00")},
+                std::nullopt, nullptr);
+  std::vector<std::string> names;
+  store_->ListCalls({}, [&](const StoredCall& c) {
+    names.push_back(c.person.value_or("-") + "/" + c.department.value_or("-") + "/" +
+                    c.client.value_or("-") + "/" + c.project.value_or("-"));
+  });
+  EXPECT_EQ(names,
+            (std::vector<std::string>{"Ana Ruiz/Sales/-/-", "Ana/Support/Acme/Audit", "-/-/-/-"}));
 }
 
 TEST_P(StoreTest, AnUnknownTimeZoneIsRefused) {

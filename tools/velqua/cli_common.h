@@ -24,6 +24,14 @@ inline void AddEncodingOption(CLI::App* cmd, std::string& encoding) {
       ->capture_default_str();
 }
 
+// The --mask-digits option of the commands that print dialled numbers.
+inline void AddMaskDigitsOption(CLI::App* cmd, int& digits) {
+  cmd->add_option("--mask-digits", digits,
+                  "Hide the last N digits of dialled numbers (as X), in the rows and in the "
+                  "raw records shown")
+      ->check(CLI::Range(0, 64));
+}
+
 // A line of records in the text the library reads, from the --encoding given.
 inline std::u16string DecodeLine(std::string_view line, const std::string& encoding) {
   return encoding == "utf-8" ? velqua::DesdeUtf8(line) : velqua::DesdeAnsi(line);

@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "cli_common.h"
+#include "velqua/records/mask.h"
 #include "velqua/records/names.h"
 #include "velqua/store/call_output.h"
 #include "velqua/store/store.h"
@@ -49,6 +50,7 @@ void AddCallsCommand(CLI::App& app, CallsOptions& options) {
                   "columns of Asterisk's Master.csv")
       ->check(CLI::IsMember({"table", "csv", "jsonl", "cdr-csv"}));
   cmd->add_option("-o,--output", options.output, "Write to this file (default: stdout)");
+  AddMaskDigitsOption(cmd, options.mask_digits);
   cmd->add_flag("--unrecognised", options.unrecognised,
                 "List the records kept as unrecognised instead (source, position, reason, raw "
                 "text), filtered by --switch and --limit only");
@@ -100,7 +102,13 @@ int RunCalls(const CallsOptions& options) {
   } else {
     std::unique_ptr<velqua_store::CallWriter> writer =
         velqua_store::MakeCallWriter(velqua_store::CallFormatNamed(format), out);
-    store->ListCalls(filter, [&](const velqua_store::StoredCall& call) { writer->Write(call); });
+    store->ListCalls(filter, [&](const velqua_store::StoredCall& call) {
+      if (options.mask_digits == 0 || !call.dialled) return writer->Write(call);
+      velqua_store::StoredCall masked = call;
+      masked.dialled = velqua_records::MaskDigits(*call.dialled, options.mask_digits);
+      masked.raw = velqua_records::MaskNumberIn(call.raw, *call.dialled, options.mask_digits);
+      writer->Write(masked);
+    });
     writer->Finish();
   }
   if (file && std::fclose(file.release()) != 0) {

@@ -18,6 +18,7 @@ struct CallsOptions {
   std::string format;         // table, csv, jsonl, cdr-csv; "": table on a terminal, else csv
   std::string output;         // -o FILE; "" = standard output
   bool unrecognised = false;  // list the unrecognised records instead
+  int mask_digits = 0;        // --mask-digits N: the last N digits of dialled numbers hidden
 };
 
 void AddCallsCommand(CLI::App& app, CallsOptions& options);

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli_common.h"
+#include "velqua/capture/health.h"
 #include "velqua/capture/log.h"
 #include "velqua/capture/service.h"
 #include "velqua/capture/settings.h"
@@ -14,14 +15,6 @@ namespace velqua_cli {
 namespace {
 
 using velqua_capture::StreamStatus;
-
-velqua_capture::ServiceSettings Load(const std::string& file) {
-  try {
-    return velqua_capture::LoadSettings(file);
-  } catch (const velqua_capture::SettingsError& e) {
-    throw CliError(e.what());
-  }
-}
 
 std::string Since(const StreamStatus& s) { return velqua_capture::IsoTime(s.since_us); }
 
@@ -44,28 +37,41 @@ void AddCaptureCommand(CLI::App& app, CaptureOptions& options) {
       "capture", "Capture records live from switches into the store (runs until SIGTERM)");
   cmd->add_option("--config", options.config, "The service's configuration (TOML)");
   cmd->require_subcommand(0, 1);
-  CLI::App* status = cmd->add_subcommand("status", "Show each source of a running service");
+  CLI::App* status = cmd->add_subcommand(
+      "status",
+      "Show the service's health and each source; exit status as a monitoring plugin: 0 OK, "
+      "1 WARNING (a source not connected or silent), 2 CRITICAL (not running), 3 UNKNOWN");
   status->add_option("--config", options.config, "The service's configuration (TOML)")->required();
 }
 
 int RunCapture(const CaptureOptions& options) {
   if (options.config.empty()) throw CliError("capture: --config FILE is required");
+  velqua_capture::ServiceSettings settings;
+  try {
+    settings = velqua_capture::LoadSettings(options.config);
+  } catch (const velqua_capture::SettingsError& e) {
+    std::fprintf(stderr, "velqua: %s\n", e.what());
+    return kCaptureConfigurationError;
+  }
   velqua_capture::Logger log;
-  velqua_capture::Service service(Load(options.config), log);
+  velqua_capture::Service service(std::move(settings), log);
   return service.Run();
 }
 
 int RunCaptureStatus(const CaptureOptions& options) {
-  const velqua_capture::ServiceState state = velqua_capture::ReadServiceState(Load(options.config));
-  if (!state.found) {
-    std::printf("not running: no status in %s\n", state.file.c_str());
-  } else if (state.running) {
-    std::printf("running: pid %d since %s\n", state.pid,
-                velqua_capture::IsoTime(state.started_us).c_str());
-  } else {
-    std::printf("not running: last status written %s\n",
-                velqua_capture::IsoTime(state.written_us).c_str());
+  using velqua_capture::Health;
+  velqua_capture::ServiceSettings settings;
+  try {
+    settings = velqua_capture::LoadSettings(options.config);
+  } catch (const velqua_capture::SettingsError& e) {
+    std::printf("UNKNOWN: %s\n", e.what());
+    return static_cast<int>(Health::kUnknown);
   }
+  const velqua_capture::ServiceState state = velqua_capture::ReadServiceState(settings);
+  const velqua_capture::HealthReport health =
+      velqua_capture::AssessHealth(state, settings, velqua_capture::NowMicros());
+  std::printf("%s: %s\n", velqua_capture::HealthWord(health.level), health.summary.c_str());
+  for (const std::string& problem : health.problems) std::printf("  %s\n", problem.c_str());
   PrintRow({"source", "switch", "state", "since", "bytes", "records", "unrec", "headings", "resent",
             "reconn", "last record"});
   for (const StreamStatus& s : state.streams) {
@@ -79,7 +85,7 @@ int RunCaptureStatus(const CaptureOptions& options) {
               std::to_string(s.connections > 0 ? s.connections - 1 : 0),
               velqua_capture::IsoTime(s.last_record_us)});
   }
-  return 0;
+  return static_cast<int>(health.level);
 }
 
 }  // namespace velqua_cli

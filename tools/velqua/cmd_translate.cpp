@@ -13,6 +13,7 @@
 #include "row_writer.h"
 #include "velqua/records/bundled.h"
 #include "velqua/records/config_io.h"
+#include "velqua/records/mask.h"
 #include "velqua/records/translation.h"
 
 namespace velqua_cli {
@@ -126,6 +127,7 @@ void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
                   "Follow a growing record file like tail -F (rotation and truncation "
                   "handled) until interrupted; rows come out as records complete");
   cmd->add_option("-o,--output", options.output, "Write the rows to this file (default: stdout)");
+  AddMaskDigitsOption(cmd, options.mask_digits);
   cmd->add_option("--year", options.year,
                   "Year the records were received in, for switches that print no year "
                   "(default: each file's modification time; standard input: today)")
@@ -158,7 +160,8 @@ int RunTranslate(const TranslateOptions& options) {
   std::unique_ptr<RowWriter> writer = MakeRowWriter(
       options.format.empty() && output_file ? RowFormat::kCsv : ChooseFormat(options.format), out);
   if (!options.follow.empty()) StopOnSignals();
-  Translation translation(config.cfg, *writer,
+  velqua_records::MaskingSink masked(*writer, options.mask_digits);
+  Translation translation(config.cfg, masked,
                           {options.errors_log, extensions, options.encoding == "utf-8", config.form,
                            !options.random_extensions});
   translation.stop = [] { return StopRequested(); };

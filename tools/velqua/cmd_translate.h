@@ -22,6 +22,7 @@ struct TranslateOptions {
   int32_t year = 0;                // --year; 0: from each input's modification time
   std::string follow;              // --follow FILE
   std::string output;              // -o FILE; "" = standard output
+  int mask_digits = 0;             // --mask-digits N: the last N digits of dialled numbers hidden
 };
 
 // The exit status of a run in which some records failed with an error (each

@@ -9,6 +9,9 @@
 
 #include "cli_common.h"
 #include "cmd_calls.h"
+#include "cmd_directory.h"
+#include "cmd_rate.h"
+#include "cmd_tariff.h"
 #ifdef VELQUA_CLI_HAS_CAPTURE
 #include "cmd_capture.h"
 #endif
@@ -16,6 +19,7 @@
 #include "cmd_draw.h"
 #include "cmd_guess.h"
 #include "cmd_import.h"
+#include "cmd_purge.h"
 #ifdef VELQUA_CLI_HAS_REPORT
 #include "cmd_report.h"
 #endif
@@ -71,8 +75,16 @@ int Run(int argc, char** argv) {
   velqua_cli::AddImportCommand(app, import);
   velqua_cli::CallsOptions calls;
   velqua_cli::AddCallsCommand(app, calls);
+  velqua_cli::RateOptions rate;
+  velqua_cli::AddRateCommand(app, rate);
+  velqua_cli::DirectoryOptions directory;
+  velqua_cli::AddDirectoryCommand(app, directory);
+  velqua_cli::TariffOptions tariff;
+  velqua_cli::AddTariffCommand(app, tariff);
   velqua_cli::RetranslateOptions retranslate;
   velqua_cli::AddRetranslateCommand(app, retranslate);
+  velqua_cli::PurgeOptions purge;
+  velqua_cli::AddPurgeCommand(app, purge);
 #ifdef VELQUA_CLI_HAS_REPORT
   velqua_cli::ReportOptions report;
   velqua_cli::AddReportCommand(app, report);
@@ -112,7 +124,17 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
   if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
   if (app.got_subcommand("calls")) return velqua_cli::RunCalls(calls);
+  if (app.got_subcommand("rate")) return velqua_cli::RunRate(rate);
+  if (CLI::App* cmd = app.get_subcommand("tariff"); cmd->parsed()) {
+    return cmd->got_subcommand("check") ? velqua_cli::RunTariffCheck(tariff)
+                                        : velqua_cli::RunTariffImportCgrates(tariff);
+  }
+  if (CLI::App* cmd = app.get_subcommand("directory"); cmd->parsed()) {
+    return cmd->got_subcommand("import") ? velqua_cli::RunDirectoryImport(directory)
+                                         : velqua_cli::RunDirectoryList(directory);
+  }
   if (app.got_subcommand("retranslate")) return velqua_cli::RunRetranslate(retranslate);
+  if (app.got_subcommand("purge")) return velqua_cli::RunPurge(purge);
   if (app.got_subcommand("switches")) return velqua_cli::RunSwitches();
 #ifdef VELQUA_CLI_HAS_REPORT
   if (app.got_subcommand("report")) return velqua_cli::RunReport(report);

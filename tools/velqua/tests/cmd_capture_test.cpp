@@ -46,9 +46,10 @@ TEST(CaptureStatus, ShowsEachStreamAndTheSourcesNeverConnected) {
   velqua_capture::WriteStatusFile(kDir + "/spool/status.json", 0x3FFFFFFF, s.since_us,
                                   s.last_record_us, {s}, {});
   testing::internal::CaptureStdout();
-  EXPECT_EQ(RunCaptureStatus({config}), 0);
+  EXPECT_EQ(RunCaptureStatus({config}), 2);  // CRITICAL: not running
   const std::string out = testing::internal::GetCapturedStdout();
-  EXPECT_EQ(out.substr(0, out.find('\n')), "not running: last status written 2026-01-19T09:00:00Z");
+  EXPECT_EQ(out.substr(0, out.find('\n')),
+            "CRITICAL: not running: last status written 2026-01-19T09:00:00Z");
   EXPECT_NE(out.find("ipo/10.1.0.7           kx         connected     2026-01-19T08:00:00Z        "
                      "8160       118       2        4       5       2 2026-01-19T09:00:00Z"),
             std::string::npos)

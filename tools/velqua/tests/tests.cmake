@@ -29,6 +29,24 @@ if(TARGET velqua_store_testing)
   add_test(NAME cli.import_killed_and_resumed COMMAND test_cli_import_kill)
 endif()
 
+# What an administrator runs on a site: the capture service's health and
+# metrics against a running service, purge on both engines, file modes,
+# --mask-digits (real child processes, an emulated switch, PostgreSQL).
+if(TARGET velqua_store_testing AND TARGET velqua_capture)
+  add_executable(test_cli_operations ${CMAKE_CURRENT_LIST_DIR}/operations_test.cpp
+                 ${PROJECT_SOURCE_DIR}/capture/tests/capture_test.cpp)
+  target_link_libraries(test_cli_operations PRIVATE velqua_store_testing PkgConfig::VELQUA_HTTPLIB
+                        SQLite::SQLite3 GTest::gtest_main)
+  target_include_directories(test_cli_operations PRIVATE ${PROJECT_SOURCE_DIR}/capture/tests)
+  target_compile_definitions(test_cli_operations PRIVATE
+    VELQUA_PROGRAM="$<TARGET_FILE:velqua_cli>" VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    VELQUA_CAPTURE_TEST_TMP="${CMAKE_CURRENT_BINARY_DIR}/tmp"
+    VELQUA_EMULATOR="$<TARGET_FILE:velqua_emulator>")
+  velqua_warnings(test_cli_operations)
+  add_dependencies(test_cli_operations velqua_cli velqua_emulator)
+  gtest_discover_tests(test_cli_operations TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
+endif()
+
 # End-to-end: the built program on examples/ and tests/e2e/data/, against
 # tests/e2e/golden/. Every run fixes the clock (--now) because the library
 # falls back to the current date and time for what a switch does not print.
@@ -131,6 +149,37 @@ set_tests_properties(cli.e2e.store_import_delimited PROPERTIES FIXTURES_REQUIRED
                      FIXTURES_SETUP e2e_forms_2 ENVIRONMENT TZ=UTC)
 set_tests_properties(cli.e2e.store_calls_delimited PROPERTIES FIXTURES_REQUIRED
                      "e2e_forms_1;e2e_forms_2" ENVIRONMENT TZ=UTC)
+# Rating: a plan kept in the store prices the imported calls; what cannot be
+# priced is listed with its reason; a bad tariff is refused naming its line.
+set(RATED_STORE ${VELQUA_E2E_TMP}/rated.db)
+velqua_e2e(rate_import 0 import --db ${RATED_STORE} --switch hicom -c examples/hicom/hicom.json
+           --year 2026 --source hicom.txt examples/hicom/records.txt PRODUCED ${RATED_STORE})
+velqua_e2e(rate_plan 0 rate --db ${RATED_STORE} --plan examples/rating/hicom-plan.toml)
+velqua_e2e(rate_directory_import 0 directory import --db ${RATED_STORE}
+           examples/rating/people.csv examples/rating/accounts.csv)
+velqua_e2e(rate_directory_list 0 directory list --db ${RATED_STORE} --format table)
+velqua_e2e(rate_calls_table 0 calls --db ${RATED_STORE} --format table)
+velqua_e2e(tariff_check 0 tariff check examples/rating/business-es.toml)
+velqua_e2e(tariff_import_cgrates 0 tariff import-cgrates rating/tests/data/cgrates
+           -o ${VELQUA_E2E_TMP}/cgrates.toml PRODUCED ${VELQUA_E2E_TMP}/cgrates.toml
+           GOLDEN tests/e2e/golden/tariff_import_cgrates.toml)
+velqua_e2e(error_directory_bad_date 1 directory import --db ${RATED_STORE}
+           tests/e2e/data/rating/people-bad-date.csv)
+velqua_e2e(rate_calls_cdr_csv 0 calls --db ${RATED_STORE} --format cdr-csv --type incoming
+           SAME_AS store_calls_cdr_csv)
+velqua_e2e(rate_unpriced 0 rate --db ${RATED_STORE} --unpriced --format csv)
+velqua_e2e(rate_again 0 rate --db ${RATED_STORE} --from 2026-03-09 --to 2026-03-09 --switch hicom)
+velqua_e2e(error_rate_negative_price 1 rate --db ${RATED_STORE}
+           --plan tests/e2e/data/rating/plan.toml)
+set_tests_properties(cli.e2e.rate_import PROPERTIES FIXTURES_SETUP e2e_rated_1 ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.rate_plan PROPERTIES FIXTURES_REQUIRED e2e_rated_1
+                     FIXTURES_SETUP e2e_rated_2 ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.rate_directory_import PROPERTIES FIXTURES_REQUIRED
+  "e2e_rated_1;e2e_rated_2" FIXTURES_SETUP e2e_rated_3 ENVIRONMENT TZ=UTC)
+set_tests_properties(cli.e2e.rate_calls_table cli.e2e.rate_calls_cdr_csv cli.e2e.rate_unpriced
+  cli.e2e.rate_again cli.e2e.error_rate_negative_price cli.e2e.rate_directory_list
+  cli.e2e.error_directory_bad_date
+  PROPERTIES FIXTURES_REQUIRED "e2e_rated_1;e2e_rated_2;e2e_rated_3" ENVIRONMENT TZ=UTC)
 velqua_e2e(error_store_missing 1 calls --db ${VELQUA_E2E_TMP}/none/calls.db)
 velqua_e2e(error_store_unreachable 1 calls --db postgresql://velqua@127.0.0.1:1/calls)
 velqua_e2e(error_store_bad_date 1 calls --db ${STORE} --from 2026-02-30)

@@ -93,6 +93,10 @@ struct ServiceSettings {
   FsyncPolicy fsync = FsyncPolicy::kAlways;
   Millis fsync_interval{1000};     // with fsync = "interval"
   Millis silence{60 * 60 * 1000};  // default silence warning: 60 min
+  // Prometheus metrics (metrics.h): the loopback address and port to serve
+  // /metrics on; port 0 (the default) serves none.
+  std::string metrics_host = "127.0.0.1";
+  int metrics_port = 0;
   std::vector<SwitchSettings> switches;
 };
 

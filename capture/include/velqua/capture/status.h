@@ -39,6 +39,15 @@ struct Latency {
   int64_t p50_ms = 0, p99_ms = 0, max_ms = 0;
 };
 
+int64_t NowMicros();  // below
+
+// How far the store side is behind the spool: bytes spooled that it has not
+// read yet, and when it last had read everything and stored what it could.
+struct StoreProgress {
+  int64_t pending_bytes = 0;
+  int64_t caught_up_us = 0;  // 0: not yet since the start
+};
+
 // The counts of every stream, updated under one lock.
 class StatusBoard {
  public:
@@ -52,6 +61,18 @@ class StatusBoard {
     }
   }
   Latency latency() const;
+
+  // The store side read the spool up to `read_end` of `spool_end`; it was
+  // caught up (and stored what it had) when `caught_up`.
+  void Progress(int64_t spool_end, int64_t read_end, bool caught_up) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    progress_.pending_bytes = spool_end > read_end ? spool_end - read_end : 0;
+    if (caught_up) progress_.caught_up_us = NowMicros();
+  }
+  StoreProgress progress() const {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return progress_;
+  }
 
   // Runs `change` on the stream's status (created on first use) under the lock.
   template <typename Change>
@@ -74,6 +95,7 @@ class StatusBoard {
   std::map<std::string, StreamStatus> streams_;
   std::vector<int64_t> latency_ = std::vector<int64_t>(kLatencySlots);
   int64_t max_ms_ = 0;
+  StoreProgress progress_;
 };
 
 // Writes the status file (replaced whole, so a reader never sees half of it).

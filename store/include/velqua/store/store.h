@@ -20,6 +20,7 @@
 #include <utility>
 #include <vector>
 
+#include "velqua/rating/directory.h"
 #include "velqua/records/call_row.h"
 #include "velqua/records/common.h"
 
@@ -109,7 +110,8 @@ struct CallFilter {
   std::optional<int32_t> type;  // call type number
   std::string number_prefix;    // the dialled number starts with it
   std::string account_code;
-  int64_t limit = 0;  // 0 = no limit
+  bool unpriced = false;  // only calls kept without a cost (velqua rate --unpriced)
+  int64_t limit = 0;      // 0 = no limit
 };
 
 // A stored call as ListCalls reads it; absent values are std::nullopt.
@@ -123,6 +125,27 @@ struct StoredCall {
       account_code;
   bool extension_random = false;
   std::string raw, received_utc;
+  // Its price (none until a rating plan priced it): the cost as exact
+  // decimal text (none when it could not be priced), and why a call costs
+  // 0 or nothing ("incoming", "no tariff for +99...").
+  std::optional<std::string> cost, currency, destination, destination_class, cost_reason;
+  // From the directory, as in force on the call's start date: its
+  // extension's person, department and cost centre, its account code's
+  // client and project.
+  std::optional<std::string> person, department, cost_centre, client, project;
+};
+
+// Which stored calls Rate prices again: days as CallFilter's, "" = all.
+struct RatePeriod {
+  std::string from, to, switch_name;
+  int64_t batch = 20000;  // calls a transaction
+};
+
+// What Rate did: calls priced (a cost), free by rule (0), left unpriced;
+// whether it went on from where an earlier run of the same period stopped.
+struct RateResult {
+  int64_t priced = 0, free = 0, unpriced = 0;
+  bool resumed = false;
 };
 
 // A stored unrecognised record as ListUnrecognised reads it.
@@ -158,6 +181,20 @@ struct RewriteResult {
   int64_t unrecognised = 0;
   // Of the calls updated: how many changed in each column ("duration": 6).
   std::map<std::string, int64_t> changed = {};
+};
+
+// What Purge removes: everything older than `before` ("YYYY-MM-DD", a day
+// that exists), of one switch or ("") of all.
+struct PurgeFilter {
+  std::string before;
+  std::string switch_name;
+};
+
+// What Purge removed (or, on a dry run, would remove).
+struct PurgeResult {
+  int64_t calls = 0;
+  int64_t unrecognised = 0;
+  int64_t events = 0;
 };
 
 // One interface, two engines. A Store is used by one thread at a time.
@@ -252,12 +289,44 @@ class Store {
   virtual RewriteResult Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records, bool dry_run = false) = 0;
 
+  // Retention: removes, in one transaction, the calls that started before
+  // the day (the switch's local date; a call without a start date by when
+  // it was received, UTC) with their raw records, the unrecognised records
+  // and the events received before it (UTC). Sources and their checkpoints
+  // stay, so an import or a capture goes on where it was and never brings
+  // purged records back. SQLite overwrites what it removes (secure_delete)
+  // and empties its write-ahead log, so the records leave the file's bytes
+  // too. A dry run counts and removes nothing. Throws
+  // velqua_records::Failure for a malformed day, StoreError for an unknown
+  // switch.
+  virtual PurgeResult Purge(const PurgeFilter& filter, bool dry_run) = 0;
+
   // A large load is coming (about `records` records): an engine may put off
   // work until EndBulk (SQLite builds its query indexes once at the end
   // when the load is larger than what is stored; until then queries are
   // slower, and if the process dies the next open builds them).
   virtual void BeginBulk(int64_t records) = 0;
   virtual void EndBulk() = 0;
+
+  // Rating (doc/rating.md). Checks the rating plan at `path` and every
+  // tariff it names, and keeps their texts in the store in one transaction:
+  // from then on every call written is priced as it is stored (import and
+  // capture alike). A plan or tariff that does not load is refused
+  // (velqua_rating::TariffError naming file, line and reason) and the store
+  // is left as it was. Returns the number of tariffs kept.
+  virtual int64_t PutRatingPlan(const std::string& path) = 0;
+  // Prices the period's calls again with the stored plan, one transaction
+  // a batch; `progress` (if set) gets the calls done after each. Pricing is
+  // idempotent, and a run that stopped goes on from its last batch when
+  // the same period is priced again under the same plan. Throws StoreError
+  // when no plan is stored.
+  virtual RateResult Rate(const RatePeriod& period,
+                          const std::function<void(int64_t)>& progress = nullptr) = 0;
+  // Adds directory rows, or replaces those of the same kind, key and date,
+  // in one transaction; returns how many were written.
+  virtual int64_t PutDirectory(const std::vector<velqua_rating::DirectoryEntry>& entries) = 0;
+  // Every directory row: extensions then account codes, by key and date.
+  virtual std::vector<velqua_rating::DirectoryEntry> ListDirectory() = 0;
 
  protected:
   explicit Store(std::string name) : name_(std::move(name)) {}

@@ -1,0 +1,94 @@
+#include "velqua/capture/health.h"
+
+#include <map>
+
+namespace velqua_capture {
+namespace {
+
+// How long a source has been quiet: since its last byte, or since it
+// connected when nothing came yet.
+int64_t QuietSince(const StreamStatus& s) {
+  return s.last_data_us > s.since_us ? s.last_data_us : s.since_us;
+}
+
+std::string Minutes(int64_t micros) {
+  const int64_t minutes = micros / 60000000;
+  return minutes == 1 ? "1 minute" : std::to_string(minutes) + " minutes";
+}
+
+// Why the source is not up, or "" when it is.
+std::string SourceProblem(const std::vector<const StreamStatus*>& streams, int64_t silence_us,
+                          int64_t now_us) {
+  std::string problem;
+  for (const StreamStatus* s : streams) {
+    if (s->never_seen) return "never connected";
+    if (!s->connected) {
+      problem = std::string(ConnectionState(*s)) + " since " + IsoTime(s->since_us);
+      if (!s->last_event.empty()) problem += " (" + s->last_event + ")";
+      continue;
+    }
+    const int64_t quiet = now_us - QuietSince(*s);
+    if (silence_us <= 0 || quiet <= silence_us) return "";
+    problem = "silent for " + Minutes(quiet) + " (since " + IsoTime(QuietSince(*s)) + ")";
+  }
+  return problem;
+}
+
+}  // namespace
+
+const char* HealthWord(Health health) {
+  switch (health) {
+    case Health::kOk:
+      return "OK";
+    case Health::kWarning:
+      return "WARNING";
+    case Health::kCritical:
+      return "CRITICAL";
+    case Health::kUnknown:
+      break;
+  }
+  return "UNKNOWN";
+}
+
+HealthReport AssessHealth(const ServiceState& state, const ServiceSettings& settings,
+                          int64_t now_us) {
+  HealthReport report;
+  if (!state.found) {
+    report.level = Health::kCritical;
+    report.summary = "not running: no status in " + state.file;
+    return report;
+  }
+  if (!state.running) {
+    report.level = Health::kCritical;
+    report.summary = "not running: last status written " + IsoTime(state.written_us);
+    return report;
+  }
+  report.summary =
+      "running, pid " + std::to_string(state.pid) + " since " + IsoTime(state.started_us);
+  if (now_us - state.written_us > kStatusStaleMicros) {
+    report.level = Health::kCritical;
+    report.summary += "; not responding: status last written " + IsoTime(state.written_us);
+    return report;
+  }
+  std::map<std::string, std::vector<const StreamStatus*>> by_source;
+  for (const StreamStatus& s : state.streams) by_source[s.source].push_back(&s);
+  int sources = 0, up = 0;
+  for (const SwitchSettings& sw : settings.switches) {
+    for (const SourceSettings& source : sw.sources) {
+      ++sources;
+      const std::string problem = SourceProblem(
+          by_source[source.name],
+          std::chrono::duration_cast<std::chrono::microseconds>(source.silence).count(), now_us);
+      if (problem.empty()) {
+        ++up;
+      } else {
+        report.problems.push_back(source.name + ": " + problem);
+      }
+    }
+  }
+  report.summary += "; " + std::to_string(up) + " of " + std::to_string(sources) + " sources up";
+  if (up < sources) report.level = Health::kWarning;
+  return report;
+}
+
+}  // namespace velqua_capture

@@ -1,0 +1,18 @@
+// The tariff and directory readers' fuzz corpora, replayed by every test run.
+#include <filesystem>
+#include <string>
+
+#define VELQUA_FUZZ_SIN_ENTRADA
+#include "../../fuzz/fuzz_directory.cpp"
+#include "../../fuzz/fuzz_tariff.cpp"
+#include "../../fuzz/replay_corpus.h"
+
+namespace {
+
+TEST(FuzzCorpusReplay, TariffAndDirectoryReadersAcceptOrRefuseEverySavedInput) {
+  const std::filesystem::path corpus = std::string(VELQUA_SOURCE_DIR) + "/fuzz/corpus";
+  velqua_fuzz::ReplayCorpus(corpus / "tariff", velqua_fuzz_tariff::Ejecuta, 8);
+  velqua_fuzz::ReplayCorpus(corpus / "directory", velqua_fuzz_directory::Ejecuta, 5);
+}
+
+}  // namespace
