@@ -30,7 +30,18 @@ inline velqua_records::RecordForm Fallback(uint8_t choice) {
   form.delimited = (choice & 1) != 0;
   form.fields = {(choice & 2) ? u';' : u',',
                  (choice & 4) ? u'\0' : u'"',
-                 {{"a", choice & 7}, {"b", 0}, {"s", 7 + (choice >> 5), true}, {"c", 3}}};
+                 {{"a", choice & 7}, {"b", 0}, {"s", 7 + (choice >> 5), true}, {"c", 3}},
+                 {}};
+  if (choice & 128) {  // a field by rule: the 4th's text from its 2nd character, else "x"
+    using velqua_records::FieldPart;
+    using velqua_records::FieldRule;
+    using velqua_records::FieldTest;
+    const FieldTest test{FieldPart{0, u"", u"", 0}, {u"?*"}, false, false};
+    form.fields.derived = {{"r",
+                            3,
+                            {FieldRule{{test}, true, FieldPart{3, u"", u"-", 1}, u""},
+                             FieldRule{{}, false, FieldPart{0, u"", u"", 0}, u"x"}}}};
+  }
   if (choice & 8) form.headings = {u"*PAGE ???", u"====*"};
   form.nul_ends_record = (choice & 16) != 0;
   if (!form.delimited && (choice & 32)) {

@@ -10,6 +10,7 @@
 #include "velqua/error.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
+#include "velqua/records/error_text.h"
 
 namespace velqua_capture {
 namespace {
@@ -298,7 +299,7 @@ void CheckSwitchFiles(const Reader& r, const SwitchSettings& s) {
   } catch (const velqua_records::Failure& e) {
     r.Fail("config", e.what());
   } catch (const velqua::Error& e) {
-    r.Fail("config", "'" + s.config + "': " + velqua_records::DescribeError(e));
+    r.Fail("config", "'" + s.config + "': " + velqua_records::ErrorText(e));
   }
   if (!s.extensions.empty()) {
     try {
@@ -321,7 +322,14 @@ SwitchSettings ReadSwitch(const Reader& r, std::set<std::string>* switches,
              "a [[switch]]");
   SwitchSettings s;
   s.name = Name(r, switches, "switch");
+  // A bundled switch's name (no folder, no extension) is taken as it is; a
+  // file name is from the settings file's folder, as every other path.
   s.config = r.Path("config", true);
+  const std::string given = r.String("config", "", true);
+  if (given.find('/') == std::string::npos && velqua_records::LowerExtension(given).empty() &&
+      !fs::exists(s.config)) {
+    s.config = given;
+  }
   s.extensions = r.Path("extensions", false);
   s.time_zone = r.String("time_zone", "", false);
   s.utf8 = r.Choice<bool>("encoding", false, {{"windows-1252", false}, {"utf-8", true}});

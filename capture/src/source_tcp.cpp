@@ -75,7 +75,10 @@ class TcpConnectSource : public Source, public std::enable_shared_from_this<TcpC
           asio::async_connect(socket_, results,
                               [this, self](const asio::error_code& e, const tcp::endpoint&) {
                                 if (stopped_) return;
-                                if (e) return Retry("cannot connect: " + e.message());
+                                if (e) {
+                                  return Retry("cannot connect to " + s_.host + ":" +
+                                               std::to_string(s_.port) + ": " + e.message());
+                                }
                                 LogIn();
                               });
         });

@@ -161,6 +161,24 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
   }
 }
 
+// A switch that cannot be reached is named in the log by host and port, so
+// that the administrator sees which address to check.
+TEST(CaptureService, AnUnreachableSwitchIsNamedByHostAndPort) {
+  const std::string dir = TempDir("unreachable");
+  const std::string port = std::to_string(FreePort());  // nothing listens there
+  const std::string config = WriteConfig(
+      dir, dir + "/calls.db", kHeadings,
+      "[[switch.source]]\nname = \"lan\"\nkind = \"tcp-connect\"\nhost = \"127.0.0.1\"\n"
+      "port = " +
+          port + "\nretry_min = \"50ms\"\n");
+  auto service = StartService(config, dir);
+  EXPECT_TRUE(WaitFor([&] {
+    return ReadFile(dir + "/service.log").find("cannot connect to 127.0.0.1:" + port + ": ") !=
+           std::string::npos;
+  })) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+}
+
 }  // namespace
 }  // namespace velqua_capture_test
 

@@ -83,6 +83,23 @@ TEST(Settings, AValidFileGivesEveryValueWithPathsFromItsFolder) {
 
 // Each mistake is refused with the file, the line of the key at fault and
 // the key's full name.
+// A bundled switch's name is a configuration here too; a file name is from
+// the settings file's folder.
+TEST(Settings, TheConfigIsABundledNameOrAFile) {
+  struct Case {
+    std::string value, config;
+  } const cases[] = {
+      {"hicom", "hicom"},
+      {"../kx-tda/kx-tda.json", kExamples + "/kx-tda/kx-tda.json"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.value);
+    std::string text = Config();
+    text.replace(text.find("../kx-tda/kx-tda.json"), 21, c.value);
+    EXPECT_EQ(ParseSettings(text, kFile).switches.at(0).config, c.config);
+  }
+}
+
 TEST(Settings, MistakesAreNamedByFileLineAndKey) {
   const struct {
     const char* from;  // replaced in the valid file by `to`

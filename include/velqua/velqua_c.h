@@ -76,9 +76,12 @@ VELQUA_EXPORT int32_t velqua_error_description(char** description);
 /* A new configuration, reset (version 3, case 1, every text empty). */
 VELQUA_EXPORT int32_t velqua_cfg_create(velqua_cfg** cfg);
 /* A new configuration read from a file by its extension: .cfg (Abrir), .ini
- * (Importar) or .json (the program's readable form). A missing file, another
- * extension or a bad JSON form fail with 5 and a description naming the file
- * and the fault; a file the library refuses with the library's error. */
+ * (Importar) or .json (the program's readable form); or, for a name that is
+ * not a file and has neither a folder nor an extension, the bundled switch of
+ * that name ("hicom"), as the program's -c reads it. A missing file, an
+ * unknown name or extension or a bad JSON form fail with 5 and an English
+ * description naming the file and the fault; a file the library refuses with
+ * the library's error. */
 VELQUA_EXPORT int32_t velqua_cfg_load(const char* path, velqua_cfg** cfg);
 /* Releases the handle and its listeners; translators bound to the
  * configuration keep it until they are released or rebound. NULL is ignored.
@@ -261,7 +264,7 @@ VELQUA_EXPORT int32_t velqua_trad_busca_linea(velqua_trad* trad, const char* val
 
 typedef struct velqua_translation_settings {
   const char* extensions; /* KX-TDA extension list, or NULL */
-  const char* errors_log; /* unrecognised-record log, appended to, or NULL */
+  const char* errors_log; /* unrecognised-record log (English), appended to, or NULL */
   bool utf8;              /* records in UTF-8 rather than Windows-1252 */
   int32_t year;           /* year received, for switches that print none; 0: today */
 } velqua_translation_settings;
@@ -289,7 +292,7 @@ typedef struct velqua_call {
   char* receiving_trunk;
   char* account_code;
   bool extension_random; /* drawn at random for an account code not in the list */
-  char* error;           /* why the library failed on the record, or "" */
+  char* error;           /* why the library failed on the record, in English, or "" */
 } velqua_call;
 
 typedef struct velqua_counts {

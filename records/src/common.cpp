@@ -9,7 +9,7 @@
 #include <cstring>
 #include <memory>
 
-#include "velqua/enums.h"
+#include "velqua/records/error_text.h"
 #include "velqua/texto.h"
 
 namespace velqua_records {
@@ -28,49 +28,11 @@ void AppendUtf8(std::string& out, std::u16string_view text) {
   if (i < text.size()) out += velqua::AUtf8(text.substr(i));
 }
 
-namespace {
-
-// What a library error means, in English, by its number.
-const char* Meaning(int32_t number) {
-  switch (number) {
-    case velqua::kErrDesbordamiento:
-      return "overflow: a column past 255, or a number too large for the record";
-    case velqua::kErrIndiceFueraDeIntervalo:
-      return "index out of range";
-    case velqua::kErrTiposNoCoinciden:
-      return "wrong kind of object";
-    case velqua::kErrObjetoNoEstablecido:
-      return "no configuration set";
-    default:
-      break;
-  }
-  switch (static_cast<uint32_t>(number) - velqua::kBaseErrorObjeto) {
-    case velqua::kCodigoErrorPinDB25:
-      return "a DB25 pin that cannot be wired";
-    case velqua::emErrorConfigNoHay:
-      return "the file cannot be reached or its name is not valid";
-    case velqua::emErrorNoHayArchivo:
-      return "the file cannot be found";
-    case velqua::emErrorConfigDatosIncompletos:
-      return "the configuration is incomplete (brand, model, record separator or case)";
-    case velqua::emErrorConfigExportar:
-      return "the configuration cannot be written as a profile file";
-    case velqua::emErrorConfigImportar:
-      return "the profile file cannot be read as a configuration";
-    case velqua::emErrorConfigAbrir:
-      return "not a configuration file";
-    default:
-      return "library error";
-  }
-}
-
-}  // namespace
-
 std::string DescribeError(const velqua::Error& error) {
   char number[64];
   std::snprintf(number, sizeof number, " (error %" PRId32 ", 0x%08" PRIX32 ", in ", error.Number(),
                 static_cast<uint32_t>(error.Number()));
-  std::string line = Meaning(error.Number());
+  std::string line = ErrorMeaning(error.Number());
   line += number;
   line += U8(error.Source());
   line += ": ";
@@ -88,6 +50,72 @@ std::string DescribeError(const velqua::Error& error) {
     }
   }
   return line + ")";
+}
+
+namespace {
+
+// The length of the control character at utf8[i] (1 for C0 and DEL, 2 for
+// a C1 control in UTF-8), or 0 when none stands there.
+size_t ControlAt(std::string_view utf8, size_t i, bool keep_layout) {
+  const auto c = static_cast<unsigned char>(utf8[i]);
+  if (c < 0x20) return keep_layout && (c == '\n' || c == '\r' || c == '\t') ? 0 : 1;
+  if (c == 0x7F) return 1;
+  if (c == 0xC2 && i + 1 < utf8.size()) {
+    const auto next = static_cast<unsigned char>(utf8[i + 1]);
+    if (next >= 0x80 && next <= 0x9F) return 2;
+  }
+  return 0;
+}
+
+}  // namespace
+
+bool NeedsVisible(std::string_view utf8, bool keep_layout) {
+  for (size_t i = 0; i < utf8.size(); ++i) {
+    if (ControlAt(utf8, i, keep_layout) != 0) return true;
+  }
+  return false;
+}
+
+void AppendVisible(std::string& out, std::string_view utf8, bool keep_layout) {
+  for (size_t i = 0; i < utf8.size(); ++i) {
+    const size_t n = ControlAt(utf8, i, keep_layout);
+    if (n == 0) {
+      out += utf8[i];
+      continue;
+    }
+    char escape[8];
+    if (n == 1) {
+      std::snprintf(escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(utf8[i]));
+    } else {
+      std::snprintf(escape, sizeof escape, "\\u%04X", static_cast<unsigned char>(utf8[i + 1]));
+    }
+    out += escape;
+    i += n - 1;
+  }
+}
+
+bool IsValidUtf8(std::string_view bytes) {
+  for (size_t i = 0; i < bytes.size();) {
+    const auto c = static_cast<unsigned char>(bytes[i]);
+    if (c < 0x80) {
+      ++i;
+      continue;
+    }
+    // The continuation bytes a lead byte announces, its payload bits, and the
+    // least code point that needs that many bytes (anything less is overlong).
+    const size_t n = (c & 0xE0) == 0xC0 ? 1 : (c & 0xF0) == 0xE0 ? 2 : (c & 0xF8) == 0xF0 ? 3 : 0;
+    if (n == 0 || i + n >= bytes.size()) return false;
+    constexpr uint32_t kLeast[] = {0, 0x80, 0x800, 0x10000};
+    uint32_t cp = c & (0x7Fu >> (n + 1));
+    for (size_t k = 1; k <= n; ++k) {
+      const auto d = static_cast<unsigned char>(bytes[i + k]);
+      if ((d & 0xC0) != 0x80) return false;
+      cp = (cp << 6) | (d & 0x3Fu);
+    }
+    if (cp < kLeast[n] || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) return false;
+    i += n + 1;
+  }
+  return true;
 }
 
 std::string LowerExtension(const std::string& path) {

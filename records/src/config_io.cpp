@@ -9,8 +9,10 @@
 #include <memory>
 #include <sstream>
 
+#include "velqua/records/bundled.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_json.h"
+#include "velqua/records/error_text.h"
 
 namespace velqua_records {
 
@@ -23,7 +25,8 @@ ConfigFormat ConfigFormatOf(const std::string& path) {
                 "' (use .cfg, .ini or .json)");
 }
 
-SwitchConfig LoadSwitchConfig(const std::string& path) {
+SwitchConfig LoadSwitchConfig(const std::string& name_or_path) {
+  const std::string path = ResolveConfig(name_or_path);
   const ConfigFormat format = ConfigFormatOf(path);
   RequireReadableFile(path, "configuration");
   SwitchConfig config{std::make_shared<velqua::clsCfgConmut>(), {}, {}};
@@ -46,8 +49,8 @@ SwitchConfig LoadSwitchConfig(const std::string& path) {
   return config;
 }
 
-std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path) {
-  return LoadSwitchConfig(path).cfg;
+std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& name_or_path) {
+  return LoadSwitchConfig(name_or_path).cfg;
 }
 
 namespace {
@@ -134,7 +137,7 @@ void SaveConfigChecked(velqua::clsCfgConmut& cfg, const std::string& path, bool 
   } catch (const Failure& e) {
     problem = std::string("reading it back fails: ") + e.what();
   } catch (const velqua::Error& e) {
-    problem = "reading it back fails: " + DescribeError(e);
+    problem = "reading it back fails: " + ErrorText(e);
   }
   // The library's messages name the file it read: name the one promised.
   for (size_t at; (at = problem.find(temporary.name())) != std::string::npos;) {
@@ -162,7 +165,7 @@ void SaveSwitchConfigChecked(SwitchConfig& config, const std::string& path, bool
     SaveConfigChecked(*config.cfg, path, force);
     std::string dropped;
     if (!config.delivery.empty()) dropped = "the delivery";
-    if (!config.form.Plain()) {
+    if (!config.form.Plain() || config.form.printed_time != PrintedTime::kUnstated) {
       dropped += std::string(dropped.empty() ? "" : " and ") + "the record form (" +
                  config.form.Describe() + ")";
     }

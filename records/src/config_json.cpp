@@ -248,6 +248,9 @@ json Parse(std::string_view json_text) {
     const size_t colon = message.find("parse error");
     throw Failure("not valid JSON: " +
                   (colon == std::string::npos ? message : message.substr(colon)));
+  } catch (const json::out_of_range&) {
+    // A number no double holds (400 digits, 1e400) fails while parsing.
+    throw Failure("not valid JSON: a number too large to read");
   }
 }
 

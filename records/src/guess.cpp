@@ -20,7 +20,10 @@ bool HasDigit(Text line) { return std::any_of(line.begin(), line.end(), IsDigit)
 int Value(Text line, size_t at, size_t n) {
   int value = 0;
   for (size_t i = at; i < at + n && i < line.size(); ++i) {
-    if (IsDigit(line[i])) value = value * 10 + (line[i] - u'0');
+    if (!IsDigit(line[i])) continue;
+    // A longer run (a dialled number read where a count was expected) stays
+    // at the cap: comparisons still order it, and value + 1 cannot overflow.
+    value = value > kValueCap / 10 ? kValueCap : value * 10 + (line[i] - u'0');
   }
   return value;
 }

@@ -33,20 +33,28 @@ std::u16string HeadingPattern(Text line) {
 
 namespace {
 
-// Clears bit 7 when the lines carry bytes with it set that are plain text
-// without it (a 7-bit switch read as 8 bits).
+// Clears bit 7 when the lines look like a 7-bit switch read as 8 bits: bit 7
+// is parity then, set on a large share of the bytes of each line it is set on
+// (about half of them, or all), and every byte is plain text without it. A
+// line with a few bytes over 0x7F among plain ones holds 8-bit letters (a
+// caller's name), which clearing would corrupt.
+constexpr size_t kParityShare = 5;  // at least one byte in 5 with bit 7 set
+
 bool StripSevenBit(std::vector<std::u16string>* lines) {
-  bool high = false;
+  bool any = false;
   for (const std::u16string& line : *lines) {
+    size_t high = 0;
     for (char16_t c : line) {
       if (c >= 0x100) return false;
       if (c < 0x80) continue;
       const char16_t low = static_cast<char16_t>(c & 0x7F);
       if (low < 0x20 && low != u'\f' && low != u'\t') return false;
-      high = true;
+      ++high;
     }
+    if (high > 0 && high * kParityShare < line.size()) return false;
+    any = any || high > 0;
   }
-  if (!high) return false;
+  if (!any) return false;
   for (std::u16string& line : *lines) {
     for (char16_t& c : line) c = static_cast<char16_t>(c & 0x7F);
   }
@@ -56,7 +64,7 @@ bool StripSevenBit(std::vector<std::u16string>* lines) {
 // The number of fields of `line` when split by `separator` (quotes honoured).
 size_t FieldCount(Text line, char16_t separator) {
   std::u16string shaped;
-  return ShapeDelimited({separator, u'"', {}}, line, &shaped).fields;
+  return ShapeDelimited({separator, u'"', {}, {}}, line, &shaped).fields;
 }
 
 // The separator and field count most records share, or none (0).
@@ -125,7 +133,7 @@ bool IsSeconds(const std::vector<std::u16string>& values) {
 // left out. Fields that may be counts of seconds are listed in *seconds.
 DelimitedForm DeclareFields(const std::vector<std::u16string>& records, char16_t separator,
                             size_t count, Guess* guess, std::vector<size_t>* seconds) {
-  DelimitedForm form{separator, u'"', std::vector<DelimitedField>(count)};
+  DelimitedForm form{separator, u'"', std::vector<DelimitedField>(count), {}};
   std::vector<std::vector<std::u16string>> values;
   for (size_t i = 0; i < count; ++i) values.push_back(FieldValues(records, form, i));
   for (size_t i = 0; i < count; ++i) {
@@ -207,9 +215,10 @@ std::vector<std::u16string> Frame(const std::vector<std::u16string>& lines, Gues
     }
   }
   if (!guess->form.continuation.empty()) {
+    // Past the longest record's own text, whether or not it has continuations.
     size_t longest = 0;
     for (const std::u16string& record : records) {
-      longest = std::max(longest, record.find(u'\x01'));
+      longest = std::max(longest, std::min(record.find(u'\x01'), record.size()));
     }
     guess->form.continuation_column = static_cast<int>(std::min<size_t>(longest + 2, 255));
     for (std::u16string& record : records) {

@@ -15,7 +15,8 @@ using Text = std::u16string_view;
 
 bool IsDigit(char16_t c);
 bool HasDigit(Text line);
-// The value of the digits of line[at, at + n).
+// The value of the digits of line[at, at + n), at most kValueCap.
+constexpr int kValueCap = 999999999;
 int Value(Text line, size_t at, size_t n);
 // `text` without the blanks at both ends.
 std::u16string Trim(Text text);

@@ -86,10 +86,19 @@ GuessScore ScoreGuess(const Guess& guess, const std::string& known_json) {
   std::string delivery;
   SwitchConfigFromJson(known_json, cfg, &form, &delivery);
   GuessScore score;
+  int width = 0;
+  const std::vector<int> columns = ShapedColumns(form.fields, &width);
+  // Derived fields come last: a field read from their columns is read by rule.
+  const int first_derived =
+      form.delimited && !form.fields.derived.empty() ? columns[form.fields.fields.size()] : 256;
   for (const velqua::CampoDATO& f : cfg.ListaDATO()) {
     const int32_t key = f.emParam;
-    ++score.total;
     const int pos = f.btPos, size = f.btTam;
+    if (pos >= first_derived) {
+      ++score.by_rule;
+      continue;
+    }
+    ++score.total;
     Datum datum{};
     bool found = false;
     if (DatumOfKey(key, &datum)) {

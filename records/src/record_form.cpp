@@ -7,10 +7,15 @@
 namespace velqua_records {
 namespace {
 
-// Appends `text` to *line cut or padded to `width` columns.
-void Put(std::u16string_view text, int width, std::u16string* line) {
+// Appends `text` to *line cut or padded to `width` columns; a text that is cut
+// is noted in *outcome.
+void Put(std::u16string_view text, int width, std::u16string* line, ShapeOutcome* outcome) {
   const size_t w = static_cast<size_t>(width);
   const size_t n = std::min(text.size(), w);
+  if (n < text.size()) {
+    const std::u16string_view shaped = Trimmed(text.substr(0, n)), whole = Trimmed(text);
+    if (shaped != whole) outcome->cut.emplace_back(shaped, whole);
+  }
   line->append(text.data(), n);
   line->append(w - n, u' ');
 }
@@ -77,10 +82,15 @@ ShapeOutcome ShapeDelimited(const DelimitedForm& form, std::u16string_view recor
                             std::u16string* line) {
   line->clear();
   ShapeOutcome outcome;
+  // The fields' texts are kept only when derived fields read them.
+  thread_local std::vector<std::u16string> texts;
+  const bool keep = !form.derived.empty();
+  if (keep) texts.resize(form.fields.size());
   std::u16string field;
   size_t at = 0;
   bool end = false;
-  for (const DelimitedField& declared : form.fields) {
+  for (size_t i = 0; i < form.fields.size(); ++i) {
+    const DelimitedField& declared = form.fields[i];
     if (!end) {
       NextField(form, record, &at, &field);
       ++outcome.fields;
@@ -90,11 +100,12 @@ ShapeOutcome ShapeDelimited(const DelimitedForm& form, std::u16string_view recor
       field.clear();
       outcome.fewer = true;
     }
+    if (keep) texts[i] = field;
     if (declared.width == 0) continue;
     if (declared.seconds) {
       PutSeconds(field, declared.width, line);
     } else {
-      Put(field, declared.width, line);
+      Put(field, declared.width, line, &outcome);
     }
     line->push_back(u' ');
   }
@@ -104,6 +115,18 @@ ShapeOutcome ShapeDelimited(const DelimitedForm& form, std::u16string_view recor
     ++outcome.fields;
     end = at >= record.size();
     ++at;
+  }
+  if (keep) {  // each derived field may read the declared ones and those before it
+    thread_local std::vector<std::u16string> values;
+    thread_local std::vector<std::u16string_view> views;
+    values.resize(form.derived.size());
+    views.assign(texts.begin(), texts.end());
+    for (size_t i = 0; i < form.derived.size(); ++i) {
+      values[i] = form.derived[i].Value(views);
+      views.push_back(values[i]);
+      Put(values[i], form.derived[i].width, line, &outcome);
+      line->push_back(u' ');
+    }
   }
   if (!line->empty()) line->pop_back();  // no blank after the last field
   return outcome;
@@ -116,8 +139,18 @@ std::vector<int> ShapedColumns(const DelimitedForm& form, int* width) {
     columns.push_back(next);
     if (field.width > 0) next += field.width + 1;
   }
+  for (const DerivedField& field : form.derived) {
+    columns.push_back(next);
+    next += field.width + 1;
+  }
   *width = next > 1 ? next - 2 : 0;
   return columns;
+}
+
+std::u16string_view Trimmed(std::u16string_view text) {
+  const size_t first = text.find_first_not_of(u' ');
+  if (first == std::u16string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(u' ') - first + 1);
 }
 
 bool MatchesPattern(std::u16string_view pattern, std::u16string_view text) {
@@ -140,6 +173,9 @@ void RecordForm::Join(std::u16string_view line, std::u16string* record) const {
 std::string RecordForm::Describe() const {
   std::string text = delimited ? "delimited (" + std::to_string(fields.fields.size()) + " fields)"
                                : "fixed columns";
+  if (!fields.derived.empty()) {
+    text += " + " + std::to_string(fields.derived.size()) + " by rule";
+  }
   if (!headings.empty()) {
     text += " + " + std::to_string(headings.size()) + " heading pattern" +
             (headings.size() == 1 ? "" : "s");
@@ -147,6 +183,7 @@ std::string RecordForm::Describe() const {
   if (nul_ends_record) text += " + NUL record ends";
   if (!continuation.empty()) text += " + continuation lines";
   if (seven_bit) text += " + 7-bit";
+  if (printed_time == PrintedTime::kEnd) text += " + end times";
   return text;
 }
 

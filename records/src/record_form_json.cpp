@@ -52,7 +52,7 @@ DelimitedField ReadField(const json& field, const std::string& where) {
 
 DelimitedForm ReadDelimited(const json& delimited) {
   const std::string where = "records.delimited";
-  CheckJsonMembers(delimited, where, {"separator", "quote", "fields"});
+  CheckJsonMembers(delimited, where, {"separator", "quote", "fields", "derived"});
   DelimitedForm form;
   form.separator = Character(delimited, "separator", where, u',', false);
   form.quote = Character(delimited, "quote", where, u'"', true);
@@ -66,6 +66,7 @@ DelimitedForm ReadDelimited(const json& delimited) {
   for (size_t i = 0; i < fields.size(); ++i) {
     form.fields.push_back(ReadField(fields[i], where + ".fields[" + std::to_string(i) + "]"));
   }
+  if (delimited.contains("derived")) form.derived = DerivedFromJson(delimited.at("derived"), form);
   return form;
 }
 
@@ -114,7 +115,7 @@ std::string Quote(std::u16string_view text) { return json(U8(text)).dump(); }
 
 RecordForm RecordFormFromJson(const json& records) {
   CheckJsonMembers(records, "records",
-                   {"delimited", "headings", "record_end", "continuation", "seven_bit"});
+                   {"delimited", "headings", "record_end", "continuation", "seven_bit", "time"});
   RecordForm form;
   if (records.contains("delimited")) {
     form.delimited = true;
@@ -134,11 +135,18 @@ RecordForm RecordFormFromJson(const json& records) {
       FailJson("records.seven_bit", "must be true or false");
     form.seven_bit = records.at("seven_bit").get<bool>();
   }
+  if (records.contains("time")) {
+    const json& time = records.at("time");
+    if (!time.is_string() || (time != "start" && time != "end")) {
+      FailJson("records.time", "must be \"start\" or \"end\" (which time the records print)");
+    }
+    form.printed_time = time == "end" ? PrintedTime::kEnd : PrintedTime::kStart;
+  }
   return form;
 }
 
 std::string RecordFormToJson(const RecordForm& form) {
-  if (form.Plain()) return "";
+  if (form.Plain() && form.printed_time == PrintedTime::kUnstated) return "";
   std::string out = "{";
   const char* next = "\n";
   if (form.delimited) {
@@ -155,7 +163,9 @@ std::string RecordFormToJson(const RecordForm& form) {
       if (field.seconds) out += ", \"seconds\": true";
       out += "}";
     }
-    out += "\n      ]\n    }";
+    out += "\n      ]";
+    if (!form.fields.derived.empty()) out += DerivedToJson(form.fields);
+    out += "\n    }";
     next = ",\n";
   }
   if (!form.headings.empty()) {
@@ -181,6 +191,12 @@ std::string RecordFormToJson(const RecordForm& form) {
   if (form.seven_bit) {
     out += next;
     out += "    \"seven_bit\": true";
+    next = ",\n";
+  }
+  if (form.printed_time != PrintedTime::kUnstated) {
+    out += next;
+    out += form.printed_time == PrintedTime::kEnd ? "    \"time\": \"end\""
+                                                  : "    \"time\": \"start\"";
   }
   return out + "\n  }";
 }

@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
 #include "velqua/records/record_form.h"
 
@@ -22,6 +23,13 @@ RecordForm RecordFormFromJson(const nlohmann::json& records);
 // `allowed`; `where` names it ("" for the whole form).
 void CheckJsonMembers(const nlohmann::json& object, const std::string& where,
                       std::initializer_list<const char*> allowed);
+
+// The "derived" member of a delimited form (its fields read by rule), whose
+// tests and rules name the fields of `form`; throws Failure naming the member.
+std::vector<DerivedField> DerivedFromJson(const nlohmann::json& derived, const DelimitedForm& form);
+
+// ",\n      \"derived\": [...]": the member as written after "fields".
+std::string DerivedToJson(const DelimitedForm& form);
 
 // The "records" member's text, two-space indented at the member's depth (one
 // field a line), without the member's name; "" for a plain form.

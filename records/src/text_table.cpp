@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "velqua/records/common.h"
+
 namespace velqua_records {
 namespace {
 
@@ -21,21 +23,34 @@ AlignedTable::AlignedTable(std::vector<std::string> heads, std::vector<bool> rig
 
 void AlignedTable::Add(std::vector<std::string> cells, std::string* out) {
   cells.resize(heads_.size());
+  for (std::string& cell : cells) {
+    if (!NeedsVisible(cell, false)) continue;
+    std::string visible;
+    AppendVisible(visible, cell, false);
+    cell = std::move(visible);
+  }
   if (widths_.empty()) {
     held_.push_back(std::move(cells));
-    if (held_.size() >= kSizingRows) Release(out);
+    if (held_.size() >= kSizingRows) Release(out, false);
     return;
   }
   Emit(cells, out);
 }
 
 void AlignedTable::Finish(std::string* out) {
-  if (widths_.empty()) Release(out);
+  if (widths_.empty()) Release(out, false);
 }
 
-void AlignedTable::Release(std::string* out) {
+void AlignedTable::Flush(std::string* out) {
+  if (widths_.empty()) Release(out, true);
+}
+
+void AlignedTable::Release(std::string* out, bool live) {
   widths_.assign(heads_.size(), 0);
-  for (size_t i = 0; i < heads_.size(); ++i) widths_[i] = Width(heads_[i]);
+  for (size_t i = 0; i < heads_.size(); ++i) {
+    widths_[i] = Width(heads_[i]);
+    if (live && i < live_widths_.size()) widths_[i] = std::max(widths_[i], live_widths_[i]);
+  }
   for (const auto& cells : held_) {
     for (size_t i = 0; i < cells.size(); ++i) widths_[i] = std::max(widths_[i], Width(cells[i]));
   }

@@ -6,7 +6,9 @@
 #include <ctime>
 #include <utility>
 
+#include "unrecognised_log.h"
 #include "velqua/records/common.h"
+#include "velqua/records/error_text.h"
 #include "velqua/texto.h"
 
 namespace velqua_records {
@@ -35,7 +37,9 @@ bool ExtensionIsRandom(velqua::clsTraductor& t, const velqua::clsCfgConmut& cfg,
 // Decodes a line into *text, reusing its storage: ASCII bytes directly (the
 // common case: widened and tested in one pass, which the compiler
 // vectorises), the rest from the first other byte through the library.
-void Decode(std::string_view bytes, bool utf8, std::u16string* text) {
+// False when UTF-8 bytes are not well-formed (the bad bytes then read as
+// U+FFFD).
+bool Decode(std::string_view bytes, bool utf8, std::u16string* text) {
   const auto* __restrict p = reinterpret_cast<const unsigned char*>(bytes.data());
   const size_t n = bytes.size();
   text->resize(n);
@@ -45,11 +49,28 @@ void Decode(std::string_view bytes, bool utf8, std::u16string* text) {
     out[i] = p[i];
     any = static_cast<unsigned char>(any | p[i]);
   }
-  if (any < 0x80) return;
+  if (any < 0x80) return true;
   size_t i = 0;
   while (p[i] < 0x80) ++i;
   text->resize(i);
   *text += utf8 ? velqua::DesdeUtf8(bytes.substr(i)) : velqua::DesdeAnsi(bytes.substr(i));
+  return !utf8 || IsValidUtf8(bytes.substr(i));
+}
+
+// A delimited field is never cut: a text the row read whole from a field's
+// columns, which the field did not fit, is given the field's whole text.
+void Uncut(const std::vector<std::pair<std::u16string, std::u16string>>& cut, Row* row) {
+  for (std::u16string* text :
+       {&row->dialled, &row->extension, &row->trunk, &row->receiving_extension,
+        &row->receiving_trunk, &row->account_code}) {
+    const std::u16string_view value = Trimmed(*text);
+    for (const auto& [shaped, whole] : cut) {
+      if (!value.empty() && value == shaped) {
+        *text = whole;
+        break;
+      }
+    }
+  }
 }
 
 // Whether an input is live: anything but a regular file read to its end.
@@ -73,7 +94,8 @@ Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sin
       check_(*cfg_) {
   plain_ = form_.Plain() && cfg_->Caso() != velqua::emCasoNortelNorstar0x32SMDR6;
   traductor_.Conmutador(cfg_);
-  traductor_.ArchivoLlamadasError(U16(settings.errors_log));
+  // The library's own log is Spanish; the road writes its own (LogUnrecognised).
+  errors_log_ = settings.errors_log;
   traductor_.ArchivoListaExtensionesKXTDA(U16(settings.extensions));
   if (cfg_->Caso() == velqua::emCasoNortelNorstar0x32SMDR6) {
     gatherer_ = std::make_unique<CallGatherer>(cfg_->Separador());
@@ -95,8 +117,9 @@ void Translation::Record(const std::u16string& record, int64_t offset) {
     ~Thaw() { clock.Thaw(); }
   } thaw{clock};
   const std::u16string* text = &record;
+  ShapeOutcome outcome;
   if (form_.delimited) {
-    const ShapeOutcome outcome = ShapeDelimited(form_.fields, record, &shaped_);
+    outcome = ShapeDelimited(form_.fields, record, &shaped_);
     counts_.more_fields += outcome.more;
     counts_.fewer_fields += outcome.fewer;
     text = &shaped_;
@@ -110,16 +133,25 @@ void Translation::Record(const std::u16string& record, int64_t offset) {
       row.number = number;
       row.error = std::move(reason);
       ++counts_.damaged;
-      if (on_failure) on_failure(input_, number, row.error);
+      if (on_failure) on_failure(input_, row);
     }
+    // A checked row: its date and time as printed are sound, so the start
+    // and end computed from them are too; a field cut by its columns is
+    // given whole.
+    PlaceInTime(form_.printed_time, &row);
+    if (!outcome.cut.empty()) Uncut(outcome.cut, &row);
   } catch (const velqua::Error& e) {
     row = Row();
     row.number = number;
-    row.error = DescribeError(e);
+    row.error = ErrorText(e);
+    row.error_number = e.Number();
+    row.error_source = U8(e.Source());
+    row.error_description = U8(e.Description());
     ++counts_.failed;
-    if (on_failure) on_failure(input_, number, row.error);
+    if (on_failure) on_failure(input_, row);
   }
   if (!row.has_fields) {
+    if (!errors_log_.empty()) LogUnrecognised(*clock_, errors_log_, input_, row, record, utf8_);
     ++counts_.unrecognised;
     if (counts_.listed.size() < Counts::kListed) counts_.listed.push_back(number);
   }
@@ -223,7 +255,9 @@ bool Translation::LineBytes(std::string_view bytes, int64_t offset) {
     for (char& c : bytes_) c = static_cast<char>(c & 0x7F);
     bytes = bytes_;
   }
-  Decode(bytes, utf8_, &text_);
+  if (!Decode(bytes, utf8_, &text_) && counts_.invalid_utf8++ == 0 && on_invalid_utf8) {
+    on_invalid_utf8(input_, counts_.read + 1);
+  }
   // Plain fixed-column lines, the common case, go to the library as decoded.
   if (plain_) {
     Record(text_, offset);

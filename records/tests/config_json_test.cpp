@@ -6,6 +6,7 @@
 #include "velqua/error.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_json.h"
+#include "velqua/records/error_text.h"
 
 namespace velqua_records {
 namespace {
@@ -116,6 +117,11 @@ TEST(ConfigJson, ErrorsNameTheMemberAtFault) {
   EXPECT_EQ(ErrorOf(R"({"wiring": {"db9": [2, 3]}})"),
             "wiring.db9[0]: must be [switchPin, computerPin]");
   EXPECT_EQ(ErrorOf("[1]"), ": must be an object");
+  // Numbers beyond a double fail in the JSON library's parser, not as a value.
+  EXPECT_EQ(ErrorOf(R"({"case": 1e400})"), "not valid JSON: a number too large to read");
+  EXPECT_EQ(
+      ErrorOf("{\"records\": {\"continuation\": {\"column\": " + std::string(400, '9') + "}}}"),
+      "not valid JSON: a number too large to read");
 }
 
 TEST(ConfigJson, SyntaxErrorIsReported) {
@@ -144,6 +150,76 @@ TEST(DescribeError, EnglishMeaningThenTheLibrarysNumberSourceAndText) {
   for (const Case& c : cases) {
     SCOPED_TRACE(c.line);
     EXPECT_EQ(DescribeError(velqua::Error(c.number, u"S", u"a\r\n b")), c.line);
+  }
+}
+
+// What a user reads: the English meaning, chosen by the number alone, and the
+// file a file error names; nothing of the library's Spanish text.
+TEST(ErrorText, EnglishByNumberWithTheFileNamed) {
+  struct Case {
+    int32_t number;
+    std::u16string description;
+    const char* text;
+  } const cases[] = {
+      {velqua::NumeroErrorObjeto(1505),
+       u"No es posible abrir al archivo de configuración, no se reconoce.\r\n Archivo :/t/x.cfg",
+       "not a configuration file: /t/x.cfg"},
+      {velqua::NumeroErrorObjeto(1504),
+       u"Error de importación en la configuración.\r\nDetalle\r\nx.ini",
+       "the profile file cannot be read as a configuration: x.ini"},
+      {velqua::NumeroErrorObjeto(1205), u"No se permite conectar el PIN #1 del puerto DB25.",
+       "a DB25 pin that cannot be wired"},
+      {velqua::NumeroErrorObjeto(1503), u"Ocurrio un error en los datos al intentar exportar.",
+       "the configuration cannot be written as a profile file"},
+      {6, u"Desbordamiento", "overflow: a column past 255, or a number too large for the record"},
+      {9, u"El subíndice está fuera del intervalo", "index out of range"},
+      {velqua::NumeroErrorObjeto(1506), u"Error desconocido.", "unknown library error"},
+      {12345, u"?", "library error"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(ErrorText(velqua::Error(c.number, u"S", c.description)), c.text);
+  }
+}
+
+// Control characters a terminal acts on are shown, in a cell and in laid-out
+// text; UTF-8 is told from what is not.
+TEST(TerminalText, ControlsAreShownAndUtf8IsChecked) {
+  struct Case {
+    std::string text;
+    bool keep_layout;
+    std::string shown;
+  } const cases[] = {
+      {"plain 0891", false, "plain 0891"},
+      {"\x1b[2J\a", false, "\\x1B[2J\\x07"},
+      {"a\tb\r\n", false, "a\\x09b\\x0D\\x0A"},
+      {"a\tb\r\n", true, "a\tb\r\n"},
+      {"x\x7f\xc2\x9b"
+       "1m \xc3\xa9",
+       true, "x\\x7F\\u009B1m \xc3\xa9"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.shown);
+    std::string out;
+    AppendVisible(out, c.text, c.keep_layout);
+    EXPECT_EQ(out, c.shown);
+    EXPECT_EQ(NeedsVisible(c.text, c.keep_layout), c.shown != c.text);
+  }
+  const struct {
+    const char* bytes;
+    bool valid;
+  } utf8[] = {{"ascii", true},
+              {"caf\xc3\xa9", true},
+              {"\xf0\x9f\x93\x9e", true},
+              {"caf\xe9", false},
+              {"\xc3", false},
+              {"\xc0\xaf", false},
+              {"\xed\xa0\x80", false},
+              {"\xf4\x90\x80\x80", false},
+              {"\x80", false}};
+  for (const auto& u : utf8) {
+    SCOPED_TRACE(u.bytes);
+    EXPECT_EQ(IsValidUtf8(u.bytes), u.valid);
   }
 }
 

@@ -125,6 +125,50 @@ TEST(GuessLayout, TheDraftTranslatesItsOwnSamples) {
   EXPECT_EQ(translation.counts().headings, 1);
 }
 
+// Bit 7 as parity (set on about half the bytes) is cleared; a few 8-bit
+// letters in a caller's name are kept.
+TEST(GuessLayout, SevenBitOnlyWhenBitSevenLooksLikeParity) {
+  const std::u16string plain[] = {u"03/10/26 08:15 201 0312345678      00:02:05",
+                                  u"03/10/26 09:01 202 0215550199      00:02:44",
+                                  u"03/10/26 09:30 203 0215550123      00:00:25",
+                                  u"03/10/26 10:00 201 0398765432      00:01:10"};
+  struct Case {
+    const char* what;
+    bool parity;   // set bit 7 on every other byte
+    bool letters;  // put "M\u00fcller \u00c9" in the first line
+    bool seven_bit;
+  } const cases[] = {
+      {"parity", true, false, true},
+      {"8-bit letters", false, true, false},
+      {"plain", false, false, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    std::vector<std::u16string> lines(std::begin(plain), std::end(plain));
+    if (c.letters) lines[0] += u" M\u00fcller \u00c9";
+    for (std::u16string& line : lines) {
+      for (size_t i = 0; c.parity && i < line.size(); i += 2) {
+        line[i] = static_cast<char16_t>(line[i] | 0x80);
+      }
+    }
+    const Guess guess = GuessLayout(lines);
+    EXPECT_EQ(guess.form.seven_bit, c.seven_bit);
+    EXPECT_FALSE(guess.fields.empty());
+  }
+}
+
+// Continuation lines join past the longest record, also when the longest
+// has none of its own.
+TEST(GuessLayout, ContinuationsJoinPastTheLongestRecord) {
+  const std::vector<std::u16string> lines = {
+      u"N 001 00 DN201  T000001 03/10 08:15:00 00:02:05.0 0312345678", u" & 0312345678",
+      u"N 002 00 DN202  T000002 03/10 09:01:10 00:02:44.0 02155501990000",
+      u"N 003 00 DN203  T000001 03/10 09:30:00 00:00:25.0 0215550123", u" & 0215550123"};
+  const Guess guess = GuessLayout(lines);
+  EXPECT_EQ(guess.form.continuation, u" &*");
+  EXPECT_EQ(guess.form.continuation_column, static_cast<int>(lines[2].size()) + 2);
+}
+
 TEST(GuessLayout, NothingToGoByIsSaid) {
   const Guess guess = GuessLayout({u"no digits here", u"nor here"});
   EXPECT_EQ(guess.samples, 0);

@@ -15,7 +15,7 @@ namespace velqua_records {
 namespace {
 
 // Fields of widths 3, 4, (not carried), 2.
-DelimitedForm FourFields() { return {u',', u'"', {{"a", 3}, {"b", 4}, {"c", 0}, {"d", 2}}}; }
+DelimitedForm FourFields() { return {u',', u'"', {{"a", 3}, {"b", 4}, {"c", 0}, {"d", 2}}, {}}; }
 
 TEST(ShapeDelimited, EachFieldCutOrPaddedToItsWidthThenOneBlank) {
   struct Case {
@@ -60,7 +60,7 @@ TEST(ShapeDelimited, CountsOfSecondsBecomeHoursMinutesSecondsOrBlank) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(U8(c.field));
-    const DelimitedForm form{u';', u'\0', {{"seconds", c.width, true}}};
+    const DelimitedForm form{u';', u'\0', {{"seconds", c.width, true}}, {}};
     std::u16string shaped;
     ShapeDelimited(form, c.field, &shaped);
     EXPECT_EQ(U8(shaped), U8(c.shaped));
@@ -68,7 +68,7 @@ TEST(ShapeDelimited, CountsOfSecondsBecomeHoursMinutesSecondsOrBlank) {
 }
 
 TEST(ShapeDelimited, WithoutAQuoteCharacterQuotesAreText) {
-  const DelimitedForm form{u';', u'\0', {{"a", 4}, {"b", 2}}};
+  const DelimitedForm form{u';', u'\0', {{"a", 4}, {"b", 2}}, {}};
   std::u16string shaped;
   ShapeDelimited(form, u"\"a;b\"", &shaped);
   EXPECT_EQ(U8(shaped), "\"a   b\"");
@@ -252,7 +252,7 @@ TEST(TranslationWithAForm, DelimitedRecordsAreShapedAndCounted) {
     translation.Line(line);
   }
   translation.Finish();
-  EXPECT_EQ(rows.rows, (std::vector<std::string>{"1 2 0312345678 125 201", "2 1 0215,55019 61 ",
+  EXPECT_EQ(rows.rows, (std::vector<std::string>{"1 2 0312345678 125 201", "2 1 0215,550199 61 ",
                                                  "3 2 555 3600 202"}));
   EXPECT_EQ(translation.counts().headings, 1);
   EXPECT_EQ(translation.counts().fewer_fields, 1);

@@ -4,6 +4,7 @@
 
 #include "model/datos_cfg.h"
 #include "velqua/cfg_conmut.h"
+#include "velqua/textos_dibujo.h"
 
 namespace velqua {
 
@@ -75,11 +76,11 @@ void clsCfgConmut::LimpiaConfiguracionSMDR(emPuertoSerial iemPuerto) {
 }
 void clsCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib,
                                            float sglPosX, float sglPosY) const {
-  udtDatos->DibujaConfiguracionSMDR(iemPuerto, picDib, sglPosX, sglPosY);
+  udtDatos->DibujaConfiguracionSMDR(iemPuerto, picDib, emTextosBiblioteca, sglPosX, sglPosY);
 }
 void clsCfgConmut::DibujaTablaConversionDB9DB25(Superficie& picDib, float sglPosX,
                                                 float sglPosY) const {
-  udtDatos->DibujaTablaConversionDB9DB25(picDib, sglPosX, sglPosY);
+  velqua::DibujaTablaConversionDB9DB25(picDib, emTextosBiblioteca, sglPosX, sglPosY);
 }
 void clsCfgConmut::Abrir(const std::u16string& cadArch) { udtDatos->Abrir(cadArch); }
 void clsCfgConmut::GuardarComo(const std::u16string& cadArch) { udtDatos->GuardarComo(cadArch); }

@@ -114,10 +114,11 @@ class DatosCfgConmut {
   bool HayConfiguracionSMDR(emPuertoSerial iemPuerto) const;
   void LimpiaConfiguracionSMDR(emPuertoSerial iemPuerto);
 
-  // ---- Drawings onto the host's surface (surface units, usually twips) ----
-  void DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib, float sglPosX = 0,
-                               float sglPosY = 0) const;
-  void DibujaTablaConversionDB9DB25(Superficie& picDib, float sglPosX = 0, float sglPosY = 0) const;
+  // ---- Drawings onto the host's surface (surface units, usually twips),
+  // with the texts emTextos chooses (emTextosDibujo); the conversion table
+  // reads no configuration and is drawn by the free function alone ----
+  void DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib, int32_t emTextos,
+                               float sglPosX, float sglPosY) const;
 
   // ---- Files: binary (Abrir, GuardarComo) and profile (Importar, Exportar) ----
   void Abrir(const std::u16string& cadArch);

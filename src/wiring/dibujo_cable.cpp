@@ -11,6 +11,7 @@
 
 #include "model/datos_cfg.h"
 #include "velqua/superficie.h"
+#include "velqua/textos_dibujo.h"
 #include "wiring/dibujo_comun.h"
 
 namespace velqua {
@@ -38,6 +39,7 @@ struct Diagrama {
   Superficie& pic;
   emPuertoSerial puerto;
   float X, Y;
+  const dibujo::Textos& t;
   float A = 0, h8 = 0, h = 0;
   float cS = 0, c9 = 0, c25 = 0;
   float y = 0, w = 0;
@@ -71,10 +73,10 @@ void DibujaTitulo(Diagrama& d) {
   d.A = 2 * pic.TextHeight(u"M");
   pic.Line(kRelleno, d.X, d.Y, d.X + kAncho, d.Y + d.A, kAzulMarino);
   pic.ForeColor(kBlanco);
-  Escribe(pic, d.X + d.Px(10), d.Y + d.Py(1), u"Confguración del cable SMDR");
+  Escribe(pic, d.X + d.Px(10), d.Y + d.Py(1), d.t.cadTitulo);
   pic.FontSize(8);
-  Escribe(pic, d.X + d.Px(4), d.Y + d.Py(18), u"Conmutador");
-  Escribe(pic, d.X + d.Px(115), d.Y + d.Py(18), u"PC (Computadora)");
+  Escribe(pic, d.X + d.Px(4), d.Y + d.Py(18), d.t.cadConmutador);
+  Escribe(pic, d.X + d.Px(115), d.Y + d.Py(18), d.t.cadPC);
   pic.ForeColor(kNegro);
   d.h8 = pic.TextHeight(u"M");
   pic.Line(kRelleno, d.X, d.Y + d.A, d.X + kAncho, d.Y + d.A + d.h8, kBlanco);
@@ -82,7 +84,7 @@ void DibujaTitulo(Diagrama& d) {
 
 // A port without wiring: a one-line message inside the outline.
 void DibujaSinConfiguracion(Diagrama& d) {
-  Escribe(d.pic, d.X + d.Px(20), d.Y + d.A - d.Py(1), u"-- No hay configuración realizada --");
+  Escribe(d.pic, d.X + d.Px(20), d.Y + d.A - d.Py(1), d.t.cadSinConfiguracion);
   d.pic.Line(kMarco, d.X, d.Y, d.X + kAncho, d.Y + d.A + d.h8, kNegro);
 }
 
@@ -122,7 +124,7 @@ void CableDB9DB25(Diagrama& d) {
 
 // Computer pin i at c9 and its DB25 number at c25.
 void EscribePinPC(Diagrama& d, int16_t i) {
-  Escribe(d.pic, d.c9, d.y, Numero(i));
+  Escribe(d.pic, d.c9, d.y, d.t.bolSenales ? Numero(i) + u" " + dibujo::SenalDB9(i) : Numero(i));
   Escribe(d.pic, d.c25, d.y, Numero(DB25DeDB9(i)));
 }
 
@@ -235,8 +237,8 @@ void PasadaPrincipal(Diagrama& d) {
 }  // namespace
 
 void DatosCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib,
-                                             float sglPosX, float sglPosY) const {
-  Diagrama d{*this, picDib, iemPuerto, sglPosX, sglPosY};
+                                             int32_t emTextos, float sglPosX, float sglPosY) const {
+  Diagrama d{*this, picDib, iemPuerto, sglPosX, sglPosY, dibujo::TextosDe(emTextos)};
   DibujaTitulo(d);
   if (!HayConfiguracionSMDR(iemPuerto)) {
     DibujaSinConfiguracion(d);
@@ -248,6 +250,12 @@ void DatosCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superfici
   Clasifica(d);
   PasadaPrincipal(d);
   picDib.Line(kMarco, d.X, d.Y, d.X + kAncho, d.y, kNegro);  // the outline
+}
+
+void DibujaConfiguracionSMDR(const clsCfgConmut& cfgConmut, emPuertoSerial iemPuerto,
+                             Superficie& picDib, emTextosDibujo emTextos, float sglPosX,
+                             float sglPosY) {
+  cfgConmut.Representacion().DibujaConfiguracionSMDR(iemPuerto, picDib, emTextos, sglPosX, sglPosY);
 }
 
 }  // namespace velqua

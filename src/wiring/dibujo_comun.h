@@ -29,6 +29,32 @@ inline int32_t DB25DeDB9(int32_t i) {
   return kTabla[i - 1];
 }
 
+// The texts of the drawings, the library's or English (emTextosDibujo).
+struct Textos {
+  const char16_t* cadTitulo;
+  const char16_t* cadConmutador;
+  const char16_t* cadPC;
+  const char16_t* cadSinConfiguracion;
+  const char16_t* cadTituloTabla;
+  bool bolSenales;  // the signal name beside each computer DB9 pin
+};
+
+inline const Textos& TextosDe(int32_t emTextos) {
+  static const Textos kBiblioteca{
+      u"Confguración del cable SMDR",          u"Conmutador",          u"PC (Computadora)",
+      u"-- No hay configuración realizada --", u"Tabla de conversión", false};
+  static const Textos kIngles{u"SMDR cable wiring",   u"Switch",           u"PC (computer)",
+                              u"-- No wiring set --", u"Conversion table", true};
+  return emTextos == 1 ? kIngles : kBiblioteca;
+}
+
+// The RS-232 signal of DB9 pin i (1 to 9), as a computer's serial port names it.
+inline const char16_t* SenalDB9(int32_t i) {
+  constexpr const char16_t* kSenales[9] = {u"DCD", u"RxD", u"TxD", u"DTR", u"GND",
+                                           u"DSR", u"RTS", u"CTS", u"RI"};
+  return kSenales[i - 1];
+}
+
 // A number as decimal text without blanks.
 inline std::u16string Numero(int32_t lnValor) {
   const std::string ascii = std::to_string(lnValor);

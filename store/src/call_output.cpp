@@ -25,7 +25,7 @@ class CsvWriter : public CallWriter {
   explicit CsvWriter(std::FILE* out) : out_(out) {
     out_.text() =
         "switch,source,position,type,type_name,attribute,attribute_name,start,start_utc,"
-        "duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,"
+        "end,end_utc,duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,"
         "account_code,extension_random,received_utc,raw,cost,currency,destination,"
         "destination_class,cost_reason,person,department,cost_centre,client,project\r\n";
   }
@@ -37,7 +37,8 @@ class CsvWriter : public CallWriter {
     b += ',' + std::to_string(c.position) + ',' + std::to_string(c.type) + ',' +
          velqua_records::CallTypeWord(c.type) + ',' + std::to_string(c.attribute) + ',' +
          velqua_records::AttributeWord(c.attribute) + ',' + c.start.value_or("") + ',' +
-         c.start_utc.value_or("") + ',';
+         c.start_utc.value_or("") + ',' + c.ended.value_or("") + ',' + c.ended_utc.value_or("") +
+         ',';
     if (c.duration) b += std::to_string(*c.duration);
     b += ',';
     if (c.ring) b += std::to_string(*c.ring);
@@ -104,6 +105,8 @@ class JsonlWriter : public CallWriter {
     JsonMember(b, "attribute_name", std::string(velqua_records::AttributeWord(c.attribute)));
     JsonMember(b, "start", c.start);
     JsonMember(b, "start_utc", c.start_utc);
+    JsonMember(b, "end", c.ended);
+    JsonMember(b, "end_utc", c.ended_utc);
     JsonNumber(b, "duration", c.duration);
     JsonNumber(b, "ring", c.ring);
     for (size_t i = 0; i < 6; ++i) JsonMember(b, CallValues::kTextColumns[i], *Texts(c, i));

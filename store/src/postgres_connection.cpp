@@ -140,7 +140,7 @@ class PgConnection : public Connection {
     Copy(
         "COPY calls (switch_id, source_id, position, received_utc, raw, type, attribute, start, "
         "start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
-        "receiving_trunk, account_code, extension_random) FROM STDIN",
+        "receiving_trunk, account_code, extension_random, ended, ended_utc) FROM STDIN",
         rows, n, [](std::string& out, const CallValues& v) {
           AppendCommon(out, v);
           out += '\t';
@@ -159,7 +159,11 @@ class PgConnection : public Connection {
             out += '\t';
             AppendCopyText(out, text);
           }
-          out += v.extension_random ? "\t1\n" : "\t0\n";
+          out += v.extension_random ? "\t1\t" : "\t0\t";
+          AppendCopyText(out, v.ended);
+          out += '\t';
+          AppendCopyText(out, v.ended_utc);
+          out += '\n';
         });
   }
 

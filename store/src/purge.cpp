@@ -54,6 +54,11 @@ PurgeResult SqlStore::Purge(const PurgeFilter& filter, bool dry_run) {
   const bool sqlite = std::strcmp(db_->engine(), "sqlite") == 0;
   if (sqlite) db_->Script("PRAGMA secure_delete = ON");
   InTransaction(*db_, [&] {
+    // A call's price goes with it: it names where the call went.
+    db_->Run(std::string("DELETE FROM call_costs WHERE (source_id, position) IN "
+                         "(SELECT source_id, position") +
+                 kCalls + ")",
+             params);
     result.calls = db_->Run(std::string("DELETE") + kCalls, params);
     result.unrecognised = db_->Run(std::string("DELETE") + kUnrecognised, params);
     result.events = db_->Run(std::string("DELETE") + kEvents, params);

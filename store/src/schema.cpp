@@ -128,6 +128,26 @@ CREATE TABLE directory (
 )
 )";
 
+// Version 3: a call's end beside its start. Switches that print the time a
+// call ended had it stored as the start; the start is now always the call's
+// true start (`retranslate` corrects calls stored before), and the end is
+// kept beside it.
+constexpr const char* kVersion3 = R"(
+ALTER TABLE calls ADD COLUMN ended {text};
+ALTER TABLE calls ADD COLUMN ended_utc {text};
+DROP VIEW IF EXISTS calls_named;
+CREATE VIEW calls_named AS
+SELECT c.id, s.name AS switch_name, src.name AS source_name, c.position, c.received_utc,
+       c.type, t.name AS type_name, c.attribute, a.name AS attribute_name, c.start, c.start_utc,
+       c.ended, c.ended_utc, c.duration, c.ring, c.dialled, c.extension, c.trunk,
+       c.receiving_extension, c.receiving_trunk, c.account_code, c.extension_random, c.raw
+FROM calls c
+JOIN switches s ON s.id = c.switch_id
+JOIN sources src ON src.id = c.source_id
+LEFT JOIN call_types t ON t.value = c.type
+LEFT JOIN call_attributes a ON a.value = c.attribute
+)";
+
 // The indexes of the queries people run: by time, by extension or trunk
 // over time, by number dialled, by account code (most calls have none).
 constexpr const char* kQueryIndexNames[] = {"calls_start",        "calls_extension_start",
@@ -183,6 +203,8 @@ void Apply(Connection& db, int version) {
     // index: writing a price is then one insertion, not two.
     db.Script(Replace(ForEngine(IsPostgres(db), kVersion2), "{without_rowid}",
                       IsPostgres(db) ? "" : " WITHOUT ROWID"));
+  } else if (version == 3) {
+    db.Script(ForEngine(IsPostgres(db), kVersion3));
   }
 }
 

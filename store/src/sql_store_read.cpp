@@ -12,8 +12,8 @@ namespace {
 
 constexpr const char* kCallColumns =
     "type, attribute, start, start_utc, duration, ring, dialled, extension, trunk, "
-    "receiving_extension, receiving_trunk, account_code, extension_random";
-constexpr int kCallColumnCount = 13;
+    "receiving_extension, receiving_trunk, account_code, extension_random, ended, ended_utc";
+constexpr int kCallColumnCount = 15;
 
 // A call's stored translation as one string, read from the kCallColumns
 // that start at column `first`.
@@ -41,6 +41,8 @@ std::string Signature(const CallValues& v) {
   add(v.ring < 0 ? "" : std::to_string(v.ring));
   for (const std::string& text : v.texts) add(text);
   add(v.extension_random ? "1" : "0");
+  add(v.ended);
+  add(v.ended_utc);
   return s;
 }
 
@@ -94,6 +96,8 @@ std::string Where(const CallFilter& f, std::vector<Value>* params) {
   if (!f.extension.empty()) add("c.extension =", f.extension);
   if (!f.trunk.empty()) add("c.trunk =", f.trunk);
   if (f.type) add("c.type =", *f.type);
+  if (f.attribute) add("c.attribute =", *f.attribute);
+  if (f.min_duration) add("c.duration >=", *f.min_duration);
   if (!f.number_prefix.empty()) {
     add("c.dialled >=", f.number_prefix);
     const std::string end = PrefixEnd(f.number_prefix);
@@ -147,6 +151,8 @@ StoredCall ReadCall(const ResultRow& r) {
   std::optional<std::string>* names[] = {&c.person, &c.department, &c.cost_centre, &c.client,
                                          &c.project};
   for (int i = 0; i < 5; ++i) *names[i] = OptionalText(r, 23 + i);
+  c.ended = OptionalText(r, 28);
+  c.ended_utc = OptionalText(r, 29);
   return c;
 }
 
@@ -164,7 +170,7 @@ void SqlStore::ListCalls(const CallFilter& filter,
       DirectoryColumn("extension", "c.extension", "department") + ", " +
       DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
       DirectoryColumn("account", "c.account_code", "client") + ", " +
-      DirectoryColumn("account", "c.account_code", "project") +
+      DirectoryColumn("account", "c.account_code", "project") + ", c.ended, c.ended_utc" +
       " FROM calls c "
       "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
       "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position" +
@@ -274,7 +280,9 @@ void CountChanged(const std::string& before, const std::string& after,
                                        "receiving_extension",
                                        "receiving_trunk",
                                        "account_code",
-                                       "extension_random"};
+                                       "extension_random",
+                                       "ended",
+                                       "ended_utc"};
   static_assert(sizeof kNames / sizeof kNames[0] == kCallColumnCount);
   size_t a = 0, b = 0;
   for (const char* name : kNames) {
@@ -305,11 +313,14 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
       for (int64_t n : {v.duration, v.ring}) params.push_back(n < 0 ? Value() : Value(n));
       for (const std::string& text : v.texts) params.push_back(Value::TextOrNull(text));
       params.emplace_back(int64_t{v.extension_random});
+      params.push_back(Value::TextOrNull(v.ended));
+      params.push_back(Value::TextOrNull(v.ended_utc));
       CountChanged(old.stored, Signature(v), &result.changed);
       db_->Run(
           "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
           "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "
-          "receiving_trunk = $12, account_code = $13, extension_random = $14 WHERE id = $1",
+          "receiving_trunk = $12, account_code = $13, extension_random = $14, ended = $15, "
+          "ended_utc = $16 WHERE id = $1",
           params);
       ++result.updated;
     } else if (!call && !old.is_call) {

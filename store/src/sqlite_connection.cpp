@@ -116,8 +116,8 @@ class SqliteConnection : public Connection {
     sqlite3_stmt* stmt = Prepare(
         "INSERT INTO calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
         "start, start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
-        "receiving_trunk, account_code, extension_random) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        "receiving_trunk, account_code, extension_random, ended, ended_utc) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     for (const CallValues* v = rows; v != rows + n; ++v) {
       BindCommon(stmt, *v);
       sqlite3_bind_int(stmt, 6, v->type);
@@ -128,6 +128,8 @@ class SqliteConnection : public Connection {
       BindCount(stmt, 11, v->ring);
       for (int i = 0; i < 6; ++i) BindText(stmt, 12 + i, v->texts[static_cast<size_t>(i)]);
       sqlite3_bind_int(stmt, 18, v->extension_random ? 1 : 0);
+      BindText(stmt, 19, v->ended);
+      BindText(stmt, 20, v->ended_utc);
       Step(stmt, nullptr);
     }
   }

@@ -43,11 +43,20 @@ Zone::Zone(const std::string& name) {
 
 std::string Zone::ToUtc(const velqua_records::Row& row) const {
   if (zone_ == nullptr || !row.has_fields || !row.HasDate() || !row.HasTime()) return "";
-  const date::year_month_day day{date::year{row.year},
-                                 date::month{static_cast<unsigned>(row.month)},
-                                 date::day{static_cast<unsigned>(row.day)}};
-  if (row.month < 1 || row.day < 1 || !day.ok()) return "";
-  const date::local_seconds local = date::local_days{day} + std::chrono::seconds{row.time};
+  return Utc(row.year, row.month, row.day, row.time, row.HasSeconds());
+}
+
+std::string Zone::EndToUtc(const velqua_records::Row& row) const {
+  if (zone_ == nullptr || !row.has_fields || !row.HasEndDate() || !row.HasTime()) return "";
+  return Utc(row.end_year, row.end_month, row.end_day, row.end_time, row.HasSeconds());
+}
+
+std::string Zone::Utc(int32_t year, int32_t month, int32_t day_of_month, int32_t time,
+                      bool with_seconds) const {
+  const date::year_month_day day{date::year{year}, date::month{static_cast<unsigned>(month)},
+                                 date::day{static_cast<unsigned>(day_of_month)}};
+  if (month < 1 || day_of_month < 1 || !day.ok()) return "";
+  const date::local_seconds local = date::local_days{day} + std::chrono::seconds{time};
   const date::sys_seconds utc = zone_->to_sys(local, date::choose::earliest);
   const date::sys_days utc_day = date::floor<date::days>(utc);
   const date::year_month_day ymd{utc_day};
@@ -62,7 +71,7 @@ std::string Zone::ToUtc(const velqua_records::Row& row) const {
   AppendPadded(out, seconds / 3600, 2);
   out += ':';
   AppendPadded(out, seconds / 60 % 60, 2);
-  if (row.HasSeconds()) {
+  if (with_seconds) {
     out += ':';
     AppendPadded(out, seconds % 60, 2);
   }
@@ -85,6 +94,22 @@ void AppendStart(std::string& out, const velqua_records::Row& row) {
   if (!row.HasSeconds()) return;
   out += ':';
   AppendPadded(out, row.time % 60, 2);
+}
+
+void AppendEnd(std::string& out, const velqua_records::Row& row) {
+  if (!row.has_fields || !row.HasEndDate() || !row.HasTime()) return;
+  AppendPadded(out, row.end_year, 4);
+  out += '-';
+  AppendPadded(out, row.end_month, 2);
+  out += '-';
+  AppendPadded(out, row.end_day, 2);
+  out += 'T';
+  AppendPadded(out, row.end_time / 3600, 2);
+  out += ':';
+  AppendPadded(out, row.end_time / 60 % 60, 2);
+  if (!row.HasSeconds()) return;
+  out += ':';
+  AppendPadded(out, row.end_time % 60, 2);
 }
 
 std::string Fnv1aHex(std::string_view bytes) {
@@ -116,6 +141,9 @@ void CallValues::Fill(int64_t switch_id_, int64_t source_id_, const Record& reco
   start.clear();
   AppendStart(start, row);
   start_utc = zone.ToUtc(row);
+  ended.clear();
+  AppendEnd(ended, row);
+  ended_utc = zone.EndToUtc(row);
   duration = row.has_fields ? row.duration : -1;
   ring = row.has_fields ? row.ring : -1;
   const std::u16string* fields[] = {&row.dialled,         &row.extension,

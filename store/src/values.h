@@ -31,8 +31,12 @@ class Zone {
   // back) is taken at its first occurrence; one that never happens (clocks
   // set forward) at the moment the change took place.
   std::string ToUtc(const velqua_records::Row& row) const;
+  // The same for the call's end ("" when the row has no end or no end date).
+  std::string EndToUtc(const velqua_records::Row& row) const;
 
  private:
+  std::string Utc(int32_t year, int32_t month, int32_t day, int32_t time, bool seconds) const;
+
   const date::time_zone* zone_ = nullptr;
 };
 
@@ -47,6 +51,7 @@ struct CallValues {
   std::string received_utc, raw;
   int32_t type = 0, attribute = 0;
   std::string start, start_utc;
+  std::string ended, ended_utc;  // the call's end, in the start's precision
   int64_t duration = -1, ring = -1;
   std::array<std::string, 6> texts;
   bool extension_random = false;
@@ -60,6 +65,10 @@ struct CallValues {
 // "2026-01-15T09:05:00", "2026-01-15T09:05" without printed seconds,
 // "2026-01-15" without a printed time, "" without a printed date.
 void AppendStart(std::string& out, const velqua_records::Row& row);
+
+// The call's end in the same form as its start; "" when it has no end or the
+// switch printed no date.
+void AppendEnd(std::string& out, const velqua_records::Row& row);
 
 // The 64-bit FNV-1a hash of `bytes` as 16 hexadecimal digits: the content
 // hash of configurations, the fingerprint of imported files and the

@@ -182,6 +182,31 @@ TEST_P(ImportTest, RetranslationRewritesOnlyWhatChanges) {
   }
 }
 
+// Calls stored when the configuration took the time the switch prints for
+// the call's start, though it is the end, carry that time as their start; translated again with a
+// configuration that says so, they carry the true start, and the end beside it.
+TEST_P(ImportTest, RetranslationGivesStoredCallsTheirTrueStart) {
+  const std::string as_start =
+      EditedHicom(dir_, "as-start", "\"time\": \"end\"", "\"time\": \"start\"");
+  Importer(*store_, Settings("hicom", as_start)).Import({kExamples + "hicom/records.txt"});
+  const auto first = [&] {
+    StoredCall call;
+    CallFilter one;
+    one.limit = 1;
+    one.from = "2026-03-09";
+    store_->ListCalls(one, [&](const StoredCall& c) { call = c; });
+    return call;
+  };
+  // 08:03:12 printed, 155 s long: taken as the start, it ends 155 s later.
+  EXPECT_EQ(first().start.value_or(""), "2026-03-09T08:03:12");
+  EXPECT_EQ(first().ended.value_or(""), "2026-03-09T08:05:47");
+  const RewriteResult r = Retranslate(*store_, "hicom", kExamples + "hicom/hicom.json", "");
+  EXPECT_EQ(r.updated, 14);  // every call: each has a duration
+  EXPECT_EQ(first().start.value_or(""), "2026-03-09T08:00:37");
+  EXPECT_EQ(first().ended.value_or(""), "2026-03-09T08:03:12");
+  EXPECT_EQ(Retranslate(*store_, "hicom", kExamples + "hicom/hicom.json", "").updated, 0);
+}
+
 // A dry run counts what a real run does and writes nothing; an import with
 // the switch's configuration file edited since says so, once.
 TEST_P(ImportTest, ADryRunWritesNothingAndAnEditedConfigurationIsNoted) {
@@ -195,7 +220,9 @@ TEST_P(ImportTest, ADryRunWritesNothingAndAnEditedConfigurationIsNoted) {
   const RewriteResult dry = Retranslate(*store_, "hicom", one_digit, "", false, true);
   EXPECT_GT(dry.updated, 0);
   EXPECT_EQ(dry.changed.at("duration"), dry.updated);
-  EXPECT_EQ(dry.changed.size(), 1u);
+  // Hicom prints the time a call ended: its start moves with the duration.
+  EXPECT_EQ(dry.changed.at("start"), dry.updated);
+  EXPECT_EQ(dry.changed.size(), 2u);
   EXPECT_EQ(store_->FindSwitch("hicom")->config_hash, ConfigHash(config));
   const RewriteResult real = Retranslate(*store_, "hicom", one_digit, "");
   EXPECT_EQ(real.updated, dry.updated);

@@ -145,7 +145,12 @@ std::vector<std::vector<std::string>> ThreeRoads(const std::string& dir,
   captured->PutRatingPlan(plan);
   captured->PutSwitch({"berlin", settings.config, "", ""});
   CaptureLikeSink sink(*captured, captured->OpenSource("berlin", "v24", "capture"));
-  velqua_records::Translation translation(velqua_records::LoadConfig(settings.config), sink, {});
+  // With its record form, as the service loads a switch: Hicom prints when
+  // a call ended, and the form says so.
+  const velqua_records::SwitchConfig loaded = velqua_records::LoadSwitchConfig(settings.config);
+  velqua_records::Translation::Settings translating;
+  translating.form = loaded.form;
+  velqua_records::Translation translation(loaded.cfg, sink, translating);
   std::FILE* in = std::fopen(records.c_str(), "rb");
   translation.Input("month.txt", velqua_records::ReceivedAt(records, 2026));
   translation.Stream(in);
@@ -189,13 +194,14 @@ TEST(RatingRoadsPostgres, ImportCaptureAndRateGiveTheSameCostsOnBothEngines) {
     }
   }
   EXPECT_EQ(sqlite[0], postgres[0]);
-  // A few calls priced by hand (Tuesday 3 March, before carrier B).
+  // A few calls priced by hand (Tuesday 3 March, before carrier B), by their
+  // true start: Hicom prints when a call ended.
   const std::pair<const char*, const char*> hand[] = {
-      {"2026-03-03T13:42:34 ", "0221987654 0.45 Germany "},           // 600 s x 0.045/60
-      {"2026-03-03T15:54:33 ", "089123456 2.70 Germany "},            // 30+595x6=3600 s
-      {"2026-03-03T07:06:37 ", "015112345678 0.14 Germany mobile "},  // 59 x 0.139/60=.1367
-      {"2026-03-03T20:18:31 ", "03012 34 56 0.07 Berlin "},           // night .05+60x.015/60
-      {"2026-03-03T02:42:39 ", "004312345678 0.34 Austria "},         // .10+60x.235/60
+      {"2026-03-03T13:32:34 ", "0221987654 0.45 Germany "},           // 600 s x 0.045/60
+      {"2026-03-03T14:54:34 ", "089123456 2.70 Germany "},            // 30+595x6=3600 s
+      {"2026-03-03T07:05:38 ", "015112345678 0.14 Germany mobile "},  // 59 x 0.139/60=.1367
+      {"2026-03-03T20:17:46 ", "03012 34 56 0.07 Berlin "},           // night .05+60x.015/60
+      {"2026-03-03T02:42:09 ", "004312345678 0.34 Austria "},         // .10+60x.235/60
   };
   for (const auto& [start, price] : hand) {
     SCOPED_TRACE(start);

@@ -145,31 +145,36 @@ TEST_P(StoreTest, ASchemaNewerThanTheProgramIsRefused) {
   if (GetParam() == Engine::kSqlite) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);
-    sqlite3_exec(db, "PRAGMA user_version = 99", nullptr, nullptr, nullptr);
+    const std::string later = "PRAGMA user_version = " + std::to_string(kSchemaVersion + 1);
+    sqlite3_exec(db, later.c_str(), nullptr, nullptr, nullptr);
     sqlite3_close(db);
   } else {
     PGconn* db = PQconnectdb(url_.c_str());
-    PQclear(PQexec(db, "INSERT INTO schema_migrations VALUES (99, 'later')"));
+    const std::string later = "INSERT INTO schema_migrations VALUES (" +
+                              std::to_string(kSchemaVersion + 1) + ", 'later')";
+    PQclear(PQexec(db, later.c_str()));
     PQfinish(db);
   }
   try {
     OpenStore(url_);
     FAIL() << "opened";
   } catch (const StoreError& e) {
-    EXPECT_EQ(std::string(e.what()), "database '" + url_ +
-                                         "' has schema version 99, newer than this program's (" +
+    EXPECT_EQ(std::string(e.what()), "database '" + url_ + "' has schema version " +
+                                         std::to_string(kSchemaVersion + 1) +
+                                         ", newer than this program's (" +
                                          std::to_string(kSchemaVersion) + "): use a newer velqua");
   }
 }
 
-TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenRatingTablesAreAdded) {
+TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded) {
   const Source source = NewSource("hq", "v24");
   store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47")}, std::nullopt, nullptr);
   store_.reset();
-  // The store as version 1 left it: no rating tables.
+  // The store as version 1 left it: no rating tables, no call ends.
   const char* const down =
       "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
-      "DROP TABLE directory;";
+      "DROP TABLE directory; DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN ended; "
+      "ALTER TABLE calls DROP COLUMN ended_utc;";
   if (GetParam() == Engine::kSqlite) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);

@@ -15,6 +15,7 @@ struct CallsOptions {
   std::string from, to;  // days, YYYY-MM-DD, both included
   std::string switch_name, extension, trunk, type, number, account;
   int64_t limit = 0;
+  int64_t min_duration = -1;  // seconds; -1: any
   std::string format;         // table, csv, jsonl, cdr-csv; "": table on a terminal, else csv
   std::string output;         // -o FILE; "" = standard output
   bool unrecognised = false;  // list the unrecognised records instead

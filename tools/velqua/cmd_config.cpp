@@ -110,10 +110,27 @@ std::string Quoted(const std::u16string& text) {
   return out + "\"";
 }
 
-// Prints `text` without trailing blanks, then a line end.
+// Prints `text` without trailing blanks, then a line end. A control
+// character from a record is printed as its one-column picture (ESC as
+// U+241B, DEL as U+2421, a C1 control as U+FFFD), so that the terminal does
+// not act on it and the ruler above still stands over the right columns.
 void PrintLine(std::string text) {
   while (!text.empty() && text.back() == ' ') text.pop_back();
-  std::printf("%s\n", text.c_str());
+  std::string shown;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const auto c = static_cast<unsigned char>(text[i]);
+    if (c < 0x20 || c == 0x7F) {
+      AppendUtf8(shown, std::u16string(1, static_cast<char16_t>(c == 0x7F ? 0x2421 : 0x2400 + c)));
+    } else if (c == 0xC2 && i + 1 < text.size() &&
+               static_cast<unsigned char>(text[i + 1]) >= 0x80 &&
+               static_cast<unsigned char>(text[i + 1]) <= 0x9F) {
+      AppendUtf8(shown, u"\uFFFD");
+      ++i;
+    } else {
+      shown += text[i];
+    }
+  }
+  std::printf("%s\n", shown.c_str());
 }
 
 // Prints the ruler, the record, and one marker line per field or constant,
@@ -290,9 +307,13 @@ int RunConfigShow(const ConfigOptions& options) {
   std::printf("Model:      %s\n", U8(cfg->Modelo()).c_str());
   std::printf("Version:    %s\n", U8(cfg->NombreVersion()).c_str());
   std::printf("Case:       %d %s\n", cfg->Caso(), case_name != nullptr ? case_name : "");
-  const std::string spanish = U8(cfg->NombreCaso());
-  std::printf("            %s\n",
-              spanish.empty() ? "(the library gives this case no name)" : spanish.c_str());
+  const std::string english = KeyDescription(EnumKind::kCaso, cfg->Caso());
+  std::printf("            %s\n", english.empty() ? "(no such handling case)" : english.c_str());
+  if (Verbose()) {
+    // The library's own (Spanish) name, which its documentation and hosts use.
+    const std::string own = U8(cfg->NombreCaso());
+    std::printf("            library's name: %s\n", own.empty() ? "(none)" : own.c_str());
+  }
   std::printf("Separator:  %s\n", SeparatorCodes(cfg->Separador()).c_str());
   std::printf("Comments:   %s\n", U8(cfg->Comentarios()).c_str());
   ShowRecordForm(config);
@@ -350,7 +371,7 @@ int RunConfigCheck(const ConfigOptions& options) {
     try {
       CheckPiece(config, record.text, entries, traductor.get());
     } catch (const velqua::Error& e) {
-      throw CliError("line " + std::to_string(record.line) + ": " + DescribeError(e));
+      throw CliError("line " + std::to_string(record.line) + ": " + ShowError(e));
     }
     if (traductor && !config.form.IsHeading(record.text)) {
       translation.Record(record.text);

@@ -8,6 +8,7 @@
 #include "velqua/cfg_conmut.h"
 #include "velqua/records/config_io.h"
 #include "velqua/superficie_cairo.h"
+#include "velqua/textos_dibujo.h"
 
 namespace velqua_cli {
 namespace {
@@ -32,7 +33,9 @@ void AddDrawCommand(CLI::App& app, DrawOptions& options) {
   CLI::App* draw = app.add_subcommand("draw", "Draw the cable diagram or the DB9/DB25 table");
   draw->require_subcommand(1);
   CLI::App* cable = draw->add_subcommand("cable", "Draw the SMDR cable wiring of one port");
-  cable->add_option("-c,--config", options.config, "Configuration (.cfg, .ini or .json)")
+  cable
+      ->add_option("-c,--config", options.config,
+                   "Configuration (.cfg, .ini or .json), or a bundled switch's name")
       ->required();
   cable->add_option("--port", options.port, "Switch-side connector")
       ->check(CLI::IsMember({"rj45", "db9", "db25"}))
@@ -48,6 +51,9 @@ void AddDrawCommand(CLI::App& app, DrawOptions& options) {
                     "PNG rendered at that size, SVG and PDF scaled as vectors")
         ->check(CLI::Range(1, 16))
         ->capture_default_str();
+    cmd->add_flag("--english", options.english,
+                  "English texts, and the signal name beside each computer DB9 pin (default: "
+                  "the library's own texts)");
   }
 }
 
@@ -56,12 +62,13 @@ int RunDraw(CLI::App& app, const DrawOptions& options) {
   velqua::SuperficieCairo surface;
   surface.Escala(options.scale);
   CLI::App* draw = app.get_subcommand("draw");
+  const velqua::emTextosDibujo texts =
+      options.english ? velqua::emTextosIngles : velqua::emTextosBiblioteca;
   if (draw->got_subcommand("cable")) {
     std::shared_ptr<velqua::clsCfgConmut> cfg = LoadConfig(options.config);
-    cfg->DibujaConfiguracionSMDR(PortOf(options.port), surface);
+    velqua::DibujaConfiguracionSMDR(*cfg, PortOf(options.port), surface, texts);
   } else {
-    velqua::clsCfgConmut cfg;
-    cfg.DibujaTablaConversionDB9DB25(surface);
+    velqua::DibujaTablaConversionDB9DB25(surface, texts);
   }
   surface.Guarda(options.output);
   return 0;

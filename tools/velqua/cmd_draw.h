@@ -16,7 +16,8 @@ struct DrawOptions {
   std::string config;
   std::string port = "db9";
   std::string output;
-  double scale = 3;  // the saved picture against the drawing's own size
+  double scale = 3;      // the saved picture against the drawing's own size
+  bool english = false;  // English texts and signal names, not the library's texts
 };
 
 void AddDrawCommand(CLI::App& app, DrawOptions& options);

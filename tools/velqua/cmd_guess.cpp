@@ -73,6 +73,7 @@ int RunConfigGuess(const GuessOptions& options) {
   if (!known.empty()) {
     const GuessScore score = ScoreGuess(guess, known);
     std::printf("%d of %d fields found exactly\n", score.found, score.total);
+    if (score.by_rule > 0) std::printf("%d more read by rule, not scored\n", score.by_rule);
     for (const std::string& missed : score.missed) std::printf("  missed %s\n", missed.c_str());
     return 0;
   }

@@ -36,7 +36,7 @@ int RunSwitches() {
     } catch (const Failure& e) {
       std::printf("%-19s cannot be read: %s\n", bundled.name.c_str(), e.what());
     } catch (const velqua::Error& e) {
-      std::printf("%-19s cannot be read: %s\n", bundled.name.c_str(), DescribeError(e).c_str());
+      std::printf("%-19s cannot be read: %s\n", bundled.name.c_str(), ShowError(e).c_str());
     }
   }
   return 0;

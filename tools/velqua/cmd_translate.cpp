@@ -1,8 +1,10 @@
 #include "cmd_translate.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -35,6 +37,17 @@ void StopOnSignals() {
 }
 
 bool StopRequested() { return g_stop != 0; }
+
+// Waits, as `tail -F` does, until `path` exists (a record file the switch's
+// logger has not created yet), looking every 200 ms; false when SIGINT or
+// SIGTERM came first.
+bool WaitForFile(const std::string& path) {
+  while (::access(path.c_str(), F_OK) != 0) {
+    if (StopRequested()) return false;
+    ::usleep(200 * 1000);
+  }
+  return true;
+}
 
 // At most this many failed records are reported one by one.
 constexpr int64_t kReportedFailures = 20;
@@ -81,10 +94,18 @@ void ReportCounts(const Counts& counts, const TranslateOptions& options) {
   if (counts.failed > 0) why += ", " + std::to_string(counts.failed) + " failed with an error";
   if (counts.damaged > 0) why += ", " + std::to_string(counts.damaged) + " damaged";
   if (!why.empty()) why = " (" + why.substr(2) + ")";
-  std::fprintf(stderr, "velqua: %lld records read, %lld translated, %lld unrecognised%s\n",
-               static_cast<long long>(counts.read),
+  std::fprintf(stderr, "velqua: %lld record%s read, %lld translated, %lld unrecognised%s\n",
+               static_cast<long long>(counts.read), counts.read == 1 ? "" : "s",
                static_cast<long long>(counts.read - counts.unrecognised),
                static_cast<long long>(counts.unrecognised), why.c_str());
+}
+
+// Whether records come from the input as they are written (a pipe, a
+// terminal, a serial device), not from a file read to its end.
+bool IsLiveInput(const std::string& input) {
+  struct stat st {};
+  const int done = input == "-" ? ::fstat(STDIN_FILENO, &st) : ::stat(input.c_str(), &st);
+  return done == 0 && !S_ISREG(st.st_mode);
 }
 
 }  // namespace
@@ -137,10 +158,16 @@ void AddTranslateCommand(CLI::App& app, TranslateOptions& options) {
 int RunTranslate(const TranslateOptions& options) {
   std::vector<std::string> inputs = options.inputs;
   if (!options.follow.empty()) {
-    if (!inputs.empty()) throw CliError("--follow reads one file: give no other input");
+    if (!inputs.empty()) throw UsageError("--follow reads one file: give no other input");
     inputs.push_back(options.follow);
   }
   if (inputs.empty()) inputs.push_back("-");
+  if (!options.follow.empty()) StopOnSignals();
+  if (!options.follow.empty() && ::access(options.follow.c_str(), F_OK) != 0) {
+    // As tail -F: a file not there yet (a logger starting later) is waited for.
+    std::fprintf(stderr, "velqua: waiting for '%s' to appear\n", options.follow.c_str());
+    if (!WaitForFile(options.follow)) return 0;
+  }
   for (const std::string& input : inputs) {
     if (input != "-") RequireReadableInput(input, "input");
   }
@@ -158,18 +185,30 @@ int RunTranslate(const TranslateOptions& options) {
   std::FILE* const output_stream = output_file ? output_file.get() : stdout;
   Output out(output_stream);
   std::unique_ptr<RowWriter> writer = MakeRowWriter(
-      options.format.empty() && output_file ? RowFormat::kCsv : ChooseFormat(options.format), out);
-  if (!options.follow.empty()) StopOnSignals();
+      options.format.empty() && output_file ? RowFormat::kCsv : ChooseFormat(options.format), out,
+      !options.follow.empty() || std::any_of(inputs.begin(), inputs.end(), IsLiveInput));
   velqua_records::MaskingSink masked(*writer, options.mask_digits);
   Translation translation(config.cfg, masked,
                           {options.errors_log, extensions, options.encoding == "utf-8", config.form,
                            !options.random_extensions});
   translation.stop = [] { return StopRequested(); };
-  translation.on_failure = [](const std::string& input, int64_t number, const std::string& error) {
+  translation.on_failure = [](const std::string& input, const Row& row) {
     static int64_t reported = 0;
     if (++reported > kReportedFailures) return;
+    // A library error in English or, with --verbose, in full; a damaged
+    // record's reason as the check gives it.
+    const std::string why = row.error_number == 0
+                                ? row.error
+                                : ShowError(velqua::Error(row.error_number, U16(row.error_source),
+                                                          U16(row.error_description)));
     std::fprintf(stderr, "velqua: %s, record %lld: %s\n", input.c_str(),
-                 static_cast<long long>(number), error.c_str());
+                 static_cast<long long>(row.number), why.c_str());
+  };
+  translation.on_invalid_utf8 = [](const std::string& input, int64_t number) {
+    std::fprintf(stderr,
+                 "velqua: %s, record %lld: not valid UTF-8 (its bad bytes read as U+FFFD; later "
+                 "ones not reported; is the input Windows-1252?)\n",
+                 input.c_str(), static_cast<long long>(number));
   };
   for (const std::string& input : inputs) {
     translation.Input(input == "-" ? "standard input" : input, ReceivedAt(input, options.year));

@@ -32,6 +32,7 @@
 namespace {
 
 using velqua_cli::CliError;
+using velqua_cli::UsageError;
 
 // The hidden --now option: a fixed clock for reproducible output (the
 // library falls back to the current date and time for fields a switch does
@@ -44,7 +45,7 @@ void InstallFixedClock(const std::string& text) {
       now.intMes < 1 || now.intMes > 12 || now.intDia < 1 || now.intDia > 31 || now.intHora < 0 ||
       now.intHora > 23 || now.intMinuto < 0 || now.intMinuto > 59 || now.intSegundo < 0 ||
       now.intSegundo > 59) {
-    throw CliError("--now: expected \"YYYY-MM-DD HH:MM:SS\", got \"" + text + "\"");
+    throw UsageError("--now: expected \"YYYY-MM-DD HH:MM:SS\", got \"" + text + "\"");
   }
   velqua_records::FixProgramNow(now);
 }
@@ -68,6 +69,9 @@ int Run(int argc, char** argv) {
   app.require_subcommand(0, 1);
   std::string now;
   app.add_option("--now", now, "Fixed current date and time (for tests)")->group("");
+  app.add_flag("--verbose", velqua_cli::Verbose(),
+               "Show a library error with its number, source and the library's own text");
+  app.fallthrough();  // --verbose after the command too
 
   velqua_cli::TranslateOptions translate;
   velqua_cli::AddTranslateCommand(app, translate);
@@ -161,7 +165,10 @@ int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const velqua::Error& e) {
-    std::fprintf(stderr, "velqua: %s\n", velqua_cli::DescribeError(e).c_str());
+    std::fprintf(stderr, "velqua: %s\n", velqua_cli::ShowError(e).c_str());
+  } catch (const UsageError& e) {
+    std::fprintf(stderr, "velqua: %s (see velqua --help)\n", e.what());
+    return 2;
   } catch (const CliError& e) {
     std::fprintf(stderr, "velqua: %s\n", e.what());
   } catch (const std::exception& e) {

@@ -1,5 +1,7 @@
 #include "row_writer.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -12,15 +14,29 @@
 
 namespace velqua_cli {
 
+Output::Output(std::FILE* stream) : stream_(stream), terminal_(::isatty(::fileno(stream)) != 0) {
+  buffer_.reserve(kFlushSize * 2);
+}
+
 Output::~Output() {
   // Errors have been reported by the explicit Flush of the normal path.
-  if (!buffer_.empty()) std::fwrite(buffer_.data(), 1, buffer_.size(), stream_);
+  if (!buffer_.empty()) Write();
   std::fflush(stream_);
 }
 
+// On a terminal, control characters from switch data are shown as escapes
+// rather than acted on; line ends and tabs lay out the output as usual.
+bool Output::Write() {
+  if (terminal_ && NeedsVisible(buffer_, true)) {
+    std::string visible;
+    AppendVisible(visible, buffer_, true);
+    buffer_.swap(visible);
+  }
+  return std::fwrite(buffer_.data(), 1, buffer_.size(), stream_) == buffer_.size();
+}
+
 void Output::Flush() {
-  if (!buffer_.empty() &&
-      std::fwrite(buffer_.data(), 1, buffer_.size(), stream_) != buffer_.size()) {
+  if (!buffer_.empty() && !Write()) {
     buffer_.clear();
     throw CliError("cannot write the output");
   }
@@ -324,6 +340,22 @@ void AppendJsonString(std::string& out, std::u16string_view text) {
   out += '"';
 }
 
+// A record's error: its English message and, for a library error, the
+// library's number, source and own description.
+void AppendError(std::string& b, const Row& row) {
+  b += "{\"message\":";
+  AppendJsonString(b, velqua::DesdeUtf8(row.error));
+  if (row.error_number != 0) {
+    b += ",\"number\":";
+    AppendInt(b, row.error_number);
+    b += ",\"source\":";
+    AppendJsonString(b, velqua::DesdeUtf8(row.error_source));
+    b += ",\"description\":";
+    AppendJsonString(b, velqua::DesdeUtf8(row.error_description));
+  }
+  b += '}';
+}
+
 class JsonlWriter : public RowWriter {
  public:
   explicit JsonlWriter(Output& out) : out_(out) {}
@@ -388,7 +420,7 @@ class JsonlWriter : public RowWriter {
     if (row.error.empty()) {
       b += "null";
     } else {
-      AppendJsonString(b, velqua::DesdeUtf8(row.error));
+      AppendError(b, row);
     }
     b += "}\n";
     out_.MaybeFlush();
@@ -403,15 +435,28 @@ class JsonlWriter : public RowWriter {
 
 class TableWriter : public RowWriter {
  public:
-  explicit TableWriter(Output& out)
+  TableWriter(Output& out, bool live)
       : out_(out),
+        live_(live),
         table_({"#", "type", "attribute", "date", "time", "dur", "ring", "dialled", "ext", "trunk",
                 "rx ext", "rx trunk", "account", "note"},
-               {true, false, false, false, false, true, true}) {}  // numbers right-aligned
+               {true, false, false, false, false, true, true}) {  // numbers right-aligned
+    // What the columns usually hold, for a live table that cannot wait for
+    // 200 rows: a record number of 6 digits, the longest type and attribute
+    // names, a date, a time, a duration of 5 digits, an international number.
+    if (live_) table_.LiveWidths({6, 16, 16, 10, 8, 5, 4, 20, 6, 6, 6, 8, 10});
+  }
 
   void Write(const Row& row) override {
     table_.Add(Format(row), &out_.buffer());
     out_.MaybeFlush();
+  }
+
+  // A live source's rows come out as they complete; a file's end is Finish's.
+  void Flush() override {
+    if (!live_) return Finish();
+    table_.Flush(&out_.buffer());
+    out_.Flush();
   }
 
   void Finish() override {
@@ -446,6 +491,7 @@ class TableWriter : public RowWriter {
   }
 
   Output& out_;
+  bool live_;
   velqua_records::AlignedTable table_;
 };
 
@@ -471,7 +517,7 @@ void AppendTime(std::string& out, const Row& row) {
   out.append(text, pen.end());
 }
 
-std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out) {
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out, bool live) {
   switch (format) {
     case RowFormat::kCsv:
       return std::make_unique<CsvWriter>(out);
@@ -480,7 +526,7 @@ std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out) {
     case RowFormat::kTable:
       break;
   }
-  return std::make_unique<TableWriter>(out);
+  return std::make_unique<TableWriter>(out, live);
 }
 
 }  // namespace velqua_cli

@@ -16,10 +16,12 @@ namespace velqua_cli {
 using velqua_records::Row;
 
 // Buffered writer of bytes to a FILE* (not owned). Throws CliError when the
-// stream refuses the bytes.
+// stream refuses the bytes. On a terminal, control characters other than line
+// ends and tabs are written as visible escapes (\x1B), so that records
+// cannot send escape sequences to it.
 class Output {
  public:
-  explicit Output(std::FILE* stream) : stream_(stream) { buffer_.reserve(kFlushSize * 2); }
+  explicit Output(std::FILE* stream);
   Output(const Output&) = delete;
   Output& operator=(const Output&) = delete;
   ~Output();
@@ -32,8 +34,11 @@ class Output {
   void Flush();
 
  private:
+  bool Write();
+
   static constexpr size_t kFlushSize = 1 << 16;
   std::FILE* stream_;
+  bool terminal_;
   std::string buffer_;
 };
 
@@ -47,7 +52,10 @@ class RowWriter : public velqua_records::RowSink {
   virtual void Finish() = 0;
 };
 
-std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out);
+// `live`: the rows come from a live source (a pipe, a device, a followed
+// file) and must come out as they complete; a table then sizes its columns
+// for what they usually hold rather than for the few rows seen so far.
+std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out, bool live = false);
 
 // The English word of a call type or attribute ("outgoing", "in-transfer"),
 // or "" for a value without one (velqua/records/names.h).

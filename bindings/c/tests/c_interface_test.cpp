@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "c_test_support.h"
+#include "velqua/carga_config.h"
+#include "velqua/texto.h"
 
 namespace velqua_c_test {
 namespace {
@@ -72,6 +74,51 @@ TEST(CErrors, ArriveWithNumberSourceAndSpanishDescription) {
     SCOPED_TRACE(c.what);
     EXPECT_EQ(c.call(), c.expected.number);
     EXPECT_EQ(ReadLastError(), c.expected);
+  }
+}
+
+// A bundled switch's name is a configuration wherever one is loaded: the C
+// interface and C++ hosts read the same configuration the program reads.
+TEST(CLoad, ABundledNameOrAFileByItsExtension) {
+  struct Case {
+    const char* what;
+    std::string name;
+    const char* brand;  // nullptr: refused with error 5
+    std::string error;
+  };
+  const Case cases[] = {
+      {"a bundled name", "hicom", "Siemens", ""},
+      {"the JSON form by its path", Example("kx-tda/kx-tda.json"), "Panasonic", ""},
+      {"the library's own file", Example("norstar/norstar.cfg"), "Nortel", ""},
+      {"a name no bundled switch has", "no-such-pbx", nullptr,
+       "configuration 'no-such-pbx': no such file, nor a bundled switch (velqua switches lists "
+       "them)"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    velqua_cfg* loaded = nullptr;
+    const int32_t status = velqua_cfg_load(c.name.c_str(), &loaded);
+    Cfg cfg(loaded);
+    std::shared_ptr<velqua::clsCfgConmut> cpp;
+    LastError thrown{0, "", ""};
+    try {
+      cpp = velqua::CargaConfiguracion(velqua::DesdeUtf8(c.name));
+    } catch (const velqua::Error& e) {
+      thrown = {e.Number(), velqua::AUtf8(e.Source()), velqua::AUtf8(e.Description())};
+    }
+    if (c.brand == nullptr) {
+      EXPECT_EQ(status, 5);
+      EXPECT_EQ(ReadLastError(), (LastError{5, "Velqua", c.error}));
+      EXPECT_EQ(thrown, (LastError{5, "Velqua", c.error}));
+      continue;
+    }
+    ASSERT_EQ(status, 0);
+    char* brand = nullptr;
+    ASSERT_EQ(velqua_cfg_marca_get(cfg.get(), &brand), 0);
+    EXPECT_EQ(Take(brand), c.brand);
+    ASSERT_NE(cpp, nullptr);
+    EXPECT_EQ(velqua::AUtf8(cpp->Marca()), c.brand);
+    EXPECT_FALSE(cpp->Modificado());
   }
 }
 

@@ -74,9 +74,9 @@ TEST(CTranslation, KxTdaRowsShowOnlyWhatTheSwitchPrinted) {
       Rows(t.get(), ReadFile(Example("kx-tda/records.txt")), 4096);
   // The sample's two page-heading lines are skipped, not rows.
   ASSERT_EQ(rows.size(), 30u);
-  EXPECT_EQ(rows[0], "1 incoming none 20260119 28920m 83 5 0312345678 201 01   ");
-  EXPECT_EQ(rows[3], "4 outgoing none 20260119 30660m 727 -1 00441632960123 201 02   1234");
-  EXPECT_EQ(rows[21].substr(0, 45), "22 outgoing none 20260119 48900m 47 -1 031234");
+  EXPECT_EQ(rows[0], "1 incoming none 20260119 28800m 83 5 0312345678 201 01   ");
+  EXPECT_EQ(rows[3], "4 outgoing none 20260119 29880m 727 -1 00441632960123 201 02   1234");
+  EXPECT_EQ(rows[21].substr(0, 45), "22 outgoing none 20260119 48840m 47 -1 031234");
   EXPECT_EQ(rows[21].substr(rows[21].size() - 12), " 9999 random");
   velqua_counts counts{};
   ASSERT_EQ(velqua_translation_counts(t.get(), &counts), 0);
@@ -107,7 +107,7 @@ TEST(CTranslation, AFailedRecordIsARowWithItsErrorAndTheRunGoesOn) {
   ASSERT_GE(rows.size(), 4u);
   EXPECT_EQ(rows[2],
             "3 unrecognised none | overflow: a column past 255, or a number too large for the "
-            "record (error 6, 0x00000006, in Velqua: Desbordamiento)");
+            "record");
   EXPECT_EQ(rows[3].substr(0, 35), "4 incoming none 20260203 29523s 391");
   velqua_counts counts{};
   ASSERT_EQ(velqua_translation_counts(t.get(), &counts), 0);

@@ -9,6 +9,7 @@
 
 #include "python_support.h"
 #include "velqua/cfg_conmut.h"
+#include "velqua/records/bundled.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/config_json.h"
@@ -305,7 +306,8 @@ void BindPythonic(ConfigClass& c) {
 
 std::shared_ptr<PyConfig> Load(const py::object& path) {
   const std::string name = velqua_records::U8(FileName(path));
-  if (::access(name.c_str(), R_OK) != 0) {
+  // A bundled switch's name is no file; a path that is none is an OSError, as open() says.
+  if (velqua_records::ResolveConfig(name) == name && ::access(name.c_str(), R_OK) != 0) {
     PyErr_SetFromErrnoWithFilename(PyExc_OSError, name.c_str());
     throw py::error_already_set();
   }

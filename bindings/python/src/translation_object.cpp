@@ -2,6 +2,7 @@
 // Lines are taken from the host's iterable a block at a time; each block is
 // translated with the GIL released, and its rows handed out one Call at a
 // time. Without lines, the host writes the records itself (a live source).
+#include <cctype>
 #include <cstdio>
 #include <exception>
 #include <memory>
@@ -290,10 +291,47 @@ PyType_Slot kSlots[] = {
 PyType_Spec kSpec = {"velqua.Translation", sizeof(TranslationObject), 0, Py_TPFLAGS_DEFAULT,
                      kSlots};
 
-// The configuration given, or the one its path names, with its record form.
+bool IsPath(const py::object& value) {
+  static const py::object* const path_like =
+      new py::object(py::module_::import("os").attr("PathLike"));  // kept for the process
+  return PyUnicode_Check(value.ptr()) || py::isinstance(value, *path_like);
+}
+
+// What a caller gave for an argument, in a TypeError that names the argument.
+[[noreturn]] void WrongType(const char* argument, const char* expected, const py::object& value) {
+  throw py::type_error(std::string(argument) + ": expected " + expected + ", not " +
+                       Py_TYPE(value.ptr())->tp_name);
+}
+
+// A file name argument (str or os.PathLike), as UTF-8.
+std::string PathArgument(const char* argument, const py::object& value) {
+  if (!IsPath(value)) WrongType(argument, "a path (str or os.PathLike)", value);
+  return velqua_records::U8(FileName(value));
+}
+
+// The configuration given, or the one a path or a bundled switch's name
+// names, with its record form.
 std::shared_ptr<PyConfig> ConfigOf(const py::object& config) {
   if (py::isinstance<PyConfig>(config)) return config.cast<std::shared_ptr<PyConfig>>();
+  if (!IsPath(config)) {
+    WrongType("config", "a velqua.Config, a path or a bundled switch's name", config);
+  }
   return Load(config);
+}
+
+// The encodings the program's --encoding takes, by the same names.
+bool Utf8Named(const py::object& encoding) {
+  if (encoding.is_none()) return false;
+  if (!PyUnicode_Check(encoding.ptr())) WrongType("encoding", "str", encoding);
+  std::string how = encoding.cast<std::string>();
+  for (char& c : how) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  if (how == "utf-8" || how == "utf8") return true;
+  if (how == "windows-1252" || how == "cp1252" || how == "latin1" || how == "latin-1" ||
+      how == "iso-8859-1") {
+    return false;
+  }
+  throw py::value_error("encoding must be 'windows-1252' (or 'latin1') or 'utf-8', not '" + how +
+                        "'");
 }
 
 py::object Translate(const py::object& lines, const py::object& config,
@@ -303,26 +341,33 @@ py::object Translate(const py::object& lines, const py::object& config,
   std::shared_ptr<velqua::clsCfgConmut> cfg = held->shared();
   Road::Settings settings;
   settings.form = held->form();
-  if (!extensions.is_none()) settings.extensions = velqua_records::U8(FileName(extensions));
-  if (!errors.is_none()) settings.errors_log = velqua_records::U8(FileName(errors));
-  if (!year.is_none()) settings.year = Narrow<int32_t>(year.cast<int64_t>());
-  const std::string how = encoding.is_none() ? "windows-1252" : encoding.cast<std::string>();
-  if (how != "windows-1252" && how != "utf-8") {
-    throw py::value_error("encoding must be 'windows-1252' or 'utf-8', not '" + how + "'");
+  if (!extensions.is_none()) settings.extensions = PathArgument("extensions", extensions);
+  if (!errors.is_none()) settings.errors_log = PathArgument("errors", errors);
+  if (!year.is_none()) {
+    if (!PyLong_Check(year.ptr()) || PyBool_Check(year.ptr())) WrongType("year", "int", year);
+    settings.year = Narrow<int32_t>(year.cast<int64_t>());
   }
+  const bool utf8 = Utf8Named(encoding);
   py::object source = py::none();
   File file;
-  if (py::isinstance(lines, py::module_::import("os").attr("PathLike"))) {
-    settings.input = velqua_records::U8(FileName(lines));  // its time: when received
-    file.reset(velqua_records::OpenFile(settings.input, "rb", "records"));
-  } else if (PyUnicode_Check(lines.ptr()) || PyBytes_Check(lines.ptr()) ||
-             PyByteArray_Check(lines.ptr())) {
-    source = py::iter(py::make_tuple(lines));  // one text of records
+  if (IsPath(lines)) {  // a path, as open() takes it; text goes through io.StringIO
+    settings.input = PathArgument("lines", lines);  // its time: when received
+    file.reset(std::fopen(settings.input.c_str(), "rb"));
+    if (!file) {  // FileNotFoundError, PermissionError, ... as open() raises them
+      PyErr_SetFromErrnoWithFilename(PyExc_OSError, settings.input.c_str());
+      throw py::error_already_set();
+    }
+  } else if (PyBytes_Check(lines.ptr()) || PyByteArray_Check(lines.ptr())) {
+    source = py::iter(py::make_tuple(lines));  // the records as one block of bytes
   } else if (!lines.is_none()) {
+    if (!py::isinstance<py::iterable>(lines)) {
+      WrongType("lines", "a path, bytes, an iterable of str or bytes (a file object), or None",
+                lines);
+    }
     source = py::iter(lines);
   }
-  auto state = std::make_unique<State>(std::move(cfg), settings, std::move(source), std::move(file),
-                                       how == "utf-8");
+  auto state =
+      std::make_unique<State>(std::move(cfg), settings, std::move(source), std::move(file), utf8);
   auto* self =
       reinterpret_cast<TranslationObject*>(gTranslationType->tp_alloc(gTranslationType, 0));
   if (self == nullptr) throw py::error_already_set();
@@ -342,13 +387,16 @@ void BindCalls(py::module_& m) {
         py::arg("year") = py::none(), py::arg("errors") = py::none(),
         R"(The rows of `velqua translate`: one velqua.Call per record.
 
-lines: an iterable of str or bytes items, each one or more lines (a file
-object is one); one str or bytes holding the records; an os.PathLike naming a
-file; or None, when the records are given with write() and finish().
-config: a configuration, or a path Config.load reads. extensions: the KX-TDA
-account code to extension list. str is text; bytes are Windows-1252 unless
-encoding="utf-8". year: the year received, for switches that print none.
-errors: the unrecognised-record log. Records are read and translated a block
+lines: a path (str or os.PathLike) naming a record file, as open() takes
+it; an iterable of str or bytes items, each one or more lines (a file object
+is one; record text held in a str goes through io.StringIO); bytes holding
+the records; or None, when the records are given with write() and finish().
+config: a configuration, or a path or bundled switch's name ("hicom") that
+Config.load reads. extensions: the KX-TDA account code to extension list.
+str items are text; bytes are Windows-1252 unless encoding="utf-8" (the
+program's names: "windows-1252" or "latin1", "utf-8"). year: the year
+received, for switches that print none. errors: the unrecognised-record log,
+in English. An argument of the wrong type raises TypeError naming it. Records are read and translated a block
 at a time, the GIL released.)");
   m.def("_register_call", &CallMaker::Register);
 }

@@ -2,6 +2,7 @@
 records come in, and velqua.Config reads the program's three forms."""
 
 import datetime
+import io
 import json
 import os
 import subprocess
@@ -52,9 +53,11 @@ def inputs(records, encoding):
     text = data.decode(encoding)
     return {
         "a path": records,
+        "a path as str, as open() takes it": str(records),
         "a binary file": records.open("rb"),
+        "the file's bytes": data,
         "bytes lines without line ends": data.splitlines(),
-        "one text": text,
+        "text through io.StringIO": io.StringIO(text),
         "text lines": [line + "\n" for line in text.splitlines()],
     }
 
@@ -108,9 +111,37 @@ def test_calls_show_only_what_the_switch_printed(tmp_path):
     assert set(calls[2][5:]) == {None}
 
 
+def test_a_bundled_name_is_a_configuration(program):
+    records = EXAMPLES / "hicom" / "records.txt"
+    expected = program_rows(program, "hicom", [], records)
+    assert [as_jsonl(c) for c in velqua.translate(records, "hicom")] == expected
+    assert velqua.Config.load("hicom").Marca == "Siemens"
+    with pytest.raises(ValueError, match="nor a bundled switch"):
+        velqua.translate(records, "no-such-pbx")
+
+
+def test_wrong_argument_types_raise_a_type_error_naming_the_argument(kx_tda):
+    records = EXAMPLES / "kx-tda" / "records.txt"
+    cases = [
+        (lambda: velqua.translate(42, kx_tda), "lines: expected a path, bytes, .* not int"),
+        (lambda: velqua.translate(records, 3.5), "config: expected a velqua.Config, .* not float"),
+        (lambda: velqua.translate(records, kx_tda, 7), "extensions: expected a path .* not int"),
+        (lambda: velqua.translate(records, kx_tda, encoding=8), "encoding: expected str, not int"),
+        (lambda: velqua.translate(records, kx_tda, year="2026"), "year: expected int, not str"),
+        (lambda: velqua.translate(records, kx_tda, year=True), "year: expected int, not bool"),
+        (lambda: velqua.translate(records, kx_tda, errors=[]), "errors: expected a path .* not list"),
+    ]
+    for action, message in cases:
+        with pytest.raises(TypeError, match=message):
+            action()
+
+
 def test_bad_input_is_refused_with_its_reason(tmp_path, kx_tda):
     cases = [
-        (lambda: velqua.translate(["x"], kx_tda, encoding="latin-1"), ValueError, "encoding"),
+        (lambda: velqua.translate(["x"], kx_tda, encoding="latin-9"), ValueError, "encoding"),
+        (lambda: velqua.translate(tmp_path / "none.txt", kx_tda), FileNotFoundError, "none.txt"),
+        (lambda: velqua.translate(str(tmp_path / "none.txt"), kx_tda), FileNotFoundError,
+         "none.txt"),
         (lambda: list(velqua.translate(["x", b"y"], kx_tda)), TypeError, "mix str and bytes"),
         (lambda: list(velqua.translate([1], kx_tda)), TypeError, "str or bytes, not int"),
         (lambda: velqua.translate([], kx_tda, tmp_path / "none.txt"), ValueError, "extension list"),

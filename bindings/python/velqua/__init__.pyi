@@ -146,6 +146,8 @@ class Translation(Iterator[Call]):
     def finish(self) -> None: ...
 
 def translate(
+    # str and os.PathLike name a record file, as open() takes them; record text
+    # held in a str goes through io.StringIO.
     lines: Union[None, str, bytes, bytearray, os.PathLike[str], Iterable[Union[str, bytes, bytearray]]],
     config: Union[clsCfgConmut, _Path],
     extensions: Optional[_Path] = None,

@@ -152,12 +152,13 @@ TEST(Operations, CaptureConfigurationMistakeIsNotRestartedAndUnknown) {
   EXPECT_EQ(r.FirstLine().rfind("UNKNOWN: " + config + ":3: metrics:", 0), 0u) << r.out;
 }
 
-// Hicom records on three days, and one line no configuration reads.
+// Hicom records on three days, and one line no configuration reads. Hicom
+// prints when a call ended: the fourth call started at midnight exactly.
 const char* const kRecords =
     "01.03.26 08:03:12   1     21 00:04 00:02:35 089123456                         1\r\n"
     "01.03.26 08:10:47   2     23       00:00:52 0301234567                  0.12  2\r\n"
     "09.03.26 23:59:59   1     24 00:11 00:07:19 017612345678                      1\r\n"
-    "10.03.26 00:00:00   3     21       00:15:02 004312345678                3.84  2\r\n"
+    "10.03.26 00:15:02   3     21       00:15:02 004312345678                3.84  2\r\n"
     "20.03.26 09:01:58   2     25 00:02 00:01:11 0891234                           1\r\n"
     "Hicom 150 E Office  -  call charge printout\r\n";
 
@@ -183,6 +184,8 @@ TEST_P(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
                              : velqua_store_testing::PgTestServer::Shared().NewDatabase();
   const std::string records = RecordsFile(dir);
   ASSERT_EQ(Velqua(Import(db, records)).status, 0);
+  ASSERT_EQ(Velqua({"rate", "--db", db, "--plan", kExamples + "/rating/hicom-plan.toml"}).status,
+            0);
   // A reader holding the SQLite file open, as a running capture service
   // does: the purge's own close does not fold the write-ahead log back.
   sqlite3* reader = nullptr;
@@ -253,6 +256,17 @@ TEST_P(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
     // What was removed left the file's bytes too, its log included.
     EXPECT_EQ(velqua_capture_test::ReadFile(db).find("0301234567"), std::string::npos);
     EXPECT_EQ(velqua_capture_test::ReadFile(db + "-wal").find("0301234567"), std::string::npos);
+    // The prices of the removed calls went with them: one outgoing call is
+    // left, and only outgoing calls are priced.
+    int64_t prices = -1;
+    sqlite3_exec(
+        reader, "SELECT COUNT(*) FROM call_costs",
+        [](void* n, int, char** v, char**) {
+          *static_cast<int64_t*>(n) = std::stoll(v[0]);
+          return 0;
+        },
+        &prices, nullptr);
+    EXPECT_EQ(prices, 1);
     sqlite3_close(reader);
   }
 }

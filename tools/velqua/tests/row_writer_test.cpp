@@ -1,4 +1,7 @@
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <termios.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <memory>
@@ -108,16 +111,54 @@ TEST(RowWriter, YearReceivedRollsBackForLaterDays) {
 TEST(RowWriter, FailedRecordKeepsItsErrorInEveryForm) {
   Row row;
   row.number = 4;
-  row.error = "error 6 (0x00000006) in Velqua: Desbordamiento, \"x\"";
+  row.error = "overflow: a column past 255, \"x\"";
+  row.error_number = 6;
+  row.error_source = "Velqua";
+  row.error_description = "Desbordamiento";
   const std::string csv = Render(RowFormat::kCsv, {row});
   EXPECT_EQ(csv.substr(csv.find("\r\n") + 2),
-            "4,0,unrecognised,0,none,,,,,,,,,,,,"
-            "\"error 6 (0x00000006) in Velqua: Desbordamiento, \"\"x\"\"\"\r\n");
+            "4,0,unrecognised,0,none,,,,,,,,,,,,\"overflow: a column past 255, \"\"x\"\"\"\r\n");
+  // JSON keeps what the library said beside the English message.
   EXPECT_NE(Render(RowFormat::kJsonl, {row})
-                .find("\"extension_random\":null,\"error\":\"error 6 (0x00000006) in Velqua: "
-                      "Desbordamiento, \\\"x\\\"\"}"),
+                .find("\"extension_random\":null,\"error\":{\"message\":\"overflow: a column past "
+                      "255, \\\"x\\\"\",\"number\":6,\"source\":\"Velqua\",\"description\":"
+                      "\"Desbordamiento\"}}"),
             std::string::npos);
-  EXPECT_NE(Render(RowFormat::kTable, {row}).find("Desbordamiento"), std::string::npos);
+  EXPECT_NE(Render(RowFormat::kTable, {row}).find("overflow: a column past 255"),
+            std::string::npos);
+  row.error_number = 0;  // an error of the road, not the library's: the message alone
+  EXPECT_NE(Render(RowFormat::kJsonl, {row})
+                .find("\"error\":{\"message\":\"overflow: a column "
+                      "past 255, \\\"x\\\"\"}}"),
+            std::string::npos);
+}
+
+// Written to a terminal (a pseudo-terminal here), a record's escape sequence
+// is shown, not acted on; line ends still end lines. To a file it is data.
+TEST(Output, ATerminalGetsControlCharactersAsEscapes) {
+  int controller = -1, terminal = -1;
+  ASSERT_EQ(::openpty(&controller, &terminal, nullptr, nullptr, nullptr), 0);
+  termios raw{};
+  ::tcgetattr(terminal, &raw);
+  ::cfmakeraw(&raw);  // no echo, no line-end translation: the bytes as written
+  ::tcsetattr(terminal, TCSANOW, &raw);
+  std::unique_ptr<std::FILE, FileCloser> f(::fdopen(terminal, "w"));
+  {
+    Output out(f.get());
+    out.buffer() =
+        "a\x1b]0;owned\x07,\xc2\x9b"
+        "2J\tb\r\n";
+    out.Flush();
+  }
+  char bytes[256];
+  const ssize_t n = ::read(controller, bytes, sizeof bytes);
+  ::close(controller);
+  ASSERT_GT(n, 0);
+  EXPECT_EQ(std::string(bytes, static_cast<size_t>(n)), "a\\x1B]0;owned\\x07,\\u009B2J\tb\r\n");
+  Row row = Sample();
+  row.dialled = u"\x1b[31m0891";
+  const std::string csv = Render(RowFormat::kCsv, {row});
+  EXPECT_NE(csv.find("\x1b[31m0891"), std::string::npos);
 }
 
 TEST(RowWriter, CsvUnrecognisedRowHasBlankFields) {

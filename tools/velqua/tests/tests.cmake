@@ -47,6 +47,16 @@ if(TARGET velqua_store_testing AND TARGET velqua_capture)
   gtest_discover_tests(test_cli_operations TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
 endif()
 
+# A followed file, as a user runs it (a real child process).
+add_executable(test_cli_follow ${CMAKE_CURRENT_LIST_DIR}/follow_test.cpp)
+target_link_libraries(test_cli_follow PRIVATE GTest::gtest_main)
+target_compile_features(test_cli_follow PRIVATE cxx_std_17)
+target_compile_definitions(test_cli_follow PRIVATE VELQUA_PROGRAM="$<TARGET_FILE:velqua_cli>"
+                           VELQUA_CLI_TEST_TMP="${CMAKE_CURRENT_BINARY_DIR}/tmp")
+velqua_warnings(test_cli_follow)
+add_dependencies(test_cli_follow velqua_cli)
+gtest_discover_tests(test_cli_follow TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
+
 # End-to-end: the built program on examples/ and tests/e2e/data/, against
 # tests/e2e/golden/. Every run fixes the clock (--now) because the library
 # falls back to the current date and time for what a switch does not print.
@@ -80,7 +90,7 @@ velqua_e2e(kx_tda_default_is_csv_off_terminal 0 ${KX} ${KX_RECORDS})
 velqua_e2e(kx_tda_output_file 0 ${KX} --format csv -o ${VELQUA_E2E_TMP}/rows.csv ${KX_RECORDS}
            PRODUCED ${VELQUA_E2E_TMP}/rows.csv GOLDEN tests/e2e/golden/kx_tda_output_file.csv)
 velqua_e2e(error_output_unwritable 1 ${KX} -o ${VELQUA_E2E_TMP}/none/rows.csv ${KX_RECORDS})
-velqua_e2e(error_follow_with_inputs 1 ${KX} --follow ${KX_RECORDS} ${KX_RECORDS})
+velqua_e2e(error_follow_with_inputs 2 ${KX} --follow ${KX_RECORDS} ${KX_RECORDS})
 velqua_e2e(kx_tda_errors_log 0 ${KX} --format csv --errors ${VELQUA_E2E_TMP}/kx-errors.log
            ${KX_RECORDS} PRODUCED ${VELQUA_E2E_TMP}/kx-errors.log
            GOLDEN tests/e2e/golden/kx_tda_errors_log.log)
@@ -116,11 +126,40 @@ velqua_e2e(two_files_in_order 0 ${KX} --format csv tests/e2e/data/endings-lf.txt
 velqua_e2e(endings_lf 0 ${KX} --format csv tests/e2e/data/endings-lf.txt)
 velqua_e2e(endings_cr 0 ${KX} --format csv tests/e2e/data/endings-cr.txt)
 velqua_e2e(endings_mixed 0 ${KX} --format csv tests/e2e/data/endings-mixed.txt)
+# A failed record's error in JSON: English message, the library's number,
+# source and description.
+velqua_e2e(norstar_failed_record_jsonl 3 --now "2026-02-04 09:00:00" translate -c norstar
+           --year 2026 --format jsonl tests/e2e/data/norstar-long-line.txt)
+velqua_e2e(norstar_failed_record_verbose 3 --now "2026-02-04 09:00:00" --verbose translate
+           -c norstar --year 2026 --format csv tests/e2e/data/norstar-long-line.txt)
+# The --errors log is the program's, in English: unrecognised and failed records.
+velqua_e2e(hicom_errors_log 0 --now "2026-03-10 09:00:00" translate -c hicom --format csv
+           --errors ${VELQUA_E2E_TMP}/hicom-errors.log examples/hicom/records.txt
+           PRODUCED ${VELQUA_E2E_TMP}/hicom-errors.log GOLDEN tests/e2e/golden/hicom_errors_log.log)
+velqua_e2e(norstar_errors_log 3 --now "2026-02-04 09:00:00" translate -c norstar --year 2026
+           --format csv --errors ${VELQUA_E2E_TMP}/norstar-errors.log
+           tests/e2e/data/norstar-long-line.txt PRODUCED ${VELQUA_E2E_TMP}/norstar-errors.log
+           GOLDEN tests/e2e/golden/norstar_errors_log.log)
+# "1 record"; control characters from a switch shown as escapes in a table
+# and as pictures under config check's ruler, never sent to the terminal.
+velqua_e2e(one_record 0 --now "2026-03-10 09:00:00" translate -c hicom --format csv
+           tests/e2e/data/hicom-one.txt)
+velqua_e2e(escapes_in_table 0 --now "2026-03-10 09:00:00" translate -c hicom --format table
+           tests/e2e/data/hicom-escape.txt)
+velqua_e2e(escapes_in_check 0 --now "2026-03-10 09:00:00" config check hicom
+           tests/e2e/data/hicom-escape.txt)
 # encodings: the same record in Windows-1252 and in UTF-8
 velqua_e2e(encoding_windows_1252 0 --now "2026-03-10 09:00:00" translate
            -c examples/hicom/hicom.json --format jsonl tests/e2e/data/hicom-latin1.txt)
 velqua_e2e(encoding_utf8 0 --now "2026-03-10 09:00:00" translate -c examples/hicom/hicom.json
            --format jsonl --encoding utf-8 tests/e2e/data/hicom-utf8.txt)
+# latin1 (and its spellings) reads as Windows-1252; bytes that are not UTF-8
+# are warned of once, at the first line that has them.
+velqua_e2e(encoding_latin1_alias 0 --now "2026-03-10 09:00:00" translate
+           -c examples/hicom/hicom.json --format jsonl --encoding Latin1
+           tests/e2e/data/hicom-latin1.txt SAME_AS encoding_windows_1252)
+velqua_e2e(encoding_utf8_invalid_warned_once 0 --now "2026-03-10 09:00:00" translate -c hicom
+           --format csv --encoding utf-8 tests/e2e/data/hicom-bad-utf8.txt)
 
 # The call store (SQLite): import, import again, list, translate again. TZ is
 # fixed: times received are stored in UTC.
@@ -143,6 +182,10 @@ velqua_e2e(store_import_headings 0 --now "2026-01-20 09:00:00" import --db ${FOR
 velqua_e2e(store_import_delimited 0 --now "2026-03-11 09:00:00" import --db ${FORMS_STORE}
            --switch ipo -c ip-office --year 2026 --source ipo.txt examples/ip-office/records.txt)
 velqua_e2e(store_calls_delimited 0 calls --db ${FORMS_STORE} --switch ipo --format jsonl)
+velqua_e2e(store_calls_unanswered 0 calls --db ${FORMS_STORE} --switch ipo --format csv
+           --type unanswered)
+set_tests_properties(cli.e2e.store_calls_unanswered PROPERTIES FIXTURES_REQUIRED
+                     "e2e_forms_1;e2e_forms_2" ENVIRONMENT TZ=UTC)
 set_tests_properties(cli.e2e.store_import_headings PROPERTIES FIXTURES_SETUP e2e_forms_1
                      ENVIRONMENT TZ=UTC)
 set_tests_properties(cli.e2e.store_import_delimited PROPERTIES FIXTURES_REQUIRED e2e_forms_1
@@ -182,15 +225,27 @@ set_tests_properties(cli.e2e.rate_calls_table cli.e2e.rate_calls_cdr_csv cli.e2e
   PROPERTIES FIXTURES_REQUIRED "e2e_rated_1;e2e_rated_2;e2e_rated_3" ENVIRONMENT TZ=UTC)
 velqua_e2e(error_store_missing 1 calls --db ${VELQUA_E2E_TMP}/none/calls.db)
 velqua_e2e(error_store_unreachable 1 calls --db postgresql://velqua@127.0.0.1:1/calls)
-velqua_e2e(error_store_bad_date 1 calls --db ${STORE} --from 2026-02-30)
-velqua_e2e(error_store_unknown_type 1 calls --db ${STORE} --type fax)
+velqua_e2e(error_store_bad_date 2 calls --db ${STORE} --from 2026-02-30)
+velqua_e2e(error_store_unknown_type 2 calls --db ${STORE} --type fax)
+# Unanswered calls are those of the attribute (an incoming call not answered),
+# whatever their type; --min-duration leaves out the short calls and those
+# without a duration.
+velqua_e2e(store_calls_min_duration 0 calls --db ${STORE} --format csv --min-duration 600)
+velqua_e2e(error_store_negative_limit 2 calls --db ${STORE} --limit -1)
+velqua_e2e(error_store_negative_min_duration 2 calls --db ${STORE} --min-duration -5)
 velqua_e2e(error_store_unknown_switch 1 retranslate --db ${STORE} --switch nowhere
            -c examples/hicom/hicom.json)
 set_tests_properties(cli.e2e.store_import PROPERTIES FIXTURES_SETUP e2e_store ENVIRONMENT TZ=UTC)
 set_tests_properties(cli.e2e.store_import_again cli.e2e.store_calls_csv
   cli.e2e.store_calls_cdr_csv cli.e2e.store_calls_one_extension cli.e2e.store_retranslate
   cli.e2e.error_store_bad_date cli.e2e.error_store_unknown_type cli.e2e.error_store_unknown_switch
+  cli.e2e.store_calls_min_duration cli.e2e.error_store_negative_limit
+  cli.e2e.error_store_negative_min_duration
   PROPERTIES FIXTURES_REQUIRED e2e_store ENVIRONMENT TZ=UTC)
+# The profile form holds no record form, so translating again with it moves
+# the starts Hicom's end times gave: the listings read the store before.
+set_tests_properties(cli.e2e.store_retranslate PROPERTIES DEPENDS
+  "cli.e2e.store_import_again;cli.e2e.store_calls_csv;cli.e2e.store_calls_cdr_csv;cli.e2e.store_calls_one_extension;cli.e2e.store_calls_min_duration")
 
 # Reports of a store of the Hicom sample (SQLite), every kind, and their
 # refusals of bad input.
@@ -273,6 +328,12 @@ velqua_e2e(error_json_range 1 config show tests/e2e/data/bad-range.json)
 velqua_e2e(error_json_wiring 1 config show tests/e2e/data/bad-wiring.json)
 velqua_e2e(error_json_member 1 config show tests/e2e/data/bad-member.json)
 velqua_e2e(error_cfg_unreadable 1 config show tests/e2e/data/garbage.cfg)
+# A library error is English by default; --verbose (before or after the
+# command) adds its number, source and the library's own description.
+velqua_e2e(error_cfg_unreadable_verbose 1 --verbose config show tests/e2e/data/garbage.cfg)
+velqua_e2e(error_cfg_unreadable_verbose_after 1 config show --verbose tests/e2e/data/garbage.cfg
+           SAME_AS error_cfg_unreadable_verbose)
+velqua_e2e(show_norstar_verbose 0 config show --verbose norstar)
 velqua_e2e(error_ini_case 1 config show tests/e2e/data/case2.ini)
 velqua_e2e(error_convert_missing_folder 1 config convert examples/kx-tda/kx-tda.json
            ${VELQUA_E2E_TMP}/none/kx.cfg)
@@ -293,7 +354,7 @@ velqua_e2e(error_bad_encoding 2 translate -c examples/kx-tda/kx-tda.json --encod
 velqua_e2e(error_config_required 2 translate ${KX_RECORDS})
 velqua_e2e(error_unknown_command 2 transmogrify)
 velqua_e2e(error_no_command 2)
-velqua_e2e(error_bad_now 1 --now yesterday config show examples/kx-tda/kx-tda.json)
+velqua_e2e(error_bad_now 2 --now yesterday config show examples/kx-tda/kx-tda.json)
 
 if(VELQUA_CLI_HAS_DRAW)
   velqua_e2e(draw_cable_png 0 draw cable -c examples/kx-tda/kx-tda.json --port db9
@@ -302,11 +363,16 @@ if(VELQUA_CLI_HAS_DRAW)
              -o ${VELQUA_E2E_TMP}/cable.svg PRODUCED ${VELQUA_E2E_TMP}/cable.svg)
   velqua_e2e(draw_table_pdf 0 draw table -o ${VELQUA_E2E_TMP}/table.pdf
              PRODUCED ${VELQUA_E2E_TMP}/table.pdf)
+  # English texts and signal names; a bundled switch's name as the configuration
+  velqua_e2e(draw_cable_english_bundled 0 draw cable -c hicom --english --port db9
+             -o ${VELQUA_E2E_TMP}/cable-en.svg PRODUCED ${VELQUA_E2E_TMP}/cable-en.svg)
+  velqua_e2e(draw_table_english 0 draw table --english -o ${VELQUA_E2E_TMP}/table-en.png
+             PRODUCED ${VELQUA_E2E_TMP}/table-en.png)
   velqua_e2e(error_draw_extension 1 draw table -o nowhere/table.bmp)
   velqua_e2e(error_draw_port 2 draw cable -c examples/kx-tda/kx-tda.json --port usb
              -o ${VELQUA_E2E_TMP}/x.png)
   set_tests_properties(cli.e2e.draw_cable_png cli.e2e.draw_cable_svg cli.e2e.draw_table_pdf
-    PROPERTIES ENVIRONMENT
+    cli.e2e.draw_cable_english_bundled cli.e2e.draw_table_english PROPERTIES ENVIRONMENT
     "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/e2e/lsan.supp:print_suppressions=0")
 endif()
 

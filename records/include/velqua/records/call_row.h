@@ -46,13 +46,24 @@ struct Row {
   int32_t attribute = 0;    // emAtributoTraductor
   bool has_fields = false;  // false for an unrecognised record: fields blank
   int32_t day = 0, month = 0, year = 0;
-  int32_t time = 0;       // seconds from midnight
+  int32_t time = 0;       // seconds from midnight: the call's true start (call_times.h)
   int32_t duration = -1;  // seconds; negative = none (blank)
   int32_t ring = -1;      // seconds; negative = none (blank)
   std::u16string dialled, extension, trunk, receiving_extension, receiving_trunk, account_code;
+  // The call's end (call_times.h): its date (0s when no date was printed)
+  // and time of day; end_time < 0 when unknown (no duration, no time).
+  int32_t end_day = 0, end_month = 0, end_year = 0;
+  int32_t end_time = -1;
+  bool HasEnd() const { return end_time >= 0; }
+  bool HasEndDate() const { return HasEnd() && end_month > 0; }
   uint8_t printed = 63;           // all printed unless the translation says otherwise
   bool random_extension = false;  // the extension was drawn at random (unlisted code)
   std::string error;              // why the record could not be translated, or ""
+  // For a library error, what the library said: its number, source and own
+  // (Spanish) description, for support staff and the JSON form; `error` holds
+  // its English line (error_text.h).
+  int32_t error_number = 0;
+  std::string error_source, error_description;
   // Where the record came from: the byte offset of its first byte in its
   // input (-1 when written directly, not read from a stream), and the record
   // exactly as the translator got it (a multi-line call joined with the

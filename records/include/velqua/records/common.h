@@ -69,6 +69,20 @@ void AppendJsonEscaped(std::string& out, std::string_view utf8);
 // Whether AppendJsonEscaped would change `utf8` (rare in call records).
 bool NeedsJsonEscape(std::string_view utf8);
 
+// Appends `utf8` with every control character a terminal would act on made
+// visible, so that switch data cannot move the cursor, recolour or retitle a
+// terminal: C0 controls, DEL and the C1 controls (U+0080 to U+009F, which
+// some terminals take as the start of an escape sequence) become "\x1B",
+// "\x7F", "\u009B". With `keep_layout`, LF, CR and tab pass as they are (text
+// already laid out in lines); in a table cell they are shown too.
+void AppendVisible(std::string& out, std::string_view utf8, bool keep_layout);
+// Whether AppendVisible would change `utf8`.
+bool NeedsVisible(std::string_view utf8, bool keep_layout);
+
+// Whether `bytes` is well-formed UTF-8 (no stray continuation byte, no
+// truncated or overlong sequence, no surrogate, nothing past U+10FFFF).
+bool IsValidUtf8(std::string_view bytes);
+
 // Reads a whole (small) file, e.g. a JSON form; throws Failure.
 std::string ReadWholeFile(const std::string& path, const std::string& what);
 

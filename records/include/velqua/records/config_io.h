@@ -25,14 +25,16 @@ struct SwitchConfig {
   std::string delivery;  // "" when not said
 };
 
-// Loads a configuration with its record form. A missing file or unknown
+// Loads a configuration with its record form, from a file or a bundled
+// switch's name (ResolveConfig, bundled.h): every layer that takes a
+// configuration takes a name too. A missing file, an unknown name or
 // extension throws Failure; a file the library refuses throws velqua::Error.
-SwitchConfig LoadSwitchConfig(const std::string& path);
+SwitchConfig LoadSwitchConfig(const std::string& name_or_path);
 
 // The configuration alone, as LoadSwitchConfig reads it: the record form is
 // dropped, so delimited records would be read by column. Readers of records
 // use LoadSwitchConfig.
-std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& path);
+std::shared_ptr<velqua::clsCfgConmut> LoadConfig(const std::string& name_or_path);
 
 // Saves `cfg` in the format of the extension (velqua::Error or Failure).
 // The library's file writes fail silently by design: prefer SaveConfigChecked.

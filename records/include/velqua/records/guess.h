@@ -93,6 +93,7 @@ std::string GuessToJson(const Guess& guess, const std::string& brand, const std:
 struct GuessScore {
   int found = 0;
   int total = 0;
+  int by_rule = 0;  // fields the known configuration reads by rule: no guess finds them
   std::vector<std::string> missed;  // "emParamFechaDia 4-5", ...
 };
 GuessScore ScoreGuess(const Guess& guess, const std::string& known_json);

@@ -28,7 +28,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
+
+#include "velqua/records/call_times.h"
+#include "velqua/records/record_rules.h"
 
 namespace velqua_records {
 
@@ -50,6 +54,10 @@ struct DelimitedForm {
   char16_t separator = u',';
   char16_t quote = u'"';  // u'\0': fields are never quoted
   std::vector<DelimitedField> fields;
+  // Fields read by rule (record_rules.h), shaped after the declared ones; a
+  // rule's part names a declared field by its index, or the derived field
+  // d < this one's by fields.size() + d.
+  std::vector<DerivedField> derived;
 };
 
 // What shaping one delimited record found.
@@ -57,19 +65,29 @@ struct ShapeOutcome {
   size_t fields = 0;   // fields in the record (1 for an empty record)
   bool fewer = false;  // fewer fields than declared: the missing ones are blank
   bool more = false;   // more fields than declared: the extra ones are ignored
+  // The fields longer than their columns: the text shaped (cut, blanks
+  // trimmed) and the whole text (blanks trimmed), so that a value read from
+  // those columns is given whole. Empty for most records.
+  std::vector<std::pair<std::u16string, std::u16string>> cut;
 };
 
 // Shapes `record` into the fixed-column line of `form`, replacing *line. A
 // field opening with the quote character is quoted: separators inside it are
 // text, a doubled quote is one quote, and text after its closing quote up to
 // the next separator is kept; an unclosed quote runs to the end of the record.
-// An unquoted field is taken as it stands, blanks included.
+// An unquoted field is taken as it stands, blanks included. The derived
+// fields follow the declared ones, each in its width, one blank apart.
 ShapeOutcome ShapeDelimited(const DelimitedForm& form, std::u16string_view record,
                             std::u16string* line);
 
-// The first column of each declared field in the shaped line (1-based), and
-// the shaped line's width; a field of width 0 starts where the next one does.
+// The first column of each declared field, then of each derived field, in the
+// shaped line (1-based), and the shaped line's width; a field of width 0
+// starts where the next one does.
 std::vector<int> ShapedColumns(const DelimitedForm& form, int* width);
+
+// The text of `text` that a value read from its columns holds: blanks trimmed
+// from both ends.
+std::u16string_view Trimmed(std::u16string_view text);
 
 // Whether `text` matches `pattern` as a whole: `*` matches any run of
 // characters (none included), `?` any one character, every other character
@@ -84,10 +102,11 @@ struct RecordForm {
   std::u16string continuation;           // pattern of a continuation line; "" = none
   int continuation_column = 0;           // its first column in the joined record (1-255)
   bool seven_bit = false;                // clear bit 7 of every byte before decoding
+  PrintedTime printed_time = PrintedTime::kUnstated;  // the call's start or its end
 
   // Whether `line` (decoded, without its line end) is a page heading.
   bool IsHeading(std::u16string_view line) const;
-  // Nothing beyond plain fixed-column lines.
+  // Nothing beyond plain fixed-column lines (whatever time they print).
   bool Plain() const {
     return !delimited && headings.empty() && !nul_ends_record && continuation.empty() && !seven_bit;
   }
@@ -99,7 +118,8 @@ struct RecordForm {
   // blanks up to it; right after a record already reaching it).
   void Join(std::u16string_view line, std::u16string* record) const;
   // "fixed columns", "delimited (35 fields)", with "+ 2 heading patterns",
-  // "+ NUL record ends", "+ continuation lines" and "+ 7-bit" as they apply:
+  // "+ NUL record ends", "+ continuation lines", "+ 7-bit" and "+ end times"
+  // as they apply:
   // how `velqua switches` shows it.
   std::string Describe() const;
 };

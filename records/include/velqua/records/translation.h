@@ -34,13 +34,17 @@ struct Counts {
   int64_t headings = 0;      // page-heading lines skipped (not records)
   int64_t more_fields = 0;   // delimited records with fields beyond those declared
   int64_t fewer_fields = 0;  // delimited records with fewer fields than declared
+  int64_t invalid_utf8 = 0;  // UTF-8 lines that were not well-formed
 };
 
 // Translates records with one configuration into rows written to a sink.
 class Translation {
  public:
   struct Settings {
-    std::string errors_log;  // the library's unrecognised-record log ("" = none)
+    // The unrecognised-record log ("" = none): each unrecognised or failed
+    // record is appended to it in English, with the time, the input, the
+    // record's number and, for a failure, the error (doc/cli.md).
+    std::string errors_log;
     std::string extensions;  // the KX-TDA account code to extension list
     bool utf8 = false;       // records in UTF-8 rather than Windows-1252
     RecordForm form;         // delimited shaping, page headings, record ends
@@ -62,9 +66,14 @@ class Translation {
 
   // Called for each record the library fails on, and for each damaged one
   // (a recognised record failing the row check): it is kept as an
-  // unrecognised row carrying the error or the reason. Input name, record
-  // number, error or reason.
-  std::function<void(const std::string&, int64_t, const std::string&)> on_failure;
+  // unrecognised row carrying the error or the reason. Input name and the
+  // row, whose `number` and `error` members say which record and why (and
+  // for a library error, `error_number` and the library's own texts).
+  std::function<void(const std::string&, const Row&)> on_failure;
+
+  // Called for the first line of the run that is not well-formed UTF-8
+  // (with utf8 set): input name, and the number the record it starts gets.
+  std::function<void(const std::string&, int64_t)> on_invalid_utf8;
 
   // Asked while a live input waits for bytes: true ends it cleanly (its open
   // call translated, the counts reported), as the program does on SIGINT
@@ -144,6 +153,7 @@ class Translation {
   bool utf8_;
   bool blank_random_;
   RecordForm form_;
+  std::string errors_log_;
   RowCheck check_;
   bool plain_ = false;     // no record form and no multi-line calls: lines are records
   std::u16string shaped_;  // the shaped text of a delimited record

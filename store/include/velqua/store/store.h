@@ -107,8 +107,10 @@ struct CallFilter {
   std::string switch_name;
   std::string extension;
   std::string trunk;
-  std::optional<int32_t> type;  // call type number
-  std::string number_prefix;    // the dialled number starts with it
+  std::optional<int32_t> type;          // call type number
+  std::optional<int32_t> attribute;     // transfer attribute number (4: unanswered)
+  std::optional<int64_t> min_duration;  // seconds; a call without a duration is left out
+  std::string number_prefix;            // the dialled number starts with it
   std::string account_code;
   bool unpriced = false;  // only calls kept without a cost (velqua rate --unpriced)
   int64_t limit = 0;      // 0 = no limit
@@ -119,7 +121,8 @@ struct StoredCall {
   std::string switch_name, source_name;
   int64_t position = 0;
   int32_t type = 0, attribute = 0;
-  std::optional<std::string> start, start_utc;
+  std::optional<std::string> start, start_utc;  // the call's true start
+  std::optional<std::string> ended, ended_utc;  // its end (none without a duration)
   std::optional<int64_t> duration, ring;
   std::optional<std::string> dialled, extension, trunk, receiving_extension, receiving_trunk,
       account_code;
