@@ -148,10 +148,22 @@ LEFT JOIN call_types t ON t.value = c.type
 LEFT JOIN call_attributes a ON a.value = c.attribute
 )";
 
-// Version 4: a switch's extension list is kept with it (its text: the
+// Version 4: the people who may open the web page, with their role
+// ("admin" or "viewer") and their password's Argon2id hash (never the
+// password itself).
+constexpr const char* kVersion4 = R"(
+CREATE TABLE users (
+  name {text} PRIMARY KEY,
+  role {text} NOT NULL,
+  password_hash {text} NOT NULL,
+  created_utc {text} NOT NULL
+)
+)";
+
+// Version 5: a switch's extension list is kept with it (its text: the
 // file it came from may be gone by the next retranslation), and a record
 // read from a file keeps the number of the line it starts on.
-constexpr const char* kVersion4 = R"(
+constexpr const char* kVersion5 = R"(
 ALTER TABLE switches ADD COLUMN extension_list {text} NOT NULL DEFAULT '';
 ALTER TABLE calls ADD COLUMN line BIGINT;
 ALTER TABLE unrecognised ADD COLUMN line BIGINT;
@@ -228,6 +240,8 @@ void Apply(Connection& db, int version) {
     db.Script(ForEngine(IsPostgres(db), kVersion3));
   } else if (version == 4) {
     db.Script(ForEngine(IsPostgres(db), kVersion4));
+  } else if (version == 5) {
+    db.Script(ForEngine(IsPostgres(db), kVersion5));
   }
 }
 

@@ -170,10 +170,11 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   const Source source = NewSource("hq", "v24");
   store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47")}, std::nullopt, nullptr);
   store_.reset();
-  // The store as version 1 left it: no rating tables, no call ends.
+  // The store as version 1 left it: no rating tables, no call ends, no users.
   const char* const down =
       "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
-      "DROP TABLE directory; DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN ended; "
+      "DROP TABLE directory; DROP TABLE users; DROP VIEW calls_named; "
+      "ALTER TABLE calls DROP COLUMN ended; "
       "ALTER TABLE calls DROP COLUMN ended_utc; ALTER TABLE calls DROP COLUMN line; "
       "ALTER TABLE unrecognised DROP COLUMN line; "
       "ALTER TABLE switches DROP COLUMN extension_list;";
@@ -214,10 +215,10 @@ void Downgrade(Engine engine, const std::string& url, const std::string& sql, in
   }
 }
 
-// A version 3 store: its switches gain an empty extension list (none kept),
+// A version 4 store: its switches gain an empty extension list (none kept),
 // its records an unknown line; what was stored stays, and both can be
 // written from then on.
-TEST_P(StoreTest, AVersionThreeStoreGainsExtensionListsAndLines) {
+TEST_P(StoreTest, AVersionFourStoreGainsExtensionListsAndLines) {
   const Source source = NewSource("hq", "calls.txt");
   store_->PutSwitch({"hq", "", "", "Europe/Madrid"});
   store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47"), Unrecognised(80, "noise")},
@@ -227,7 +228,7 @@ TEST_P(StoreTest, AVersionThreeStoreGainsExtensionListsAndLines) {
             "DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN line; "
             "ALTER TABLE unrecognised DROP COLUMN line; "
             "ALTER TABLE switches DROP COLUMN extension_list;",
-            3);
+            4);
   store_ = OpenStore(url_);
   EXPECT_EQ(store_->CountCalls("hq"), 1);
   EXPECT_EQ(store_->FindSwitch("hq")->time_zone, "Europe/Madrid");
