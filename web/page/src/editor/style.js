@@ -28,8 +28,8 @@ const CSS = `
   border-left: 1px solid var(--band); border-right: 1px solid var(--band); }
 .ed-band.ed-constant { background: transparent; border: 2px dashed var(--band); }
 .ed-band.ed-selected { box-shadow: 0 0 0 2px var(--band); }
-.ed-edge { position: absolute; top: 0; bottom: 0; width: 6px; pointer-events: auto; cursor: ew-resize; z-index: 2; }
-.ed-start { left: -3px; } .ed-end { right: -3px; }
+.ed-edge { position: absolute; top: 0; bottom: 0; width: 4px; pointer-events: auto; cursor: ew-resize; z-index: 2; }
+.ed-start { left: -2px; } .ed-end { right: -2px; }
 .ed-edge-start .ed-start, .ed-edge-end .ed-end, .ed-edge-band .ed-edge { background: var(--band); }
 .ed-drag { position: absolute; background: rgba(36, 83, 166, .25); outline: 1px solid #2453a6; pointer-events: none; z-index: 2; }
 .ed-translation h2, .ed-side h2 { font-size: 1rem; margin: .8rem 0 .3rem; }
