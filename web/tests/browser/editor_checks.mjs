@@ -225,9 +225,13 @@ export const editorChecks = [
       try {
         await login('ann');
         await openEditor(page);
-        const names = velqua(['switches']).trim().split('\n').slice(1)
+        const names = velqua(['switches']).split('\n').filter((line) => /^\S/.test(line))
           .map((line) => line.split(/\s+/)[0]);
         assert.ok(names.length >= 16);
+        await page.waitForSelector('#editor-bundled option[value="kx-tda"]', { state: 'attached' });
+        const offered = await page.$$eval('#editor-bundled option[value]:not([value=""])',
+          (options) => options.map((o) => o.value));
+        assert.deepEqual(offered.sort(), [...names].sort());
         for (const name of names) {
           await page.selectOption('#editor-bundled', name);
           await page.waitForFunction((n) =>

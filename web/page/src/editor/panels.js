@@ -90,21 +90,21 @@ export function settingsPanel(state, catalog) {
   const { config } = state;
   const text = (id, label, member, max) => h('label', { for: id }, label,
     h('input', { id, value: config[member] ?? '', maxlength: max,
-      onchange: (e) => state.change((c) => { c[member] = e.target.value; }) }));
+      onchange: (e) => state.change((c) => { c[member] = e.target.value; }, 'settings') }));
   const caseName = typeof config.case === 'number'
     ? (catalog.cases.find((c) => c.value === config.case) || {}).name : config.case;
   const caseSelect = h('select', { id: 'editor-case',
-    onchange: (e) => state.change((c) => { c.case = e.target.value; }) },
+    onchange: (e) => state.change((c) => { c.case = e.target.value; }, 'settings') },
   catalog.cases.map((c) => option(c.name, `${c.value}: ${c.description}`, caseName)));
   return h('div', { class: 'ed-settings' },
     text('editor-brand', 'Brand', 'brand', 50), text('editor-model', 'Model', 'model', 50),
     h('label', { for: 'editor-case' }, 'Handling case', caseSelect),
     h('label', { for: 'editor-separator' }, 'Separator (\\r \\n \\t \\xNN)',
       h('input', { id: 'editor-separator', value: escapeText(config.separator ?? ''),
-        onchange: (e) => state.change((c) => { c.separator = unescapeText(e.target.value); }) })),
+        onchange: (e) => state.change((c) => { c.separator = unescapeText(e.target.value); }, 'settings') })),
     h('label', { for: 'editor-comments' }, 'Comments',
       h('textarea', { id: 'editor-comments', maxlength: 250, rows: 3,
-        onchange: (e) => state.change((c) => { c.comments = e.target.value; }) }, config.comments ?? '')),
+        onchange: (e) => state.change((c) => { c.comments = e.target.value; }, 'settings') }, config.comments ?? '')),
     text('editor-delivery', 'Delivery (serial 9600 8N1; TCP 2300)', 'delivery', 200));
 }
 
@@ -120,7 +120,7 @@ export function cablePanel(state, port, setPort) {
     const list = c.wiring[port] || [];
     c.wiring[port] = joined(a, b) ? list.filter(([x, y]) => x !== a || y !== b)
       : [...list, [a, b]].sort((p, q) => p[0] - q[0] || p[1] - q[1]);
-  });
+  }, 'wiring');
   const [first, last] = PORTS[port];
   const head = [h('th', {}, 'switch \\ PC')];
   for (let pc = 1; pc <= 9; pc++) head.push(h('th', {}, String(pc)));

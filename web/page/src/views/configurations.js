@@ -44,7 +44,13 @@ function build(root, catalog, switches) {
   const cable = h('div');
   const showEntries = () => fill(entries, entriesPanel(state, rows()));
   const showSettings = () => fill(settings, settingsPanel(state, catalog));
-  const showCable = () => fill(cable, cablePanel(state, port, (p) => { port = p; showCable(); }));
+  let drawn = null;  // the port and wiring the cable panel shows
+  const showCable = () => {
+    const now = JSON.stringify([port, state.config.wiring]);
+    if (now === drawn) return;
+    drawn = now;
+    fill(cable, cablePanel(state, port, (p) => { port = p; showCable(); }));
+  };
   const showSource = () => fill(source, `Editing: ${state.source}`,
     state.dirty ? h('span', { class: 'ed-dirty' }, ' (unsaved changes, kept if the page is reloaded)') : '');
 
@@ -59,10 +65,10 @@ function build(root, catalog, switches) {
     if (what === 'samples' || what === 'open') grid.setRows(rows());
     else grid.renderBands();
     showEntries();
-    if (what !== 'samples') {
-      showSettings();
-      showCable();
-    }
+    // A panel is drawn again only when something else changed what it
+    // shows (an undo, another configuration), so that typing keeps focus.
+    if (what !== 'samples' && what !== 'settings') showSettings();
+    showCable();
     preview.schedule();
   });
 
