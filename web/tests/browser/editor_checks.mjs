@@ -24,19 +24,21 @@ const RECORDS = [
   '05/11/26 23:59:58 X 209 -- 00:00:02 210',
 ];
 
-// What `velqua translate -f csv` must give with the configuration made.
-const EXPECTED = `record,type,type_name,attribute,attribute_name,date,time,duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,account_code,extension_random,error
-1,2,outgoing,0,none,2026-11-03,08:15:42,252,,0201555123,201,07,,,,0,
-2,1,incoming,0,none,2026-11-03,08:17:05,90,,0301777456,202,03,,,,0,
-3,3,internal,0,none,2026-11-03,08:20:11,45,,305,203,,,,,0,
-4,2,outgoing,0,none,2026-11-03,09:02:59,3723,,00442079460000,204,01,,,,0,
-5,1,incoming,0,none,2026-11-04,10:11:12,600,,0612345678,201,02,,,,0,
-6,2,outgoing,0,none,2026-11-04,11:30:00,7,,112,205,05,,,,0,
-7,3,internal,0,none,2026-11-04,12:45:30,201,,201,206,,,,,0,
-8,1,incoming,0,none,2026-11-05,13:00:01,59,,0201999888,207,04,,,,0,
-9,2,outgoing,0,none,2026-11-05,14:14:14,754,,0611223344,208,06,,,,0,
-10,3,internal,0,none,2026-11-05,23:59:58,2,,210,209,,,,,0,
-`;
+// What `velqua translate -f csv` must give with the configuration made
+// (RFC 4180: lines end with CR LF).
+const EXPECTED = `${[
+  'record,type,type_name,attribute,attribute_name,date,time,duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,account_code,extension_random,error',
+  '1,2,outgoing,0,none,2026-11-03,08:15:42,252,,0201555123,201,07,,,,0,',
+  '2,1,incoming,0,none,2026-11-03,08:17:05,90,,0301777456,202,03,,,,0,',
+  '3,3,internal,0,none,2026-11-03,08:20:11,45,,305,203,,,,,0,',
+  '4,2,outgoing,0,none,2026-11-03,09:02:59,3723,,00442079460000,204,01,,,,0,',
+  '5,1,incoming,0,none,2026-11-04,10:11:12,600,,0612345678,201,02,,,,0,',
+  '6,2,outgoing,0,none,2026-11-04,11:30:00,7,,112,205,05,,,,0,',
+  '7,3,internal,0,none,2026-11-04,12:45:30,201,,201,206,,,,,0,',
+  '8,1,incoming,0,none,2026-11-05,13:00:01,59,,0201999888,207,04,,,,0,',
+  '9,2,outgoing,0,none,2026-11-05,14:14:14,754,,0611223344,208,06,,,,0,',
+  '10,3,internal,0,none,2026-11-05,23:59:58,2,,210,209,,,,,0,',
+].join('\r\n')}\r\n`;
 
 // Every field the records hold, dragged over row 0 from the first column to
 // the last.
@@ -73,6 +75,16 @@ async function cell(page, row, col) {
       width: box.width / [...line.textContent].length };
   }, row);
   return { x: geometry.left + (col - 0.5) * geometry.width, y: geometry.top + geometry.height / 2 };
+}
+
+// Drags the line between columns `from` and `from + 1` (a band's edge) to
+// the line after column `to`.
+async function dragLine(page, row, from, to) {
+  const a = await cell(page, row, from + 0.5), b = await cell(page, row, to + 0.5);
+  await page.mouse.move(a.x, a.y);
+  await page.mouse.down();
+  await page.mouse.move(b.x, b.y, { steps: 4 });
+  await page.mouse.up();
 }
 
 async function drag(page, row, from, to) {
@@ -191,6 +203,12 @@ export const editorChecks = [
       assert.match(await page.textContent('#editor-source'), /unsaved changes/);
       assert.deepEqual(await size(), { pos: 1, size: 4, type: 'numeric' });
       assert.equal(await page.locator('.ed-line').count(), 3);
+      // The mouse on a band's edge resizes it; next to it, a press marks anew.
+      await dragLine(page, 1, 4, 6);
+      assert.deepEqual(await size(), { pos: 1, size: 6, type: 'numeric' });
+      await page.selectOption('#editor-armed', 'field:emParamFechaMes');
+      await drag(page, 1, 7, 8);
+      assert.deepEqual(await size(), { pos: 1, size: 6, type: 'numeric' });
     },
   },
   {
@@ -241,7 +259,7 @@ export const editorChecks = [
           assert.ok(saved.equals(readFileSync(tmp.file(`${name}.json`))), `${name} changed`);
           if (name === 'kx-tda') {
             await translated(page, 0);
-            await page.click('.ed-label[data-key="emParamTelefonoSaliente"]');
+            await page.click('#editor-entries tr[data-key="emParamTelefonoSaliente"] button.link');
             await shot('editor-kx-tda');
           }
         }

@@ -48,6 +48,9 @@ export class Grid {
     this.el = h('div', { class: 'ed-grid', id: 'editor-grid', tabindex: 0 },
       this.marks, this.rulerEl, this.body);
     this.body.addEventListener('mousedown', (event) => this.down(event));
+    this.body.addEventListener('mousemove', (event) => {
+      if (event.buttons === 0) this.body.style.cursor = this.edgeAt(event) ? 'ew-resize' : '';
+    });
     this.el.addEventListener('keydown', (event) => this.key(event));
   }
 
@@ -81,33 +84,48 @@ export class Grid {
 
   render() {
     this.measure();
-    const width = this.width();
-    this.rulerEl.textContent = ruler(width);
+    this.fitted = 0;
     fill(this.lines, this.rows.map((row, i) =>
       h('pre', { class: 'ed-line', 'data-row': i }, visible(row) || ' ')));
-    this.body.style.width = this.marks.style.width = `${width * this.charWidth}px`;
     this.renderBands();
   }
 
+  // The ruler and the rows reach past the longest record to the last column
+  // a band takes, so that a band beyond the records can still be reached.
+  fit() {
+    const width = this.width();
+    if (width === this.fitted) return;
+    this.fitted = width;
+    this.rulerEl.textContent = ruler(width);
+    this.body.style.width = this.marks.style.width = `${width * this.charWidth}px`;
+  }
+
   renderBands() {
+    this.fit();
+    // Positions go through the element's style object: the page's content
+    // policy refuses style attributes.
+    const place = (el, span, key) => {
+      el.style.left = `${(span.pos - 1) * this.charWidth}px`;
+      el.style.width = `${span.size * this.charWidth}px`;
+      el.style.setProperty('--band', colourOf(key));
+      return el;
+    };
     const { config, selected } = this.state;
     const bands = [], labels = [];
     for (const kind of ['field', 'constant']) {
       for (const key of Object.keys(kind === 'field' ? config.fields : config.constants)) {
         const span = spanOf(config, kind, key);
         const isSelected = selected && selected.kind === kind && selected.key === key;
-        const style = `left:${(span.pos - 1) * this.charWidth}px;` +
-          `width:${span.size * this.charWidth}px;--band:${colourOf(key)}`;
-        const band = h('div', { class: `ed-band ed-${kind}${isSelected ? ' ed-selected' : ''}`,
-          style, 'data-kind': kind, 'data-key': key },
+        const band = place(h('div', { class: `ed-band ed-${kind}${isSelected ? ' ed-selected' : ''}`,
+          'data-kind': kind, 'data-key': key },
         h('div', { class: 'ed-edge ed-start', 'data-edge': 'start' }),
-        h('div', { class: 'ed-edge ed-end', 'data-edge': 'end' }));
+        h('div', { class: 'ed-edge ed-end', 'data-edge': 'end' })), span, key);
         if (isSelected) band.classList.add(`ed-edge-${selected.edge}`);
         bands.push(band);
-        labels.push(h('button', { type: 'button', class: `ed-label ed-${kind}`, style,
+        labels.push(place(h('button', { type: 'button', class: `ed-label ed-${kind}`,
           title: `${key} ${span.pos}-${span.pos + span.size - 1}`, 'data-key': key,
           onclick: () => { this.state.select({ kind, key, edge: 'end' }); this.el.focus(); } },
-        this.shortName(kind, key)));
+        this.shortName(kind, key)), span, key));
       }
     }
     fill(this.bands, bands);
@@ -123,8 +141,8 @@ export class Grid {
     if (event.button !== 0) return;
     event.preventDefault();
     this.el.focus();
-    const edge = event.target.closest('.ed-edge');
-    if (edge) return this.dragEdge(event, edge);
+    const edge = this.edgeAt(event);
+    if (edge) return this.dragEdge(edge);
     const line = event.target.closest('.ed-line');
     const row = line ? Number(line.dataset.row) : 0;
     const first = this.column(event);
@@ -145,10 +163,30 @@ export class Grid {
     });
   }
 
-  dragEdge(event, edgeEl) {
-    const band = edgeEl.closest('.ed-band');
-    const { kind, key } = band.dataset;
-    const edge = edgeEl.dataset.edge;
+  // The edge of a band the pointer is on: within a quarter of a column of
+  // the line between two columns where a band starts or ends (the selected
+  // band first). Anywhere else a press starts a new mark, so that a field can
+  // be placed next to, or over, another.
+  edgeAt(event) {
+    const box = this.body.getBoundingClientRect();
+    const x = (event.clientX - box.left) / this.charWidth;
+    const line = Math.round(x);
+    if (Math.abs(x - line) > 0.25) return null;
+    const { config, selected } = this.state;
+    const found = [];
+    for (const kind of ['field', 'constant']) {
+      for (const key of Object.keys(kind === 'field' ? config.fields : config.constants)) {
+        const span = spanOf(config, kind, key);
+        if (span.pos - 1 === line) found.push({ kind, key, edge: 'start' });
+        if (span.pos + span.size - 1 === line) found.push({ kind, key, edge: 'end' });
+      }
+    }
+    return found.find((e) => selected && e.kind === selected.kind && e.key === selected.key) ||
+      found[0] || null;
+  }
+
+  dragEdge({ kind, key, edge }) {
+    const band = [...this.bands.children].find((b) => b.dataset.kind === kind && b.dataset.key === key);
     const span = spanOf(this.state.config, kind, key);
     const fixed = edge === 'start' ? span.pos + span.size - 1 : span.pos;
     const rowText = this.rows[0];
@@ -158,11 +196,20 @@ export class Grid {
         width: `${(hi - lo + 1) * this.charWidth}px` });
     };
     this.state.select({ kind, key, edge });
-    this.track((e) => preview(this.column(e)), (e) => {
-      const col = this.column(e);
+    this.track((e) => preview(this.edgeColumn(e, edge)), (e) => {
+      const col = this.edgeColumn(e, edge);
       this.state.change((config) =>
         placeSpan(config, kind, key, fixed, col, this.constantRow(kind, key, rowText)));
     });
+  }
+
+  // The column an edge dragged to `event` stands by: the start edge takes
+  // the column right of the line nearest the pointer, the end edge the one
+  // left of it.
+  edgeColumn(event, edge) {
+    const box = this.body.getBoundingClientRect();
+    const line = Math.round((event.clientX - box.left) / this.charWidth);
+    return Math.max(1, edge === 'start' ? line + 1 : line);
   }
 
   // The row a constant's text is cut from again: the first row showing it.

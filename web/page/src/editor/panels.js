@@ -6,6 +6,12 @@ import { GROUPS, groupOf, shortName, escapeText, unescapeText } from './keys.js'
 import { spanOf } from './state.js';
 import { colourOf, visible } from './grid.js';
 
+function swatch(key) {
+  const el = h('span', { class: 'ed-swatch' });
+  el.style.setProperty('--band', colourOf(key));
+  return el;
+}
+
 function option(value, label, selected) {
   return h('option', { value, selected: value === selected }, label);
 }
@@ -56,7 +62,7 @@ export function entriesPanel(state, rows) {
             if (e.target.value) c.constants[key] = { pos: c.constants[key].pos, text: e.target.value };
           }) });
       list.push(h('tr', { class: isSelected ? 'ed-selected' : '', 'data-key': key },
-        h('td', {}, h('span', { class: 'ed-swatch', style: `--band:${colourOf(key)}` })),
+        h('td', {}, swatch(key)),
         h('td', {}, h('button', { type: 'button', class: 'link',
           onclick: () => state.select({ kind, key, edge: 'end' }) }, shortName(kind, key))),
         h('td', { class: 'num' }, `${span.pos}-${span.pos + span.size - 1}`),

@@ -9,10 +9,8 @@ import { LivePreview } from '../editor/preview.js';
 import { shortName } from '../editor/keys.js';
 import { armedSelect, entriesPanel, settingsPanel, cablePanel } from '../editor/panels.js';
 import { openBar, samplesBar, saveBar } from '../editor/files.js';
-import { addEditorStyle } from '../editor/style.js';
 
 function render(root) {
-  addEditorStyle();
   fill(root, h('p', { class: 'muted' }, 'Loading…'));
   let stopped = false;
   Promise.all([api.get('/api/editor/catalog'), api.get('/api/switches').catch(() => [])])
