@@ -125,8 +125,14 @@ TEST_P(EditorApiTest, FilesAndRowsAreTheProgramsOwn) {
     const std::string bytes = velqua_web::DecodeBase64(saved["data"]);
     EXPECT_EQ(bytes, velqua_records::ConfigBytes(
                          hicom, velqua_records::ConfigFormatOf(std::string("x.") + format)));
+    // A .cfg and a .ini hold neither the delivery nor the record form.
+    nlohmann::json expected = Hicom();
+    if (std::string(format) != "json") {
+      expected.erase("delivery");
+      expected.erase("records");
+    }
     EXPECT_EQ(Post("/api/editor/open", {{"format", format}, {"data", saved["data"]}})["config"],
-              Hicom());
+              expected);
   }
   const nlohmann::json preview = Post(
       "/api/editor/preview",
