@@ -157,6 +157,48 @@ TEST(GuessLayout, SevenBitOnlyWhenBitSevenLooksLikeParity) {
   }
 }
 
+// The guess's thresholds at their edges: records are delimited when at
+// least 3 in 5 share a separator's field count, of 4 fields or more; bit 7
+// is parity when at least one byte in 5 of each line carrying it has it.
+TEST(GuessLayout, ThresholdsAtTheirEdges) {
+  const std::u16string five = u"201,0312345678,2026-03-10,08:15:02,132";
+  const std::u16string four = u"201,0312345678,2026-03-10,132";
+  const std::u16string two = u"201 0312345678 2026-03-10 08:15:02,132";
+  struct Case {
+    const char* what;
+    std::vector<std::u16string> lines;
+    bool delimited;
+  } const delimiting[] = {
+      {"3 of 5 share 5 fields", {five, five, five, two, two}, true},
+      {"2 of 4 share 5 fields", {five, five, two, two + u"," + two}, false},
+      {"4 fields", {four, four, four}, true},
+      {"3 fields", {u"201,0312345678,132", u"202,0312345679,133", u"203,0312345670,134"}, false},
+  };
+  for (const Case& c : delimiting) {
+    SCOPED_TRACE(c.what);
+    const Guess guess = GuessLayout(c.lines);
+    EXPECT_EQ(guess.form.delimited, c.delimited);
+    if (c.delimited) {
+      EXPECT_EQ(guess.form.fields.separator, u',');
+    }
+  }
+
+  // 20 bytes a line, bit 7 set on `high` of them.
+  struct Parity {
+    size_t high;
+    bool seven_bit;
+  } const parities[] = {{4, true}, {3, false}, {20, true}};
+  for (const Parity& p : parities) {
+    SCOPED_TRACE("bit 7 on " + std::to_string(p.high) + " of 20 bytes");
+    std::vector<std::u16string> lines = {u"03/10/26 08:15 20101", u"03/10/26 09:01 20202",
+                                         u"03/10/26 09:30 20303"};
+    for (std::u16string& line : lines) {
+      for (size_t i = 0; i < p.high; ++i) line[i] = static_cast<char16_t>(line[i] | 0x80);
+    }
+    EXPECT_EQ(GuessLayout(lines).form.seven_bit, p.seven_bit);
+  }
+}
+
 // Continuation lines join past the longest record, also when the longest
 // has none of its own.
 TEST(GuessLayout, ContinuationsJoinPastTheLongestRecord) {
