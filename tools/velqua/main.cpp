@@ -24,6 +24,9 @@
 #include "cmd_report.h"
 #endif
 #include "cmd_retranslate.h"
+#ifdef VELQUA_CLI_HAS_SERVE
+#include "cmd_serve.h"
+#endif
 #include "cmd_switches.h"
 #include "cmd_translate.h"
 #include "velqua/error.h"
@@ -104,6 +107,12 @@ int Run(int argc, char** argv) {
   velqua_cli::CaptureOptions capture;
   velqua_cli::AddCaptureCommand(app, capture);
 #endif
+#ifdef VELQUA_CLI_HAS_SERVE
+  velqua_cli::ServeOptions serve;
+  velqua_cli::AddServeCommand(app, serve);
+  velqua_cli::UserOptions user;
+  velqua_cli::AddUserCommand(app, user);
+#endif
 
   try {
     app.parse(argc, argv);
@@ -147,6 +156,14 @@ int Run(int argc, char** argv) {
   if (CLI::App* cmd = app.get_subcommand("capture"); cmd->parsed()) {
     return cmd->got_subcommand("status") ? velqua_cli::RunCaptureStatus(capture)
                                          : velqua_cli::RunCapture(capture);
+  }
+#endif
+#ifdef VELQUA_CLI_HAS_SERVE
+  if (app.got_subcommand("serve")) return velqua_cli::RunServe(serve);
+  if (CLI::App* cmd = app.get_subcommand("user"); cmd->parsed()) {
+    if (cmd->got_subcommand("add")) return velqua_cli::RunUserAdd(user);
+    if (cmd->got_subcommand("list")) return velqua_cli::RunUserList(user);
+    return velqua_cli::RunUserRemove(user);
   }
 #endif
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {
