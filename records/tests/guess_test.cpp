@@ -252,7 +252,7 @@ TEST(GuessLayout, NothingToGoByIsSaid) {
 // Records from other sites (examples/*/corpus), which the guess was not
 // tuned on, scored against their switch's configuration: the share of fields
 // found exactly stays at or above the figure doc/guess.md reports for them
-// (27 of 35 when it was written). A change that finds fewer fails here.
+// (33 of 43 when it was written). A change that finds fewer fails here.
 TEST(ScoreGuess, RecordsItWasNotTunedOnKeepTheirFigure) {
   const std::filesystem::path examples = std::filesystem::path(VELQUA_SOURCE_DIR) / "examples";
   int found = 0, total = 0;
@@ -272,8 +272,8 @@ TEST(ScoreGuess, RecordsItWasNotTunedOnKeepTheirFigure) {
     found += score.found;
     total += score.total;
   }
-  EXPECT_EQ(total, 35);
-  EXPECT_GE(found * 100, total * 77) << found << " of " << total;
+  EXPECT_EQ(total, 43);
+  EXPECT_GE(found * 100, total * 76) << found << " of " << total;
 }
 
 TEST(ScoreGuess, CountsTheKnownFieldsFoundAtTheirColumns) {
