@@ -56,8 +56,10 @@ Cell Change(ColumnType type, const Cell& now, const Cell& before) {
   return Cell::Text(Unscaled(Scaled(a, decimals) - Scaled(b, decimals), decimals));
 }
 
-Cell Zero(ColumnType type) {
-  return type == ColumnType::kMoney ? Cell::Text("0") : Cell::Number(0);
+// Nothing, in the form of `other` (money with its decimals: "0.00").
+Cell Zero(ColumnType type, const Cell& other) {
+  if (type != ColumnType::kMoney) return Cell::Number(0);
+  return Cell::Text(Unscaled(0, other.empty ? 0 : Decimals(other.text)));
 }
 
 struct Layout {
@@ -86,8 +88,8 @@ std::vector<Cell> CompareRow(const Table& t, const Layout& l, const std::vector<
   std::vector<Cell> row(any.begin(), any.begin() + static_cast<std::ptrdiff_t>(l.keys));
   for (size_t i : l.values) {
     const ColumnType type = t.columns[i].type;
-    const Cell a = now != nullptr ? (*now)[i] : Zero(type);
-    const Cell b = before != nullptr ? (*before)[i] : Zero(type);
+    const Cell a = now != nullptr ? (*now)[i] : Zero(type, (*before)[i]);
+    const Cell b = before != nullptr ? (*before)[i] : Zero(type, (*now)[i]);
     row.insert(row.end(), {a, b, Change(type, a, b)});
   }
   return row;
