@@ -315,6 +315,22 @@ TEST_P(CostReportTest, CompareOfDepartmentsGivesTheChangeInCost) {
                                                  {"total", "4.90 EUR", "0.10 EUR", "4.80 EUR"}}));
 }
 
+// February has no call with an account code: its table has no cost column
+// at all, and the comparison still sets the month's cost against nothing.
+TEST_P(CostReportTest, CompareWithAPeriodWithoutPricesCountsItsCostAsNothing) {
+  Request r = Kind("compare");
+  r.of = "accounts";
+  const Report report = Build(GetParam(), r);
+  const Table* cost = nullptr;
+  for (const Table& t : report.tables) {
+    if (t.name == "Account codes: cost") cost = &t;
+  }
+  ASSERT_NE(cost, nullptr);
+  EXPECT_EQ(Rows(*cost, {0, 1, 2, 3, 4, 5}),
+            (Expected{{"77", "Acme", "Audit", "0.10 EUR", "0.00 EUR", "0.10 EUR"},
+                      {"total", "", "", "0.10 EUR", "0.00 EUR", "0.10 EUR"}}));
+}
+
 TEST_P(CostReportTest, AnUnknownDepartmentIsRefused) {
   Request r = Kind("departments");
   r.department = "Legal";
