@@ -88,6 +88,9 @@ void BuildItemised(velqua_store::Store& store, const Request& request, Report& r
     calls.push_back(c);
   });
   const Currencies currencies = CurrenciesOf({&sum});
+  // The destination once calls are priced; before, it is always empty.
+  const bool destinations =
+      std::any_of(calls.begin(), calls.end(), [](const auto& c) { return c.destination; });
   std::vector<Column> columns{{"start", ColumnType::kDateTime, ""},
                               TextColumn("type"),
                               TextColumn("number"),
@@ -95,6 +98,7 @@ void BuildItemised(velqua_store::Store& store, const Request& request, Report& r
                               TextColumn("trunk"),
                               DurationColumn("ring"),
                               DurationColumn("duration")};
+  if (!destinations) columns.erase(columns.begin() + 3);
   for (Column& c : CostColumns(currencies)) columns.push_back(std::move(c));
   Table t{"Calls", std::move(columns), {}, {}};
   const auto text = [](const std::optional<std::string>& s) { return Cell::Text(s.value_or("")); };
