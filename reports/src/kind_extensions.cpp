@@ -111,6 +111,7 @@ void BuildItemised(velqua_store::Store& store, const Request& request, Report& r
     if (c.attribute == 4) type += ", unanswered";
     std::vector<Cell> row{text(c.start), Cell::Text(type), text(c.dialled),   text(c.destination),
                           text(c.trunk), number(c.ring),   number(c.duration)};
+    if (!destinations) row.erase(row.begin() + 3);
     for (const auto& [currency, decimals] : currencies) {
       const bool priced = c.cost && c.currency && *c.currency == currency;
       row.push_back(
@@ -125,6 +126,7 @@ void BuildItemised(velqua_store::Store& store, const Request& request, Report& r
       Cell::Text(""),       Cell::Text(""),
       Cell::Text(""),       Cell::Empty(),
       Cell::Number(seconds)};
+  if (!destinations) total.erase(total.begin() + 3);
   for (Cell& cell : CostCells(currencies, sum)) total.push_back(std::move(cell));
   t.total = std::move(total);
   report.tables.push_back(std::move(t));
