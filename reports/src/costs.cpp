@@ -89,6 +89,21 @@ void Totals::Add(const velqua_store::CostCounts& row) {
   AddMoney(cost, row.cost);
 }
 
+std::vector<velqua_store::CallCounts> CountsOf(const std::vector<velqua_store::CostCounts>& rows) {
+  std::vector<velqua_store::CallCounts> counts;
+  for (const velqua_store::CostCounts& r : rows) {
+    if (counts.empty() || counts.back().key != r.key) counts.push_back({r.key, 0, 0, 0, 0, 0, 0});
+    velqua_store::CallCounts& c = counts.back();
+    c.calls += r.calls;
+    c.seconds += r.seconds;
+    c.outgoing += r.outgoing;
+    c.incoming += r.incoming;
+    c.internal += r.internal;
+    c.unanswered += r.unanswered;
+  }
+  return counts;
+}
+
 std::string UnpricedNote(int64_t unpriced) {
   if (unpriced == 0) return "";
   return std::to_string(unpriced) + (unpriced == 1 ? " call" : " calls") +

@@ -50,6 +50,10 @@ struct Totals {
   void Add(const velqua_store::CostCounts& row);
 };
 
+// The call counts of cost rows (sorted by key) merged by key, in key
+// order: one pass of the calls gives both.
+std::vector<velqua_store::CallCounts> CountsOf(const std::vector<velqua_store::CostCounts>& rows);
+
 // The note of a report whose calls include some the rating plan could not
 // price ("" when none): their cost is not in the sums.
 std::string UnpricedNote(int64_t unpriced);

@@ -32,10 +32,12 @@ Chart BusiestExtensions(const std::vector<velqua_store::CallCounts>& counts) {
 
 void BuildExtensions(velqua_store::Store& store, const Request& request, Report& report) {
   const velqua_store::Span span = SpanFor(store, request);
-  const auto counts = velqua_store::CountCallsBy(store, span, velqua_store::CallGroup::kExtension);
+  // One pass of the calls: counts and costs by extension.
+  const auto rows = velqua_store::CostsBy(store, span, velqua_store::CostGroup::kExtension);
+  const auto counts = CountsOf(rows);
   std::map<std::string, Totals> costs;
   Totals all;
-  for (const auto& row : velqua_store::CostsBy(store, span, velqua_store::CostGroup::kExtension)) {
+  for (const auto& row : rows) {
     costs[row.key].Add(row);
     all.Add(row);
   }

@@ -120,9 +120,8 @@ Chart LinesChart(const std::vector<int64_t>& peaks, int64_t first, int64_t lines
 void BuildTrunks(velqua_store::Store& store, const Request& request, Report& report) {
   const velqua_store::Span span = SpanFor(store, request);
   std::string unpriced;
-  report.tables.push_back(
-      TrunkTable(velqua_store::CountCallsBy(store, span, velqua_store::CallGroup::kTrunk),
-                 velqua_store::CostsBy(store, span, velqua_store::CostGroup::kTrunk), &unpriced));
+  const auto costs = velqua_store::CostsBy(store, span, velqua_store::CostGroup::kTrunk);
+  report.tables.push_back(TrunkTable(CountsOf(costs), costs, &unpriced));
   if (!unpriced.empty()) report.notes.push_back(unpriced);
   const int64_t first = DayNumber(span.from, "--from") * 48;
   const int64_t end = DayNumber(span.to_next, "--to") * 48;

@@ -261,7 +261,11 @@ std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group)
   db.Run("SELECT " + key + ", " + day + ", coalesce(k.currency, ''), " + decimals +
              ", count(*), coalesce(sum(c.duration), 0),"
              " coalesce(sum(CAST(replace(k.cost, '.', '') AS BIGINT)), 0),"
-             " sum(CASE WHEN k.source_id IS NOT NULL AND k.cost IS NULL THEN 1 ELSE 0 END)"
+             " sum(CASE WHEN k.source_id IS NOT NULL AND k.cost IS NULL THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type IN (2, 5) THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type = 1 THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type = 3 THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute = 4 THEN 1 ELSE 0 END)"
              " FROM calls c LEFT JOIN call_costs k"
              " ON k.source_id = c.source_id AND k.position = c.position" +
              where + " GROUP BY 1, 2, 3, 4",
@@ -273,6 +277,10 @@ std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group)
            c.calls = r.Int(4);
            c.seconds = r.Int(5);
            c.unpriced = r.Int(7);
+           c.outgoing = r.Int(8);
+           c.incoming = r.Int(9);
+           c.internal = r.Int(10);
+           c.unanswered = r.Int(11);
            rows.push_back(std::move(c));
          });
   std::sort(rows.begin(), rows.end(), [](const CostCounts& a, const CostCounts& b) {

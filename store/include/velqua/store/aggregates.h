@@ -112,13 +112,15 @@ enum class CostGroup {
 
 // The calls of a group in one currency (currency "" for calls without a
 // price, or priced 0 without a tariff): how many, their talk time, their
-// cost, and how many the rating plan could not price. A group whose prices
+// cost, how many the rating plan could not price, and the kinds of call as
+// CountCallsBy counts them (so that one pass gives both). A group whose prices
 // have several currencies or decimals gives a row for each.
 struct CostCounts {
   std::string key, day;
   int64_t calls = 0, seconds = 0;
   Money cost;
   int64_t unpriced = 0;
+  int64_t outgoing = 0, incoming = 0, internal = 0, unanswered = 0;  // as CallCounts
 };
 
 // The calls of the span grouped so, by key, day, currency and decimals.
