@@ -148,6 +148,18 @@ LEFT JOIN call_types t ON t.value = c.type
 LEFT JOIN call_attributes a ON a.value = c.attribute
 )";
 
+// Version 4: the people who may open the web page, with their role
+// ("admin" or "viewer") and their password's Argon2id hash (never the
+// password itself).
+constexpr const char* kVersion4 = R"(
+CREATE TABLE users (
+  name {text} PRIMARY KEY,
+  role {text} NOT NULL,
+  password_hash {text} NOT NULL,
+  created_utc {text} NOT NULL
+)
+)";
+
 // The indexes of the queries people run: by time, by extension or trunk
 // over time, by number dialled, by account code (most calls have none).
 constexpr const char* kQueryIndexNames[] = {"calls_start",        "calls_extension_start",
@@ -205,6 +217,8 @@ void Apply(Connection& db, int version) {
                       IsPostgres(db) ? "" : " WITHOUT ROWID"));
   } else if (version == 3) {
     db.Script(ForEngine(IsPostgres(db), kVersion3));
+  } else if (version == 4) {
+    db.Script(ForEngine(IsPostgres(db), kVersion4));
   }
 }
 

@@ -170,10 +170,11 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   const Source source = NewSource("hq", "v24");
   store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47")}, std::nullopt, nullptr);
   store_.reset();
-  // The store as version 1 left it: no rating tables, no call ends.
+  // The store as version 1 left it: no rating tables, no call ends, no users.
   const char* const down =
       "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
-      "DROP TABLE directory; DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN ended; "
+      "DROP TABLE directory; DROP TABLE users; DROP VIEW calls_named; "
+      "ALTER TABLE calls DROP COLUMN ended; "
       "ALTER TABLE calls DROP COLUMN ended_utc;";
   if (GetParam() == Engine::kSqlite) {
     sqlite3* db = nullptr;
