@@ -249,14 +249,16 @@ int64_t SqlStore::LastStoredId(const std::string& switch_name, bool calls) {
 RewriteResult SqlStore::Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records, bool dry_run) {
   const int64_t switch_id = SwitchId(switch_name);
-  if (!dry_run) return InTransaction(*db_, [&] { return RewriteOnce(switch_id, records); });
+  if (!dry_run) {
+    return InTransaction(*db_, [&] { return RewriteOnce(switch_id, switch_name, records); });
+  }
   // The same work, rolled back: what would change is counted exactly as a
   // real run counts it, moves between the tables included.
   struct RolledBack {
     RewriteResult result;
   };
   try {
-    InTransaction(*db_, [&] { throw RolledBack{RewriteOnce(switch_id, records)}; });
+    InTransaction(*db_, [&] { throw RolledBack{RewriteOnce(switch_id, switch_name, records)}; });
   } catch (const RolledBack& done) {
     return done.result;
   }
@@ -296,13 +298,17 @@ void CountChanged(const std::string& before, const std::string& after,
 
 }  // namespace
 
-RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retranslated>& records) {
+RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::string& switch_name,
+                                    const std::vector<Retranslated>& records) {
   const Zone& zone = ZoneOf(switch_id);
   RewriteResult result;
-  size_t n_calls = 0, n_unrecognised = 0;
-  CallValues v;
+  // Calls updated in place go to updated_, to be priced again with the new
+  // records (a corrected start can move a call to another band, a corrected
+  // number to another destination).
+  size_t n_calls = 0, n_unrecognised = 0, n_updated = 0;
   for (const Retranslated& r : records) {
     const StoredRecord& old = r.record;
+    CallValues& v = Slot(updated_, n_updated);
     v.Fill(switch_id, old.source_id, Record{old.position, old.raw, old.received_utc, r.row}, zone);
     const bool call = r.row.has_fields;
     if (call == old.is_call && old.stored == (call ? Signature(v) : v.reason)) {
@@ -322,6 +328,7 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
           "receiving_trunk = $12, account_code = $13, extension_random = $14, ended = $15, "
           "ended_utc = $16 WHERE id = $1",
           params);
+      ++n_updated;
       ++result.updated;
     } else if (!call && !old.is_call) {
       db_->Run("UPDATE unrecognised SET reason = $2 WHERE id = $1", {old.id, v.reason});
@@ -332,12 +339,18 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
       db_->Run(old.is_call ? "DELETE FROM calls WHERE id = $1"
                            : "DELETE FROM unrecognised WHERE id = $1",
                {old.id});
+      if (old.is_call) {  // no longer a call: no longer priced
+        db_->Run("DELETE FROM call_costs WHERE source_id = $1 AND position = $2",
+                 {old.source_id, old.position});
+      }
       Slot(call ? calls_ : unrecognised_, call ? n_calls++ : n_unrecognised++) = v;
       ++(call ? result.recognised : result.unrecognised);
     }
   }
   db_->InsertCalls(calls_.data(), n_calls);
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
+  PriceCalls(switch_name, calls_.data(), n_calls);
+  PriceCalls(switch_name, updated_.data(), n_updated);
   return result;
 }
 
