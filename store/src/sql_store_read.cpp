@@ -12,8 +12,9 @@ namespace {
 
 constexpr const char* kCallColumns =
     "type, attribute, start, start_utc, duration, ring, dialled, extension, trunk, "
-    "receiving_extension, receiving_trunk, account_code, extension_random, ended, ended_utc";
-constexpr int kCallColumnCount = 15;
+    "receiving_extension, receiving_trunk, account_code, extension_random, ended, ended_utc, "
+    "date_received, switch_charge, extras";
+constexpr int kCallColumnCount = 18;
 
 // A call's stored translation as one string, read from the kCallColumns
 // that start at column `first`.
@@ -43,6 +44,9 @@ std::string Signature(const CallValues& v) {
   add(v.extension_random ? "1" : "0");
   add(v.ended);
   add(v.ended_utc);
+  add(v.date_received ? "1" : "0");
+  add(v.switch_charge);
+  add(v.extras);
   return s;
 }
 
@@ -153,6 +157,9 @@ StoredCall ReadCall(const ResultRow& r) {
   for (int i = 0; i < 5; ++i) *names[i] = OptionalText(r, 23 + i);
   c.ended = OptionalText(r, 28);
   c.ended_utc = OptionalText(r, 29);
+  c.date_received = r.Int(30) != 0;
+  c.switch_charge = OptionalText(r, 31);
+  c.extras = OptionalText(r, 32);
   return c;
 }
 
@@ -170,7 +177,8 @@ void SqlStore::ListCalls(const CallFilter& filter,
       DirectoryColumn("extension", "c.extension", "department") + ", " +
       DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
       DirectoryColumn("account", "c.account_code", "client") + ", " +
-      DirectoryColumn("account", "c.account_code", "project") + ", c.ended, c.ended_utc" +
+      DirectoryColumn("account", "c.account_code", "project") +
+      ", c.ended, c.ended_utc, c.date_received, c.switch_charge, c.extras" +
       " FROM calls c "
       "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
       "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position" +
@@ -284,7 +292,10 @@ void CountChanged(const std::string& before, const std::string& after,
                                        "account_code",
                                        "extension_random",
                                        "ended",
-                                       "ended_utc"};
+                                       "ended_utc",
+                                       "date_received",
+                                       "switch_charge",
+                                       "extras"};
   static_assert(sizeof kNames / sizeof kNames[0] == kCallColumnCount);
   size_t a = 0, b = 0;
   for (const char* name : kNames) {
@@ -321,12 +332,15 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::string& switch
       params.emplace_back(int64_t{v.extension_random});
       params.push_back(Value::TextOrNull(v.ended));
       params.push_back(Value::TextOrNull(v.ended_utc));
+      params.emplace_back(int64_t{v.date_received});
+      params.push_back(Value::TextOrNull(v.switch_charge));
+      params.push_back(Value::TextOrNull(v.extras));
       CountChanged(old.stored, Signature(v), &result.changed);
       db_->Run(
           "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
           "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "
           "receiving_trunk = $12, account_code = $13, extension_random = $14, ended = $15, "
-          "ended_utc = $16 WHERE id = $1",
+          "ended_utc = $16, date_received = $17, switch_charge = $18, extras = $19 WHERE id = $1",
           params);
       ++n_updated;
       ++result.updated;
