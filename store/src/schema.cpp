@@ -148,12 +148,24 @@ LEFT JOIN call_types t ON t.value = c.type
 LEFT JOIN call_attributes a ON a.value = c.attribute
 )";
 
-// Version 4: what a call's record holds beyond the call data. The
+// Version 4: the people who may open the web page, with their role
+// ("admin" or "viewer") and their password's Argon2id hash (never the
+// password itself).
+constexpr const char* kVersion4 = R"(
+CREATE TABLE users (
+  name {text} PRIMARY KEY,
+  role {text} NOT NULL,
+  password_hash {text} NOT NULL,
+  created_utc {text} NOT NULL
+)
+)";
+
+// Version 5: what a call's record holds beyond the call data. The
 // configuration's extra fields (the switch's own charge, pulses, caller
 // name, call ID) as a JSON object, the charge also in a column of its own
 // to set beside the price; and whether the call's date is the date it was
 // received (a switch that prints none).
-constexpr const char* kVersion4 = R"(
+constexpr const char* kVersion5 = R"(
 ALTER TABLE calls ADD COLUMN date_received INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE calls ADD COLUMN switch_charge {text};
 ALTER TABLE calls ADD COLUMN extras {text};
@@ -230,6 +242,8 @@ void Apply(Connection& db, int version) {
     db.Script(ForEngine(IsPostgres(db), kVersion3));
   } else if (version == 4) {
     db.Script(ForEngine(IsPostgres(db), kVersion4));
+  } else if (version == 5) {
+    db.Script(ForEngine(IsPostgres(db), kVersion5));
   }
 }
 

@@ -24,6 +24,9 @@
 #include "cmd_report.h"
 #endif
 #include "cmd_retranslate.h"
+#ifdef VELQUA_CLI_HAS_SERVE
+#include "cmd_serve.h"
+#endif
 #include "cmd_switches.h"
 #include "cmd_translate.h"
 #include "velqua/error.h"
@@ -38,7 +41,7 @@ using velqua_cli::UsageError;
 // library falls back to the current date and time for fields a switch does
 // not print, and stamps the unrecognised-record log with it).
 void InstallFixedClock(const std::string& text) {
-  velqua::plataforma::FechaHora now;
+  velqua::FechaHora now;
   char extra = 0;
   if (std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d%c", &now.intAnio, &now.intMes, &now.intDia,
                   &now.intHora, &now.intMinuto, &now.intSegundo, &extra) != 6 ||
@@ -47,7 +50,7 @@ void InstallFixedClock(const std::string& text) {
       now.intSegundo > 59) {
     throw UsageError("--now: expected \"YYYY-MM-DD HH:MM:SS\", got \"" + text + "\"");
   }
-  velqua_records::ProgramClock::Instance().Fix(now);
+  velqua_records::FixProgramNow(now);
 }
 
 // "translate, config, draw or switches": the program's commands in the order
@@ -104,6 +107,12 @@ int Run(int argc, char** argv) {
   velqua_cli::CaptureOptions capture;
   velqua_cli::AddCaptureCommand(app, capture);
 #endif
+#ifdef VELQUA_CLI_HAS_SERVE
+  velqua_cli::ServeOptions serve;
+  velqua_cli::AddServeCommand(app, serve);
+  velqua_cli::UserOptions user;
+  velqua_cli::AddUserCommand(app, user);
+#endif
 
   try {
     app.parse(argc, argv);
@@ -124,7 +133,6 @@ int Run(int argc, char** argv) {
                  CommandNames(app).c_str());
     return 2;
   }
-  velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
   if (app.got_subcommand("import")) return velqua_cli::RunImport(import);
@@ -148,6 +156,14 @@ int Run(int argc, char** argv) {
   if (CLI::App* cmd = app.get_subcommand("capture"); cmd->parsed()) {
     return cmd->got_subcommand("status") ? velqua_cli::RunCaptureStatus(capture)
                                          : velqua_cli::RunCapture(capture);
+  }
+#endif
+#ifdef VELQUA_CLI_HAS_SERVE
+  if (app.got_subcommand("serve")) return velqua_cli::RunServe(serve);
+  if (CLI::App* cmd = app.get_subcommand("user"); cmd->parsed()) {
+    if (cmd->got_subcommand("add")) return velqua_cli::RunUserAdd(user);
+    if (cmd->got_subcommand("list")) return velqua_cli::RunUserList(user);
+    return velqua_cli::RunUserRemove(user);
   }
 #endif
   if (CLI::App* cmd = app.get_subcommand("config"); cmd->parsed()) {

@@ -1,0 +1,9 @@
+// The one list of the page's views, in the order of the menu. A view is a
+// module under views/ exporting
+//   { id, title, role: 'viewer' | 'admin', render(root, context) }
+// where render fills `root` and may return a function that stops what it
+// started (a live feed, a timer) when the user leaves the view.
+import calls from './views/calls.js';
+import switches from './views/switches.js';
+
+export const views = [calls, switches];

@@ -1,0 +1,13 @@
+// The one list of the API's areas: a new area is a routes_<area>.cpp with
+// its Register function, declared in routes.h and called here.
+#include "routes.h"
+
+namespace velqua_web {
+
+void RegisterRoutes(Api& api) {
+  RegisterSessionRoutes(api);
+  RegisterSwitchRoutes(api);
+  RegisterCallRoutes(api);
+}
+
+}  // namespace velqua_web

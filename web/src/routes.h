@@ -1,0 +1,16 @@
+// The API's areas. Each registers its routes in its own file
+// (routes_<area>.cpp); RegisterRoutes (routes.cpp) is the one list of them.
+#pragma once
+
+namespace velqua_web {
+
+class Api;
+
+void RegisterSessionRoutes(Api& api);  // /api/session, /api/login, /api/logout
+void RegisterSwitchRoutes(Api& api);   // /api/switches
+void RegisterCallRoutes(Api& api);     // /api/calls
+
+// Every area's routes.
+void RegisterRoutes(Api& api);
+
+}  // namespace velqua_web

@@ -1,0 +1,25 @@
+// What the routes share for the server's life.
+#pragma once
+
+#include "sessions.h"
+#include "store_pool.h"
+#include "velqua/web/server.h"
+
+namespace velqua_web {
+
+struct ServerState {
+  explicit ServerState(const ServeOptions& o)
+      : options(o),
+        sessions(std::chrono::minutes(o.session_minutes)),
+        throttle(5, std::chrono::seconds(60)),
+        pool(o.db, static_cast<size_t>(o.connections)) {}
+
+  ServeOptions options;
+  SessionTable sessions;
+  LoginThrottle throttle;
+  StorePool pool;
+  bool loopback = true;  // listening on loopback: a store without users is open
+  bool tls = false;      // cookies are Secure
+};
+
+}  // namespace velqua_web

@@ -1,0 +1,31 @@
+# Tests of velqua_web: the API over a real server on a loopback port, on
+# SQLite and on a throwaway PostgreSQL server (store/tests), and the page in
+# a real browser (web/tests/browser).
+enable_testing()  # this directory is added before the top level enables testing
+find_package(GTest REQUIRED)
+
+add_executable(velqua_web_tests
+  ${CMAKE_CURRENT_LIST_DIR}/api_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/web_test_support.cpp)
+target_link_libraries(velqua_web_tests PRIVATE velqua_web velqua_store_testing
+                      PkgConfig::VELQUA_HTTPLIB nlohmann_json::nlohmann_json GTest::gtest_main)
+target_include_directories(velqua_web_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src
+                           ${PROJECT_SOURCE_DIR}/store/tests)
+velqua_warnings(velqua_web_tests)
+add_test(NAME web.sqlite COMMAND velqua_web_tests --gtest_filter=-*Postgres*)
+add_test(NAME web.postgresql COMMAND velqua_web_tests --gtest_filter=*Postgres*)
+
+# The page in a real browser: Debian's chromium through playwright-core
+# (npm ci in web/tests/browser, as scripts/setup.sh does).
+find_program(VELQUA_NODE node)
+find_program(VELQUA_CHROMIUM chromium)
+set(VELQUA_BROWSER_DIR ${CMAKE_CURRENT_LIST_DIR}/browser)
+if(VELQUA_NODE AND VELQUA_CHROMIUM AND EXISTS ${VELQUA_BROWSER_DIR}/node_modules/playwright-core)
+  add_test(NAME web.browser
+           COMMAND ${VELQUA_NODE} ${VELQUA_BROWSER_DIR}/run.mjs --velqua $<TARGET_FILE:velqua_cli>
+                   --source ${PROJECT_SOURCE_DIR} --out ${CMAKE_BINARY_DIR}/web-screenshots)
+  set_tests_properties(web.browser PROPERTIES ENVIRONMENT CHROMIUM=${VELQUA_CHROMIUM} TIMEOUT 300)
+else()
+  message(WARNING "velqua_web: node, chromium or playwright-core (npm ci in web/tests/browser) "
+                  "missing: the browser tests are not run; scripts/setup.sh installs them")
+endif()
