@@ -9,7 +9,8 @@
 //    its field count agrees with what it says was fewer or more;
 //  - a pattern without wildcards matches its own text, and "*" + it matches
 //    any text ending with it;
-//  - translating the lines through the form writes one row per record.
+//  - translating the lines through the form writes one row per record;
+//  - each extra field cut from a line is one text, no wider than its columns.
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -17,6 +18,7 @@
 #include <vector>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/cfg_conmut.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_json.h"
@@ -36,7 +38,9 @@ inline velqua_records::RecordForm Fallback(uint8_t choice) {
     using velqua_records::FieldPart;
     using velqua_records::FieldRule;
     using velqua_records::FieldTest;
-    const FieldTest test{FieldPart{0, u"", u"", 0}, {u"?*"}, false, false};
+    FieldTest test;
+    test.part = FieldPart{0, u"", u"", 0};
+    test.patterns = {u"?*"};
     form.fields.derived = {{"r",
                             3,
                             {FieldRule{{test}, true, FieldPart{3, u"", u"-", 1}, u""},
@@ -84,7 +88,7 @@ struct Count : velqua_records::RowSink {
   int64_t rows = 0;
 };
 
-inline int Run(const uint8_t* data, size_t size) {
+int Run(const uint8_t* data, size_t size) {
   const std::string input(reinterpret_cast<const char*>(data), size);
   const size_t end = input.find('\n');
   const std::string member = input.substr(0, end);
@@ -107,6 +111,13 @@ inline int Run(const uint8_t* data, size_t size) {
   const std::u16string text = velqua::DesdeAnsi(rest);
   if (form.delimited) CheckShape(form.fields, text.substr(0, 2000));
   CheckPattern(text);
+  const auto extras = velqua_records::CutExtras(form.extras, text);
+  for (size_t i = 0; i < extras.size(); ++i) {
+    if (extras[i].second.size() > static_cast<size_t>(form.extras[i].width)) {
+      velqua_fuzz::Hallazgo("an extra field wider than its columns");
+    }
+  }
+  if (extras.size() != form.extras.size()) velqua_fuzz::Hallazgo("extra fields lost");
   cfg->Caso(velqua::emCasoEstandar);
   Count count;
   velqua_records::Translation translation(cfg, count,
@@ -122,5 +133,3 @@ inline int Run(const uint8_t* data, size_t size) {
 }
 
 }  // namespace velqua_fuzz_record_form
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_record_form::Run)

@@ -170,12 +170,14 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   const Source source = NewSource("hq", "v24");
   store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47")}, std::nullopt, nullptr);
   store_.reset();
-  // The store as version 1 left it: no rating tables, no call ends, no users.
+  // The store as version 1 left it: no rating tables, no call ends, no
+  // users, no extra fields.
   const char* const down =
       "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
       "DROP TABLE directory; DROP TABLE users; DROP VIEW calls_named; "
-      "ALTER TABLE calls DROP COLUMN ended; "
-      "ALTER TABLE calls DROP COLUMN ended_utc; ALTER TABLE calls DROP COLUMN line; "
+      "ALTER TABLE calls DROP COLUMN ended; ALTER TABLE calls DROP COLUMN ended_utc; "
+      "ALTER TABLE calls DROP COLUMN date_received; ALTER TABLE calls DROP COLUMN switch_charge; "
+      "ALTER TABLE calls DROP COLUMN extras; ALTER TABLE calls DROP COLUMN line; "
       "ALTER TABLE unrecognised DROP COLUMN line; "
       "ALTER TABLE switches DROP COLUMN extension_list;";
   if (GetParam() == Engine::kSqlite) {
@@ -215,10 +217,10 @@ void Downgrade(Engine engine, const std::string& url, const std::string& sql, in
   }
 }
 
-// A version 4 store: its switches gain an empty extension list (none kept),
+// A version 5 store: its switches gain an empty extension list (none kept),
 // its records an unknown line; what was stored stays, and both can be
 // written from then on.
-TEST_P(StoreTest, AVersionFourStoreGainsExtensionListsAndLines) {
+TEST_P(StoreTest, AVersionFiveStoreGainsExtensionListsAndLines) {
   const Source source = NewSource("hq", "calls.txt");
   store_->PutSwitch({"hq", "", "", "Europe/Madrid"});
   store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47"), Unrecognised(80, "noise")},
@@ -228,7 +230,7 @@ TEST_P(StoreTest, AVersionFourStoreGainsExtensionListsAndLines) {
             "DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN line; "
             "ALTER TABLE unrecognised DROP COLUMN line; "
             "ALTER TABLE switches DROP COLUMN extension_list;",
-            4);
+            5);
   store_ = OpenStore(url_);
   EXPECT_EQ(store_->CountCalls("hq"), 1);
   EXPECT_EQ(store_->FindSwitch("hq")->time_zone, "Europe/Madrid");
