@@ -127,6 +127,8 @@ std::string DirectoryColumn(const char* kind, const char* key, const char* colum
          "ORDER BY d.from_day DESC LIMIT 1)";
 }
 
+}  // namespace
+
 StoredCall ReadCall(const ResultRow& r) {
   StoredCall c;
   c.switch_name = r.Text(0);
@@ -153,30 +155,31 @@ StoredCall ReadCall(const ResultRow& r) {
   for (int i = 0; i < 5; ++i) *names[i] = OptionalText(r, 23 + i);
   c.ended = OptionalText(r, 28);
   c.ended_utc = OptionalText(r, 29);
+  c.id = r.Int(30);
   return c;
 }
 
-}  // namespace
+std::string CallSelectFrom() {
+  return "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, "
+         "c.duration, c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, "
+         "c.receiving_trunk, c.account_code, c.extension_random, c.raw, c.received_utc, k.cost, "
+         "k.currency, k.destination, k.destination_class, k.reason, " +
+         DirectoryColumn("extension", "c.extension", "person") + ", " +
+         DirectoryColumn("extension", "c.extension", "department") + ", " +
+         DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
+         DirectoryColumn("account", "c.account_code", "client") + ", " +
+         DirectoryColumn("account", "c.account_code", "project") +
+         ", c.ended, c.ended_utc, c.id FROM calls c "
+         "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
+         "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position";
+}
 
 void SqlStore::ListCalls(const CallFilter& filter,
                          const std::function<void(const StoredCall&)>& each) {
   std::vector<Value> params;
-  std::string sql =
-      "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, c.duration, "
-      "c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, c.receiving_trunk, "
-      "c.account_code, c.extension_random, c.raw, c.received_utc, k.cost, k.currency, "
-      "k.destination, k.destination_class, k.reason, " +
-      DirectoryColumn("extension", "c.extension", "person") + ", " +
-      DirectoryColumn("extension", "c.extension", "department") + ", " +
-      DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
-      DirectoryColumn("account", "c.account_code", "client") + ", " +
-      DirectoryColumn("account", "c.account_code", "project") + ", c.ended, c.ended_utc" +
-      " FROM calls c "
-      "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
-      "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position" +
-      Where(filter, &params) +
-      (filter.unpriced ? " AND k.reason IS NOT NULL AND k.cost IS NULL" : "") +
-      " ORDER BY c.start NULLS FIRST, w.name, s.name, c.position";
+  std::string sql = CallSelectFrom() + Where(filter, &params) +
+                    (filter.unpriced ? " AND k.reason IS NOT NULL AND k.cost IS NULL" : "") +
+                    " ORDER BY c.start NULLS FIRST, w.name, s.name, c.position";
   if (filter.limit > 0) {
     params.emplace_back(filter.limit);
     sql += " LIMIT $" + std::to_string(params.size());

@@ -8,6 +8,8 @@ void RegisterRoutes(Api& api) {
   RegisterSessionRoutes(api);
   RegisterSwitchRoutes(api);
   RegisterCallRoutes(api);
+  RegisterLiveRoutes(api);
+  RegisterDashboardRoutes(api);
 }
 
 }  // namespace velqua_web

@@ -6,6 +6,7 @@ find_package(GTest REQUIRED)
 
 add_executable(velqua_web_tests
   ${CMAKE_CURRENT_LIST_DIR}/api_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/pages_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/web_test_support.cpp)
 target_link_libraries(velqua_web_tests PRIVATE velqua_web velqua_store_testing
                       PkgConfig::VELQUA_HTTPLIB nlohmann_json::nlohmann_json GTest::gtest_main)
