@@ -160,6 +160,16 @@ std::vector<CostTotal> SumCostBy(Store& store, const Span& span, CostGroup by) {
   return out;
 }
 
+std::vector<RatingFile> RatingFiles(Store& store) {
+  std::vector<RatingFile> files;
+  ConnectionOf(store).Run(
+      "SELECT name, kind, content, loaded_utc FROM rating_files ORDER BY kind, name", {},
+      [&](const ResultRow& r) {
+        files.push_back({r.Text(0), r.Text(1), r.Text(2), r.Text(3)});
+      });
+  return files;
+}
+
 std::string LatestCallDay(Store& store) {
   std::string day;
   ConnectionOf(store).Run("SELECT max(start) FROM calls", {}, [&](const ResultRow& r) {

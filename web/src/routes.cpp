@@ -10,6 +10,7 @@ void RegisterRoutes(Api& api) {
   RegisterCallRoutes(api);
   RegisterLiveRoutes(api);
   RegisterDashboardRoutes(api);
+  RegisterDirectoryRoutes(api);
 }
 
 }  // namespace velqua_web

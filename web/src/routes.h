@@ -11,6 +11,7 @@ void RegisterSwitchRoutes(Api& api);     // /api/switches
 void RegisterCallRoutes(Api& api);       // /api/calls, /api/calls/ID, /api/calls/export.csv
 void RegisterLiveRoutes(Api& api);       // /api/live (server-sent events)
 void RegisterDashboardRoutes(Api& api);  // /api/dashboard
+void RegisterDirectoryRoutes(Api& api);  // /api/directory, /api/tariffs
 
 // Every area's routes.
 void RegisterRoutes(Api& api);

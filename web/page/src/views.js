@@ -7,5 +7,6 @@ import dashboard from './views/dashboard.js';
 import live from './views/live.js';
 import calls from './views/calls.js';
 import switches from './views/switches.js';
+import directory from './views/directory.js';
 
-export const views = [dashboard, live, calls, switches];
+export const views = [dashboard, live, calls, switches, directory];

@@ -85,6 +85,29 @@ export const checks = [
     },
   },
   {
+    name: 'a-viewer-is-refused-the-tariff-upload-and-an-admin-is-not',
+    async run({ page, login, source, shot }) {
+      const plan = join(source, 'examples/rating/hicom-plan.toml');
+      const tariff = join(source, 'examples/rating/office-de.toml');
+      await login('vic');
+      await page.click('nav a[href="#/directory"]');
+      await page.waitForSelector('#view-directory table.directory tbody tr');
+      await page.setInputFiles('#t-plan', plan);
+      await page.setInputFiles('#t-tariffs', tariff);
+      await page.click('#view-directory form:has(#t-plan) button[type=submit]');
+      await page.waitForSelector('#t-note .error:text("only an admin may do this")');
+      await shot('directory-viewer');
+      await page.click('#who button');
+      await login('ann');
+      await page.click('nav a[href="#/directory"]');
+      await page.setInputFiles('#t-plan', plan);
+      await page.setInputFiles('#t-tariffs', tariff);
+      await page.click('#view-directory form:has(#t-plan) button[type=submit]');
+      await page.waitForSelector('#t-note:text("checked and in force")');
+      await shot('directory');
+    },
+  },
+  {
     name: 'switches-shows-the-counts',
     async run({ page, db, login, velqua, shot }) {
       await login('ann');

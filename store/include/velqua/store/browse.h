@@ -70,6 +70,14 @@ struct CostTotal {
 };
 std::vector<CostTotal> SumCostBy(Store& store, const Span& span, CostGroup by);
 
+// The rating plan and tariffs in force, as PutRatingPlan kept them: the plan
+// first, then the tariffs by name.
+struct RatingFile {
+  std::string name, kind;  // kind: "plan" or "tariff"
+  std::string content, loaded_utc;
+};
+std::vector<RatingFile> RatingFiles(Store& store);
+
 // The local start day ("YYYY-MM-DD") of the newest call, or "" for none.
 std::string LatestCallDay(Store& store);
 
