@@ -249,23 +249,10 @@ std::vector<std::u16string> RegistrosCaso1(std::size_t intCuantos, std::size_t i
   return out;
 }
 
+// The bundled Norstar layout, as users get it.
 std::shared_ptr<clsCfgConmut> ConfigCaso4() {
   auto cfg = std::make_shared<clsCfgConmut>();
-  cfg->Caso(emCasoNortelNorstar0x32SMDR6);
-  cfg->Separador(u"\r\n");
-  Campo(*cfg, emParamFechaMes, 10, 2, emValorNumerico);
-  Campo(*cfg, emParamFechaDia, 13, 2, emValorNumerico);
-  Campo(*cfg, emParamFechaAnio, 16, 2, emValorNumerico);
-  Campo(*cfg, emParamFechaHoras, 19, 2, emValorNumerico);
-  Campo(*cfg, emParamFechaMinutos, 22, 2, emValorNumerico);
-  Campo(*cfg, emParamFechaSegundos, 25, 2, emValorNumerico);
-  Campo(*cfg, emParamTroncalEntrante, 35, 4, emValorCadena);
-  Campo(*cfg, emParamExtensionEntrante, 46, 7, emValorCadena);
-  Campo(*cfg, emParamDuracionHoras, 1, 2, emValorNumerico);
-  Campo(*cfg, emParamDuracionMinutos, 4, 2, emValorNumerico);
-  Campo(*cfg, emParamDuracionSegundos, 7, 2, emValorNumerico);
-  Campo(*cfg, emParamTelefonoEntrante, 24, 32, emValorCadena);
-  Campo(*cfg, emParamCodigoCuenta, 31, 10, emValorCadena);
+  cfg->Abrir(DesdeUtf8(VELQUA_EXAMPLES "/norstar/norstar.cfg"));
   return cfg;
 }
 

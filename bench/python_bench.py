@@ -1,14 +1,19 @@
 #!/usr/bin/env python3
-"""velqua.translate against a plain-Python slicing parser of the same layout.
+"""velqua.translate and velqua.read_calls against plain Python and pandas.
 
-Both read the same file of Panasonic KX-TDA records (the bundled sample
-repeated to about --records records) and give the same velqua.Call for every
-record (checked on the sample first), one after the other in the same
-minute, --runs times each. Wall and CPU seconds per run, records/s, and the
-ratio of the medians.
+All read the same file of Panasonic KX-TDA records (the bundled sample
+repeated to about --records records), one after the other in the same
+minute, --runs times each: a plain-Python slicing parser giving the same
+velqua.Call for every record as velqua.translate (checked on the sample
+first); velqua.translate; pandas.read_fwf with the same column positions
+(which only cuts the columns: no call types, no numbers read); and
+velqua.read_calls (a typed DataFrame). Wall and CPU seconds per run,
+records/s, and the ratios of the medians. Then --threads: two files
+translated with velqua.translate by one thread one after the other, and by
+two threads at once.
 
     PYTHONPATH=build-perf/bindings/python python3 bench/python_bench.py [--records N]
-        [--runs K] [--no-list]
+        [--runs K] [--no-list] [--threads]
 
 --no-list translates without the extension list (the account codes then get
 drawn extensions, and the parser leaves them blank).
@@ -21,6 +26,7 @@ import pathlib
 import statistics
 import sys
 import tempfile
+import threading
 import time
 
 import velqua
@@ -93,10 +99,41 @@ def check(codes, extensions):
         assert a == b, (a, b)
 
 
+# The columns of the KX-TDA pattern A as parse() cuts them, for read_fwf.
+COLUMNS = [(0, 8), (9, 16), (17, 22), (23, 25), (26, 51), (52, 56), (57, 65), (77, 79)]
+NAMES = ["date", "time", "extension", "trunk", "dialled", "ring", "duration", "flag"]
+
+
+def read_fwf(path):
+    import pandas
+    return pandas.read_fwf(path, colspecs=COLUMNS, names=NAMES, header=None,
+                           encoding="cp1252", dtype=str)
+
+
 def timed(run):
     wall, cpu = time.perf_counter(), time.process_time()
-    n = sum(1 for _ in run())
+    result = run()
+    n = len(result) if hasattr(result, "columns") else sum(1 for _ in result)
     return n, time.perf_counter() - wall, time.process_time() - cpu
+
+
+def threads(paths, cfg, extensions):
+    """Wall seconds of translating each file in turn, and of one thread per file."""
+    def one(path):
+        for _ in velqua.translate(path, cfg, extensions):
+            pass
+
+    start = time.perf_counter()
+    for path in paths:
+        one(path)
+    alone = time.perf_counter() - start
+    workers = [threading.Thread(target=one, args=(path,)) for path in paths]
+    start = time.perf_counter()
+    for w in workers:
+        w.start()
+    for w in workers:
+        w.join()
+    return alone, time.perf_counter() - start
 
 
 def main():
@@ -104,6 +141,7 @@ def main():
     options.add_argument("--records", type=int, default=1_000_000)
     options.add_argument("--runs", type=int, default=3)
     options.add_argument("--no-list", action="store_true")
+    options.add_argument("--threads", action="store_true")
     args = options.parse_args()
     extensions = None if args.no_list else EXAMPLE / "extensions.txt"
     codes = load_list(EXAMPLE / "extensions.txt") if extensions else {}
@@ -118,6 +156,8 @@ def main():
             "plain Python": lambda: parse(path.open(encoding="cp1252"), codes),
             "velqua.translate(path)": lambda: velqua.translate(path, cfg, extensions),
             "velqua.translate(file)": lambda: velqua.translate(path.open("rb"), cfg, extensions),
+            "pandas.read_fwf": lambda: read_fwf(path),
+            "velqua.read_calls": lambda: velqua.read_calls(path, cfg, extensions),
         }
         print(f"{os.uname().machine}, {os.cpu_count()} CPUs, load {os.getloadavg()[0]:.2f}; "
               f"Python {sys.version.split()[0]}; list: {'no' if args.no_list else 'yes'}")
@@ -130,11 +170,21 @@ def main():
                 cpus[name].append(cpu)
                 print(f"run {k + 1} {name:24} {n} records  {wall:6.3f} s wall  {cpu:6.3f} s cpu  "
                       f"{n / wall / 1e6:5.2f} M records/s")
-        for name in list(runs)[1:]:
-            ratios = [statistics.median(t["plain Python"]) / statistics.median(t[name])
+        for name, base in [("velqua.translate(path)", "plain Python"),
+                           ("velqua.translate(file)", "plain Python"),
+                           ("velqua.read_calls", "pandas.read_fwf")]:
+            ratios = [statistics.median(t[base]) / statistics.median(t[name])
                       for t in (walls, cpus)]
-            print(f"{name}: {ratios[0]:.2f}x the plain parser in wall time, {ratios[1]:.2f}x in "
+            print(f"{name}: {ratios[0]:.2f}x {base} in wall time, {ratios[1]:.2f}x in "
                   "CPU time (medians)")
+        if args.threads:
+            with tempfile.NamedTemporaryFile(suffix=".txt") as g:
+                g.write(path.read_bytes())
+                g.flush()
+                for k in range(args.runs):
+                    alone, together = threads([path, pathlib.Path(g.name)], cfg, extensions)
+                    print(f"run {k + 1} two files: one thread {alone:6.3f} s, two threads "
+                          f"{together:6.3f} s wall: {alone / together:.2f}x")
 
 if __name__ == "__main__":
     main()

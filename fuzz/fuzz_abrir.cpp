@@ -62,7 +62,6 @@ inline void GuardaYReabre(velqua::clsCfgConmut& cfg) {
 }
 
 inline int Ejecuta(const uint8_t* datos, size_t tam) {
-  velqua_fuzz::InstalaRelojFijo();
   const std::string ruta = velqua_fuzz::RutaTemporal("entrada.cfg");
   velqua_fuzz::EscribeArchivo(ruta, datos, tam);
   velqua::clsCfgConmut cfg;

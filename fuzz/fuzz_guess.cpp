@@ -18,7 +18,6 @@
 namespace velqua_fuzz_guess {
 
 inline int Run(const uint8_t* data, size_t size) {
-  velqua_fuzz::InstalaRelojFijo();
   const std::string input(reinterpret_cast<const char*>(data), std::min<size_t>(size, 20000));
   std::vector<std::u16string> lines;
   for (size_t at = 0; at < input.size() && lines.size() < 200;) {

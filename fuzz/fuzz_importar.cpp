@@ -16,7 +16,6 @@ inline bool EnBlanco(const std::u16string& cad) {
 }
 
 inline int Ejecuta(const uint8_t* datos, size_t tam) {
-  velqua_fuzz::InstalaRelojFijo();
   const std::string ruta = velqua_fuzz::RutaTemporal("entrada.ini");
   velqua_fuzz::EscribeArchivo(ruta, datos, tam);
   velqua::clsCfgConmut cfg;

@@ -85,7 +85,6 @@ struct Count : velqua_records::RowSink {
 };
 
 inline int Run(const uint8_t* data, size_t size) {
-  velqua_fuzz::InstalaRelojFijo();
   const std::string input(reinterpret_cast<const char*>(data), size);
   const size_t end = input.find('\n');
   const std::string member = input.substr(0, end);
@@ -110,7 +109,8 @@ inline int Run(const uint8_t* data, size_t size) {
   CheckPattern(text);
   cfg->Caso(velqua::emCasoEstandar);
   Count count;
-  velqua_records::Translation translation(cfg, count, {"", "", false, form});
+  velqua_records::Translation translation(cfg, count,
+                                          {"", "", false, form, false, velqua_fuzz::EntornoFijo()});
   for (size_t at = 0; at <= text.size();) {
     const size_t next = std::min(text.find(u'\n', at), text.size());
     translation.Line(std::u16string_view(text).substr(at, next - at));

@@ -1,4 +1,4 @@
-// Shared helpers of the libFuzzer targets: a fixed clock so
+// Shared helpers of the libFuzzer targets: a fixed environment so
 // that every run is deterministic, and a private temporary folder for the
 // files the targets hand to the library. Header-only, so that the replay test
 // (tests/fuzz/corpus_replay_test.cpp) can compile the targets into one program.
@@ -11,29 +11,20 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <string>
 
-#include "platform/reloj.h"
+#include "velqua/entorno.h"
 #include "velqua/texto.h"
 
 namespace velqua_fuzz {
 
-// Installs one fixed clock (2026-03-10 09:05:03, seed 1) for the whole
-// process; called at the start of every input.
-inline void InstalaRelojFijo() {
-  static velqua::plataforma::RelojFijo reloj(
-      [] {
-        velqua::plataforma::FechaHora f;
-        f.intAnio = 2026;
-        f.intMes = 3;
-        f.intDia = 10;
-        f.intHora = 9;
-        f.intMinuto = 5;
-        f.intSegundo = 3;
-        return f;
-      }(),
-      1);
-  velqua::plataforma::EstableceReloj(&reloj);
+// The environment of every run: 2026-03-10 09:05:03, seed 1, the real
+// files, so that every run is deterministic.
+inline std::shared_ptr<velqua::Entorno> EntornoFijo() {
+  static const std::shared_ptr<velqua::Entorno> entorno =
+      std::make_shared<velqua::EntornoFijo>(velqua::FechaHora{2026, 3, 10, 9, 5, 3}, 1);
+  return entorno;
 }
 
 // A folder of this process under $TMPDIR (or /tmp), removed at exit.

@@ -152,14 +152,13 @@ inline void Traduce(velqua::clsTraductor& trad, const velqua::clsCfgConmut& cfg,
 }
 
 inline int Ejecuta(const uint8_t* datos, size_t tam) {
-  velqua_fuzz::InstalaRelojFijo();
   Lector in(datos, tam);
   std::shared_ptr<velqua::clsCfgConmut> cfg = Configuracion(in);
   const uint8_t btOpciones = in.Byte();
   const char chCorte = static_cast<char>(in.Byte());
   const std::string resto = in.Resto();
 
-  velqua::clsTraductor trad;
+  velqua::clsTraductor trad(velqua_fuzz::EntornoFijo());
   const std::string rutaLog = (btOpciones & 4) ? velqua_fuzz::RutaTemporal("no-existe/log.txt")
                                                : velqua_fuzz::RutaTemporal("log.txt");
   std::error_code ec;

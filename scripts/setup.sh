@@ -5,9 +5,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 PACKAGES=(build-essential cmake g++ clang libgtest-dev libbenchmark-dev libcairo2-dev
-          libcli11-dev nlohmann-json3-dev fonts-liberation clang-format libclang-rt-14-dev
+          libcli11-dev nlohmann-json3-dev fonts-liberation clang-format clang-tidy libclang-rt-14-dev
           pkg-config time  # time: GNU time for bench/cli_bench.sh
           pybind11-dev python3-dev python3-pytest  # the Python module and its tests
+          python3-numpy python3-pandas  # velqua.read_calls: calls as a pandas DataFrame
           # the call store: SQLite, libpq, time zones; a PostgreSQL server for its tests
           libsqlite3-dev libpq-dev libhowardhinnant-date-dev tzdata postgresql
           # the capture service: Asio (sources), toml++ (its configuration), zlib (spool checksums)

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs every test: formatting check, the g++ build and its tests, an install
+# Runs every test: formatting check, clang-tidy, the g++ build and its tests, an install
 # used by hosts in C, C++ and Python, then the clang build under
 # AddressSanitizer + UndefinedBehaviorSanitizer and its tests, and a few
 # seconds of every fuzz target from its corpus.
@@ -11,6 +11,10 @@ scripts/setup.sh build -DVELQUA_WERROR=ON
 echo "== clang-format check"
 files=$(git ls-files '*.h' '*.c' '*.cpp' 2>/dev/null || find include src tests tools surfaces bench fuzz -name '*.h' -o -name '*.cpp')
 clang-format --dry-run -Werror $files
+
+echo "== clang-tidy (the core library, src/: .clang-tidy's bug-finding checks)"
+cmake -S . -B build -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
+run-clang-tidy -quiet -p build "$(pwd)/src/"  # .clang-tidy makes every finding an error
 
 echo "== tests (g++)"
 ctest --test-dir build --output-on-failure -j"$(nproc)"

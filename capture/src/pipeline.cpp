@@ -112,7 +112,6 @@ Pipeline::~Pipeline() {
 }
 
 void Pipeline::Start() {
-  velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   std::ifstream in(settings_.spool + "/replay-from");
   if (!(in >> replay_from_)) replay_from_ = 0;
   Apply(settings_);

@@ -12,8 +12,8 @@ namespace velqua {
 // Object-error base of the library's own errors: number = base + code.
 constexpr uint32_t kBaseErrorObjeto = 0x80040000u;
 
-// Standard runtime errors, raised with their number and no base, as hosts
-// written for the automation runtime expect them.
+// Standard runtime errors: raised with their own number, no base added, and
+// source "Velqua", so that a host tells them from the library's own errors.
 constexpr int32_t kErrDesbordamiento = 6;          // overflow of an integer operation
 constexpr int32_t kErrIndiceFueraDeIntervalo = 9;  // array index out of range
 constexpr int32_t kErrTiposNoCoinciden = 13;       // type mismatch
@@ -51,5 +51,14 @@ class VELQUA_EXPORT Error : public std::exception {
   std::u16string description_;
   std::string what_;
 };
+
+// The standard runtime errors as velqua::Error, with their Spanish
+// descriptions: what the library raises for an overflow, an index out of
+// range, a wrong object, a missing one; a binding raises them for the same
+// faults in its own arguments.
+[[noreturn]] VELQUA_EXPORT void LanzaDesbordamiento();          // 6
+[[noreturn]] VELQUA_EXPORT void LanzaIndiceFueraDeIntervalo();  // 9
+[[noreturn]] VELQUA_EXPORT void LanzaTiposNoCoinciden();        // 13
+[[noreturn]] VELQUA_EXPORT void LanzaObjetoNoEstablecido();     // 91
 
 }  // namespace velqua

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "velqua/cfg_conmut.h"
+#include "velqua/entorno.h"
 #include "velqua/enums.h"
 #include "velqua/error.h"
 #include "velqua/superficie.h"

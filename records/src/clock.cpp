@@ -1,5 +1,7 @@
 #include "velqua/records/clock.h"
 
+#include <utility>
+
 namespace velqua_records {
 namespace {
 
@@ -31,12 +33,8 @@ int64_t Step(int64_t diff, int64_t unit) {
 
 }  // namespace
 
-ProgramClock& ProgramClock::Instance() {
-  static ProgramClock clock;
-  static const bool installed = (velqua::plataforma::EstableceReloj(&clock), true);
-  (void)installed;
-  return clock;
-}
+ProgramClock::ProgramClock(std::shared_ptr<velqua::Entorno> base, std::optional<FechaHora> fixed)
+    : base_(base ? std::move(base) : velqua::EntornoSistema()), fixed_(fixed) {}
 
 FechaHora ProgramClock::Ahora() const {
   if (probe_) return *probe_;
@@ -44,15 +42,23 @@ FechaHora ProgramClock::Ahora() const {
   return Now();
 }
 
-FechaHora ProgramClock::Now() const {
-  if (fixed_) return *fixed_;
-  static const velqua::plataforma::RelojSistema kSystem;
-  return kSystem.Ahora();
+FechaHora ProgramClock::Now() const { return fixed_ ? *fixed_ : base_->Ahora(); }
+
+std::unique_ptr<velqua::LectorArchivo> ProgramClock::AbreLectura(const std::u16string& name) {
+  return base_->AbreLectura(name);
 }
 
-// One seed always: the extensions drawn at random for unlisted account codes
-// come out the same on every run, so the same input gives the same output.
-uint32_t ProgramClock::SemillaTemporizador() const { return 1; }
+bool ProgramClock::AnexaArchivo(const std::u16string& name, std::string_view bytes) {
+  return base_->AnexaArchivo(name, bytes);
+}
+
+bool ProgramClock::RenombraArchivo(const std::u16string& from, const std::u16string& to) {
+  return base_->RenombraArchivo(from, to);
+}
+
+int64_t ProgramClock::LongitudArchivo(const std::u16string& name) {
+  return base_->LongitudArchivo(name);
+}
 
 void ProgramClock::Freeze() { frozen_ = Now(); }
 
@@ -82,6 +88,14 @@ uint8_t ProgramClock::PrintedParts(velqua::clsTraductor& traductor, const DateTi
   if (seconds == 0) printed |= kPrintedSecond;
   return printed;
 }
+
+namespace {
+std::optional<FechaHora> gProgramNow;  // written once at start-up, before any thread
+}  // namespace
+
+void FixProgramNow(const FechaHora& now) { gProgramNow = now; }
+std::optional<FechaHora> ProgramFixedNow() { return gProgramNow; }
+FechaHora ProgramNow() { return gProgramNow ? *gProgramNow : velqua::EntornoSistema()->Ahora(); }
 
 int32_t YearReceived(int32_t month, int32_t day, const FechaHora& received) {
   const bool later = month > received.intMes || (month == received.intMes && day > received.intDia);

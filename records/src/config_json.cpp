@@ -35,38 +35,32 @@ std::string Quote(const std::string& utf8) { return json(utf8).dump(); }
 
 // ---- writing ----
 
-void WriteFields(clsCfgConmut& cfg, std::string& out) {
+void WriteFields(const clsCfgConmut& cfg, std::string& out) {
   out += "  \"fields\": {";
   bool first = true;
-  for (int32_t key = velqua::emPrimerParamDato + 1; key < velqua::emUltimoParamDato; ++key) {
-    cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
-    if (!cfg.HayDATO()) continue;
+  for (const velqua::CampoDATO& f : cfg.ListaDATO()) {
     out += first ? "\n" : ",\n";
     first = false;
-    out += "    " + Quote(EnumNameOf(EnumKind::kParamDato, key)) + ": {\"pos\": ";
-    out += std::to_string(cfg.DATOPos()) + ", \"size\": " + std::to_string(cfg.DATOTam());
-    const char* word = TypeWord(cfg.TipoDatoDATO());
+    out += "    " + Quote(EnumNameOf(EnumKind::kParamDato, f.emParam)) + ": {\"pos\": ";
+    out += std::to_string(f.btPos) + ", \"size\": " + std::to_string(f.btTam);
+    const char* word = TypeWord(f.emTipo);
     out += ", \"type\": ";
-    out += word != nullptr ? Quote(word) : std::to_string(cfg.TipoDatoDATO());
+    out += word != nullptr ? Quote(word) : std::to_string(f.emTipo);
     out += "}";
   }
   out += first ? "},\n" : "\n  },\n";
 }
 
-void WriteConstants(clsCfgConmut& cfg, std::string& out) {
+void WriteConstants(const clsCfgConmut& cfg, std::string& out) {
   out += "  \"constants\": {";
   bool first = true;
-  for (int32_t key = velqua::emPrimerParamDatoConstante + 1;
-       key < velqua::emUltimoParamDatoConstante; ++key) {
-    cfg.CTEActivo(static_cast<velqua::emParamDatoConstante>(key));
-    if (!cfg.HayCTE()) continue;
+  for (const velqua::CampoCTE& c : cfg.ListaCTE()) {
     out += first ? "\n" : ",\n";
     first = false;
-    const std::u16string text = cfg.Constante();
-    out += "    " + Quote(EnumNameOf(EnumKind::kParamDatoConstante, key)) + ": {\"pos\": ";
-    out += std::to_string(cfg.CTEPos()) + ", \"text\": " + Quote(U8(text));
+    out += "    " + Quote(EnumNameOf(EnumKind::kParamDatoConstante, c.emParam)) + ": {\"pos\": ";
+    out += std::to_string(c.btPos) + ", \"text\": " + Quote(U8(c.cadTexto));
     // The width follows the text unless it was set apart from it.
-    if (cfg.CTETam() != text.size()) out += ", \"size\": " + std::to_string(cfg.CTETam());
+    if (c.btTam != c.cadTexto.size()) out += ", \"size\": " + std::to_string(c.btTam);
     out += "}";
   }
   out += first ? "},\n" : "\n  },\n";
@@ -228,9 +222,7 @@ namespace {
 
 // The whole JSON form; `extra` (members with their trailing ",\n") goes after
 // the comments.
-std::string WriteForm(clsCfgConmut& cfg, const std::string& extra) {
-  const velqua::emParamDato dato = cfg.DATOActivo();
-  const velqua::emParamDatoConstante cte = cfg.CTEActivo();
+std::string WriteForm(const clsCfgConmut& cfg, const std::string& extra) {
   std::string out = "{\n";
   out += "  \"brand\": " + Quote(U8(cfg.Marca())) + ",\n";
   out += "  \"model\": " + Quote(U8(cfg.Modelo())) + ",\n";
@@ -244,8 +236,6 @@ std::string WriteForm(clsCfgConmut& cfg, const std::string& extra) {
   WriteConstants(cfg, out);
   WriteWiring(cfg, out);
   out += "}\n";
-  cfg.DATOActivo(dato);
-  cfg.CTEActivo(cte);
   return out;
 }
 

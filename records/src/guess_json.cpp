@@ -91,10 +91,9 @@ GuessScore ScoreGuess(const Guess& guess, const std::string& known_json) {
   // Derived fields come last: a field read from their columns is read by rule.
   const int first_derived =
       form.delimited && !form.fields.derived.empty() ? columns[form.fields.fields.size()] : 256;
-  for (int32_t key = velqua::emPrimerParamDato + 1; key < velqua::emUltimoParamDato; ++key) {
-    cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
-    if (!cfg.HayDATO()) continue;
-    const int pos = cfg.DATOPos(), size = cfg.DATOTam();
+  for (const velqua::CampoDATO& f : cfg.ListaDATO()) {
+    const int32_t key = f.emParam;
+    const int pos = f.btPos, size = f.btTam;
     if (pos >= first_derived) {
       ++score.by_rule;
       continue;

@@ -1,10 +1,8 @@
 #include "velqua/records/translation.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
 #include <ctime>
 #include <utility>
 
@@ -75,11 +73,6 @@ void Uncut(const std::vector<std::pair<std::u16string, std::u16string>>& cut, Ro
   }
 }
 
-// Set by SIGINT and SIGTERM once StopOnSignals has run.
-volatile std::sig_atomic_t g_stop = 0;
-
-void Stop(int) { g_stop = 1; }
-
 // Whether an input is live: anything but a regular file read to its end.
 bool IsLive(std::FILE* stream, bool follow) {
   struct stat st {};
@@ -91,13 +84,15 @@ bool IsLive(std::FILE* stream, bool follow) {
 Translation::Translation(std::shared_ptr<velqua::clsCfgConmut> cfg, RowSink& sink,
                          const Settings& settings)
     : cfg_(std::move(cfg)),
+      clock_(std::make_shared<ProgramClock>(settings.environment,
+                                            settings.now ? settings.now : ProgramFixedNow())),
+      traductor_(clock_),
       sink_(sink),
       utf8_(settings.utf8),
       blank_random_(settings.blank_random_extensions),
       form_(settings.form),
       check_(*cfg_) {
   plain_ = form_.Plain() && cfg_->Caso() != velqua::emCasoNortelNorstar0x32SMDR6;
-  ProgramClock::Instance();  // the library reads the records' clock from here on
   traductor_.Conmutador(cfg_);
   // The library's own log is Spanish; the road writes its own (LogUnrecognised).
   errors_log_ = settings.errors_log;
@@ -115,7 +110,7 @@ void Translation::Input(const std::string& name, const FechaHora& received, int6
 
 void Translation::Record(const std::u16string& record, int64_t offset) {
   const int64_t number = ++counts_.read;
-  ProgramClock& clock = ProgramClock::Instance();
+  ProgramClock& clock = *clock_;
   clock.Freeze();
   struct Thaw {
     ProgramClock& clock;
@@ -156,7 +151,7 @@ void Translation::Record(const std::u16string& record, int64_t offset) {
     if (on_failure) on_failure(input_, row);
   }
   if (!row.has_fields) {
-    if (!errors_log_.empty()) LogUnrecognised(errors_log_, input_, row, record, utf8_);
+    if (!errors_log_.empty()) LogUnrecognised(*clock_, errors_log_, input_, row, record, utf8_);
     ++counts_.unrecognised;
     if (counts_.listed.size() < Counts::kListed) counts_.listed.push_back(number);
   }
@@ -179,8 +174,7 @@ Row Translation::ReadRow(int64_t number) {
     return row;
   }
   Row row(number, type, attribute, traductor_);
-  row.printed =
-      ProgramClock::Instance().PrintedParts(traductor_, {row.day, row.month, row.year, row.time});
+  row.printed = clock_->PrintedParts(traductor_, {row.day, row.month, row.year, row.time});
   if ((row.printed & kPrintedYear) == 0) row.year = YearReceived(row.month, row.day, received_);
   row.random_extension = ExtensionIsRandom(traductor_, *cfg_, row.extension);
   if (row.random_extension && blank_random_) row.extension.clear();
@@ -294,7 +288,7 @@ void Translation::Stream(std::FILE* stream, const std::string& follow) {
   }
   LineReader::Live live;
   live.follow = follow;
-  live.stop = [] { return g_stop != 0; };
+  live.stop = stop;
   live.on_idle = [this] {
     const bool held = FlushHeld();
     if (FinishCall() || held) sink_.Flush();
@@ -314,29 +308,12 @@ void Translation::Finish() {
 FechaHora ReceivedAt(const std::string& path, int32_t year) {
   if (year > 0) return FechaHora{year, 12, 31, 23, 59, 59};
   struct stat st {};
-  if (path == "-" || ::stat(path.c_str(), &st) != 0) return ProgramClock::Instance().Now();
+  if (path == "-" || ::stat(path.c_str(), &st) != 0) return ProgramNow();
   std::tm local{};
   const std::time_t when = st.st_mtime;
   localtime_r(&when, &local);
   return FechaHora{local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
                    local.tm_hour,        local.tm_min,     local.tm_sec};
-}
-
-void StopOnSignals() {
-  struct sigaction action {};
-  action.sa_handler = Stop;  // no SA_RESTART: a waiting poll returns
-  sigemptyset(&action.sa_mask);
-  sigaction(SIGINT, &action, nullptr);
-  sigaction(SIGTERM, &action, nullptr);
-}
-
-bool WaitForFile(const std::string& path) {
-  struct stat st {};
-  while (::stat(path.c_str(), &st) != 0) {
-    if (g_stop != 0) return false;
-    ::usleep(200 * 1000);
-  }
-  return true;
 }
 
 }  // namespace velqua_records

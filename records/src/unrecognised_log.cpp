@@ -1,7 +1,6 @@
 #include "unrecognised_log.h"
 
 #include <cstdio>
-#include <memory>
 
 #include "velqua/records/clock.h"
 #include "velqua/records/common.h"
@@ -9,9 +8,9 @@
 
 namespace velqua_records {
 
-void LogUnrecognised(const std::string& path, const std::string& input, const Row& row,
-                     std::u16string_view record, bool utf8) {
-  const FechaHora now = ProgramClock::Instance().Now();
+void LogUnrecognised(ProgramClock& clock, const std::string& path, const std::string& input,
+                     const Row& row, std::u16string_view record, bool utf8) {
+  const FechaHora now = clock.Now();
   char stamp[64];
   std::snprintf(stamp, sizeof stamp, "%04d-%02d-%02d %02d:%02d:%02d", now.intAnio, now.intMes,
                 now.intDia, now.intHora, now.intMinuto, now.intSegundo);
@@ -22,8 +21,7 @@ void LogUnrecognised(const std::string& path, const std::string& input, const Ro
   entry += "): \r\n";
   entry += utf8 ? velqua::AUtf8(record) : velqua::AAnsi(record);
   entry += "\r\n";
-  std::unique_ptr<std::FILE, FileCloser> log(std::fopen(path.c_str(), "ab"));
-  if (log) std::fwrite(entry.data(), 1, entry.size(), log.get());
+  clock.AnexaArchivo(U16(path), entry);
 }
 
 }  // namespace velqua_records

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "velqua/records/call_row.h"
+#include "velqua/records/clock.h"
 
 namespace velqua_records {
 
@@ -16,10 +17,11 @@ namespace velqua_records {
 // with "; <error>" before the closing parenthesis for a record the library
 // failed on. The shape is the library's own log's, in English, so that a
 // reader splitting entries at blank lines reads both. The time is the
-// program clock's; the record is written in its input's encoding (UTF-8 or
-// Windows-1252). A log that cannot be written loses the entry silently, as
-// the library's does: callers check the path before the run.
-void LogUnrecognised(const std::string& path, const std::string& input, const Row& row,
-                     std::u16string_view record, bool utf8);
+// translation's clock's, and the entry is appended through its environment;
+// the record is written in its input's encoding (UTF-8 or Windows-1252). A
+// log that cannot be written loses the entry silently, as the library's
+// does: callers check the path before the run.
+void LogUnrecognised(ProgramClock& clock, const std::string& path, const std::string& input,
+                     const Row& row, std::u16string_view record, bool utf8);
 
 }  // namespace velqua_records

@@ -12,8 +12,8 @@
 #include "files/errores_archivo.h"
 #include "files/formato_cfg.h"
 #include "files/recorte.h"
+#include "model/datos_cfg.h"
 #include "platform/archivos.h"
-#include "velqua/cfg_conmut.h"
 #include "velqua/error.h"
 
 namespace velqua {
@@ -145,7 +145,7 @@ constexpr ConversionCteV2 kConversionCtesV2[] = {
 
 // ---- Abrir ----
 
-void clsCfgConmut::Abrir(const std::u16string& cadArch) {
+void DatosCfgConmut::Abrir(const std::u16string& cadArch) {
   int32_t lnCodigo = emNoErrorConfig;
   const auto falla = [&]() {
     archivos::LanzaErrorConfig(lnCodigo, archivos::kFuenteAbrir,
@@ -169,7 +169,7 @@ void clsCfgConmut::Abrir(const std::u16string& cadArch) {
   NotificaConfiguracionCargada();
 }
 
-void clsCfgConmut::LeeArchivoV3(const std::u16string& cadArch, bool& bolLeido) {
+void DatosCfgConmut::LeeArchivoV3(const std::u16string& cadArch, bool& bolLeido) {
   bolLeido = false;
   if (plataforma::LongitudArchivo(cadArch) < static_cast<int64_t>(kTamCabeceraV3)) return;
   ArchivoLectura f(cadArch);
@@ -222,7 +222,7 @@ void clsCfgConmut::LeeArchivoV3(const std::u16string& cadArch, bool& bolLeido) {
   bolLeido = true;
 }
 
-void clsCfgConmut::LeeArchivoV2(const std::u16string& cadArch, bool& bolLeido) {
+void DatosCfgConmut::LeeArchivoV2(const std::u16string& cadArch, bool& bolLeido) {
   bolLeido = false;
   if (plataforma::LongitudArchivo(cadArch) != static_cast<int64_t>(kTamArchivoV2)) return;
   std::array<uint8_t, kTamArchivoV2> b{};
@@ -250,7 +250,7 @@ void clsCfgConmut::LeeArchivoV2(const std::u16string& cadArch, bool& bolLeido) {
     Constante(u"x");
   }
   for (const ConversionV2& c : kConversionDatosV2) {
-    const size_t k = kV2OffPares + 2u * c.btPar;
+    const size_t k = kV2OffPares + size_t{2} * c.btPar;
     DATOActivo(c.emClave);
     DATOPos(b[k]);
     DATOTam(b[k + 1]);
@@ -271,7 +271,7 @@ void clsCfgConmut::LeeArchivoV2(const std::u16string& cadArch, bool& bolLeido) {
 
 // ---- GuardarComo ----
 
-void clsCfgConmut::GuardarComo(const std::u16string& cadArch) {
+void DatosCfgConmut::GuardarComo(const std::u16string& cadArch) {
   const auto falla = [&](int32_t lnCodigo) {
     archivos::LanzaErrorConfig(lnCodigo, archivos::kFuenteGuardarComo, ObtMensajeError(lnCodigo));
   };
@@ -307,8 +307,8 @@ void clsCfgConmut::GuardarComo(const std::u16string& cadArch) {
     ++n;
   }
 
-  // From here on no failure is reported: the checks have passed, and hosts
-  // written against earlier versions expect GuardarComo not to fail then.
+  // From here on no failure is reported: once the checks pass, GuardarComo
+  // does not fail (a file that cannot be written is left as it is).
   plataforma::BorraArchivo(cadArch);
   const std::string nombre = plataforma::NombreSistema(cadArch);
   if (nombre.find('\0') == std::string::npos) {  // a U+0000 would name another file

@@ -10,8 +10,9 @@ namespace velqua {
 namespace basConmuta {
 
 // Size of LeeValorINI's buffer: a value is cut to its first 254 characters.
-// Intended: earlier versions read with this buffer, and a profile file must
-// import the same in both (every stored text is 250 characters or fewer).
+// Intended: the rule of the profile form, so a longer value imports cut the
+// same way wherever it comes from (every stored text is 250 characters or
+// fewer, so no text the form writes is cut).
 constexpr unsigned kTamBufferINI = 255;
 
 // The value of cadClave in section cadSeccion of file cadArch: the platform

@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "velqua/cfg_conmut.h"
+#include "model/datos_cfg.h"
 #include "velqua/enums.h"
 #include "velqua/error.h"
 
@@ -47,7 +47,7 @@ void LanzaErrorConfig(int32_t lnCodigo, const char16_t* cadFuente, std::u16strin
 
 }  // namespace archivos
 
-std::u16string clsCfgConmut::ObtMensajeError(int32_t lnCodigo) {
+std::u16string DatosCfgConmut::ObtMensajeError(int32_t lnCodigo) {
   return archivos::MensajeErrorConfig(lnCodigo);
 }
 

@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <string>
 
-#include "velqua/cfg_conmut.h"
+#include "model/datos_cfg.h"
 
 namespace velqua {
 namespace formato_cfg {

@@ -1,7 +1,7 @@
 // The numeric test and integer conversion of profile values.
 #include "files/numerico.h"
 
-#include "platform/errores_runtime.h"
+#include "errors/errores_runtime.h"
 
 namespace velqua {
 namespace archivos {

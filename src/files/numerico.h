@@ -21,8 +21,8 @@ namespace archivos {
 bool EsNumerico(std::u16string_view texto);
 
 // The value of a numeric text as a 32-bit integer: a fractional part is
-// rounded half to even (2.5 -> 2, 3.5 -> 4, -2.5 -> -2), as earlier versions
-// converted it, so a hand-edited file imports the same in both. A value
+// rounded half to even (2.5 -> 2, 3.5 -> 4, -2.5 -> -2), so a hand-edited
+// "3.5" reads as 4 and "2.5" as 2, whatever wrote the file. A value
 // outside -2147483648 to 2147483647, however many digits it has, fails with
 // the runtime error 6 (overflow).
 // REQUIRES: EsNumerico(texto).

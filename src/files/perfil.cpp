@@ -3,14 +3,14 @@
 // Profile access goes through basConmuta (LeeValorINI, EscribeValorINI).
 #include <string>
 
+#include "errors/errores_runtime.h"
 #include "files/bas_conmuta.h"
 #include "files/errores_archivo.h"
 #include "files/numerico.h"
 #include "files/perfil_ini.h"
 #include "files/recorte.h"
+#include "model/datos_cfg.h"
 #include "platform/archivos.h"
-#include "platform/errores_runtime.h"
-#include "velqua/cfg_conmut.h"
 #include "velqua/texto.h"
 
 namespace velqua {
@@ -96,7 +96,7 @@ struct Rechazo {};
 
 // ---- value forms ----
 
-std::u16string clsCfgConmut::DecodificaCodigos(const std::u16string& cadLista) {
+std::u16string DatosCfgConmut::DecodificaCodigos(const std::u16string& cadLista) {
   std::u16string r;
   std::u16string tk;
   Tokens t(cadLista);
@@ -108,8 +108,8 @@ std::u16string clsCfgConmut::DecodificaCodigos(const std::u16string& cadLista) {
   return r;
 }
 
-void clsCfgConmut::LeeListaPines(int32_t* lnPines, int16_t intCuantos,
-                                 const std::u16string& cadLista) {
+void DatosCfgConmut::LeeListaPines(int32_t* lnPines, int16_t intCuantos,
+                                   const std::u16string& cadLista) {
   Tokens t(cadLista);
   std::u16string tk;
   for (int16_t i = 1; i <= intCuantos; ++i) {
@@ -118,7 +118,7 @@ void clsCfgConmut::LeeListaPines(int32_t* lnPines, int16_t intCuantos,
   }
 }
 
-void clsCfgConmut::InterpretaDato(const std::u16string& cadValor, RegDATO& udtD, bool& bolOk) {
+void DatosCfgConmut::InterpretaDato(const std::u16string& cadValor, RegDATO& udtD, bool& bolOk) {
   bolOk = false;
   Tokens t(cadValor);
   Campos c;
@@ -130,7 +130,8 @@ void clsCfgConmut::InterpretaDato(const std::u16string& cadValor, RegDATO& udtD,
   bolOk = true;
 }
 
-void clsCfgConmut::InterpretaConstante(const std::u16string& cadValor, RegCTE& udtC, bool& bolOk) {
+void DatosCfgConmut::InterpretaConstante(const std::u16string& cadValor, RegCTE& udtC,
+                                         bool& bolOk) {
   bolOk = false;
   Tokens t(cadValor);
   Campos c;
@@ -153,25 +154,25 @@ void clsCfgConmut::InterpretaConstante(const std::u16string& cadValor, RegCTE& u
   bolOk = true;
 }
 
-std::u16string clsCfgConmut::ListaPines(const int32_t* lnPines, int16_t intCuantos) {
+std::u16string DatosCfgConmut::ListaPines(const int32_t* lnPines, int16_t intCuantos) {
   std::u16string r;
   for (int16_t i = 1; i <= intCuantos; ++i) r += Decimal(lnPines[i]) + u",";
   return r;
 }
 
-std::u16string clsCfgConmut::TextoDato(const RegDATO& udtD) {
+std::u16string DatosCfgConmut::TextoDato(const RegDATO& udtD) {
   return Decimal(udtD.emParam) + u"," + Decimal(udtD.emTipo) + u"," + Decimal(udtD.btPos) + u"," +
          Decimal(udtD.btTam) + u",";
 }
 
-std::u16string clsCfgConmut::TextoConstante(const RegCTE& udtC) {
+std::u16string DatosCfgConmut::TextoConstante(const RegCTE& udtC) {
   return Decimal(udtC.emParam) + u"," + Decimal(udtC.emTipo) + u"," + Decimal(udtC.btPos) + u"," +
          Decimal(udtC.btTam) + u",$(" + ListaCodigos(udtC.cadTexto, kTamTextoCte) + u")";
 }
 
 // ---- Exportar ----
 
-void clsCfgConmut::Exportar(const std::u16string& cadArch) {
+void DatosCfgConmut::Exportar(const std::u16string& cadArch) {
   if (archivos::Recorta(cadArch).empty()) {
     archivos::LanzaErrorConfig(emErrorNoHayArchivo, archivos::kFuenteExportar,
                                ObtMensajeError(emErrorNoHayArchivo));
@@ -225,7 +226,7 @@ void clsCfgConmut::Exportar(const std::u16string& cadArch) {
 
 // ---- Importar ----
 
-void clsCfgConmut::Importar(const std::u16string& cadArch) {
+void DatosCfgConmut::Importar(const std::u16string& cadArch) {
   // One parse of the file for all the key reads of this operation.
   perfil::SesionLecturaPerfil sesion;
   const auto lee = [&](const char16_t* cadSec, const std::u16string& cadClave) {
@@ -272,8 +273,8 @@ void clsCfgConmut::Importar(const std::u16string& cadArch) {
 
     // The numbered keys; the 16-bit counter overflows (error 6, so 1504)
     // when it has to go past 32767, that is after 32767 non-empty keys.
-    // Intended: the tables count records in 16 bits, and earlier versions
-    // refused such a file the same way.
+    // Intended: the tables count records in 16 bits, so such a file is
+    // refused whole rather than loaded in part.
     for (int16_t k = 1;; k = AEntero16(k + 1)) {
       v = lee(kSecDatos, u"Dato" + Decimal(k));
       if (v.empty()) break;

@@ -1,6 +1,6 @@
 // Blank trimming as the file operations use it: a blank is the space
-// character U+0020 only; tabs and other white space are content, so names
-// and values with them read as earlier versions read them.
+// character U+0020 only; tabs and other white space are content, kept in
+// names and values.
 #pragma once
 
 #include <string>

@@ -1,6 +1,6 @@
 // The configuration object — construction, reset, identity and
 // label properties, derived names, the change flag and the notifications.
-#include "velqua/cfg_conmut.h"
+#include "model/datos_cfg.h"
 
 #include <algorithm>
 
@@ -25,16 +25,16 @@ const char16_t* const kNombresCaso[] = {
 
 }  // namespace
 
-clsCfgConmut::clsCfgConmut() {
+DatosCfgConmut::DatosCfgConmut() {
   // Every member starts at zero (the member initialisers); the reset then
   // notifies nothing, since the texts are already empty.
   EstableceValoresIniciales();
 }
 
-void clsCfgConmut::EstableceValoresIniciales() {
+void DatosCfgConmut::EstableceValoresIniciales() {
   udtCfg.emVersionCfg = emVersion3_0;
-  // Entry 0 of each wiring array is no pin and is never cleared: files keep
-  // whatever an earlier version stored there.
+  // Entry 0 of each wiring array is no pin and is never cleared: a file's
+  // value there is carried through a load and a save unchanged.
   std::fill(udtCfg.lnPinesRJ45.begin() + 1, udtCfg.lnPinesRJ45.end(), 0);
   std::fill(udtCfg.lnPinesDB9.begin() + 1, udtCfg.lnPinesDB9.end(), 0);
   std::fill(udtCfg.lnPinesDB25.begin() + 1, udtCfg.lnPinesDB25.end(), 0);
@@ -51,25 +51,25 @@ void clsCfgConmut::EstableceValoresIniciales() {
   bolModificado = false;
 }
 
-void clsCfgConmut::Iniciar() {
+void DatosCfgConmut::Iniciar() {
   EstableceValoresIniciales();
   NotificaConfiguracionCargada();
 }
 
-bool clsCfgConmut::Modificado() const { return bolModificado; }
-void clsCfgConmut::Modificado(bool bolM) { bolModificado = bolM; }
+bool DatosCfgConmut::Modificado() const { return bolModificado; }
+void DatosCfgConmut::Modificado(bool bolM) { bolModificado = bolM; }
 
-bool clsCfgConmut::HayConfig() const {
+bool DatosCfgConmut::HayConfig() const {
   return udtCfg.emCasoCfg != emNoCaso && udtCfg.emVersionCfg != emNoVersion && !Marca().empty() &&
          !Modelo().empty();
 }
 
-int32_t clsCfgConmut::IDCfg() const { return lnIDCfg; }
-void clsCfgConmut::IDCfg(int32_t lnID) { lnIDCfg = lnID; }
+int32_t DatosCfgConmut::IDCfg() const { return lnIDCfg; }
+void DatosCfgConmut::IDCfg(int32_t lnID) { lnIDCfg = lnID; }
 
-emVersionConfiguracion clsCfgConmut::Version() const { return udtCfg.emVersionCfg; }
+emVersionConfiguracion DatosCfgConmut::Version() const { return udtCfg.emVersionCfg; }
 
-std::u16string clsCfgConmut::NombreVersion() const {
+std::u16string DatosCfgConmut::NombreVersion() const {
   switch (udtCfg.emVersionCfg) {
     case emVersion2_0:
       return u"2.0";
@@ -80,85 +80,85 @@ std::u16string clsCfgConmut::NombreVersion() const {
   }
 }
 
-void clsCfgConmut::Caso(emCasos emC) {
+void DatosCfgConmut::Caso(emCasos emC) {
   if (emC == udtCfg.emCasoCfg) return;
   udtCfg.emCasoCfg = emC;
   bolModificado = true;
   NotificaCambios();
 }
 
-std::u16string clsCfgConmut::NombreCaso() const { return ObtNombreCaso(udtCfg.emCasoCfg); }
+std::u16string DatosCfgConmut::NombreCaso() const { return ObtNombreCaso(udtCfg.emCasoCfg); }
 
-std::u16string clsCfgConmut::ObtNombreCaso(emCasos emC) const {
+std::u16string DatosCfgConmut::ObtNombreCaso(emCasos emC) const {
   const auto n = static_cast<int32_t>(std::size(kNombresCaso));
   if (emC < 0 || emC >= n) return u"";
   return kNombresCaso[emC];
 }
 
-std::u16string clsCfgConmut::Marca() const { return QuitaNulos(udtCfg.cadMarca); }
+std::u16string DatosCfgConmut::Marca() const { return QuitaNulos(udtCfg.cadMarca); }
 
-void clsCfgConmut::Marca(const std::u16string& cadM) {
+void DatosCfgConmut::Marca(const std::u16string& cadM) {
   if (!EscribeTextoFijo(udtCfg.cadMarca, cadM, kTamMarca)) return;
   NotificaCambioNombreConmutador();
   NotificaCambios();
 }
 
-std::u16string clsCfgConmut::Modelo() const { return QuitaNulos(udtCfg.cadModelo); }
+std::u16string DatosCfgConmut::Modelo() const { return QuitaNulos(udtCfg.cadModelo); }
 
-void clsCfgConmut::Modelo(const std::u16string& cadM) {
+void DatosCfgConmut::Modelo(const std::u16string& cadM) {
   if (!EscribeTextoFijo(udtCfg.cadModelo, cadM, kTamModelo)) return;
   NotificaCambioNombreConmutador();
   NotificaCambios();
 }
 
-std::u16string clsCfgConmut::NombreConmutador() const {
+std::u16string DatosCfgConmut::NombreConmutador() const {
   const std::u16string marca = Marca();
   const std::u16string modelo = Modelo();
   if (marca.empty() || modelo.empty()) return u"Desconocido";
   return marca + u", " + modelo;
 }
 
-std::u16string clsCfgConmut::Comentarios() const { return QuitaNulos(udtCfg.cadComentarios); }
+std::u16string DatosCfgConmut::Comentarios() const { return QuitaNulos(udtCfg.cadComentarios); }
 
-void clsCfgConmut::Comentarios(const std::u16string& cadC) {
+void DatosCfgConmut::Comentarios(const std::u16string& cadC) {
   if (EscribeTextoFijo(udtCfg.cadComentarios, cadC, kTamComentarios)) NotificaCambios();
 }
 
-std::u16string clsCfgConmut::Separador() const { return QuitaNulos(udtCfg.cadSeparador); }
+std::u16string DatosCfgConmut::Separador() const { return QuitaNulos(udtCfg.cadSeparador); }
 
-void clsCfgConmut::Separador(const std::u16string& cadSep) {
+void DatosCfgConmut::Separador(const std::u16string& cadSep) {
   if (EscribeTextoFijo(udtCfg.cadSeparador, cadSep, kTamSeparador)) NotificaCambios();
 }
 
-std::u16string clsCfgConmut::ListaSeparador() const {
+std::u16string DatosCfgConmut::ListaSeparador() const {
   return ListaCodigos(Separador(), kTamSeparador);
 }
 
-int16_t clsCfgConmut::TamMaxSeparador() const { return kTamSeparador; }
-int16_t clsCfgConmut::TamMaxComentarios() const { return kTamComentarios; }
+int16_t DatosCfgConmut::TamMaxSeparador() const { return kTamSeparador; }
+int16_t DatosCfgConmut::TamMaxComentarios() const { return kTamComentarios; }
 
-void clsCfgConmut::AgregaOyente(EventosCfgConmut* oyente) {
+void DatosCfgConmut::AgregaOyente(EventosCfgConmut* oyente) {
   if (oyente != nullptr) oyentes.push_back(oyente);
 }
 
-void clsCfgConmut::QuitaOyente(EventosCfgConmut* oyente) {
+void DatosCfgConmut::QuitaOyente(EventosCfgConmut* oyente) {
   const auto it = std::find(oyentes.begin(), oyentes.end(), oyente);
   if (it != oyentes.end()) oyentes.erase(it);
 }
 
 // Delivery walks a copy, so a listener may add or remove listeners while it
 // is being notified.
-void clsCfgConmut::NotificaCambioNombreConmutador() {
+void DatosCfgConmut::NotificaCambioNombreConmutador() {
   const auto copia = oyentes;
   for (EventosCfgConmut* o : copia) o->CambioNombreConmutador();
 }
 
-void clsCfgConmut::NotificaConfiguracionCargada() {
+void DatosCfgConmut::NotificaConfiguracionCargada() {
   const auto copia = oyentes;
   for (EventosCfgConmut* o : copia) o->ConfiguracionCargada();
 }
 
-void clsCfgConmut::NotificaCambios() {
+void DatosCfgConmut::NotificaCambios() {
   const auto copia = oyentes;
   for (EventosCfgConmut* o : copia) o->Cambios();
 }

@@ -6,8 +6,8 @@
 // which happens only when a record is taken (AgregaDATO / AgregaCTE).
 #include <cstdint>
 
-#include "platform/errores_runtime.h"
-#include "velqua/cfg_conmut.h"
+#include "errors/errores_runtime.h"
+#include "model/datos_cfg.h"
 
 namespace velqua {
 namespace {
@@ -20,7 +20,7 @@ constexpr int16_t kMaxRegistros = INT16_MAX;  // 16-bit count and indices
 
 // ---- taking records ----
 
-void clsCfgConmut::CambiaClaveDATO(int16_t intIndice, int32_t emNueva) {
+void DatosCfgConmut::CambiaClaveDATO(int16_t intIndice, int32_t emNueva) {
   RegDATO& r = udtDATO[static_cast<size_t>(intIndice - 1)];
   if (EsClaveDATO(r.emParam) && intIndiceDATO[static_cast<size_t>(r.emParam)] == intIndice) {
     intIndiceDATO[static_cast<size_t>(r.emParam)] = 0;
@@ -29,7 +29,7 @@ void clsCfgConmut::CambiaClaveDATO(int16_t intIndice, int32_t emNueva) {
   if (EsClaveDATO(emNueva)) intIndiceDATO[static_cast<size_t>(emNueva)] = intIndice;
 }
 
-void clsCfgConmut::CambiaClaveCTE(int16_t intIndice, int32_t emNueva) {
+void DatosCfgConmut::CambiaClaveCTE(int16_t intIndice, int32_t emNueva) {
   RegCTE& r = udtCTE[static_cast<size_t>(intIndice - 1)];
   if (EsClaveCTE(r.emParam) && intIndiceCTE[static_cast<size_t>(r.emParam)] == intIndice) {
     intIndiceCTE[static_cast<size_t>(r.emParam)] = 0;
@@ -38,7 +38,7 @@ void clsCfgConmut::CambiaClaveCTE(int16_t intIndice, int32_t emNueva) {
   if (EsClaveCTE(emNueva)) intIndiceCTE[static_cast<size_t>(emNueva)] = intIndice;
 }
 
-int16_t clsCfgConmut::AgregaDATO() {
+int16_t DatosCfgConmut::AgregaDATO() {
   int16_t elegido = 0;
   // A 32-bit counter: a 16-bit one would wrap past 32767 and never end.
   for (int32_t i = 1; i <= intNumDATO; ++i) {
@@ -58,7 +58,7 @@ int16_t clsCfgConmut::AgregaDATO() {
   return elegido;
 }
 
-int16_t clsCfgConmut::AgregaCTE() {
+int16_t DatosCfgConmut::AgregaCTE() {
   int16_t elegido = 0;
   for (int32_t i = 1; i <= intNumCTE; ++i) {
     const RegCTE& r = udtCTE[static_cast<size_t>(i - 1)];
@@ -77,17 +77,17 @@ int16_t clsCfgConmut::AgregaCTE() {
   return elegido;
 }
 
-int16_t clsCfgConmut::DATOParaEscribir() {
+int16_t DatosCfgConmut::DATOParaEscribir() {
   const int16_t i = BuscaDATO(emDATOActivo);
   return i != 0 ? i : AgregaDATO();
 }
 
-int16_t clsCfgConmut::CTEParaEscribir() {
+int16_t DatosCfgConmut::CTEParaEscribir() {
   const int16_t i = BuscaCTE(emCTEActivo);
   return i != 0 ? i : AgregaCTE();
 }
 
-void clsCfgConmut::CuentaCompletos() {
+void DatosCfgConmut::CuentaCompletos() {
   int16_t d = 0;
   int16_t c = 0;
   for (const RegDATO& r : udtDATO) d = static_cast<int16_t>(d + (ValidaDATO(r) ? 1 : 0));
@@ -98,7 +98,7 @@ void clsCfgConmut::CuentaCompletos() {
 
 // ---- data-field properties ----
 
-void clsCfgConmut::TipoDatoDATO(emTipoDato emCual) {
+void DatosCfgConmut::TipoDatoDATO(emTipoDato emCual) {
   RegDATO& r = udtDATO[static_cast<size_t>(DATOParaEscribir() - 1)];
   if (r.emTipo == emCual) return;
   r.emTipo = emCual;  // emValorNoDefinido frees the record
@@ -106,7 +106,7 @@ void clsCfgConmut::TipoDatoDATO(emTipoDato emCual) {
   NotificaCambios();
 }
 
-void clsCfgConmut::DATOPos(uint8_t btPos) {
+void DatosCfgConmut::DATOPos(uint8_t btPos) {
   RegDATO& r = udtDATO[static_cast<size_t>(DATOParaEscribir() - 1)];
   if (r.btPos == btPos) return;  // a free record stays free
   r.btPos = btPos;
@@ -115,7 +115,7 @@ void clsCfgConmut::DATOPos(uint8_t btPos) {
   NotificaCambios();
 }
 
-void clsCfgConmut::DATOTam(uint8_t btTam) {
+void DatosCfgConmut::DATOTam(uint8_t btTam) {
   RegDATO& r = udtDATO[static_cast<size_t>(DATOParaEscribir() - 1)];
   if (r.btTam == btTam) return;
   r.btTam = btTam;
@@ -126,17 +126,17 @@ void clsCfgConmut::DATOTam(uint8_t btTam) {
 
 // ---- constant properties ----
 
-std::u16string clsCfgConmut::Constante() const {
+std::u16string DatosCfgConmut::Constante() const {
   const int16_t i = BuscaCTE(emCTEActivo);
   return i != 0 ? QuitaNulos(udtCTE[static_cast<size_t>(i - 1)].cadTexto) : std::u16string();
 }
 
-void clsCfgConmut::DerivaTipoCTE(RegCTE& udtC) {
+void DatosCfgConmut::DerivaTipoCTE(RegCTE& udtC) {
   udtC.emTipo = emValorConstante;
   if (!ValidaCTE(udtC)) udtC.emTipo = emValorNoDefinido;
 }
 
-void clsCfgConmut::EscribeByteCTE(uint8_t RegCTE::*campo, uint8_t btValor) {
+void DatosCfgConmut::EscribeByteCTE(uint8_t RegCTE::*campo, uint8_t btValor) {
   const int16_t i = CTEParaEscribir();
   RegCTE& r = udtCTE[static_cast<size_t>(i - 1)];
   if (r.*campo != btValor) {
@@ -147,10 +147,10 @@ void clsCfgConmut::EscribeByteCTE(uint8_t RegCTE::*campo, uint8_t btValor) {
   DerivaTipoCTE(udtCTE[static_cast<size_t>(i - 1)]);
 }
 
-void clsCfgConmut::CTEPos(uint8_t btPos) { EscribeByteCTE(&RegCTE::btPos, btPos); }
-void clsCfgConmut::CTETam(uint8_t btTam) { EscribeByteCTE(&RegCTE::btTam, btTam); }
+void DatosCfgConmut::CTEPos(uint8_t btPos) { EscribeByteCTE(&RegCTE::btPos, btPos); }
+void DatosCfgConmut::CTETam(uint8_t btTam) { EscribeByteCTE(&RegCTE::btTam, btTam); }
 
-void clsCfgConmut::Constante(const std::u16string& cadCte) {
+void DatosCfgConmut::Constante(const std::u16string& cadCte) {
   const int16_t i = CTEParaEscribir();
   std::u16string p;
   RellenaConNulos(p, cadCte, kTamTextoCte);

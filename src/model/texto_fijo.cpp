@@ -2,13 +2,13 @@
 #include <cstdint>
 #include <string>
 
-#include "velqua/cfg_conmut.h"
+#include "model/datos_cfg.h"
 #include "velqua/texto.h"
 
 namespace velqua {
 
-void clsCfgConmut::RellenaConNulos(std::u16string& cadDestino, const std::u16string& cadOrigen,
-                                   int16_t intTam) {
+void DatosCfgConmut::RellenaConNulos(std::u16string& cadDestino, const std::u16string& cadOrigen,
+                                     int16_t intTam) {
   if (intTam <= 0) return;  // width 0 or less: destination unchanged
   const size_t tam = static_cast<size_t>(intTam);
   std::u16string p(tam, u'\0');
@@ -18,7 +18,7 @@ void clsCfgConmut::RellenaConNulos(std::u16string& cadDestino, const std::u16str
 
 // Sized exactly (not to the stored width), so that a short text stays in the
 // string's own small buffer and reading it allocates nothing.
-std::u16string clsCfgConmut::QuitaNulos(const std::u16string& cadOrigen) {
+std::u16string DatosCfgConmut::QuitaNulos(const std::u16string& cadOrigen) {
   std::size_t n = 0;
   for (char16_t c : cadOrigen) n += c != u'\0' ? 1 : 0;
   std::u16string out(n, u'\0');
@@ -29,7 +29,7 @@ std::u16string clsCfgConmut::QuitaNulos(const std::u16string& cadOrigen) {
   return out;
 }
 
-std::u16string clsCfgConmut::ListaCodigos(const std::u16string& cadOrigen, int16_t intCuantos) {
+std::u16string DatosCfgConmut::ListaCodigos(const std::u16string& cadOrigen, int16_t intCuantos) {
   std::u16string out;
   for (int32_t i = 1; i <= intCuantos; ++i) {
     const size_t k = static_cast<size_t>(i);
@@ -40,8 +40,8 @@ std::u16string clsCfgConmut::ListaCodigos(const std::u16string& cadOrigen, int16
   return out;
 }
 
-bool clsCfgConmut::EscribeTextoFijo(std::u16string& cadMiembro, const std::u16string& cadValor,
-                                    int16_t intTam) {
+bool DatosCfgConmut::EscribeTextoFijo(std::u16string& cadMiembro, const std::u16string& cadValor,
+                                      int16_t intTam) {
   std::u16string p;
   RellenaConNulos(p, cadValor, intTam);
   if (p == cadMiembro) return false;  // exact, case-sensitive comparison

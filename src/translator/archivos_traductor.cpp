@@ -1,27 +1,23 @@
 // The unrecognised-call log and the KX-TDA extension list. Both
 // files are opened and closed within one operation, and no failure of
 // theirs ever leaves the translator.
-#include <unistd.h>
-
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 
-#include "platform/archivos.h"
 #include "platform/mayusculas.h"
 #include "platform/reloj.h"
+#include "translator/motor_traductor.h"
 #include "translator/texto_traductor.h"
 #include "velqua/texto.h"
-#include "velqua/traductor.h"
 
 namespace velqua {
 namespace {
 
-// "yyyy Mmm dd hh:mm:ss" from the clock seam, e.g. "2026 Nov 18 09:05:03".
-std::u16string MarcaDeTiempo() {
-  const plataforma::FechaHora f = plataforma::RelojActual().Ahora();
+// "yyyy Mmm dd hh:mm:ss", e.g. "2026 Nov 18 09:05:03".
+std::u16string MarcaDeTiempo(const FechaHora& f) {
   char cifras[32];
   std::snprintf(cifras, sizeof cifras, "%04d", static_cast<int>(f.intAnio));
   std::u16string cad = DesdeAnsi(cifras);
@@ -33,20 +29,13 @@ std::u16string MarcaDeTiempo() {
   return cad + DesdeAnsi(cifras);
 }
 
-// The bytes of a file descriptor one at a time, read a block at a time
-// (what getc does for a FILE, without the system calls stdio adds to an
-// open). Closes the descriptor at the end of the scope. A read error counts
-// as the end of the file, as for getc.
+// The bytes of a file one at a time, read a block at a time, so that a list
+// larger than memory is read line by line. A read error counts as the end
+// of the file.
 class LectorBytes {
  public:
-  explicit LectorBytes(int fd) : fd_(fd) {}
-  ~LectorBytes() {
-    if (fd_ >= 0) close(fd_);
-  }
-  LectorBytes(const LectorBytes&) = delete;
-  LectorBytes& operator=(const LectorBytes&) = delete;
-
-  bool Abierto() const { return fd_ >= 0; }
+  explicit LectorBytes(std::unique_ptr<LectorArchivo> lector) : lector_(std::move(lector)) {}
+  bool Abierto() const { return lector_ != nullptr; }
   // The next byte (0 to 255), or EOF.
   int Lee() {
     if (pos_ == fin_ && !Llena()) return EOF;
@@ -57,17 +46,12 @@ class LectorBytes {
 
  private:
   bool Llena() {
-    ssize_t n = 0;
-    do {
-      n = read(fd_, bloque_, sizeof bloque_);
-    } while (n < 0 && errno == EINTR);
-    if (n <= 0) return false;
+    fin_ = lector_->Lee(bloque_, sizeof bloque_);
     pos_ = 0;
-    fin_ = static_cast<std::size_t>(n);
-    return true;
+    return fin_ > 0;
   }
 
-  int fd_;
+  std::unique_ptr<LectorArchivo> lector_;
   char bloque_[4096];
   std::size_t pos_ = 0;
   std::size_t fin_ = 0;
@@ -90,12 +74,6 @@ bool LeeLinea(LectorBytes& in, std::string& linea) {
   return true;
 }
 
-// Closes a FILE when the scope ends, on every way out.
-struct CierraArchivo {
-  void operator()(std::FILE* f) const { std::fclose(f); }
-};
-using Archivo = std::unique_ptr<std::FILE, CierraArchivo>;
-
 // Round half to even, whatever the floating-point rounding mode.
 int32_t RedondeoBancario(double v) {
   const double piso = std::floor(v);
@@ -107,31 +85,28 @@ int32_t RedondeoBancario(double v) {
 
 }  // namespace
 
-void clsTraductor::RegistraLlamadaError() {
+void MotorTraductor::RegistraLlamadaError() {
   if (cadArchLlamadasError.empty()) return;
   try {
-    // Refused (FIFO, directory, missing folder...): the entry is lost silently.
-    const Archivo out(plataforma::AbreAnexar(cadArchLlamadasError));
-    if (!out) return;
     std::u16string entrada = u"\r\n\r\nLlamada no reconocida (";
-    entrada += MarcaDeTiempo();
+    entrada += MarcaDeTiempo(udtEntorno->Ahora());
     entrada += u"): \r\n";
     entrada += EsCasoNorstar() ? cadBuffer : cadLinea;
     entrada += u"\r\n";
-    const std::string bytes = AAnsi(entrada);
-    std::fwrite(bytes.data(), 1, bytes.size(), out.get());
+    // Refused (FIFO, directory, missing folder...): the entry is lost silently.
+    udtEntorno->AnexaArchivo(cadArchLlamadasError, AAnsi(entrada));
   } catch (const std::exception&) {
     // Every failure after the name check is swallowed: a log never fails a record.
   }
 }
 
-void clsTraductor::BuscaExtensionKXTDA(const std::u16string& cadCodigo) {
+void MotorTraductor::BuscaExtensionKXTDA(const std::u16string& cadCodigo) {
   cadDato.clear();
   if (!cadArchListaExtensiones.empty()) {
     try {
       // Only a regular file is read: a FIFO or a device (/dev/zero, a
       // terminal) could block or never end; it counts as no list.
-      LectorBytes in(plataforma::AbreDescriptorLectura(cadArchListaExtensiones));
+      LectorBytes in(udtEntorno->AbreLectura(cadArchListaExtensiones));
       std::string bytes;
       while (in.Abierto() && cadDato.empty() && LeeLinea(in, bytes)) {
         if (bytes.empty()) continue;
@@ -155,8 +130,9 @@ void clsTraductor::BuscaExtensionKXTDA(const std::u16string& cadCodigo) {
 }
 
 // A number in [0, 1) with 24 random bits, the resolution of a single-precision
-// random number: n = 9999 r + 1 then covers 1 to 10000 as hosts expect.
-double clsTraductor::NumeroAleatorio() {
+// random number: n = 9999 r + 1, rounded half to even, then covers 1 to
+// 10000, each extension drawn as "0001" to "9999" or "10000".
+double MotorTraductor::NumeroAleatorio() {
   return static_cast<double>(rndGenerador() >> 8) / 16777216.0;
 }
 

@@ -1,7 +1,7 @@
 // The text properties and their key tables.
 #include "platform/mayusculas.h"
+#include "translator/motor_traductor.h"
 #include "translator/texto_traductor.h"
-#include "velqua/traductor.h"
 
 namespace velqua {
 namespace {
@@ -90,12 +90,12 @@ emParamDato Clave(const TablaClaves& tabla, emTipoLlamadaTraductor emT, emAtribu
 
 // The field of a key of a table without its blanks, or the empty text when
 // there is no key.
-std::u16string clsTraductor::CampoTexto(emParamDato emParamDat) {
+std::u16string MotorTraductor::CampoTexto(emParamDato emParamDat) {
   if (emParamDat == N) return std::u16string();
   return std::u16string(traductor::SinBlancos(ExtraeDato(emParamDat)));
 }
 
-std::u16string clsTraductor::Marcacion() {
+std::u16string MotorTraductor::Marcacion() {
   std::u16string_view cadCampo;
   if (EsCasoNorstar()) {
     BuscaLineaClave(u"DIGITS DIALED");
@@ -106,7 +106,7 @@ std::u16string clsTraductor::Marcacion() {
     if (emK != N) cadCampo = ExtraeDato(emK);
   }
   cadCampo = traductor::SinBlancos(cadCampo);
-  clsCfgConmut& cfg = Cfg();
+  DatosCfgConmut& cfg = Cfg();
   cfg.CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
   const std::u16string_view cadPrefijo = cfg.VistaConstante(cadTrabajo);  // no HayCTE
   if (!cadPrefijo.empty() && plataforma::EmpiezaSinMayusculas(cadCampo, cadPrefijo)) {
@@ -115,7 +115,7 @@ std::u16string clsTraductor::Marcacion() {
   return std::u16string(cadCampo);
 }
 
-std::u16string clsTraductor::Extension() {
+std::u16string MotorTraductor::Extension() {
   std::u16string_view cadCampo;
   if (EsCasoNorstar()) {
     BuscaLineaClave(u"--------");
@@ -133,7 +133,7 @@ std::u16string clsTraductor::Extension() {
   return std::u16string(traductor::SinBlancos(cadCampo));
 }
 
-std::u16string clsTraductor::Troncal() {
+std::u16string MotorTraductor::Troncal() {
   if (EsCasoNorstar()) {
     BuscaLineaClave(u"--------");
     return CampoTexto(emParamTroncalEntrante);
@@ -142,18 +142,18 @@ std::u16string clsTraductor::Troncal() {
 }
 
 // No case rule, and no configuration access when no key applies.
-std::u16string clsTraductor::ExtensionReceptor() {
+std::u16string MotorTraductor::ExtensionReceptor() {
   return CampoTexto(Clave(kExtensionReceptor, emTipoLlamada, emAtributoLlamada));
 }
 
-std::u16string clsTraductor::TroncalReceptor() {
+std::u16string MotorTraductor::TroncalReceptor() {
   return CampoTexto(Clave(kTroncalReceptor, emTipoLlamada, emAtributoLlamada));
 }
 
-std::u16string clsTraductor::CodigoCuenta() {
+std::u16string MotorTraductor::CodigoCuenta() {
   if (EsCasoNorstar()) BuscaLineaClave(u"RESTRICTION PASSWORD");
   std::u16string_view cadCampo = ExtraeDato(emParamCodigoCuenta);
-  clsCfgConmut& cfg = Cfg();
+  DatosCfgConmut& cfg = Cfg();
   if (emTipoLlamada != emTradCodigoCuenta) {
     cfg.CTEActivo(emDatoCteIdentCodigoCuenta);
     if (!cfg.VistaConstante(cadTrabajo).empty()) {

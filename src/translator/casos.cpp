@@ -1,7 +1,7 @@
 // Switch-specific rules: the multi-line record of the Nortel
 // Norstar (case 4) and the account-code extension of the KX-TDA (cases 10, 11).
+#include "translator/motor_traductor.h"
 #include "translator/texto_traductor.h"
-#include "velqua/traductor.h"
 
 namespace velqua {
 namespace {
@@ -21,7 +21,7 @@ constexpr char16_t kDesdeTransferencia[] = u"FROM TRANSFER";
 // The type, from the keyword lines: every keyword other than the header must
 // lie after it (a greater BuscaLinea place is a later line). The released
 // line, else the transferred one, else an unanswered one decides.
-void clsTraductor::DetectaTipoNorstar() {
+void MotorTraductor::DetectaTipoNorstar() {
   emTipoLlamada = emTradNoIdentificada;
   const int16_t h = BuscaLineaClave(kCabecera);
   if (h == 0) return;
@@ -41,7 +41,7 @@ void clsTraductor::DetectaTipoNorstar() {
 
 // The direction test of an answered or transferred call: the first of the
 // outgoing, incoming and from-transfer lines present, after the header.
-void clsTraductor::DireccionNorstar(int16_t intCabecera) {
+void MotorTraductor::DireccionNorstar(int16_t intCabecera) {
   const int16_t intSaliente = BuscaLineaClave(kSaliente);
   if (intSaliente != 0) {
     if (intCabecera < intSaliente) emTipoLlamada = emTradSaliente;
@@ -57,7 +57,7 @@ void clsTraductor::DireccionNorstar(int16_t intCabecera) {
 }
 
 // The attribute, from the transfer keywords, whatever the type.
-void clsTraductor::DetectaAtributoNorstar() {
+void MotorTraductor::DetectaAtributoNorstar() {
   if (BuscaLineaClave(kDesdeTransferencia) != 0) {
     emAtributoLlamada = BuscaLineaClave(kTransferida) != 0 ? emATREnTR : emATRFinTR;
   } else if (BuscaLineaClave(kTransferida) != 0) {
@@ -71,7 +71,7 @@ void clsTraductor::DetectaAtributoNorstar() {
 // component's key in case 4 (SeleccionaLineaNorstar, inline, asks for the
 // case first) and tells whether the component is 0 without reading a field
 // (a duration of an unanswered call).
-bool clsTraductor::LineaNorstar(emParamDato emParamDat) {
+bool MotorTraductor::LineaNorstar(emParamDato emParamDat) {
   switch (emParamDat) {
     case emParamFechaHoras:
     case emParamFechaMinutos:
@@ -91,7 +91,7 @@ bool clsTraductor::LineaNorstar(emParamDato emParamDat) {
 
 // Extension of an outgoing call in cases 10 and 11: a leading "*" marks an
 // account code, mapped back to an extension through the list file.
-void clsTraductor::ExtensionKXTDA() {
+void MotorTraductor::ExtensionKXTDA() {
   traductor::QuitaBlancos(cadDato);
   if (cadDato.empty() || cadDato[0] != u'*') return;
   BuscaExtensionKXTDA(cadDato.substr(1));
@@ -99,7 +99,7 @@ void clsTraductor::ExtensionKXTDA() {
 
 // CodigoCuenta in cases 10 and 11 (cadDato not empty): the code after a
 // leading "*", not trimmed again; the empty text without the star.
-void clsTraductor::CodigoCuentaKXTDA() {
+void MotorTraductor::CodigoCuentaKXTDA() {
   traductor::QuitaBlancos(cadDato);
   if (!cadDato.empty() && cadDato[0] == u'*') {
     cadDato.erase(0, 1);

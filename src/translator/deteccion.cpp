@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "platform/errores_runtime.h"
+#include "errors/errores_runtime.h"
 #include "platform/mayusculas.h"
-#include "velqua/traductor.h"
+#include "translator/motor_traductor.h"
 
 namespace velqua {
 namespace {
@@ -64,13 +64,13 @@ bool EsCasoSalienteDefecto(emCasos emC) {
 
 }  // namespace
 
-bool clsTraductor::HayConstanteLlamada(emParamDatoConstante emParamCte) {
+bool MotorTraductor::HayConstanteLlamada(emParamDatoConstante emParamCte) {
   if (cadLinea.empty()) return false;
-  clsCfgConmut& cfg = Cfg();
+  DatosCfgConmut& cfg = Cfg();
   cfg.CTEActivo(emParamCte);
   // HayCTE, CTEPos, CTETam and Constante, read from the one record.
   const RegCTE* r = cfg.RegistroCTEActivo();
-  if (r == nullptr || !clsCfgConmut::ValidaCTE(*r)) return false;
+  if (r == nullptr || !DatosCfgConmut::ValidaCTE(*r)) return false;
   const uint8_t btPos = r->btPos;
   const uint8_t btTam = r->btTam;
   const std::size_t fin = std::size_t{btPos} + btTam;
@@ -78,10 +78,10 @@ bool clsTraductor::HayConstanteLlamada(emParamDatoConstante emParamCte) {
   if (fin - 1 > cadLinea.size()) return false;  // never a cut-off slice
   const std::u16string_view trozo = std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
   return plataforma::IgualesSinMayusculas(trozo,
-                                          clsCfgConmut::VistaSinNulos(r->cadTexto, cadTrabajo));
+                                          DatosCfgConmut::VistaSinNulos(r->cadTexto, cadTrabajo));
 }
 
-emTipoLlamadaTraductor clsTraductor::TipoSegunConstante(emParamDatoConstante emParamCte) {
+emTipoLlamadaTraductor MotorTraductor::TipoSegunConstante(emParamDatoConstante emParamCte) {
   if (!HayConstanteLlamada(emParamCte)) return emTradNoIdentificada;
   if (emParamCte >= emDatoCteIdentEntrante && emParamCte <= emDatoCteIdentEntranteOR) {
     return emTradEntrante;
@@ -99,14 +99,14 @@ emTipoLlamadaTraductor clsTraductor::TipoSegunConstante(emParamDatoConstante emP
   return emTradNoIdentificada;
 }
 
-void clsTraductor::DetectaTipoLlamada() {
+void MotorTraductor::DetectaTipoLlamada() {
   if (EsCasoNorstar()) {
     DetectaTipoNorstar();
     return;
   }
   emTipoLlamada = emTradNoIdentificada;
   if (!TieneDigito(cadLinea)) return;
-  clsCfgConmut& cfg = Cfg();
+  DatosCfgConmut& cfg = Cfg();
   for (const MarcasRol& rol : kRoles) {
     emTipoLlamadaTraductor t = TipoSegunConstante(rol.emPlana);
     if (t != emTradNoIdentificada) {
@@ -129,7 +129,7 @@ void clsTraductor::DetectaTipoLlamada() {
   }
 }
 
-void clsTraductor::DetectaAtributo() {
+void MotorTraductor::DetectaAtributo() {
   if (EsCasoNorstar()) {
     DetectaAtributoNorstar();
     return;
@@ -150,13 +150,13 @@ void clsTraductor::DetectaAtributo() {
 // of the buffer is one line and the scan always ends (doc/translator.md).
 // A keyword already searched in this buffer with this separator gives the
 // line and place found then (udtLineas): the same result without the scan.
-int16_t clsTraductor::BuscaLinea(const std::u16string& cadVal) { return BuscaLineaClave(cadVal); }
+int16_t MotorTraductor::BuscaLinea(const std::u16string& cadVal) { return BuscaLineaClave(cadVal); }
 
-int16_t clsTraductor::BuscaLineaClave(std::u16string_view cadVal) {
+int16_t MotorTraductor::BuscaLineaClave(std::u16string_view cadVal) {
   OlvidaDuracion();
   cadLinea.clear();
   if (!clsCmt) return 0;
-  const std::u16string_view cadSep = clsCmt->VistaSeparador(cadTrabajo);
+  const std::u16string_view cadSep = udtCfg->VistaSeparador(cadTrabajo);
   if (cadSep != cadSeparadorLineas) {
     OlvidaLineas();
     cadSeparadorLineas.assign(cadSep);
@@ -177,8 +177,8 @@ int16_t clsTraductor::BuscaLineaClave(std::u16string_view cadVal) {
 // The scan of BuscaLinea: leaves cadLinea at the line found (or empty) and
 // *intInicio at its start in cadBuffer. The k-th line is udtTramos[k] once
 // some scan of this buffer has cut it.
-int16_t clsTraductor::RecorreLineas(std::u16string_view cadSep, std::u16string_view cadVal,
-                                    std::size_t* intInicio) {
+int16_t MotorTraductor::RecorreLineas(std::u16string_view cadSep, std::u16string_view cadVal,
+                                      std::size_t* intInicio) {
   int16_t intResultado = 0;
   const std::u16string_view buffer(cadBuffer);
   int64_t p = 1;
@@ -203,7 +203,8 @@ int16_t clsTraductor::RecorreLineas(std::u16string_view cadSep, std::u16string_v
 
 // Cuts the line that starts at place p (the next after udtTramos' last),
 // keeps it and gives it back. Error 6 when a place passes 32767.
-const clsTraductor::TramoLinea& clsTraductor::CorteTramo(std::u16string_view cadSep, int64_t p) {
+const MotorTraductor::TramoLinea& MotorTraductor::CorteTramo(std::u16string_view cadSep,
+                                                             int64_t p) {
   const std::u16string_view buffer(cadBuffer);
   const std::size_t e0 = cadSep.empty() ? std::u16string_view::npos
                                         : plataforma::BuscaSinMayusculas(
@@ -220,8 +221,8 @@ const clsTraductor::TramoLinea& clsTraductor::CorteTramo(std::u16string_view cad
   return udtTramos.back();
 }
 
-void clsTraductor::GuardaLinea(std::u16string_view cadVal, std::size_t intInicio,
-                               int16_t intResultado) {
+void MotorTraductor::GuardaLinea(std::u16string_view cadVal, std::size_t intInicio,
+                                 int16_t intResultado) {
   if (intLineas == kLineasGuardadas) return;
   if (udtLineas.size() == intLineas) udtLineas.emplace_back();
   LineaHallada& h = udtLineas[intLineas++];

@@ -2,10 +2,9 @@
 // duration, ring time).
 #include <algorithm>
 
-#include "platform/errores_runtime.h"
-#include "platform/reloj.h"
+#include "errors/errores_runtime.h"
+#include "translator/motor_traductor.h"
 #include "translator/texto_traductor.h"
-#include "velqua/traductor.h"
 
 namespace velqua {
 namespace {
@@ -35,14 +34,14 @@ int64_t Instante(int64_t y, int64_t mo, int64_t d, int64_t h, int64_t mi, int64_
 // field is missing or starts past the line's end) and, in *bolNumerico,
 // whether only its digits count.
 // Inlined into its two callers: one call a field.
-[[gnu::always_inline]] inline std::u16string_view clsTraductor::CorteDato(emParamDato emParamDat,
-                                                                          bool* bolNumerico) {
-  clsCfgConmut& cfg = Cfg();
+[[gnu::always_inline]] inline std::u16string_view MotorTraductor::CorteDato(emParamDato emParamDat,
+                                                                            bool* bolNumerico) {
+  DatosCfgConmut& cfg = Cfg();
   cfg.DATOActivo(emParamDat);
   // HayDATO, DATOPos, DATOTam and TipoDatoDATO, read from the one record.
   const RegDATO* r = cfg.RegistroDATOActivo();
   *bolNumerico = false;
-  if (r == nullptr || !clsCfgConmut::ValidaDATO(*r)) return {};
+  if (r == nullptr || !DatosCfgConmut::ValidaDATO(*r)) return {};
   const uint8_t btPos = r->btPos;
   const uint8_t btTam = r->btTam;
   if (btPos + btTam > 255) SumaByte(btPos, btTam);  // error 6
@@ -51,7 +50,7 @@ int64_t Instante(int64_t y, int64_t mo, int64_t d, int64_t h, int64_t mi, int64_
   return std::u16string_view(cadLinea).substr(btPos - 1u, btTam);
 }
 
-std::u16string_view clsTraductor::ExtraeDato(emParamDato emParamDat) {
+std::u16string_view MotorTraductor::ExtraeDato(emParamDato emParamDat) {
   bool bolNumerico = false;
   const std::u16string_view trozo = CorteDato(emParamDat, &bolNumerico);
   if (!bolNumerico) return trozo;
@@ -65,7 +64,7 @@ std::u16string_view clsTraductor::ExtraeDato(emParamDato emParamDat) {
 // ValorSiNumero(ExtraeDato(emParamDat)) without building the digits: a
 // numeric field is its digits alone, so its value is that of its first four
 // digits, or -1 when it has none.
-int32_t clsTraductor::ValorDato(emParamDato emParamDat) {
+int32_t MotorTraductor::ValorDato(emParamDato emParamDat) {
   bool bolNumerico = false;
   const std::u16string_view trozo = CorteDato(emParamDat, &bolNumerico);
   if (!bolNumerico) return traductor::ValorSiNumero(trozo);
@@ -79,21 +78,21 @@ int32_t clsTraductor::ValorDato(emParamDato emParamDat) {
   return intCifras == 0 ? -1 : v;
 }
 
-int16_t clsTraductor::ObtDia(emParamDato emParamDat) {
+int16_t MotorTraductor::ObtDia(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLineaClave(u"--------");
   const int32_t v = ValorDato(emParamDat);
   if (v >= 1 && v <= 31) return static_cast<int16_t>(v);
-  return AEntero16(plataforma::RelojActual().Ahora().intDia);
+  return AEntero16(udtEntorno->Ahora().intDia);
 }
 
-int16_t clsTraductor::ObtMes(emParamDato emParamDat) {
+int16_t MotorTraductor::ObtMes(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLineaClave(u"--------");
   const int32_t v = ValorDato(emParamDat);
   if (v >= 1 && v <= 12) return static_cast<int16_t>(v);
-  return AEntero16(plataforma::RelojActual().Ahora().intMes);
+  return AEntero16(udtEntorno->Ahora().intMes);
 }
 
-int16_t clsTraductor::ObtAnio(emParamDato emParamDat) {
+int16_t MotorTraductor::ObtAnio(emParamDato emParamDat) {
   if (EsCasoNorstar()) BuscaLineaClave(u"--------");
   const std::u16string_view cadCampo = ExtraeDato(emParamDat);
   const int32_t v = traductor::ValorSiNumero(cadCampo);  // -1: not a number
@@ -101,40 +100,40 @@ int16_t clsTraductor::ObtAnio(emParamDato emParamDat) {
     const std::size_t largo = std::min<std::size_t>(cadCampo.size(), 4);
     if (v >= 0 && largo == 4) return static_cast<int16_t>(v);
     if (v >= 0 && largo <= 2) {
-      const int32_t intAnioActual = plataforma::RelojActual().Ahora().intAnio;
+      const int32_t intAnioActual = udtEntorno->Ahora().intAnio;
       return AEntero16(v + intAnioActual - intAnioActual % 100);
     }
   }
-  return AEntero16(plataforma::RelojActual().Ahora().intAnio);
+  return AEntero16(udtEntorno->Ahora().intAnio);
 }
 
-int16_t clsTraductor::Dia() { return ObtDia(emParamFechaDia); }
+int16_t MotorTraductor::Dia() { return ObtDia(emParamFechaDia); }
 
-int16_t clsTraductor::Mes() { return ObtMes(emParamFechaMes); }
+int16_t MotorTraductor::Mes() { return ObtMes(emParamFechaMes); }
 
-int16_t clsTraductor::Anio() { return ObtAnio(emParamFechaAnio); }
+int16_t MotorTraductor::Anio() { return ObtAnio(emParamFechaAnio); }
 
 // ObtHoras and ObtMinutos after the line selection; emActual names the
 // component of the current time used when bolHoraActual is true. The clock
 // is read only then: it is the costly part of a read.
-int16_t clsTraductor::ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
-                                        int32_t plataforma::FechaHora::*emActual) {
+int16_t MotorTraductor::ObtComponenteHora(emParamDato emParamDat, bool bolHoraActual,
+                                          int32_t FechaHora::*emActual) {
   const int32_t v = ValorDato(emParamDat);
   if (v >= 0) return static_cast<int16_t>(v);
-  return bolHoraActual ? AEntero16(plataforma::RelojActual().Ahora().*emActual) : int16_t{-1};
+  return bolHoraActual ? AEntero16(udtEntorno->Ahora().*emActual) : int16_t{-1};
 }
 
-int16_t clsTraductor::ObtHoras(emParamDato emParamDat, bool bolHoraActual) {
+int16_t MotorTraductor::ObtHoras(emParamDato emParamDat, bool bolHoraActual) {
   if (SeleccionaLineaNorstar(emParamDat)) return 0;
-  return ObtComponenteHora(emParamDat, bolHoraActual, &plataforma::FechaHora::intHora);
+  return ObtComponenteHora(emParamDat, bolHoraActual, &FechaHora::intHora);
 }
 
-int16_t clsTraductor::ObtMinutos(emParamDato emParamDat, bool bolHoraActual) {
+int16_t MotorTraductor::ObtMinutos(emParamDato emParamDat, bool bolHoraActual) {
   if (SeleccionaLineaNorstar(emParamDat)) return 0;
-  return ObtComponenteHora(emParamDat, bolHoraActual, &plataforma::FechaHora::intMinuto);
+  return ObtComponenteHora(emParamDat, bolHoraActual, &FechaHora::intMinuto);
 }
 
-int16_t clsTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) {
+int16_t MotorTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) {
   if (SeleccionaLineaNorstar(emParamDat)) return 0;
   {
     const int32_t v = ValorDato(emParamDat);
@@ -145,15 +144,15 @@ int16_t clsTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) {
       return AEntero16(bolDecimas ? int64_t{v} * 6 : v);
     }
   }
-  return bolHoraActual ? AEntero16(plataforma::RelojActual().Ahora().intSegundo) : int16_t{-1};
+  return bolHoraActual ? AEntero16(udtEntorno->Ahora().intSegundo) : int16_t{-1};
 }
 
 // The morning rule of Hora: a 12-hour clock with a morning mark. Without the
 // mark an hour below 12 is an afternoon hour, the clock's fallback hour too
-// (intended: hosts written against this behaviour rely on it); with the mark,
-// hour 12 is midnight.
-int16_t clsTraductor::AplicaMatutino(int16_t intHoras, emParamDatoConstante emMarca) {
-  clsCfgConmut& cfg = Cfg();
+// (intended: a line without the morning mark is an afternoon line, whatever
+// gave its hour); with the mark, hour 12 is midnight.
+int16_t MotorTraductor::AplicaMatutino(int16_t intHoras, emParamDatoConstante emMarca) {
+  DatosCfgConmut& cfg = Cfg();
   cfg.CTEActivo(emMarca);
   if (!cfg.HayCTE()) return intHoras;
   const bool bolManana = HayConstanteLlamada(emMarca);
@@ -162,7 +161,7 @@ int16_t clsTraductor::AplicaMatutino(int16_t intHoras, emParamDatoConstante emMa
   return intHoras;
 }
 
-int32_t clsTraductor::Hora() {
+int32_t MotorTraductor::Hora() {
   int16_t h = ObtHoras(emParamFechaHoras, true);
   const int16_t m = ObtMinutos(emParamFechaMinutos, true);
   const int16_t s = ObtSegundos(emParamFechaSegundos, true);
@@ -171,8 +170,8 @@ int32_t clsTraductor::Hora() {
 }
 
 // Duracion and Ring: the hours column is optional, minutes and seconds not.
-int32_t clsTraductor::TiempoEnSegundos(emParamDato emHoras, emParamDato emMinutos,
-                                       emParamDato emSegundos) {
+int32_t MotorTraductor::TiempoEnSegundos(emParamDato emHoras, emParamDato emMinutos,
+                                         emParamDato emSegundos) {
   int16_t h = ObtHoras(emHoras, false);
   const int16_t m = ObtMinutos(emMinutos, false);
   const int16_t s = ObtSegundos(emSegundos, false);
@@ -181,7 +180,7 @@ int32_t clsTraductor::TiempoEnSegundos(emParamDato emHoras, emParamDato emMinuto
   return AEntero32(int64_t{h} * 3600 + int64_t{m} * 60 + s);
 }
 
-int32_t clsTraductor::Duracion() {
+int32_t MotorTraductor::Duracion() {
   const emCasos emC = Cfg().Caso();
   if (emC == emCasoEstandarRestaFechasDuracion ||
       emC == emCasoEstandarRestaFechasDuracionConSalienteDefecto) {
@@ -213,8 +212,8 @@ bool MismoRegistro(const RegDATO& a, const RegDATO& b) {
 
 // The record ExtraeDato reads for the k-th duration key, or an empty record
 // (which it treats as the missing one) when there is none.
-RegDATO clsTraductor::RegistroDuracion(std::size_t k) const {
-  const clsCfgConmut& cfg = Cfg();
+RegDATO MotorTraductor::RegistroDuracion(std::size_t k) const {
+  const DatosCfgConmut& cfg = Cfg();
   const int16_t i = cfg.BuscaDATO(kCamposDuracion[k]);
   return i != 0 ? cfg.udtDATO[static_cast<std::size_t>(i - 1)] : RegDATO{};
 }
@@ -222,7 +221,7 @@ RegDATO clsTraductor::RegistroDuracion(std::size_t k) const {
 // The three cuts of a minutes-and-seconds duration depend only on cadLinea,
 // the case (6 reads tenths) and the three records: with all of them equal,
 // the value is the same.
-bool clsTraductor::DuracionIgual(emCasos emC) const {
+bool MotorTraductor::DuracionIgual(emCasos emC) const {
   if (!udtDuracion.bolVigente || udtDuracion.emCaso != emC) return false;
   for (std::size_t k = 0; k < 3; ++k) {
     if (!MismoRegistro(udtDuracion.udtCampos[k], RegistroDuracion(k))) return false;
@@ -230,18 +229,18 @@ bool clsTraductor::DuracionIgual(emCasos emC) const {
   return true;
 }
 
-void clsTraductor::GuardaDuracion(emCasos emC, int32_t intValor) {
+void MotorTraductor::GuardaDuracion(emCasos emC, int32_t intValor) {
   for (std::size_t k = 0; k < 3; ++k) udtDuracion.udtCampos[k] = RegistroDuracion(k);
   udtDuracion.emCaso = emC;
   udtDuracion.intValor = intValor;
   udtDuracion.bolVigente = true;
 }
 
-int32_t clsTraductor::Ring() {
+int32_t MotorTraductor::Ring() {
   return TiempoEnSegundos(emParamRingHoras, emParamRingMinutos, emParamRingSegundos);
 }
 
-int32_t clsTraductor::DuracionRestaFechas() {
+int32_t MotorTraductor::DuracionRestaFechas() {
   const int16_t d = ObtDia(emParamFechaDia);
   const int16_t mo = ObtMes(emParamFechaMes);
   const int16_t y = ObtAnio(emParamFechaAnio);

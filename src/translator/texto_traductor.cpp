@@ -1,6 +1,6 @@
 #include "translator/texto_traductor.h"
 
-#include "platform/errores_runtime.h"
+#include "errors/errores_runtime.h"
 
 namespace velqua {
 namespace traductor {

@@ -9,7 +9,7 @@ namespace velqua {
 namespace traductor {
 
 // The text without its blanks (U+0020) at both ends; other white space is
-// content (a tab inside a field stays), as earlier versions read it.
+// content (a tab inside a field stays).
 std::u16string_view SinBlancos(std::u16string_view cad);
 
 // Removes the blanks at both ends of cad, in place.

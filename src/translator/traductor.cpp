@@ -1,66 +1,73 @@
 // Translator state, binding and line intake.
-#include "velqua/traductor.h"
+#include "translator/motor_traductor.h"
 
-#include "platform/errores_runtime.h"
-#include "platform/reloj.h"
+#include "errors/errores_runtime.h"
 
 namespace velqua {
 
-clsTraductor::clsTraductor() : rndGenerador(plataforma::RelojActual().SemillaTemporizador()) {}
+MotorTraductor::MotorTraductor(std::shared_ptr<Entorno> udtEntorno_)
+    : udtEntorno(udtEntorno_ ? std::move(udtEntorno_) : EntornoSistema()),
+      rndGenerador(udtEntorno->Semilla()) {}
 
-void clsTraductor::FaltaConfiguracion() { LanzaObjetoNoEstablecido(); }
+void MotorTraductor::EstableceEntorno(std::shared_ptr<Entorno> udtEntorno_) {
+  udtEntorno = udtEntorno_ ? std::move(udtEntorno_) : EntornoSistema();
+}
 
-std::u16string clsTraductor::ArchivoListaExtensionesKXTDA() const {
+void MotorTraductor::FaltaConfiguracion() { LanzaObjetoNoEstablecido(); }
+
+std::u16string MotorTraductor::ArchivoListaExtensionesKXTDA() const {
   return cadArchListaExtensiones;
 }
 
-void clsTraductor::ArchivoListaExtensionesKXTDA(const std::u16string& cadArch) {
+void MotorTraductor::ArchivoListaExtensionesKXTDA(const std::u16string& cadArch) {
   cadArchListaExtensiones = cadArch;
 }
 
-std::u16string clsTraductor::ArchivoLlamadasError() const { return cadArchLlamadasError; }
+std::u16string MotorTraductor::ArchivoLlamadasError() const { return cadArchLlamadasError; }
 
-void clsTraductor::ArchivoLlamadasError(const std::u16string& cadArch) {
+void MotorTraductor::ArchivoLlamadasError(const std::u16string& cadArch) {
   cadArchLlamadasError = cadArch;
 }
 
-std::u16string clsTraductor::BufferMultiplesLineas() const { return cadBuffer; }
+std::u16string MotorTraductor::BufferMultiplesLineas() const { return cadBuffer; }
 
-void clsTraductor::BufferMultiplesLineas(const std::u16string& cadB) {
+void MotorTraductor::BufferMultiplesLineas(const std::u16string& cadB) {
   OlvidaLineas();
   cadBuffer = cadB;
 }
 
-std::u16string clsTraductor::LlamadaActual() const {
+std::u16string MotorTraductor::LlamadaActual() const {
   if (!clsCmt) return std::u16string();
   return EsCasoNorstar() ? cadBuffer : cadLinea;
 }
 
-bool clsTraductor::HayLlamada() const { return !cadLinea.empty(); }
+bool MotorTraductor::HayLlamada() const { return !cadLinea.empty(); }
 
-bool clsTraductor::HayBufferMultiplesLineas() const { return !cadBuffer.empty(); }
+bool MotorTraductor::HayBufferMultiplesLineas() const { return !cadBuffer.empty(); }
 
-emTipoLlamadaTraductor clsTraductor::TipoLlamadaDetectada() const { return emTipoLlamada; }
+emTipoLlamadaTraductor MotorTraductor::TipoLlamadaDetectada() const { return emTipoLlamada; }
 
-emAtributoTraductor clsTraductor::Atributo() const { return emAtributoLlamada; }
+emAtributoTraductor MotorTraductor::Atributo() const { return emAtributoLlamada; }
 
-void clsTraductor::Conmutador(std::shared_ptr<clsCfgConmut> iclsCmt) {
+void MotorTraductor::Conmutador(std::shared_ptr<clsCfgConmut> iclsCmt) {
   OlvidaDuracion();
   OlvidaLineas();
   clsCmt.reset();
+  udtCfg = nullptr;
   if (!iclsCmt) return;
   clsCmt = std::move(iclsCmt);
-  const emCasos emC = clsCmt->Caso();
+  udtCfg = &clsCmt->Representacion();
+  const emCasos emC = udtCfg->Caso();
   if (emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100 ||
       emC == emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto) {
-    rndGenerador.seed(plataforma::RelojActual().SemillaTemporizador());
+    rndGenerador.seed(udtEntorno->Semilla());
   }
 }
 
 // The intake: store, detect type and attribute, test the duration (not for
 // account-code records; -1 is unreadable except in case 3 and for an
 // unanswered incoming call), and log what stays unrecognised.
-void clsTraductor::LlamadaActual(const std::u16string& cadL) {
+void MotorTraductor::LlamadaActual(const std::u16string& cadL) {
   OlvidaDuracion();  // a new record: the kept duration was of the old one
   if (!clsCmt) {
     emTipoLlamada = emTradNoIdentificada;
@@ -76,7 +83,7 @@ void clsTraductor::LlamadaActual(const std::u16string& cadL) {
   DetectaAtributo();
   if (emTipoLlamada == emTradCodigoCuenta) return;
   if (Duracion() < 0) {
-    const bool bolMeridian = clsCmt->Caso() == emCasoNortelMeridian01;
+    const bool bolMeridian = udtCfg->Caso() == emCasoNortelMeridian01;
     const bool bolNoContestada =
         emTipoLlamada == emTradEntrante && emAtributoLlamada == emATRNoContestada;
     if (!bolMeridian && !bolNoContestada) emTipoLlamada = emTradNoIdentificada;

@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <string>
 
-#include "velqua/cfg_conmut.h"
+#include "model/datos_cfg.h"
 #include "velqua/superficie.h"
 #include "velqua/textos_dibujo.h"
 #include "wiring/dibujo_comun.h"
@@ -35,7 +35,7 @@ constexpr float kAncho = 3200;
 // and row heights h8, h; the three column edges; the next row's top y and
 // wire level w; the port's last switch pin N; the two pin classes.
 struct Diagrama {
-  const clsCfgConmut& cfg;
+  const DatosCfgConmut& cfg;
   Superficie& pic;
   emPuertoSerial puerto;
   float X, Y;
@@ -236,17 +236,11 @@ void PasadaPrincipal(Diagrama& d) {
 
 }  // namespace
 
-void clsCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib,
-                                           float sglPosX, float sglPosY) const {
-  velqua::DibujaConfiguracionSMDR(*this, iemPuerto, picDib, emTextosBiblioteca, sglPosX, sglPosY);
-}
-
-void DibujaConfiguracionSMDR(const clsCfgConmut& cfgConmut, emPuertoSerial iemPuerto,
-                             Superficie& picDib, emTextosDibujo emTextos, float sglPosX,
-                             float sglPosY) {
-  Diagrama d{cfgConmut, picDib, iemPuerto, sglPosX, sglPosY, dibujo::TextosDe(emTextos)};
+void DatosCfgConmut::DibujaConfiguracionSMDR(emPuertoSerial iemPuerto, Superficie& picDib,
+                                             int32_t emTextos, float sglPosX, float sglPosY) const {
+  Diagrama d{*this, picDib, iemPuerto, sglPosX, sglPosY, dibujo::TextosDe(emTextos)};
   DibujaTitulo(d);
-  if (!cfgConmut.HayConfiguracionSMDR(iemPuerto)) {
+  if (!HayConfiguracionSMDR(iemPuerto)) {
     DibujaSinConfiguracion(d);
     return;
   }
@@ -256,6 +250,12 @@ void DibujaConfiguracionSMDR(const clsCfgConmut& cfgConmut, emPuertoSerial iemPu
   Clasifica(d);
   PasadaPrincipal(d);
   picDib.Line(kMarco, d.X, d.Y, d.X + kAncho, d.y, kNegro);  // the outline
+}
+
+void DibujaConfiguracionSMDR(const clsCfgConmut& cfgConmut, emPuertoSerial iemPuerto,
+                             Superficie& picDib, emTextosDibujo emTextos, float sglPosX,
+                             float sglPosY) {
+  cfgConmut.Representacion().DibujaConfiguracionSMDR(iemPuerto, picDib, emTextos, sglPosX, sglPosY);
 }
 
 }  // namespace velqua

@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <string>
 
-#include "velqua/cfg_conmut.h"
 #include "velqua/superficie.h"
 #include "velqua/textos_dibujo.h"
 #include "wiring/dibujo_comun.h"
@@ -67,11 +66,6 @@ void DibujaFilas(Superficie& pic, float X, float M, float y, const dibujo::Texto
 }
 
 }  // namespace
-
-void clsCfgConmut::DibujaTablaConversionDB9DB25(Superficie& picDib, float sglPosX,
-                                                float sglPosY) const {
-  velqua::DibujaTablaConversionDB9DB25(picDib, emTextosBiblioteca, sglPosX, sglPosY);
-}
 
 void DibujaTablaConversionDB9DB25(Superficie& picDib, emTextosDibujo emTextos, float sglPosX,
                                   float sglPosY) {

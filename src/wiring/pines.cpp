@@ -2,8 +2,8 @@
 // switch port type; bit k-1 of element j joins switch pin j to computer pin k.
 #include <cstdint>
 
-#include "platform/errores_runtime.h"
-#include "velqua/cfg_conmut.h"
+#include "errors/errores_runtime.h"
+#include "model/datos_cfg.h"
 #include "velqua/error.h"
 
 namespace velqua {
@@ -39,8 +39,8 @@ Elem* ArregloPuerto(Cfg& udtCfg, emPuertoSerial iemPuerto, int16_t& intUltimo) {
 
 }  // namespace
 
-void clsCfgConmut::EstableceEstadoPin(emPuertoSerial iemPuerto, int16_t intPinVector,
-                                      int16_t intPinConectar, bool bolEstado) {
+void DatosCfgConmut::EstableceEstadoPin(emPuertoSerial iemPuerto, int16_t intPinVector,
+                                        int16_t intPinConectar, bool bolEstado) {
   const int32_t mascara = MascaraPin(intPinConectar);  // before the port is looked at
   if (iemPuerto == emPuertoDB25 && intPinVector == 1) {
     throw Error(NumeroErrorObjeto(kCodigoErrorPinDB25), u"clsConfig.EstableceEstadoPin",
@@ -60,18 +60,18 @@ void clsCfgConmut::EstableceEstadoPin(emPuertoSerial iemPuerto, int16_t intPinVe
   NotificaCambios();
 }
 
-void clsCfgConmut::ActivaPin(emPuertoSerial iemPuerto, int16_t intPinVector,
-                             int16_t intPinConectar) {
+void DatosCfgConmut::ActivaPin(emPuertoSerial iemPuerto, int16_t intPinVector,
+                               int16_t intPinConectar) {
   EstableceEstadoPin(iemPuerto, intPinVector, intPinConectar, true);
 }
 
-void clsCfgConmut::DesactivaPin(emPuertoSerial iemPuerto, int16_t intPinVector,
-                                int16_t intPinDesconectar) {
+void DatosCfgConmut::DesactivaPin(emPuertoSerial iemPuerto, int16_t intPinVector,
+                                  int16_t intPinDesconectar) {
   EstableceEstadoPin(iemPuerto, intPinVector, intPinDesconectar, false);
 }
 
-bool clsCfgConmut::PinesConectados(emPuertoSerial iemPuerto, int16_t intPinConmut,
-                                   int16_t intPinPC) const {
+bool DatosCfgConmut::PinesConectados(emPuertoSerial iemPuerto, int16_t intPinConmut,
+                                     int16_t intPinPC) const {
   int16_t ultimo = 0;
   const int32_t* pines = ArregloPuerto<const RegCfg, const int32_t>(udtCfg, iemPuerto, ultimo);
   if (pines == nullptr) return false;
@@ -81,7 +81,7 @@ bool clsCfgConmut::PinesConectados(emPuertoSerial iemPuerto, int16_t intPinConmu
   return (elemento & MascaraPin(intPinPC)) != 0;
 }
 
-bool clsCfgConmut::HayConfiguracionSMDR(emPuertoSerial iemPuerto) const {
+bool DatosCfgConmut::HayConfiguracionSMDR(emPuertoSerial iemPuerto) const {
   int16_t ultimo = 0;
   const int32_t* pines = ArregloPuerto<const RegCfg, const int32_t>(udtCfg, iemPuerto, ultimo);
   if (pines == nullptr) return false;
@@ -92,7 +92,7 @@ bool clsCfgConmut::HayConfiguracionSMDR(emPuertoSerial iemPuerto) const {
   return false;
 }
 
-void clsCfgConmut::LimpiaConfiguracionSMDR(emPuertoSerial iemPuerto) {
+void DatosCfgConmut::LimpiaConfiguracionSMDR(emPuertoSerial iemPuerto) {
   int16_t ultimo = 0;
   int32_t* pines = ArregloPuerto<RegCfg, int32_t>(udtCfg, iemPuerto, ultimo);
   if (pines == nullptr) return;

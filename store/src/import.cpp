@@ -80,7 +80,7 @@ velqua_records::FechaHora UtcToLocal(const std::string& utc) {
   std::tm tm{};
   if (std::sscanf(utc.c_str(), "%d-%d-%dT%d:%d:%d", &tm.tm_year, &tm.tm_mon, &tm.tm_mday,
                   &tm.tm_hour, &tm.tm_min, &tm.tm_sec) != 6) {
-    return velqua_records::ProgramClock::Instance().Now();
+    return velqua_records::ProgramNow();
   }
   tm.tm_year -= 1900;
   tm.tm_mon -= 1;

@@ -170,4 +170,43 @@ TEST(KeyTableLimits, InvalidConstantKeysEndFreeSoTheyNeverFillTheTable) {
   EXPECT_TRUE(cfg.HayCTE());
 }
 
+// The listing gives exactly the records the active-key protocol calls
+// complete, in key order whatever order they were taken in, and leaves the
+// active keys and the listeners alone.
+TEST_F(KeyTables, ListingGivesTheCompleteRecordsInKeyOrder) {
+  const auto dato = [&](emParamDato key, int pos, int size) {
+    cfg.DATOActivo(key);
+    cfg.DATOPos(static_cast<uint8_t>(pos));
+    cfg.DATOTam(static_cast<uint8_t>(size));
+  };
+  dato(emParamTelefonoSaliente, 20, 10);
+  dato(emParamDuracionMinutos, 5, 2);
+  dato(emParamFechaDia, 1, 0);  // no width: incomplete
+  dato(emParamFechaMes, 3, 2);
+  cfg.TipoDatoDATO(emValorNoDefinido);  // freed
+  cfg.CTEActivo(emDatoCteIdentSaliente);
+  cfg.CTEPos(9);
+  cfg.Constante(std::u16string(u"O\0K", 3));
+  cfg.CTEActivo(emDatoCteIdentEntrante);
+  cfg.Constante(u"I");  // no position: incomplete
+  cfg.DATOActivo(emParamFechaAnio);
+  const size_t sent = listener.events.size();
+
+  std::string listed;
+  for (const CampoDATO& f : cfg.ListaDATO()) {
+    listed += std::to_string(f.emParam) + ":" + std::to_string(f.btPos) + "," +
+              std::to_string(f.btTam) + "," + std::to_string(f.emTipo) + " ";
+  }
+  for (const CampoCTE& c : cfg.ListaCTE()) {
+    listed += std::to_string(c.emParam) + ":" + std::to_string(c.btPos) + "," +
+              std::to_string(c.btTam) + "," + AUtf8(c.cadTexto) + " ";
+  }
+  EXPECT_EQ(listed, std::to_string(emParamDuracionMinutos) + ":5,2,1 " +
+                        std::to_string(emParamTelefonoSaliente) + ":20,10,1 " +
+                        std::to_string(emDatoCteIdentSaliente) + ":9,2,OK ");
+  EXPECT_EQ(cfg.DATOActivo(), emParamFechaAnio);
+  EXPECT_EQ(cfg.CTEActivo(), emDatoCteIdentEntrante);
+  EXPECT_EQ(listener.events.size(), sent);
+}
+
 }  // namespace

@@ -7,11 +7,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "platform/reloj.h"
+#include "velqua/entorno.h"
 #include "velqua/velqua.h"
 
 namespace velqua_test {
@@ -52,23 +53,20 @@ class RecordingListener : public velqua::EventosCfgConmut {
   std::vector<std::string> events;
 };
 
-// Installs a fixed clock for the lifetime of the object.
+// A fixed instant and seed with the real files: the environment of the
+// translator tests, given to each translator they build (Env()).
 class FixedClock {
  public:
-  explicit FixedClock(velqua::plataforma::FechaHora now, uint32_t seed = 1) : clock_(now, seed) {
-    velqua::plataforma::EstableceReloj(&clock_);
-  }
-  ~FixedClock() { velqua::plataforma::EstableceReloj(nullptr); }
-  FixedClock(const FixedClock&) = delete;
-  FixedClock& operator=(const FixedClock&) = delete;
-  void Set(velqua::plataforma::FechaHora now) { clock_.Establece(now); }
+  explicit FixedClock(velqua::FechaHora now, uint32_t seed = 1)
+      : env_(std::make_shared<velqua::EntornoFijo>(now, seed)) {}
+  void Set(velqua::FechaHora now) { env_->EstableceAhora(now); }
+  std::shared_ptr<velqua::Entorno> Env() const { return env_; }
 
  private:
-  velqua::plataforma::RelojFijo clock_;
+  std::shared_ptr<velqua::EntornoFijo> env_;
 };
 
-inline velqua::plataforma::FechaHora At(int year, int month, int day, int hour, int minute,
-                                        int second) {
+inline velqua::FechaHora At(int year, int month, int day, int hour, int minute, int second) {
   return {year, month, day, hour, minute, second};
 }
 

@@ -35,7 +35,7 @@ class HostileRecords : public ::testing::Test {
  protected:
   FixedClock clock_{TestNow()};
   TempDir dir_;
-  clsTraductor tr_;
+  clsTraductor tr_{clock_.Env()};
 };
 
 TEST_F(HostileRecords, LinesFromEmptyToAMillionCharacters) {

@@ -160,6 +160,7 @@ TEST_F(AccountCodeExtension, BindingInCases10And11ReseedsTheRandomExtensions) {
   cfg_->Caso(kCase10);
   EXPECT_EQ(draws(), second);
   FixedClock other(TestNow(), 12345);
+  tr_.EstableceEntorno(other.Env());
   tr_.Conmutador(cfg_);
   EXPECT_NE(draws(), first);
 }

@@ -14,20 +14,10 @@ const std::string kHeader = "-------- 11/17/26 10:20:30 LINE = 0003 STN = 7425";
 
 class MultiLineRecord : public BoundTranslator {
  protected:
+  // The bundled Norstar layout, its lines joined with "|" here.
   MultiLineRecord() : BoundTranslator(emCasoNortelNorstar0x32SMDR6) {
-    SetField(*cfg_, emParamFechaMes, 10, 2);
-    SetField(*cfg_, emParamFechaDia, 13, 2);
-    SetField(*cfg_, emParamFechaAnio, 16, 2);
-    SetField(*cfg_, emParamFechaHoras, 19, 2);
-    SetField(*cfg_, emParamFechaMinutos, 22, 2);
-    SetField(*cfg_, emParamFechaSegundos, 25, 2);
-    SetText(*cfg_, emParamTroncalEntrante, 35, 4);
-    SetText(*cfg_, emParamExtensionEntrante, 46, 7);
-    SetField(*cfg_, emParamDuracionHoras, 1, 2);
-    SetField(*cfg_, emParamDuracionMinutos, 4, 2);
-    SetField(*cfg_, emParamDuracionSegundos, 7, 2);
-    SetText(*cfg_, emParamTelefonoEntrante, 24, 32);
-    SetText(*cfg_, emParamCodigoCuenta, 31, 10);
+    cfg_->Abrir(ExampleFile("norstar/norstar.cfg"));
+    cfg_->Separador(u"|");
   }
   void Write(const std::string& record) { tr_.LlamadaActual(U(record)); }
 };

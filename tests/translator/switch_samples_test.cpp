@@ -51,7 +51,7 @@ void Translate(std::shared_ptr<clsCfgConmut> cfg,
                const std::string& list = "") {
   FixedClock clock(TestNow());
   TempDir dir;
-  clsTraductor tr;
+  clsTraductor tr(clock.Env());
   tr.Conmutador(std::move(cfg));
   tr.ArchivoLlamadasError(dir.Path16("log.txt"));
   WriteFile(dir.Path("list.txt"), list);
@@ -154,15 +154,9 @@ TEST(SwitchSamples, MeridianStyleSingleLineRecords) {
 }
 
 TEST(SwitchSamples, NorstarMultiLineCalls) {
-  auto cfg = MakeConfig(emCasoNortelNorstar0x32SMDR6, u"\r\n");
+  auto cfg = std::make_shared<clsCfgConmut>();
+  cfg->Abrir(ExampleFile("norstar/norstar.cfg"));  // the bundled layout
   // clang-format off
-  Define(*cfg, {{10, 2, N, {emParamFechaMes}}, {13, 2, N, {emParamFechaDia}},
-                {16, 2, N, {emParamFechaAnio}}, {19, 2, N, {emParamFechaHoras}},
-                {22, 2, N, {emParamFechaMinutos}}, {25, 2, N, {emParamFechaSegundos}},
-                {35, 4, T, {emParamTroncalEntrante}}, {46, 7, T, {emParamExtensionEntrante}},
-                {1, 2, N, {emParamDuracionHoras}}, {4, 2, N, {emParamDuracionMinutos}},
-                {7, 2, N, {emParamDuracionSegundos}}, {24, 32, T, {emParamTelefonoEntrante}},
-                {31, 10, T, {emParamCodigoCuenta}}});
   Translate(cfg, {
       {"-------- 11/17/26 08:01:10 LINE = 0001 STN = 221|00:00:00 OUTGOING CALL|"
        "00:00:03 DIGITS DIALED 5551234|00:02:15 CALL RELEASED",

@@ -55,8 +55,14 @@ inline std::u16string Cols(std::initializer_list<std::pair<int, std::string>> pa
   return line;
 }
 
+// A file of the bundled switches (examples/), so that a test reads the
+// layout users get rather than a copy of it.
+inline std::u16string ExampleFile(const std::string& path) {
+  return U(std::string(VELQUA_EXAMPLES) + "/" + path);
+}
+
 // The default instant of the translator tests: 2026 Nov 18 09:05:03.
-inline velqua::plataforma::FechaHora TestNow() { return At(2026, 11, 18, 9, 5, 3); }
+inline velqua::FechaHora TestNow() { return At(2026, 11, 18, 9, 5, 3); }
 
 // The bytes the unrecognised-record log gets for one record, at TestNow().
 inline std::string LogEntry(const std::string& record,
@@ -94,7 +100,7 @@ inline std::string Summary(velqua::clsTraductor& tr) {
 class BoundTranslator : public ::testing::Test {
  protected:
   explicit BoundTranslator(velqua::emCasos caso = velqua::emCasoEstandar)
-      : clock_(TestNow()), cfg_(MakeConfig(caso, u"|")) {
+      : clock_(TestNow()), cfg_(MakeConfig(caso, u"|")), tr_(clock_.Env()) {
     tr_.Conmutador(cfg_);
     tr_.ArchivoLlamadasError(dir_.Path16("log.txt"));
   }

@@ -39,25 +39,16 @@ const char* TypeWordOrUndefined(int32_t tipo) {
 
 // The complete fields, then the complete constants, in key order. Restores
 // the active keys.
-std::vector<Entry> CompleteEntries(clsCfgConmut& cfg) {
-  const velqua::emParamDato dato = cfg.DATOActivo();
-  const velqua::emParamDatoConstante cte = cfg.CTEActivo();
+std::vector<Entry> CompleteEntries(const clsCfgConmut& cfg) {
   std::vector<Entry> entries;
-  for (int32_t key = velqua::emPrimerParamDato + 1; key < velqua::emUltimoParamDato; ++key) {
-    cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
-    if (!cfg.HayDATO()) continue;
-    entries.push_back({false, key, EnumNameOf(EnumKind::kParamDato, key), cfg.DATOPos(),
-                       cfg.DATOTam(), TypeWordOrUndefined(cfg.TipoDatoDATO())});
+  for (const velqua::CampoDATO& f : cfg.ListaDATO()) {
+    entries.push_back({false, f.emParam, EnumNameOf(EnumKind::kParamDato, f.emParam), f.btPos,
+                       f.btTam, TypeWordOrUndefined(f.emTipo)});
   }
-  for (int32_t key = velqua::emPrimerParamDatoConstante + 1;
-       key < velqua::emUltimoParamDatoConstante; ++key) {
-    cfg.CTEActivo(static_cast<velqua::emParamDatoConstante>(key));
-    if (!cfg.HayCTE()) continue;
-    entries.push_back({true, key, EnumNameOf(EnumKind::kParamDatoConstante, key), cfg.CTEPos(),
-                       cfg.CTETam(), U8(cfg.Constante())});
+  for (const velqua::CampoCTE& c : cfg.ListaCTE()) {
+    entries.push_back({true, c.emParam, EnumNameOf(EnumKind::kParamDatoConstante, c.emParam),
+                       c.btPos, c.btTam, U8(c.cadTexto)});
   }
-  cfg.DATOActivo(dato);
-  cfg.CTEActivo(cte);
   return entries;
 }
 

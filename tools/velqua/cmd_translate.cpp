@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -19,6 +20,34 @@
 
 namespace velqua_cli {
 namespace {
+
+// Set by SIGINT and SIGTERM once StopOnSignals has run: a followed input
+// then ends cleanly (its open call translated, the counts reported) instead
+// of the program being killed.
+volatile std::sig_atomic_t g_stop = 0;
+
+void Stop(int) { g_stop = 1; }
+
+void StopOnSignals() {
+  struct sigaction action {};
+  action.sa_handler = Stop;  // no SA_RESTART: a waiting poll returns
+  sigemptyset(&action.sa_mask);
+  sigaction(SIGINT, &action, nullptr);
+  sigaction(SIGTERM, &action, nullptr);
+}
+
+bool StopRequested() { return g_stop != 0; }
+
+// Waits, as `tail -F` does, until `path` exists (a record file the switch's
+// logger has not created yet), looking every 200 ms; false when SIGINT or
+// SIGTERM came first.
+bool WaitForFile(const std::string& path) {
+  while (::access(path.c_str(), F_OK) != 0) {
+    if (StopRequested()) return false;
+    ::usleep(200 * 1000);
+  }
+  return true;
+}
 
 // At most this many failed records are reported one by one.
 constexpr int64_t kReportedFailures = 20;
@@ -162,6 +191,7 @@ int RunTranslate(const TranslateOptions& options) {
   Translation translation(config.cfg, masked,
                           {options.errors_log, extensions, options.encoding == "utf-8", config.form,
                            !options.random_extensions});
+  translation.stop = [] { return StopRequested(); };
   translation.on_failure = [](const std::string& input, const Row& row) {
     static int64_t reported = 0;
     if (++reported > kReportedFailures) return;

@@ -41,7 +41,7 @@ using velqua_cli::UsageError;
 // library falls back to the current date and time for fields a switch does
 // not print, and stamps the unrecognised-record log with it).
 void InstallFixedClock(const std::string& text) {
-  velqua::plataforma::FechaHora now;
+  velqua::FechaHora now;
   char extra = 0;
   if (std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d%c", &now.intAnio, &now.intMes, &now.intDia,
                   &now.intHora, &now.intMinuto, &now.intSegundo, &extra) != 6 ||
@@ -50,7 +50,7 @@ void InstallFixedClock(const std::string& text) {
       now.intSegundo > 59) {
     throw UsageError("--now: expected \"YYYY-MM-DD HH:MM:SS\", got \"" + text + "\"");
   }
-  velqua_records::ProgramClock::Instance().Fix(now);
+  velqua_records::FixProgramNow(now);
 }
 
 // "translate, config, draw or switches": the program's commands in the order
@@ -133,7 +133,6 @@ int Run(int argc, char** argv) {
                  CommandNames(app).c_str());
     return 2;
   }
-  velqua_records::ProgramClock::Instance();  // the library reads the program's clock
   if (!now.empty()) InstallFixedClock(now);
   if (app.got_subcommand("translate")) return velqua_cli::RunTranslate(translate);
   if (app.got_subcommand("import")) return velqua_cli::RunImport(import);

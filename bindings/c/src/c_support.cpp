@@ -5,7 +5,6 @@
 #include <cstring>
 #include <new>
 
-#include "platform/errores_runtime.h"
 #include "velqua/error.h"
 #include "velqua/records/common.h"
 #include "velqua/texto.h"

@@ -1,6 +1,6 @@
 // The translator (clsTraductor) through the C interface.
 #include "c_support.h"
-#include "platform/errores_runtime.h"
+#include "velqua/error.h"
 
 using velqua::clsTraductor;
 using velqua_c::Get;

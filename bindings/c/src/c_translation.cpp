@@ -12,10 +12,6 @@ using velqua_c::Store;
 
 namespace {
 
-// The host clock goes in when the library is loaded, before a host's threads
-// can be reading the clock that it replaces.
-const bool kHostClock = (velqua_bindings::InstallHostClock(), true);
-
 velqua_bindings::Road::Settings SettingsOf(const velqua_translation_settings* s) {
   velqua_bindings::Road::Settings settings;
   if (s == nullptr) return settings;
@@ -64,7 +60,6 @@ extern "C" {
 int32_t velqua_translation_create(const velqua_cfg* cfg,
                                   const velqua_translation_settings* settings,
                                   velqua_translation** translation) {
-  (void)kHostClock;
   return Guard([&] {
     if (translation == nullptr) velqua_c::ThrowArgument();
     const velqua_bindings::ListenedConfig& held = velqua_c::Cfg(cfg);

@@ -2,60 +2,11 @@
 
 #include <cstdio>
 #include <cstring>
-#include <mutex>
 #include <utility>
 
-#include "platform/reloj.h"
-#include "velqua/records/clock.h"
 #include "velqua/records/common.h"
 
 namespace velqua_bindings {
-namespace {
-
-using velqua::plataforma::FechaHora;
-using velqua_records::ProgramClock;
-
-thread_local bool tOnRoad = false;
-
-std::mutex& RoadMutex() {
-  static std::mutex mutex;
-  return mutex;
-}
-
-class HostClock : public velqua::plataforma::Reloj {
- public:
-  FechaHora Ahora() const override {
-    return tOnRoad ? ProgramClock::Instance().Ahora() : system_.Ahora();
-  }
-  uint32_t SemillaTemporizador() const override {
-    return tOnRoad ? ProgramClock::Instance().SemillaTemporizador() : system_.SemillaTemporizador();
-  }
-
- private:
-  velqua::plataforma::RelojSistema system_;
-};
-
-// The calling thread on the road until the end of the scope.
-class OnRoad {
- public:
-  OnRoad() : lock_(RoadMutex()) { tOnRoad = true; }
-  ~OnRoad() { tOnRoad = false; }
-
- private:
-  std::lock_guard<std::mutex> lock_;
-};
-
-}  // namespace
-
-void InstallHostClock() {
-  static const bool installed = [] {
-    static const HostClock clock;
-    ProgramClock::Instance();  // installs itself, once: the host clock replaces it
-    velqua::plataforma::EstableceReloj(&clock);
-    return true;
-  }();
-  (void)installed;
-}
 
 class Road::Collector : public velqua_records::RowSink {
  public:
@@ -74,10 +25,8 @@ Road::Road(std::shared_ptr<velqua::clsCfgConmut> cfg, const Settings& settings)
   if (!settings.errors_log.empty()) {
     velqua_records::RequireAppendableFile(settings.errors_log, "error log");
   }
-  InstallHostClock();
 }
 
-// Called on the road: the translator's first seeds come from the road's clock.
 void Road::Start() {
   if (translation_ != nullptr) return;
   translation_ = std::make_unique<velqua_records::Translation>(
@@ -112,7 +61,6 @@ size_t LineEnd(std::string_view bytes) {
 // may have no end (Finish).
 void Road::Write(std::string_view bytes, std::vector<Row>* rows) {
   if (bytes.empty()) return;
-  const OnRoad on_road;
   Start();
   collector_->rows = rows;
   while (!bytes.empty()) {
@@ -140,7 +88,6 @@ void Road::Write(std::string_view bytes, std::vector<Row>* rows) {
 }
 
 void Road::Finish(std::vector<Row>* rows) {
-  const OnRoad on_road;
   Start();
   collector_->rows = rows;
   if (!pending_.empty()) Line(pending_);

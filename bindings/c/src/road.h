@@ -2,6 +2,8 @@
 // stream in, the rows of `velqua translate` out (velqua_records::Translation),
 // fed block by block. The C interface's velqua_translation and Python's
 // velqua.translate are built on it, so every host gets the program's rows.
+// Each road has its own translation and clock: any number of roads may run
+// at once, on any threads, one thread per road at a time.
 #pragma once
 
 #include <cstdint>
@@ -62,13 +64,5 @@ class Road {
   int64_t offset_ = 0;     // of the next line's first byte in the input
   bool after_cr_ = false;  // the last line ended with a CR: an LF next belongs to it
 };
-
-// Makes the library's clock the program's one only for the thread on the
-// road, and one road at a time: the program's clock (the frozen instant of a
-// record, the instants that tell printed fields from filled ones, the fixed
-// seed of drawn extensions) is one for the process, while hosts also use the
-// classes directly, on any thread, with the system's clock and seed.
-// Installed once, on the first road, or at load time in the shared library.
-void InstallHostClock();
 
 }  // namespace velqua_bindings

@@ -100,7 +100,6 @@ void SetPythonError(std::exception_ptr error) {
 PYBIND11_MODULE(_velqua, m) {
   namespace py = pybind11;
   using namespace velqua_python;
-  velqua_bindings::InstallHostClock();
   py::register_exception_translator([](std::exception_ptr error) {
     try {
       std::rethrow_exception(error);
@@ -115,4 +114,5 @@ PYBIND11_MODULE(_velqua, m) {
   BindConfig(m);
   BindTranslator(m);
   BindCalls(m);
+  BindReadCalls(m);
 }

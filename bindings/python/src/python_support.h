@@ -12,7 +12,7 @@
 #include <type_traits>
 
 #include "listened_config.h"
-#include "platform/errores_runtime.h"
+#include "velqua/error.h"
 
 namespace velqua_python {
 
@@ -76,5 +76,6 @@ std::shared_ptr<PyConfig> Load(const py::object& path);
 void BindConfig(py::module_& m);
 void BindTranslator(py::module_& m);
 void BindCalls(py::module_& m);
+void BindReadCalls(py::module_& m);
 
 }  // namespace velqua_python

@@ -216,4 +216,4 @@ def test_the_classes_keep_the_system_seed_beside_a_translation():
     args = [sys.executable, "-c", DRAWS, str(EXAMPLES / "kx-tda" / "records.txt"),
             str(EXAMPLES / "kx-tda" / "kx-tda.cfg")]
     draws = [subprocess.run(args, capture_output=True, check=True, text=True).stdout for _ in range(2)]
-    assert draws[0] != draws[1]  # drawn anew in every run, as hosts expect
+    assert draws[0] != draws[1]  # drawn anew in every run: the system seed

@@ -2,7 +2,9 @@
 import datetime
 import os
 from enum import IntEnum
-from typing import Callable, Iterable, Iterator, NamedTuple, Optional, Union
+from typing import BinaryIO, Callable, Iterable, Iterator, NamedTuple, Optional, TextIO, Union
+
+import pandas
 
 _Path = Union[str, os.PathLike[str]]
 
@@ -154,6 +156,15 @@ def translate(
     year: Optional[int] = None,
     errors: Optional[_Path] = None,
 ) -> Translation: ...
+def read_calls(
+    source: Union[bytes, bytearray, _Path, BinaryIO, TextIO],
+    config: Union[clsCfgConmut, _Path],
+    extensions: Optional[_Path] = None,
+    *,
+    encoding: Optional[str] = None,
+    year: Optional[int] = None,
+    errors: Optional[_Path] = None,
+) -> pandas.DataFrame: ...
 
 class emVersionConfiguracion(IntEnum):
     emNoVersion = 0

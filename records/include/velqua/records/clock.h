@@ -1,9 +1,9 @@
-// The program's clock, and what it tells about a record: which date and time
-// components the switch printed.
+// The clock of one translation, and what it tells about a record: which
+// date and time components the switch printed.
 //
 // The library fills a date or time component a record does not print (no
-// seconds, no year, no date at all) from the current clock, by design: hosts
-// rely on always getting a value. The program must not present those values as
+// seconds, no year, no date at all) from its environment's clock, by design:
+// a host always gets a value. The program must not present those values as
 // the switch's, so after reading a record it reads the date and the time again
 // under two probe instants that differ in every component: a component that
 // changes with the clock was not printed. The clock is frozen for the whole of
@@ -11,14 +11,17 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <string>
+#include <string_view>
 
-#include "platform/reloj.h"
+#include "velqua/entorno.h"
 #include "velqua/traductor.h"
 
 namespace velqua_records {
 
-using velqua::plataforma::FechaHora;
+using velqua::FechaHora;
 
 // The date and time components a record printed (a bit each).
 enum PrintedPart : uint8_t {
@@ -31,22 +34,29 @@ enum PrintedPart : uint8_t {
   kPrintedAll = 63,
 };
 
-// The clock the library reads while the program runs: the system clock, or a
-// fixed instant (the hidden --now option), or a probe instant while
-// PrintedParts asks. Installed in the library by Install().
-class ProgramClock : public velqua::plataforma::Reloj {
+// The environment a Translation gives its translator: the files of a base
+// environment, and its clock unless an instant is fixed; a seed that is
+// always 1, so that the extensions drawn for unlisted account codes come out
+// the same on every run; an instant frozen for each record; probe instants
+// while PrintedParts asks. One per translation: translations on different
+// threads never share one.
+class ProgramClock : public velqua::Entorno {
  public:
-  // The clock of the program, installed in the library on first use.
-  static ProgramClock& Instance();
+  // base: nullptr is the real environment. fixed: the instant every read
+  // gives (the hidden --now option, tests), or none for the base's clock.
+  explicit ProgramClock(std::shared_ptr<velqua::Entorno> base = nullptr,
+                        std::optional<FechaHora> fixed = std::nullopt);
 
-  void Fix(const FechaHora& now) { fixed_ = now; }
-  // The current date and time (fixed or system), never a probe instant.
+  // The current date and time (fixed or the base's), never a probe instant.
   FechaHora Now() const;
 
   // The probe instant while probing, else the frozen instant, else Now().
   FechaHora Ahora() const override;
-  // The random generator's seed: always the same (see the .cpp).
-  uint32_t SemillaTemporizador() const override;
+  uint32_t Semilla() const override { return 1; }
+  std::unique_ptr<velqua::LectorArchivo> AbreLectura(const std::u16string& name) override;
+  bool AnexaArchivo(const std::u16string& name, std::string_view bytes) override;
+  bool RenombraArchivo(const std::u16string& from, const std::u16string& to) override;
+  int64_t LongitudArchivo(const std::u16string& name) override;
 
   // Holds the current instant until Thaw: one record's reads all see it.
   void Freeze();
@@ -58,16 +68,23 @@ class ProgramClock : public velqua::plataforma::Reloj {
   // Which components of the translator's current record were printed, given
   // its date and time as read under the frozen clock: they are read once
   // more under an instant that differs in every component. The translator
-  // must hold a recognised record. Leaves the clock as it was.
+  // must hold a recognised record and run in this environment. Leaves the
+  // clock as it was.
   uint8_t PrintedParts(velqua::clsTraductor& traductor, const DateTime& read);
 
  private:
-  ProgramClock() = default;
-
+  std::shared_ptr<velqua::Entorno> base_;
   std::optional<FechaHora> fixed_;
   std::optional<FechaHora> probe_;
   std::optional<FechaHora> frozen_;
 };
+
+// The program's instant: what the hidden --now option fixed for the whole
+// run (set once at start-up, before any translation), else none.
+void FixProgramNow(const FechaHora& now);
+std::optional<FechaHora> ProgramFixedNow();
+// The program's current date and time: the fixed instant, else the system's.
+FechaHora ProgramNow();
 
 // The year of a record whose switch prints no year: the year it was received
 // in, or the year before when its month and day lie after the day it was

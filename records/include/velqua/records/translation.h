@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,11 @@ class Translation {
     // no call is charged to an extension that does not exist. The program,
     // the store and the capture service set it unless told otherwise.
     bool blank_random_extensions = false;
+    // The files and clock the translation works with (nullptr: the real
+    // ones), and the instant it reads as now (none: the program's fixed
+    // instant, else the environment's clock).
+    std::shared_ptr<velqua::Entorno> environment = nullptr;
+    std::optional<FechaHora> now = std::nullopt;
   };
 
   // Binds a translator to `cfg`; rows go to `sink`.
@@ -68,6 +74,11 @@ class Translation {
   // Called for the first line of the run that is not well-formed UTF-8
   // (with utf8 set): input name, and the number the record it starts gets.
   std::function<void(const std::string&, int64_t)> on_invalid_utf8;
+
+  // Asked while a live input waits for bytes: true ends it cleanly (its open
+  // call translated, the counts reported), as the program does on SIGINT
+  // and SIGTERM. Unset: a live input ends only with its source.
+  std::function<bool()> stop;
 
   // Called for each page-heading line skipped (input name, the line as
   // decoded, its byte offset), so that a caller keeping raw input keeps
@@ -135,6 +146,7 @@ class Translation {
   bool FinishCall();
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
+  std::shared_ptr<ProgramClock> clock_;
   velqua::clsTraductor traductor_;
   std::unique_ptr<CallGatherer> gatherer_;
   RowSink& sink_;
@@ -163,14 +175,5 @@ class Translation {
 // When the records of a file were received: 31 December of `year` when it is
 // above 0, else the file's modification time ("-": the clock's now).
 FechaHora ReceivedAt(const std::string& path, int32_t year);
-
-// From now on SIGINT and SIGTERM end a followed input cleanly (its open call
-// translated, the counts reported) instead of killing the program.
-void StopOnSignals();
-
-// Waits, as `tail -F` does, until `path` exists (a record file the switch's
-// logger has not created yet), looking every 200 ms; false when SIGINT or
-// SIGTERM came first (after StopOnSignals).
-bool WaitForFile(const std::string& path);
 
 }  // namespace velqua_records

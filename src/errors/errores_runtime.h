@@ -1,15 +1,12 @@
-// The standard runtime errors 6, 9, 13 and 91, raised as
-// velqua::Error with source "Velqua", and checked integer helpers.
+// Checked integer helpers: each fails with the runtime error 6 (overflow,
+// velqua/error.h) where the stored type cannot hold the result.
 #pragma once
 
 #include <cstdint>
 
-namespace velqua {
+#include "velqua/error.h"
 
-[[noreturn]] void LanzaDesbordamiento();          // 6, overflow
-[[noreturn]] void LanzaIndiceFueraDeIntervalo();  // 9, subscript out of range
-[[noreturn]] void LanzaTiposNoCoinciden();        // 13, type mismatch
-[[noreturn]] void LanzaObjetoNoEstablecido();     // 91, object not set
+namespace velqua {
 
 // a + b for 8-bit unsigned operands: a field's or constant's position plus
 // its width above 255 overflows the byte the record keeps, error 6.

@@ -1,4 +1,4 @@
-#include "platform/errores_runtime.h"
+#include "errors/errores_runtime.h"
 
 #include <cstdint>
 

@@ -1,0 +1,114 @@
+// The translator's environment: its clock, seed and files come from the
+// Entorno it was given, never from anything shared by the process, so
+// translators with different environments run side by side, on any threads.
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "translator/translator_support.h"
+
+namespace velqua_test {
+namespace {
+
+using namespace velqua;
+
+// A KX-TDA case-10 configuration: O/I in column 1, extension or account code
+// 3-7, duration 11-12 and 14-15, the date's day, month and hour in 17-18,
+// 20-21 and 23-24.
+std::shared_ptr<clsCfgConmut> AccountCodeConfig() {
+  auto cfg = MakeConfig(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100, u"|");
+  SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
+  SetText(*cfg, emParamExtensionSaliente, 3, 5);
+  SetText(*cfg, emParamCodigoCuenta, 3, 5);
+  SetField(*cfg, emParamDuracionMinutos, 11, 2);
+  SetField(*cfg, emParamDuracionSegundos, 14, 2);
+  return cfg;
+}
+
+TEST(TranslatorEnvironment, LogAndListAreTheEnvironmentsFiles) {
+  auto env = std::make_shared<EntornoMemoria>(At(2026, 2, 3, 4, 5, 6));
+  env->EscribeArchivo(u"lista", "77;301\r\n9;302");
+  clsTraductor tr(env);
+  tr.Conmutador(AccountCodeConfig());
+  tr.ArchivoListaExtensionesKXTDA(u"lista");
+  tr.ArchivoLlamadasError(u"log");
+  const struct {
+    const char16_t* line;
+    const char16_t* extension;
+  } rows[] = {{u"O *77     01:00", u"301"}, {u"O *9      01:00", u"302"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(AUtf8(row.line));
+    tr.LlamadaActual(row.line);
+    EXPECT_EQ(tr.Extension(), row.extension);
+  }
+  tr.LlamadaActual(u"x");
+  tr.LlamadaActual(u"y");
+  EXPECT_EQ(env->Contenido(u"log"),
+            LogEntry("x", "2026 Feb 03 04:05:06") + LogEntry("y", "2026 Feb 03 04:05:06"));
+  EXPECT_EQ(env->LongitudArchivo(u"lista"), 13);
+}
+
+// The seed is the environment's: equal seeds draw equal extensions for an
+// unlisted code, whatever other translators do meanwhile.
+TEST(TranslatorEnvironment, DrawsFollowTheEnvironmentsSeed) {
+  const auto draws = [](uint32_t seed) {
+    clsTraductor tr(std::make_shared<EntornoMemoria>(At(2026, 1, 1, 0, 0, 0), seed));
+    tr.Conmutador(AccountCodeConfig());
+    std::u16string out;
+    for (int i = 0; i < 4; ++i) {
+      tr.LlamadaActual(u"O *5      01:00");
+      out += tr.Extension() + u",";
+    }
+    return out;
+  };
+  EXPECT_EQ(draws(7), draws(7));
+  EXPECT_NE(draws(7), draws(8));
+}
+
+// Two translators on two threads, each with its own clock: a record without
+// a date reads each translator's own day, never the other's.
+TEST(TranslatorEnvironment, ThreadsReadTheirOwnClocks) {
+  auto cfg = MakeConfig(emCasoEstandar, u"|");
+  SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
+  SetField(*cfg, emParamDuracionMinutos, 3, 2);
+  SetField(*cfg, emParamDuracionSegundos, 6, 2);
+  std::vector<int> failures(2, 0);
+  std::vector<std::thread> threads;
+  for (int k = 0; k < 2; ++k) {
+    threads.emplace_back([&, k] {
+      const int day = 10 + k;
+      clsTraductor tr(std::make_shared<EntornoFijo>(At(2026, 5, day, 8, 0, 0)));
+      tr.Conmutador(cfg);
+      for (int i = 0; i < 20000; ++i) {
+        tr.LlamadaActual(u"O 01:00");
+        if (tr.Dia() != day || tr.Hora() != Hms(8, 0, 0)) ++failures[static_cast<size_t>(k)];
+      }
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(failures, std::vector<int>({0, 0}));
+}
+
+TEST(MemoryEnvironment, FilesBehaveAsNamed) {
+  EntornoMemoria env;
+  EXPECT_TRUE(env.AbreLectura(u"a") == nullptr);
+  EXPECT_EQ(env.LongitudArchivo(u"a"), -1);
+  EXPECT_FALSE(env.AnexaArchivo(u"", "x"));
+  EXPECT_TRUE(env.AnexaArchivo(u"a", "12"));
+  EXPECT_TRUE(env.AnexaArchivo(u"a", "3"));
+  EXPECT_TRUE(env.RenombraArchivo(u"a", u"b"));
+  EXPECT_FALSE(env.RenombraArchivo(u"a", u"c"));
+  const std::unique_ptr<LectorArchivo> in = env.AbreLectura(u"b");
+  ASSERT_TRUE(in != nullptr);
+  env.EscribeArchivo(u"b", "changed");  // the reader keeps what was there
+  char bytes[8] = {};
+  EXPECT_EQ(in->Lee(bytes, 2), 2u);
+  EXPECT_EQ(in->Lee(bytes + 2, 8), 1u);
+  EXPECT_EQ(in->Lee(bytes, 8), 0u);
+  EXPECT_EQ(std::string(bytes, 3), "123");
+  EXPECT_EQ(env.LongitudArchivo(u"b"), 7);
+}
+
+}  // namespace
+}  // namespace velqua_test
