@@ -8,6 +8,7 @@
 #include <string>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/velqua.h"
 
 namespace velqua_fuzz_abrir {
@@ -61,7 +62,7 @@ inline void GuardaYReabre(velqua::clsCfgConmut& cfg) {
   }
 }
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   const std::string ruta = velqua_fuzz::RutaTemporal("entrada.cfg");
   velqua_fuzz::EscribeArchivo(ruta, datos, tam);
   velqua::clsCfgConmut cfg;
@@ -76,5 +77,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_abrir
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_abrir::Ejecuta)

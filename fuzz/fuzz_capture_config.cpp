@@ -7,11 +7,12 @@
 #include <string>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/capture/settings.h"
 
 namespace velqua_fuzz_capture_config {
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   const std::string text(reinterpret_cast<const char*>(datos), tam);
   try {
     velqua_capture::ParseSettings(text, "fuzz.toml");
@@ -24,5 +25,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_capture_config
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_capture_config::Ejecuta)

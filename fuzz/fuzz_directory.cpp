@@ -6,11 +6,12 @@
 #include <string>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/rating/directory.h"
 
 namespace velqua_fuzz_directory {
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   const std::string text(reinterpret_cast<const char*>(datos), tam);
   try {
     for (const auto& entry : velqua_rating::ReadDirectory(text, "fuzz.csv")) {
@@ -25,5 +26,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_directory
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_directory::Ejecuta)

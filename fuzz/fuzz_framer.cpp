@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/records/framer.h"
 
 namespace velqua_fuzz_framer {
@@ -60,7 +61,7 @@ inline std::vector<std::string> Reference(const std::string& s) {
   return lines;
 }
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   if (tam == 0) return 0;
   const uint8_t options = datos[0];
   const std::string input(reinterpret_cast<const char*>(datos + 1), tam - 1);
@@ -99,5 +100,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_framer
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_framer::Ejecuta)

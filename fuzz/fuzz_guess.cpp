@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/cfg_conmut.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_json.h"
@@ -17,7 +18,7 @@
 
 namespace velqua_fuzz_guess {
 
-inline int Run(const uint8_t* data, size_t size) {
+int Run(const uint8_t* data, size_t size) {
   const std::string input(reinterpret_cast<const char*>(data), std::min<size_t>(size, 20000));
   std::vector<std::u16string> lines;
   for (size_t at = 0; at < input.size() && lines.size() < 200;) {
@@ -42,5 +43,3 @@ inline int Run(const uint8_t* data, size_t size) {
 }
 
 }  // namespace velqua_fuzz_guess
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_guess::Run)

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/velqua.h"
 
 namespace velqua_fuzz_importar {
@@ -15,7 +16,7 @@ inline bool EnBlanco(const std::u16string& cad) {
   return cad.find_first_not_of(u' ') == std::u16string::npos;
 }
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   const std::string ruta = velqua_fuzz::RutaTemporal("entrada.ini");
   velqua_fuzz::EscribeArchivo(ruta, datos, tam);
   velqua::clsCfgConmut cfg;
@@ -55,5 +56,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_importar
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_importar::Ejecuta)

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/records/record_reader.h"
 
 namespace velqua_fuzz_lector {
@@ -92,7 +93,7 @@ inline void Reune(const std::vector<std::string>& lineas, const std::u16string& 
   if (obtenido != esperado) velqua_fuzz::Hallazgo("gathered calls lost or changed lines");
 }
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   if (tam == 0) {
     std::string vacio;
     std::vector<int64_t> offsets;
@@ -119,5 +120,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_lector
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_lector::Ejecuta)

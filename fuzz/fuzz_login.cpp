@@ -11,11 +11,12 @@
 #include <vector>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/capture/login_script.h"
 
 namespace velqua_fuzz_login {
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   if (tam == 0) return 0;
   const size_t steps = 1 + datos[0] % 3;
   const size_t piece = 1 + datos[0] / 3;
@@ -57,5 +58,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_login
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_login::Ejecuta)

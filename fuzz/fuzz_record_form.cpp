@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/cfg_conmut.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_json.h"
@@ -36,7 +37,9 @@ inline velqua_records::RecordForm Fallback(uint8_t choice) {
     using velqua_records::FieldPart;
     using velqua_records::FieldRule;
     using velqua_records::FieldTest;
-    const FieldTest test{FieldPart{0, u"", u"", 0}, {u"?*"}, false, false};
+    FieldTest test;
+    test.part = FieldPart{0, u"", u"", 0};
+    test.patterns = {u"?*"};
     form.fields.derived = {{"r",
                             3,
                             {FieldRule{{test}, true, FieldPart{3, u"", u"-", 1}, u""},
@@ -84,7 +87,7 @@ struct Count : velqua_records::RowSink {
   int64_t rows = 0;
 };
 
-inline int Run(const uint8_t* data, size_t size) {
+int Run(const uint8_t* data, size_t size) {
   const std::string input(reinterpret_cast<const char*>(data), size);
   const size_t end = input.find('\n');
   const std::string member = input.substr(0, end);
@@ -122,5 +125,3 @@ inline int Run(const uint8_t* data, size_t size) {
 }
 
 }  // namespace velqua_fuzz_record_form
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_record_form::Run)

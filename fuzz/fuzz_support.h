@@ -1,7 +1,6 @@
 // Shared helpers of the libFuzzer targets: a fixed environment so
 // that every run is deterministic, and a private temporary folder for the
-// files the targets hand to the library. Header-only, so that the replay test
-// (tests/fuzz/corpus_replay_test.cpp) can compile the targets into one program.
+// files the targets hand to the library. Header-only: each target's source includes it.
 #pragma once
 
 #include <unistd.h>
@@ -75,14 +74,3 @@ inline void EscribeArchivo(const std::string& ruta, const uint8_t* datos, size_t
 }
 
 }  // namespace velqua_fuzz
-
-// Each target defines its entry point through this macro; the replay test
-// defines VELQUA_FUZZ_SIN_ENTRADA and calls the namespaced function instead.
-#ifdef VELQUA_FUZZ_SIN_ENTRADA
-#define VELQUA_FUZZ_ENTRADA(funcion)
-#else
-#define VELQUA_FUZZ_ENTRADA(funcion)                                        \
-  extern "C" int LLVMFuzzerTestOneInput(const uint8_t* datos, size_t tam) { \
-    return funcion(datos, tam);                                             \
-  }
-#endif

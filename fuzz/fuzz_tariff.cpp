@@ -7,6 +7,7 @@
 #include <string>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/rating/pricing.h"
 
 namespace velqua_fuzz_tariff {
@@ -31,7 +32,7 @@ inline void PriceSome(const velqua_rating::Tariff& tariff) {
   }
 }
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   const std::string text(reinterpret_cast<const char*>(datos), tam);
   try {
     PriceSome(velqua_rating::LoadTariff(text, "fuzz.toml"));
@@ -44,5 +45,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_tariff
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_tariff::Ejecuta)

@@ -19,6 +19,7 @@
 #include <system_error>
 
 #include "fuzz_support.h"
+#include "targets.h"
 #include "velqua/velqua.h"
 
 namespace velqua_fuzz_traductor {
@@ -151,7 +152,7 @@ inline void Traduce(velqua::clsTraductor& trad, const velqua::clsCfgConmut& cfg,
   LeePropiedades(trad, emC == 10 || emC == 11);
 }
 
-inline int Ejecuta(const uint8_t* datos, size_t tam) {
+int Ejecuta(const uint8_t* datos, size_t tam) {
   Lector in(datos, tam);
   std::shared_ptr<velqua::clsCfgConmut> cfg = Configuracion(in);
   const uint8_t btOpciones = in.Byte();
@@ -195,5 +196,3 @@ inline int Ejecuta(const uint8_t* datos, size_t tam) {
 }
 
 }  // namespace velqua_fuzz_traductor
-
-VELQUA_FUZZ_ENTRADA(velqua_fuzz_traductor::Ejecuta)

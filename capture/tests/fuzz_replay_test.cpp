@@ -3,11 +3,8 @@
 #include <filesystem>
 #include <string>
 
-#define VELQUA_FUZZ_SIN_ENTRADA
-#include "../../fuzz/fuzz_capture_config.cpp"
-#include "../../fuzz/fuzz_framer.cpp"
-#include "../../fuzz/fuzz_login.cpp"
-#include "../../fuzz/replay_corpus.h"
+#include "replay_corpus.h"
+#include "targets.h"
 
 namespace {
 

@@ -141,6 +141,11 @@ TEST(Settings, MistakesAreNamedByFileLineAndKey) {
       {"kind = \"serial\"", "kind = \"usb\"",
        "23: switch[0].source[1].kind: \"usb\" is not one of"},
       {"[[switch]]", "[switch]", "4: switch: must be [[switch]] tables"},
+      // A retry at once would spin on a switch that refuses every connection.
+      {"port = 2300", "port = 2300\nretry_min = \"0ms\"",
+       "13: switch[0].source[0].retry_max: retry_min must be above zero"},
+      {"port = 2300", "port = 2300\nretry_min = \"2s\"\nretry_max = \"1s\"",
+       "19: switch[0].source[0].retry_max: retry_min must be above zero"},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.to);

@@ -163,6 +163,59 @@ TEST(Spool, DamageInsideAnOlderSegmentSkipsTheRestOfIt) {
   EXPECT_EQ(entries.back().bytes, "data 7");
 }
 
+// A segment whose header is cut short or is not its own is never read as
+// records: the reader says so and goes on with the next segment, and a
+// writer finding it last removes it whole.
+TEST(Spool, ASegmentWithoutItsHeaderIsSkipped) {
+  struct Case {
+    const char* name;
+    size_t keep;  // bytes of the segment kept
+    int flip;     // a header byte replaced (-1: none)
+  } const cases[] = {
+      {"only the magic", 8, -1}, {"half the first position", 12, -1}, {"an empty file", 0, -1},
+      {"another magic", 64, 3},  {"another first position", 64, 10},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const std::string dir = velqua_capture_test::TempDir("spool-header");
+    {
+      SpoolWriter writer(dir, FsyncPolicy::kNever, [](const std::string&) {});
+      writer.set_segment_bytes(80);
+      for (int i = 0; i < 10; ++i)
+        writer.Append(SpoolKind::kData, "pbx", i, "data " + std::to_string(i));
+    }
+    const auto segments = ListSegments(dir);
+    ASSERT_GE(segments.size(), 3u);
+    const std::string middle = segments[1].second;
+    std::filesystem::resize_file(middle,
+                                 std::min<uintmax_t>(c.keep, std::filesystem::file_size(middle)));
+    if (c.flip >= 0) {
+      std::fstream f(middle, std::ios::in | std::ios::out | std::ios::binary);
+      f.seekp(c.flip);
+      f.put('#');
+    }
+    const auto kept = static_cast<int64_t>(std::filesystem::file_size(middle));
+    std::string log;
+    const std::vector<SpoolEntry> entries = ReadAll(dir, 0, &log);
+    EXPECT_NE(log.find("segment " + middle + " has no valid header: skipped"), std::string::npos)
+        << log;
+    ASSERT_FALSE(entries.empty());
+    for (const SpoolEntry& e : entries) {
+      EXPECT_TRUE(e.position < segments[1].first || e.position >= segments[2].first) << e.position;
+    }
+    EXPECT_EQ(entries.back().bytes, "data 9");
+
+    // Last in the folder, it is the writer's torn tail: removed, and its
+    // positions never given again.
+    for (size_t i = 2; i < segments.size(); ++i) std::filesystem::remove(segments[i].second);
+    std::string cut;
+    SpoolWriter writer(dir, FsyncPolicy::kNever, [&cut](const std::string& line) { cut += line; });
+    EXPECT_EQ(c.keep == 0, cut.empty()) << cut;
+    EXPECT_FALSE(std::filesystem::exists(middle) && c.keep > 0);
+    EXPECT_GE(writer.Append(SpoolKind::kData, "pbx", 9, "after"), segments[1].first + kept);
+  }
+}
+
 TEST(Spool, ReleaseDeletesOnlyWhollyPassedSegments) {
   const std::string dir = velqua_capture_test::TempDir("spool-release");
   SpoolWriter writer(dir, FsyncPolicy::kNever, [](const std::string&) {});

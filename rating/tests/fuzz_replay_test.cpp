@@ -2,10 +2,8 @@
 #include <filesystem>
 #include <string>
 
-#define VELQUA_FUZZ_SIN_ENTRADA
-#include "../../fuzz/fuzz_directory.cpp"
-#include "../../fuzz/fuzz_tariff.cpp"
-#include "../../fuzz/replay_corpus.h"
+#include "replay_corpus.h"
+#include "targets.h"
 
 namespace {
 

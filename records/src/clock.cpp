@@ -1,6 +1,12 @@
 #include "velqua/records/clock.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cstring>
 #include <utility>
+
+#include "velqua/records/common.h"
 
 namespace velqua_records {
 namespace {
@@ -23,6 +29,22 @@ FechaHora ProbeFor(const FechaHora& now) {
   return p;
 }
 
+// A kept file's bytes, read as a file.
+class KeptReader : public velqua::LectorArchivo {
+ public:
+  explicit KeptReader(std::shared_ptr<const std::string> bytes) : bytes_(std::move(bytes)) {}
+  std::size_t Lee(char* out, std::size_t max) override {
+    const std::size_t n = std::min(max, bytes_->size() - at_);
+    std::memcpy(out, bytes_->data() + at_, n);
+    at_ += n;
+    return n;
+  }
+
+ private:
+  std::shared_ptr<const std::string> bytes_;
+  std::size_t at_ = 0;
+};
+
 // The step of one time component between two readings whose seconds and
 // minutes each moved by -1, 0 or +1: the remainder of `diff` by `unit`,
 // taken as -1, 0 or +1.
@@ -33,8 +55,16 @@ int64_t Step(int64_t diff, int64_t unit) {
 
 }  // namespace
 
+struct ProgramClock::Kept {
+  std::u16string name;
+  struct stat st;
+  std::shared_ptr<const std::string> bytes;
+};
+
 ProgramClock::ProgramClock(std::shared_ptr<velqua::Entorno> base, std::optional<FechaHora> fixed)
-    : base_(base ? std::move(base) : velqua::EntornoSistema()), fixed_(fixed) {}
+    : base_(base ? std::move(base) : velqua::EntornoSistema()),
+      real_files_(base_ == velqua::EntornoSistema()),
+      fixed_(fixed) {}
 
 FechaHora ProgramClock::Ahora() const {
   if (probe_) return *probe_;
@@ -45,7 +75,30 @@ FechaHora ProgramClock::Ahora() const {
 FechaHora ProgramClock::Now() const { return fixed_ ? *fixed_ : base_->Ahora(); }
 
 std::unique_ptr<velqua::LectorArchivo> ProgramClock::AbreLectura(const std::u16string& name) {
-  return base_->AbreLectura(name);
+  const std::string path = U8(name);
+  struct stat st {};
+  if (!real_files_ || path.find('\0') != std::string::npos || ::stat(path.c_str(), &st) != 0 ||
+      !S_ISREG(st.st_mode) || st.st_size > kKeptBytes) {
+    return base_->AbreLectura(name);
+  }
+  if (kept_ != nullptr && kept_->name == name && kept_->st.st_dev == st.st_dev &&
+      kept_->st.st_ino == st.st_ino && kept_->st.st_size == st.st_size &&
+      kept_->st.st_mtim.tv_sec == st.st_mtim.tv_sec &&
+      kept_->st.st_mtim.tv_nsec == st.st_mtim.tv_nsec) {
+    return std::make_unique<KeptReader>(kept_->bytes);
+  }
+  std::unique_ptr<velqua::LectorArchivo> file = base_->AbreLectura(name);
+  if (file == nullptr) return nullptr;
+  auto bytes = std::make_shared<std::string>();
+  char block[65536];
+  for (std::size_t n; (n = file->Lee(block, sizeof block)) > 0;) bytes->append(block, n);
+  // Changed while read: read again next time.
+  if (static_cast<int64_t>(bytes->size()) == st.st_size) {
+    kept_ = std::make_shared<Kept>(Kept{name, st, bytes});
+  } else {
+    kept_.reset();
+  }
+  return std::make_unique<KeptReader>(std::move(bytes));
 }
 
 bool ProgramClock::AnexaArchivo(const std::u16string& name, std::string_view bytes) {

@@ -1,10 +1,8 @@
 // The record form's and the guess's fuzz corpora, replayed by every test run.
 #include <filesystem>
 
-#define VELQUA_FUZZ_SIN_ENTRADA
-#include "../../fuzz/fuzz_guess.cpp"
-#include "../../fuzz/fuzz_record_form.cpp"
-#include "../../fuzz/replay_corpus.h"
+#include "replay_corpus.h"
+#include "targets.h"
 
 namespace {
 

@@ -238,5 +238,52 @@ TEST(Translation, RowsCarryTheirRecordsOffsetAndText) {
   }
 }
 
+// The extension list is read through the translation's environment, which
+// keeps it in memory between lookups: an edit still counts at the next
+// record, whether it changes the list's size or only its modification time,
+// and a list removed counts as none.
+TEST(Translation, AnEditedExtensionListCountsAtTheNextRecord) {
+  struct Extensions : RowSink {
+    std::vector<std::string> seen;
+    void Write(const Row& row) override { seen.push_back(U8(row.extension)); }
+  } sink;
+  const std::string list = std::string(VELQUA_RECORDS_TEST_TMP) + "/extensions-edited.txt";
+  std::filesystem::create_directories(VELQUA_RECORDS_TEST_TMP);
+  std::ofstream(list, std::ios::binary) << "1234;200\r\n";
+  Translation::Settings settings;
+  settings.extensions = list;
+  settings.blank_random_extensions = true;
+  Translation translation(LoadConfig(VELQUA_SOURCE_DIR "/examples/kx-tda/kx-tda.json"), sink,
+                          settings);
+  const std::u16string record =
+      u"01/19/26 08:31AM *1234 02 00441632960123                 00:12'07";
+  struct Step {
+    const char* what;
+    const char* content;  // nullptr: the list removed
+    bool touched;         // its modification time moved a second on
+    const char* extension;
+  } const steps[] = {
+      {"as written", "1234;201\r\n", false, "201"},
+      {"read again, unchanged", "1234;201\r\n", false, "201"},
+      {"longer", "1234;2201\r\n", false, "2201"},
+      {"same size, later", "1234;2202\r\n", true, "2202"},
+      {"back", "1234;203\r\n", false, "203"},
+      {"removed", nullptr, false, ""},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.what);
+    if (step.content == nullptr) {
+      std::filesystem::remove(list);
+    } else {
+      const auto before = std::filesystem::last_write_time(list);
+      std::ofstream(list, std::ios::binary | std::ios::trunc) << step.content;
+      if (step.touched) std::filesystem::last_write_time(list, before + std::chrono::seconds(1));
+    }
+    translation.Record(record);
+    ASSERT_FALSE(sink.seen.empty());
+    EXPECT_EQ(sink.seen.back(), step.extension);
+  }
+}
+
 }  // namespace
 }  // namespace velqua_records

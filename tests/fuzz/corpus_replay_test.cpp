@@ -3,14 +3,8 @@
 // finding by aborting, as under libFuzzer.
 #include <filesystem>
 
-// The targets are header-like sources: compiled here without their libFuzzer
-// entry point; the record reader's target links velqua_records.
-#define VELQUA_FUZZ_SIN_ENTRADA
-#include "../../fuzz/fuzz_abrir.cpp"
-#include "../../fuzz/fuzz_importar.cpp"
-#include "../../fuzz/fuzz_lector.cpp"
-#include "../../fuzz/fuzz_traductor.cpp"
-#include "../../fuzz/replay_corpus.h"
+#include "replay_corpus.h"
+#include "targets.h"
 
 namespace {
 

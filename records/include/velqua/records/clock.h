@@ -53,7 +53,12 @@ class ProgramClock : public velqua::Entorno {
   // The probe instant while probing, else the frozen instant, else Now().
   FechaHora Ahora() const override;
   uint32_t Semilla() const override { return 1; }
+  // With the real files, a regular file of at most kKeptBytes is kept in
+  // memory once read and read again only when its size, modification time
+  // or identity changes: the library opens the extension list at every
+  // account-code lookup, and an edited list must still count at once.
   std::unique_ptr<velqua::LectorArchivo> AbreLectura(const std::u16string& name) override;
+  static constexpr int64_t kKeptBytes = 4 << 20;
   bool AnexaArchivo(const std::u16string& name, std::string_view bytes) override;
   bool RenombraArchivo(const std::u16string& from, const std::u16string& to) override;
   int64_t LongitudArchivo(const std::u16string& name) override;
@@ -73,7 +78,10 @@ class ProgramClock : public velqua::Entorno {
   uint8_t PrintedParts(velqua::clsTraductor& traductor, const DateTime& read);
 
  private:
+  struct Kept;  // the file kept by AbreLectura
   std::shared_ptr<velqua::Entorno> base_;
+  bool real_files_;
+  std::shared_ptr<Kept> kept_;
   std::optional<FechaHora> fixed_;
   std::optional<FechaHora> probe_;
   std::optional<FechaHora> frozen_;
