@@ -112,11 +112,11 @@ Arrivals ArrivedAfter(Store& store, const ArrivalMark& mark, int64_t limit) {
   return a;
 }
 
-std::vector<CostTotal> SumCostBy(Store& store, const Span& span, CostGroup by) {
-  const std::string key = by == CostGroup::kDepartment    ? kDepartment
-                          : by == CostGroup::kDestination ? "k.destination"
-                          : by == CostGroup::kExtension   ? "c.extension"
-                                                          : "''";
+std::vector<CostTotal> SumCostBy(Store& store, const Span& span, CostKey by) {
+  const std::string key = by == CostKey::kDepartment    ? kDepartment
+                          : by == CostKey::kDestination ? "k.destination"
+                          : by == CostKey::kExtension   ? "c.extension"
+                                                        : "''";
   std::vector<Value> params = {span.from, span.to_next};
   std::string sql = "SELECT " + key +
                     ", k.currency, k.cost FROM calls c JOIN call_costs k ON k.source_id = "

@@ -50,7 +50,7 @@ nlohmann::json Totals(velqua_store::Store& store, const velqua_store::Span& span
     unanswered += c.unanswered;
   }
   nlohmann::json cost = nlohmann::json::array();
-  for (const auto& t : velqua_store::SumCostBy(store, span, velqua_store::CostGroup::kAll)) {
+  for (const auto& t : velqua_store::SumCostBy(store, span, velqua_store::CostKey::kAll)) {
     cost.push_back({{"currency", t.currency}, {"cost", t.cost}});
   }
   return {{"calls", calls},
@@ -98,18 +98,17 @@ void Dashboard(ApiRequest& r) {
     peak = std::max(peak, s.peak);
     channels += s.change;  // the level at the day's last half hour with a call
   }
-  r.Reply(
-      {{"day", Text(day)},
-       {"latest_day", velqua_store::LatestCallDay(store)},
-       {"today", Totals(store, today)},
-       {"month", Totals(store, month)},
-       {"hours", hours},
-       {"top_extensions", top},
-       {"top_destinations",
-        Costs(velqua_store::SumCostBy(store, month, velqua_store::CostGroup::kDestination), 10)},
-       {"departments",
-        Costs(velqua_store::SumCostBy(store, month, velqua_store::CostGroup::kDepartment), 50)},
-       {"channels", {{"now", channels}, {"peak", peak}}}});
+  r.Reply({{"day", Text(day)},
+           {"latest_day", velqua_store::LatestCallDay(store)},
+           {"today", Totals(store, today)},
+           {"month", Totals(store, month)},
+           {"hours", hours},
+           {"top_extensions", top},
+           {"top_destinations",
+            Costs(velqua_store::SumCostBy(store, month, velqua_store::CostKey::kDestination), 10)},
+           {"departments",
+            Costs(velqua_store::SumCostBy(store, month, velqua_store::CostKey::kDepartment), 50)},
+           {"channels", {{"now", channels}, {"peak", peak}}}});
 }
 
 }  // namespace

@@ -61,14 +61,14 @@ Arrivals ArrivedAfter(Store& store, const ArrivalMark& mark, int64_t limit);
 // Priced calls of a span grouped by what `by` names, with their summed cost
 // as exact decimal text (per currency: a group whose calls are priced in
 // two currencies is two rows). Dearest first.
-enum class CostGroup { kDepartment, kDestination, kExtension, kAll };  // kAll: key ""
+enum class CostKey { kDepartment, kDestination, kExtension, kAll };  // kAll: key ""
 struct CostTotal {
   std::string key;  // "" for calls without one
   std::string currency;
   int64_t calls = 0;
   std::string cost;  // "12.35"
 };
-std::vector<CostTotal> SumCostBy(Store& store, const Span& span, CostGroup by);
+std::vector<CostTotal> SumCostBy(Store& store, const Span& span, CostKey by);
 
 // The rating plan and tariffs in force, as PutRatingPlan kept them: the plan
 // first, then the tariffs by name.
