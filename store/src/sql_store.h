@@ -91,6 +91,11 @@ class SqlStore : public Store {
   std::vector<CostRow> costs_;
 };
 
+// "SELECT ... FROM calls c ..." of every column ReadCall reads: a call
+// with its source, price and directory names (sql_store_read.cpp).
+std::string CallSelectFrom();
+StoredCall ReadCall(const ResultRow& row);
+
 // The WHERE clause of a call filter over `calls c`, its parameters appended
 // to `params` (sql_store_read.cpp).
 std::string CallWhere(const CallFilter& filter, std::vector<Value>* params);

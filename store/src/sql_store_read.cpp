@@ -131,6 +131,8 @@ std::string DirectoryColumn(const char* kind, const char* key, const char* colum
          "ORDER BY d.from_day DESC LIMIT 1)";
 }
 
+}  // namespace
+
 StoredCall ReadCall(const ResultRow& r) {
   StoredCall c;
   c.switch_name = r.Text(0);
@@ -160,31 +162,31 @@ StoredCall ReadCall(const ResultRow& r) {
   c.date_received = r.Int(30) != 0;
   c.switch_charge = OptionalText(r, 31);
   c.extras = OptionalText(r, 32);
+  c.id = r.Int(33);
   return c;
 }
 
-}  // namespace
+std::string CallSelectFrom() {
+  return "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, "
+         "c.duration, c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, "
+         "c.receiving_trunk, c.account_code, c.extension_random, c.raw, c.received_utc, k.cost, "
+         "k.currency, k.destination, k.destination_class, k.reason, " +
+         DirectoryColumn("extension", "c.extension", "person") + ", " +
+         DirectoryColumn("extension", "c.extension", "department") + ", " +
+         DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
+         DirectoryColumn("account", "c.account_code", "client") + ", " +
+         DirectoryColumn("account", "c.account_code", "project") +
+         ", c.ended, c.ended_utc, c.date_received, c.switch_charge, c.extras, c.id FROM calls c "
+         "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
+         "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position";
+}
 
 void SqlStore::ListCalls(const CallFilter& filter,
                          const std::function<void(const StoredCall&)>& each) {
   std::vector<Value> params;
-  std::string sql =
-      "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, c.duration, "
-      "c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, c.receiving_trunk, "
-      "c.account_code, c.extension_random, c.raw, c.received_utc, k.cost, k.currency, "
-      "k.destination, k.destination_class, k.reason, " +
-      DirectoryColumn("extension", "c.extension", "person") + ", " +
-      DirectoryColumn("extension", "c.extension", "department") + ", " +
-      DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
-      DirectoryColumn("account", "c.account_code", "client") + ", " +
-      DirectoryColumn("account", "c.account_code", "project") +
-      ", c.ended, c.ended_utc, c.date_received, c.switch_charge, c.extras" +
-      " FROM calls c "
-      "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
-      "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position" +
-      Where(filter, &params) +
-      (filter.unpriced ? " AND k.reason IS NOT NULL AND k.cost IS NULL" : "") +
-      " ORDER BY c.start NULLS FIRST, w.name, s.name, c.position";
+  std::string sql = CallSelectFrom() + Where(filter, &params) +
+                    (filter.unpriced ? " AND k.reason IS NOT NULL AND k.cost IS NULL" : "") +
+                    " ORDER BY c.start NULLS FIRST, w.name, s.name, c.position";
   if (filter.limit > 0) {
     params.emplace_back(filter.limit);
     sql += " LIMIT $" + std::to_string(params.size());

@@ -13,7 +13,8 @@ nlohmann::json OrNull(const std::optional<T>& value) {
 }  // namespace
 
 nlohmann::json CallJson(const velqua_store::StoredCall& c) {
-  return {{"switch", c.switch_name},
+  return {{"id", c.id},
+          {"switch", c.switch_name},
           {"source", c.source_name},
           {"position", c.position},
           {"type", velqua_records::CallTypeWord(c.type)},

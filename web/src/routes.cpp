@@ -8,6 +8,9 @@ void RegisterRoutes(Api& api) {
   RegisterSessionRoutes(api);
   RegisterSwitchRoutes(api);
   RegisterCallRoutes(api);
+  RegisterLiveRoutes(api);
+  RegisterDashboardRoutes(api);
+  RegisterDirectoryRoutes(api);
   RegisterEditorRoutes(api);
 }
 

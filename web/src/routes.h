@@ -6,10 +6,13 @@ namespace velqua_web {
 
 class Api;
 
-void RegisterSessionRoutes(Api& api);  // /api/session, /api/login, /api/logout
-void RegisterSwitchRoutes(Api& api);   // /api/switches
-void RegisterCallRoutes(Api& api);     // /api/calls
-void RegisterEditorRoutes(Api& api);   // /api/editor: the layout editor
+void RegisterSessionRoutes(Api& api);    // /api/session, /api/login, /api/logout
+void RegisterSwitchRoutes(Api& api);     // /api/switches
+void RegisterCallRoutes(Api& api);       // /api/calls, /api/calls/ID, /api/calls/export.csv
+void RegisterLiveRoutes(Api& api);       // /api/live (server-sent events)
+void RegisterDashboardRoutes(Api& api);  // /api/dashboard
+void RegisterDirectoryRoutes(Api& api);  // /api/directory, /api/tariffs
+void RegisterEditorRoutes(Api& api);     // /api/editor: the layout editor
 
 // Every area's routes.
 void RegisterRoutes(Api& api);

@@ -1,12 +1,16 @@
-// The calls of the store, filtered as `velqua calls` filters them.
+// Calls: a page of the store's calls in any order, one call with its raw
+// record, translation and price, and what is shown as CSV.
 #include "api.h"
 #include "call_json.h"
 #include "routes.h"
 #include "velqua/records/names.h"
 #include "velqua/store/aggregates.h"
+#include "velqua/store/browse.h"
 
 namespace velqua_web {
 namespace {
+
+constexpr int64_t kExportLimit = 100000;  // calls a CSV export holds at most
 
 std::optional<int32_t> TypeOf(const std::string& word) {
   if (word.empty()) return std::nullopt;
@@ -16,8 +20,21 @@ std::optional<int32_t> TypeOf(const std::string& word) {
   throw ApiError(400, "parameter 'type': unknown call type '" + word + "'");
 }
 
-velqua_store::CallFilter FilterOf(const ApiRequest& r) {
-  velqua_store::CallFilter f;
+velqua_store::CallSort SortOf(const std::string& word) {
+  using velqua_store::CallSort;
+  static const std::pair<const char*, CallSort> kSorts[] = {
+      {"start", CallSort::kStart},         {"duration", CallSort::kDuration},
+      {"extension", CallSort::kExtension}, {"number", CallSort::kDialled},
+      {"trunk", CallSort::kTrunk},         {"cost", CallSort::kCost}};
+  for (const auto& [name, sort] : kSorts) {
+    if (word == name) return sort;
+  }
+  throw ApiError(400, "parameter 'sort': use start, duration, extension, number, trunk or cost");
+}
+
+velqua_store::CallQuery QueryOf(const ApiRequest& r) {
+  velqua_store::CallQuery q;
+  velqua_store::CallFilter& f = q.filter;
   f.from = r.Param("from");
   f.to = r.Param("to");
   f.switch_name = r.Param("switch");
@@ -26,8 +43,50 @@ velqua_store::CallFilter FilterOf(const ApiRequest& r) {
   f.number_prefix = r.Param("number");
   f.account_code = r.Param("account");
   f.type = TypeOf(r.Param("type"));
-  f.limit = r.IntParam("limit", 100, 1, 1000);
-  return f;
+  if (r.Param("unanswered") == "1") f.attribute = 4;
+  if (r.http.has_param("min_duration")) {
+    f.min_duration = r.IntParam("min_duration", 0, 0, int64_t{1} << 40);
+  }
+  q.sort = SortOf(r.Param("sort", "start"));
+  const std::string order = r.Param("order", "desc");
+  if (order != "asc" && order != "desc") throw ApiError(400, "parameter 'order': asc or desc");
+  q.descending = order == "desc";
+  q.offset = r.IntParam("offset", 0, 0, int64_t{1} << 40);
+  q.limit = r.IntParam("limit", 50, 1, 1000);
+  return q;
+}
+
+// A CSV field; one that a spreadsheet would take for a formula ('=', '@')
+// is given a leading apostrophe. '+' and '-' stay: numbers dialled begin so.
+std::string CsvField(const std::string& text) {
+  std::string t = (!text.empty() && (text[0] == '=' || text[0] == '@')) ? "'" + text : text;
+  if (t.find_first_of(",\"\r\n") == std::string::npos) return t;
+  std::string quoted = "\"";
+  for (char c : t) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return quoted + "\"";
+}
+
+std::string Csv(const std::vector<velqua_store::StoredCall>& calls) {
+  static const char* const kColumns[] = {"start",       "switch",       "type",      "attribute",
+                                         "extension",   "dialled",      "trunk",     "duration",
+                                         "ring",        "account_code", "cost",      "currency",
+                                         "destination", "person",       "department"};
+  std::string out;
+  for (const char* c : kColumns) out += std::string(out.empty() ? "" : ",") + c;
+  out += "\r\n";
+  const auto text = [](const std::optional<std::string>& v) { return v ? CsvField(*v) : ""; };
+  const auto number = [](const std::optional<int64_t>& v) {
+    return v ? std::to_string(*v) : std::string();
+  };
+  for (const auto& c : calls) {
+    out += text(c.start) + "," + CsvField(c.switch_name) + "," +
+           velqua_records::CallTypeWord(c.type) + "," + velqua_records::AttributeWord(c.attribute) +
+           "," + text(c.extension) + "," + text(c.dialled) + "," + text(c.trunk) + "," +
+           number(c.duration) + "," + number(c.ring) + "," + text(c.account_code) + "," +
+           text(c.cost) + "," + text(c.currency) + "," + text(c.destination) + "," +
+           text(c.person) + "," + text(c.department) + "\r\n";
+  }
+  return out;
 }
 
 }  // namespace
@@ -46,10 +105,29 @@ void RegisterSwitchRoutes(Api& api) {
 
 void RegisterCallRoutes(Api& api) {
   api.Get("/api/calls", Access::kViewer, [](ApiRequest& r) {
+    const velqua_store::CallQuery q = QueryOf(r);
+    const velqua_store::CallPage page = velqua_store::SearchCalls(r.store, q);
     nlohmann::json calls = nlohmann::json::array();
-    r.store.ListCalls(FilterOf(r),
-                      [&](const velqua_store::StoredCall& c) { calls.push_back(CallJson(c)); });
-    r.Reply({{"calls", calls}});
+    for (const auto& c : page.calls) calls.push_back(CallJson(c));
+    r.Reply({{"calls", calls}, {"offset", q.offset}, {"more", page.more}});
+  });
+  api.Get("/api/calls/export.csv", Access::kViewer, [](ApiRequest& r) {
+    velqua_store::CallQuery q = QueryOf(r);
+    q.offset = 0;
+    q.limit = kExportLimit;
+    const velqua_store::CallPage page = velqua_store::SearchCalls(r.store, q);
+    r.response.set_header("Content-Disposition", "attachment; filename=\"calls.csv\"");
+    r.response.set_content(Csv(page.calls), "text/csv; charset=utf-8");
+  });
+  api.Get(R"(/api/calls/(\d{1,18}))", Access::kViewer, [](ApiRequest& r) {
+    const auto call = velqua_store::CallById(r.store, std::stoll(r.http.matches[1]));
+    if (!call) throw ApiError(404, "no call " + std::string(r.http.matches[1]));
+    nlohmann::json j = CallJson(*call);
+    j["destination_class"] = call->destination_class ? *call->destination_class : "";
+    j["cost_centre"] = call->cost_centre ? *call->cost_centre : "";
+    j["client"] = call->client ? *call->client : "";
+    j["project"] = call->project ? *call->project : "";
+    r.Reply(j);
   });
 }
 

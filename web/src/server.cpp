@@ -111,6 +111,7 @@ Server::Server(const ServeOptions& options) : impl_(std::make_unique<Impl>(optio
   http.set_default_headers(SecurityHeaders());
   ExplainErrors(http);
   ServeAssets(http);
+  state.live = std::make_unique<LiveFeed>(options.db);
   Api api(http, state);
   RegisterRoutes(api);
   const bool bound = impl_->port == 0 ? (impl_->port = http.bind_to_any_port(impl_->host)) > 0
@@ -130,6 +131,10 @@ std::string Server::url() const {
 
 void Server::Run() { impl_->http->listen_after_bind(); }
 
-void Server::Stop() { impl_->http->stop(); }
+// The live pages end first: each holds a request open until its feed stops.
+void Server::Stop() {
+  impl_->state.live->Stop();
+  impl_->http->stop();
+}
 
 }  // namespace velqua_web

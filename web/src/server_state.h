@@ -1,6 +1,9 @@
 // What the routes share for the server's life.
 #pragma once
 
+#include <memory>
+
+#include "live_feed.h"
 #include "sessions.h"
 #include "store_pool.h"
 #include "velqua/web/server.h"
@@ -18,8 +21,9 @@ struct ServerState {
   SessionTable sessions;
   LoginThrottle throttle;
   StorePool pool;
-  bool loopback = true;  // listening on loopback: a store without users is open
-  bool tls = false;      // cookies are Secure
+  bool loopback = true;            // listening on loopback: a store without users is open
+  bool tls = false;                // cookies are Secure
+  std::unique_ptr<LiveFeed> live;  // started with the server
 };
 
 }  // namespace velqua_web

@@ -131,7 +131,7 @@ TEST_P(ApiTest, CallsListsWhatTheStoreHolds) {
                 std::nullopt);
   Start();
   ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
-  const nlohmann::json all = client_->Json("/api/calls");
+  const nlohmann::json all = client_->Json("/api/calls?order=asc");
   ASSERT_EQ(all["calls"].size(), 2u);
   EXPECT_EQ(all["calls"][0]["extension"], "201");
   const nlohmann::json one = client_->Json("/api/calls?from=2026-03-10&extension=202");

@@ -7,11 +7,14 @@ find_package(GTest REQUIRED)
 add_executable(velqua_web_tests
   ${CMAKE_CURRENT_LIST_DIR}/api_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/editor_api_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/directory_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/pages_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/web_test_support.cpp)
 target_link_libraries(velqua_web_tests PRIVATE velqua_web velqua_store_testing
                       PkgConfig::VELQUA_HTTPLIB nlohmann_json::nlohmann_json GTest::gtest_main)
 target_include_directories(velqua_web_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src
                            ${PROJECT_SOURCE_DIR}/store/tests)
+target_compile_definitions(velqua_web_tests PRIVATE VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 velqua_warnings(velqua_web_tests)
 add_test(NAME web.sqlite COMMAND velqua_web_tests --gtest_filter=-*Postgres*)
 add_test(NAME web.postgresql COMMAND velqua_web_tests --gtest_filter=*Postgres*)

@@ -41,6 +41,10 @@ int ApiClient::Login(const std::string& name, const std::string& password) {
   return r->status;
 }
 
+httplib::Headers ApiClient::Headers() const {
+  return {{"Cookie", cookie_}, {"X-CSRF-Token", csrf_}};
+}
+
 nlohmann::json ApiClient::Json(const std::string& path) {
   httplib::Result r = Send("GET", path);
   if (!r) {

@@ -44,6 +44,8 @@ class ApiClient {
   int Login(const std::string& name, const std::string& password);
   // GET of a JSON answer; fails the test unless the status is 200.
   nlohmann::json Json(const std::string& path);
+  // The session's cookie and CSRF token as request headers.
+  httplib::Headers Headers() const;
 
  private:
   httplib::Client http_;

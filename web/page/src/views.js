@@ -3,8 +3,11 @@
 //   { id, title, role: 'viewer' | 'admin', render(root, context) }
 // where render fills `root` and may return a function that stops what it
 // started (a live feed, a timer) when the user leaves the view.
+import dashboard from './views/dashboard.js';
+import live from './views/live.js';
 import calls from './views/calls.js';
 import switches from './views/switches.js';
+import directory from './views/directory.js';
 import configurations from './views/configurations.js';
 
-export const views = [calls, switches, configurations];
+export const views = [dashboard, live, calls, switches, directory, configurations];

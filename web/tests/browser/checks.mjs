@@ -1,12 +1,22 @@
 // The browser checks, one a behaviour. Each gets { page, url, db, login,
 // velqua, shot } and throws when the page does not do what it should.
 import assert from 'node:assert/strict';
+import { readFileSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { tmpdir } from 'node:os';
 import { editorChecks } from './editor_checks.mjs';
 
 // The store's calls as `velqua calls` lists them (CSV, header first).
 function storedCalls(velqua, db, args = []) {
   const lines = velqua(['calls', '--db', db, '--format', 'csv', ...args]).trim().split('\n');
   return lines.slice(1);
+}
+
+// Imports one new Hicom call dialling `number`; when this returns it is stored.
+function storeOneCall(velqua, db, source, number) {
+  const file = join(tmpdir(), `velqua-live-${number}.txt`);
+  writeFileSync(file, `10.03.26 12:00:00   2     23       00:01:05 ${number.padEnd(28)}0.12  2\n`);
+  velqua(['import', '--db', db, '--switch', 'hicom', '-c', join(source, 'examples/hicom/hicom.json'), file]);
 }
 
 export const checks = [
@@ -25,10 +35,77 @@ export const checks = [
     name: 'calls-lists-the-stored-calls',
     async run({ page, db, login, velqua, shot }) {
       await login('vic');
+      await page.click('nav a[href="#/calls"]');
       await page.waitForSelector('#view-calls table.calls tbody tr');
       const shown = await page.locator('#view-calls table.calls tbody tr').count();
-      assert.equal(shown, Math.min(100, storedCalls(velqua, db).length));
+      assert.equal(shown, Math.min(50, storedCalls(velqua, db).length));
       await shot('calls');
+    },
+  },
+  {
+    name: 'dashboard-numbers-match-the-store',
+    async run({ page, db, login, velqua, shot }) {
+      await login('vic');
+      await page.click('nav a[href="#/dashboard"]');
+      const calls = page.locator('[aria-label^="Day"] [data-stat=calls]');
+      await calls.waitFor();
+      const day = (await page.inputValue('#d-day'));
+      const stored = storedCalls(velqua, db, ['--from', day, '--to', day]).length;
+      assert.equal(Number(await calls.textContent()), stored);
+      const month = storedCalls(velqua, db, ['--from', `${day.slice(0, 7)}-01`, '--to', `${day.slice(0, 7)}-31`]);
+      assert.equal(Number(await page.locator('[aria-label^="Month"] [data-stat=calls]').textContent()),
+        month.length);
+      await shot('dashboard');
+    },
+  },
+  {
+    name: 'live-shows-a-stored-call-within-a-second-and-search-and-export-find-it',
+    async run({ page, db, login, velqua, source, shot }) {
+      await login('vic');
+      await page.click('nav a[href="#/live"]');
+      await page.waitForSelector('#view-live p:text("Connected")');
+      const number = '0301999888';
+      storeOneCall(velqua, db, source, number);
+      const stored = Date.now();
+      await page.waitForSelector(`#view-live tbody tr:first-child td:text("${number}")`, { timeout: 1000 });
+      console.log(`     live: shown ${Date.now() - stored} ms after it was stored`);
+      await shot('live');
+      await page.click('nav a[href="#/calls"]');
+      await page.fill('#f-number', number.slice(0, 7));
+      await page.click('#view-calls form button[type=submit]');
+      await page.waitForSelector(`#view-calls tbody td:text("${number}")`);
+      assert.equal(await page.locator('#view-calls tbody tr').count(), 1);
+      const [download] = await Promise.all([page.waitForEvent('download'), page.click('#export-csv')]);
+      const csv = readFileSync(await download.path(), 'utf8');
+      assert.equal(csv.trim().split('\n').length, 2, csv);
+      assert.ok(csv.includes(number), csv);
+      await page.click('#view-calls tbody td a');
+      await page.waitForSelector('#view-calls pre.raw');
+      assert.ok((await page.textContent('#view-calls pre.raw')).includes(number));
+      await shot('call');
+    },
+  },
+  {
+    name: 'a-viewer-is-refused-the-tariff-upload-and-an-admin-is-not',
+    async run({ page, login, source, shot }) {
+      const plan = join(source, 'examples/rating/hicom-plan.toml');
+      const tariff = join(source, 'examples/rating/office-de.toml');
+      await login('vic');
+      await page.click('nav a[href="#/directory"]');
+      await page.waitForSelector('#view-directory table.directory tbody tr');
+      await page.setInputFiles('#t-plan', plan);
+      await page.setInputFiles('#t-tariffs', tariff);
+      await page.click('#view-directory form:has(#t-plan) button[type=submit]');
+      await page.waitForSelector('#t-note .error:text("only an admin may do this")');
+      await shot('directory-viewer');
+      await page.click('#who button');
+      await login('ann');
+      await page.click('nav a[href="#/directory"]');
+      await page.setInputFiles('#t-plan', plan);
+      await page.setInputFiles('#t-tariffs', tariff);
+      await page.click('#view-directory form:has(#t-plan) button[type=submit]');
+      await page.waitForSelector('#t-note:text("checked and in force")');
+      await shot('directory');
     },
   },
   {

@@ -24,7 +24,7 @@ try {
       acceptDownloads: true });
     const page = await context.newPage();
     const env = {
-      page, url: server.url, db: store.db, out,
+      page, url: server.url, db: store.db, out, source: values.source,
       login: (name) => login(page, server.url, name),
       velqua: (args, input) => velqua(values.velqua, args, input),
       shot: (name) => page.screenshot({ path: join(out, `${name}.png`), fullPage: true }),

@@ -121,6 +121,7 @@ struct CallFilter {
 
 // A stored call as ListCalls reads it; absent values are std::nullopt.
 struct StoredCall {
+  int64_t id = 0;  // the store's own number of the call (browse.h)
   std::string switch_name, source_name;
   int64_t position = 0;
   int32_t type = 0, attribute = 0;

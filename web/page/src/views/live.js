@@ -1,0 +1,48 @@
+// Live: calls and unrecognised records as they are stored, newest on top.
+// Rows are added above a table of fixed row height, so nothing the reader
+// looks at jumps; at most 200 are kept.
+import { api } from '../api.js';
+import { h, fill, failure, duration } from '../dom.js';
+
+const KEEP = 200;
+
+function row(e) {
+  if (e.kind === 'unrecognised') {
+    return h('tr', { class: 'type-unrecognised' },
+      h('td', {}, e.received_utc.replace('T', ' ').replace('Z', ' UTC')), h('td', {}, e.switch),
+      h('td', {}, 'unrecognised'), h('td', { colspan: 4, class: 'raw', title: e.raw }, e.reason));
+  }
+  return h('tr', { class: `type-${e.type}${e.attribute === 'unanswered' ? ' unanswered' : ''}` },
+    h('td', {}, (e.start || '').replace('T', ' ')), h('td', {}, e.switch),
+    h('td', {}, e.attribute === 'unanswered' ? `${e.type}, unanswered` : e.type),
+    h('td', {}, e.extension || ''), h('td', {}, e.dialled || ''),
+    h('td', { class: 'num' }, duration(e.duration)),
+    h('td', { class: 'num' }, e.cost === null ? '' : `${e.cost} ${e.currency || ''}`));
+}
+
+export default {
+  id: 'live',
+  title: 'Live',
+  role: 'viewer',
+  render(root) {
+    const state = h('p', { class: 'muted', role: 'status' }, 'Connecting…');
+    const body = h('tbody', { 'aria-live': 'polite' });
+    const add = (e) => {
+      body.prepend(row(e));
+      while (body.children.length > KEEP) body.lastChild.remove();
+    };
+    fill(root, state, h('div', { class: 'results' }, h('table', { class: 'grid live' },
+      h('thead', {}, h('tr', {}, ['Start', 'Switch', 'Type', 'Extension', 'Number', 'Duration',
+        'Cost'].map((t) => h('th', {}, t)))), body)));
+    // The latest calls first, then what arrives.
+    api.get('/api/calls', { limit: 20, sort: 'start', order: 'desc' })
+      .then((page) => page.calls.reverse().forEach((c) => add({ kind: 'call', ...c })))
+      .catch((error) => root.prepend(failure(error)));
+    const source = new EventSource('/api/live');
+    source.onopen = () => fill(state, 'Connected: calls appear as they are stored.');
+    source.onerror = () => fill(state, 'Connection lost: reconnecting…');
+    source.onmessage = (m) => add(JSON.parse(m.data));
+    source.addEventListener('lost', () => fill(state, 'Some calls were missed: reload to see them all.'));
+    return () => source.close();
+  },
+};
