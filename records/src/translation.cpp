@@ -250,12 +250,14 @@ bool Translation::Emit(std::u16string_view record, int64_t offset, int64_t line)
   const int64_t closed_offset = call_offset_;
   const int64_t closed_line = call_line_;
   if (gatherer_->Add(record, &call_)) {
+    call_open_ = true;
     call_offset_ = offset;
     call_line_ = line;
     RecordAt(call_, closed_offset, closed_line);
     return true;
   }
-  if (call_offset_ < 0) {
+  if (!call_open_) {  // its first line: offsets are -1 when the input gives none
+    call_open_ = true;
     call_offset_ = offset;
     call_line_ = line;
   }
@@ -264,6 +266,7 @@ bool Translation::Emit(std::u16string_view record, int64_t offset, int64_t line)
 
 bool Translation::FinishCall() {
   if (gatherer_ == nullptr || !gatherer_->Finish(&call_)) return false;
+  call_open_ = false;
   RecordAt(call_, std::exchange(call_offset_, -1), call_line_);
   return true;
 }

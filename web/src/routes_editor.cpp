@@ -23,16 +23,8 @@ using velqua_records::SwitchConfig;
 
 constexpr size_t kMaxSamples = 5000;
 
-// Sends a JSON answer. The HTTP library compresses a plain "application/json"
-// answer with Brotli at its slowest setting whenever the browser accepts it,
-// which takes seconds for a preview of 500 samples on a loopback connection
-// that gains nothing from it; with its charset named, the answer is sent as
-// it is.
-void Answer(ApiRequest& r, const nlohmann::json& value) {
-  r.response.status = 200;
-  r.response.set_content(value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace),
-                         "application/json; charset=utf-8");
-}
+// Sends a JSON answer.
+void Answer(ApiRequest& r, const nlohmann::json& value) { r.Reply(value); }
 
 // The configuration a request carries as its JSON form. A configuration the
 // library refuses is the request's fault: 400 with the member at fault.

@@ -185,6 +185,7 @@ class Translation {
   int64_t line_ = 0;          // the input's lines read so far
   int64_t call_offset_ = -1;  // of the multi-line call still open, -1 when none
   int64_t call_line_ = 0;     // and its first line
+  bool call_open_ = false;    // a multi-line call has lines not yet translated
   std::u16string call_;       // the multi-line call closed last
 };
 
