@@ -37,7 +37,9 @@ inline velqua_records::RecordForm Fallback(uint8_t choice) {
     using velqua_records::FieldPart;
     using velqua_records::FieldRule;
     using velqua_records::FieldTest;
-    const FieldTest test{FieldPart{0, u"", u"", 0}, {u"?*"}, false, false};
+    FieldTest test;
+    test.part = FieldPart{0, u"", u"", 0};
+    test.patterns = {u"?*"};
     form.fields.derived = {{"r",
                             3,
                             {FieldRule{{test}, true, FieldPart{3, u"", u"-", 1}, u""},

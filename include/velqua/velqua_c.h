@@ -282,7 +282,8 @@ typedef struct velqua_call {
   int32_t year, month, day; /* a year not printed: the year received */
   bool has_time;            /* the switch printed the hour and the minute; else 0 below */
   bool has_seconds;         /* ... and the seconds; else the seconds are 0 */
-  int32_t time;             /* seconds from midnight */
+  int32_t time;             /* the call's start, seconds from midnight (a switch that
+                               prints the end: the end less the duration) */
   int32_t duration;         /* seconds; -1 when none */
   int32_t ring;             /* seconds; -1 when none */
   char* dialled;
@@ -293,6 +294,13 @@ typedef struct velqua_call {
   char* account_code;
   bool extension_random; /* drawn at random for an account code not in the list */
   char* error;           /* why the library failed on the record, in English, or "" */
+  /* The call's end: the start plus the duration (or the time a switch that
+   * prints the end printed). has_end false, and 0s below, when the duration
+   * or the time is not known; the end's date is 0s when no date was printed,
+   * and is the next day's when the call went past midnight. */
+  bool has_end;
+  int32_t end_year, end_month, end_day;
+  int32_t end_time; /* seconds from midnight, as precise as the start (see has_seconds) */
 } velqua_call;
 
 typedef struct velqua_counts {

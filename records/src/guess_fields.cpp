@@ -158,11 +158,50 @@ std::vector<int> DigitLines(const std::vector<std::u16string>& records, int col,
   return lines;
 }
 
+// A delimited field of six bare digits valid as HHMMSS in the records.
+struct Clock {
+  int col = 0;
+  size_t lines = 0, zero = 0;  // records that print it, those whose hours are 00
+  std::string because;
+};
+
+// Of the HHMMSS fields, the time of day is the one whose hours are 00 in the
+// fewest records (the leftmost of equals): a call's duration is mostly under
+// an hour, its time of day is not, and a switch prints the time before the
+// duration. With one such field, it is the time when its hours are mostly
+// not 00, else the duration. The next field is the duration.
+void PlaceClocks(const std::vector<Clock>& clocks, Guess* guess, Placed* placed) {
+  size_t time = clocks.size();
+  if (!Has(*guess, Datum::kHour)) {
+    for (size_t i = 0; i < clocks.size(); ++i) {
+      if (time == clocks.size() ||
+          clocks[i].zero * clocks[time].lines < clocks[time].zero * clocks[i].lines) {
+        time = i;
+      }
+    }
+    if (clocks.size() == 1 && clocks[0].zero * 2 >= clocks[0].lines) time = clocks.size();
+  }
+  bool duration = Has(*guess, Datum::kDurationHours);
+  for (size_t i = 0; i < clocks.size(); ++i) {
+    const Clock& c = clocks[i];
+    if (i != time && duration) continue;
+    const Datum hours = i == time ? Datum::kHour : Datum::kDurationHours;
+    duration = duration || i != time;
+    const std::string what =
+        c.because + (i == time ? " (HHMMSS, the fewest hours 00)" : " (HHMMSS)");
+    Add(guess, placed, hours, c.col, 2, c.lines, what);
+    Add(guess, placed, static_cast<Datum>(static_cast<int>(hours) + 1), c.col + 2, 2, c.lines,
+        what);
+    Add(guess, placed, static_cast<Datum>(static_cast<int>(hours) + 2), c.col + 4, 2, c.lines,
+        what);
+  }
+}
+
 // Delimited fields printed as bare digits: a date of 8 (YYYYMMDD, MMDDYYYY or
-// DDMMYYYY) and clocks of 6 (HHMMSS), the first whose hours are not mostly
-// 00 the time of day, the next the duration.
+// DDMMYYYY) and clocks of 6 (HHMMSS), the time of day and the duration.
 void CompactFields(const std::vector<std::u16string>& records, Guess* guess, Placed* placed) {
   const size_t samples = records.size();
+  std::vector<Clock> clocks;
   for (const auto& [col, width] : placed->delimited_fields) {
     if (width != 8 && width != 6) continue;
     const std::vector<int> lines = DigitLines(records, col, width);
@@ -200,15 +239,10 @@ void CompactFields(const std::vector<std::u16string>& records, Guess* guess, Pla
       }
     } else if (clock) {
       Mark(lines, placed);
-      const bool time = !Has(*guess, Datum::kHour) && zero * 2 < n;
-      if (!time && Has(*guess, Datum::kDurationHours)) continue;
-      const Datum hours = time ? Datum::kHour : Datum::kDurationHours;
-      const std::string what = because + (time ? " (HHMMSS, hours other than 00)" : " (HHMMSS)");
-      Add(guess, placed, hours, col, 2, n, what);
-      Add(guess, placed, static_cast<Datum>(static_cast<int>(hours) + 1), col + 2, 2, n, what);
-      Add(guess, placed, static_cast<Datum>(static_cast<int>(hours) + 2), col + 4, 2, n, what);
+      clocks.push_back({col, n, zero, because});
     }
   }
+  PlaceClocks(clocks, guess, placed);
 }
 
 // A time of day printed as hhmm without a colon: four digits standing alone

@@ -67,18 +67,35 @@ size_t FieldCount(Text line, char16_t separator) {
   return ShapeDelimited({separator, u'"', {}, {}}, line, &shaped).fields;
 }
 
-// The separator and field count most records share, or none (0).
+// The field count a separator gives the records, or 0 when it does not split
+// them into records of four fields or more: the count most records share
+// (three in five), else, when four in five records have four fields or more
+// but their counts differ (a switch that prints more fields in some records
+// than in others), the largest count one record in ten reaches.
+size_t FieldCountFor(const std::vector<std::u16string>& records, char16_t separator) {
+  if (records.empty()) return 0;
+  std::map<size_t, size_t> counts;
+  for (const std::u16string& record : records) ++counts[FieldCount(record, separator)];
+  const auto mode = std::max_element(counts.begin(), counts.end(),
+                                     [](auto& a, auto& b) { return a.second < b.second; });
+  if (mode->first >= 4 && mode->second * 5 >= records.size() * 3) return mode->first;
+  size_t wide = 0;
+  for (const auto& [count, n] : counts) wide += count >= 4 ? n : 0;
+  if (wide * 5 < records.size() * 4) return 0;
+  size_t reached = 0;
+  for (auto it = counts.rbegin(); it != counts.rend(); ++it) {
+    reached += it->second;
+    if (reached * 10 >= records.size()) return it->first;
+  }
+  return 0;
+}
+
+// The separator and field count of delimited records, or none (0).
 std::pair<char16_t, size_t> Delimiter(const std::vector<std::u16string>& records) {
   std::pair<char16_t, size_t> best{u'\0', 0};
   for (char16_t separator : kSeparators) {
-    std::map<size_t, size_t> counts;
-    for (const std::u16string& record : records) ++counts[FieldCount(record, separator)];
-    const auto mode = std::max_element(counts.begin(), counts.end(),
-                                       [](auto& a, auto& b) { return a.second < b.second; });
-    if (mode->first >= 4 && mode->first <= kMaxFields && mode->second * 5 >= records.size() * 3 &&
-        mode->first > best.second) {
-      best = {separator, mode->first};
-    }
+    const size_t count = FieldCountFor(records, separator);
+    if (count >= 4 && count <= kMaxFields && count > best.second) best = {separator, count};
   }
   return best;
 }

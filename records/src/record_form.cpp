@@ -127,6 +127,7 @@ ShapeOutcome ShapeDelimited(const DelimitedForm& form, std::u16string_view recor
       Put(values[i], form.derived[i].width, line, &outcome);
       line->push_back(u' ');
     }
+    for (const DerivedField& derived : form.derived) derived.Remember(views);
   }
   if (!line->empty()) line->pop_back();  // no blank after the last field
   return outcome;

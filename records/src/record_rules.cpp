@@ -21,9 +21,22 @@ std::u16string_view FieldPart::Of(const std::vector<std::u16string_view>& fields
   return text;
 }
 
+bool RecordMemory::Has(std::u16string_view text) const {
+  return keys.count(std::u16string(text)) > 0;
+}
+
+void RecordMemory::Add(std::u16string_view text) {
+  if (text.empty() || !keys.insert(std::u16string(text)).second) return;
+  order.emplace_back(text);
+  if (order.size() > kMaxKeys) {
+    keys.erase(order.front());
+    order.pop_front();
+  }
+}
+
 bool FieldTest::Holds(const std::vector<std::u16string_view>& fields) const {
   const std::u16string_view text = part.Of(fields);
-  bool holds = false;
+  bool holds = seen && !text.empty() && memory.Has(text);
   if (digits) {
     holds = !text.empty() && std::all_of(text.begin(), text.end(),
                                          [](char16_t c) { return c >= u'0' && c <= u'9'; });
@@ -31,6 +44,19 @@ bool FieldTest::Holds(const std::vector<std::u16string_view>& fields) const {
   for (const std::u16string& pattern : patterns)
     holds = holds || MatchesGlob<char16_t>(pattern, text);
   return holds != negate;
+}
+
+void FieldTest::Remember(const std::vector<std::u16string_view>& fields) const {
+  if (!seen) return;
+  const bool met = std::all_of(earlier.begin(), earlier.end(),
+                               [&](const FieldTest& test) { return test.Holds(fields); });
+  if (met) memory.Add(part.Of(fields));
+}
+
+void DerivedField::Remember(const std::vector<std::u16string_view>& fields) const {
+  for (const FieldRule& rule : rules) {
+    for (const FieldTest& test : rule.when) test.Remember(fields);
+  }
 }
 
 std::u16string_view DerivedField::Value(const std::vector<std::u16string_view>& fields) const {

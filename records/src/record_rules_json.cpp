@@ -53,8 +53,10 @@ FieldPart ReadPart(const json& object, const char* name_member, const Names& nam
   return part;
 }
 
-FieldTest ReadTest(const json& test, const Names& form, const std::string& where) {
-  CheckJsonMembers(test, where, {"field", "after", "before", "skip", "matches", "digits", "not"});
+FieldTest ReadTest(const json& test, const Names& form, const std::string& where,
+                   bool inner = false) {
+  CheckJsonMembers(test, where,
+                   {"field", "after", "before", "skip", "matches", "digits", "earlier", "not"});
   if (!test.contains("field")) FailJson(where + ".field", "missing: the field tested");
   FieldTest out;
   out.part = ReadPart(test, "field", form, where);
@@ -74,8 +76,19 @@ FieldTest ReadTest(const json& test, const Names& form, const std::string& where
     if (test.at("digits") != true) FailJson(where + ".digits", "must be true");
     out.digits = true;
   }
-  if (out.digits == !out.patterns.empty()) {
-    FailJson(where, "needs one of \"matches\" and \"digits\"");
+  if (test.contains("earlier")) {
+    const json& earlier = test.at("earlier");
+    if (inner) FailJson(where + ".earlier", "cannot be inside another \"earlier\"");
+    if (!earlier.is_array()) FailJson(where + ".earlier", "must be a list of tests");
+    if (earlier.size() > kMaxRules) FailJson(where + ".earlier", "more than 100 tests");
+    out.seen = true;
+    for (size_t i = 0; i < earlier.size(); ++i) {
+      out.earlier.push_back(
+          ReadTest(earlier[i], form, where + ".earlier[" + std::to_string(i) + "]", true));
+    }
+  }
+  if ((out.digits ? 1 : 0) + (out.patterns.empty() ? 0 : 1) + (out.seen ? 1 : 0) != 1) {
+    FailJson(where, "needs one of \"matches\", \"digits\" and \"earlier\"");
   }
   if (test.contains("not")) {
     if (!test.at("not").is_boolean()) FailJson(where + ".not", "must be true or false");
@@ -152,6 +165,13 @@ std::string TestJson(const FieldTest& test, const Names& form) {
     out += ", \"matches\": [";
     for (size_t i = 0; i < test.patterns.size(); ++i) {
       out += (i == 0 ? "" : ", ") + Quote(test.patterns[i]);
+    }
+    out += "]";
+  }
+  if (test.seen) {
+    out += ", \"earlier\": [";
+    for (size_t i = 0; i < test.earlier.size(); ++i) {
+      out += (i == 0 ? "" : ", ") + TestJson(test.earlier[i], form);
     }
     out += "]";
   }

@@ -88,6 +88,37 @@ TEST(FieldRules, PartsAfterBeforeSkipAndNegatedTests) {
   }
 }
 
+// A test over the records before: the legs of one call (same call ID, here
+// the caller field) after a leg that said the call goes on are told apart
+// from a first leg and from calls of their own, in the order they came; each
+// form copy (each input) remembers only its own records.
+TEST(FieldRules, EarlierRecordsOfTheSameInput) {
+  const RecordForm form = FormWith(R"([
+    {"name": "xfer", "width": 1, "rules": [
+      {"when": [{"field": "cont", "matches": "1"},
+                {"field": "caller", "earlier": [{"field": "cont", "matches": "1"}]}], "text": "M"},
+      {"when": [{"field": "cont", "matches": "1"}], "text": "S"},
+      {"when": [{"field": "caller", "earlier": [{"field": "cont", "matches": "1"}]}],
+       "text": "F"}]}])");
+  struct Case {
+    const char16_t* record;
+    const char* shaped;  // caller (6), xfer
+  } const cases[] = {
+      {u"E1,T1,0,100", "100     "},  // a call of its own
+      {u"E1,T1,1,101", "101    S"},  // goes on: the first leg
+      {u"E2,T1,1,101", "101    M"},  // goes on again: a middle leg
+      {u"V1,T1,0,101", "101    F"},  // the last leg
+      {u"E1,T1,0,100", "100     "},  // 100 never went on
+      {u"E1,T1,0,", "        "},     // no call ID: never an earlier one's
+  };
+  RecordForm copy = form;  // a second input, shaped after the first
+  for (const Case& c : cases) {
+    SCOPED_TRACE(U8(c.record));
+    EXPECT_EQ(Shaped(form, c.record), c.shaped);
+  }
+  EXPECT_EQ(Shaped(copy, u"V1,T1,0,101"), "101     ");  // the other input's leg is not this one's
+}
+
 TEST(FieldRules, JsonFormRefusesWhatCannotBeRead) {
   struct Case {
     const char* derived;
@@ -109,10 +140,12 @@ TEST(FieldRules, JsonFormRefusesWhatCannotBeRead) {
        "records.delimited.derived[0].rules[0]: \"after\", \"before\" and \"skip\" go with "
        "\"take\""},
       {R"([{"name": "x", "width": 1, "rules": [{"when": [{"field": "p1"}], "text": "a"}]}])",
-       "records.delimited.derived[0].rules[0].when[0]: needs one of \"matches\" and \"digits\""},
+       "records.delimited.derived[0].rules[0].when[0]: needs one of \"matches\", \"digits\" and "
+       "\"earlier\""},
       {R"([{"name": "x", "width": 1, "rules": [{"when": [{"field": "p1", "matches": "a",
           "digits": true}], "text": "a"}]}])",
-       "records.delimited.derived[0].rules[0].when[0]: needs one of \"matches\" and \"digits\""},
+       "records.delimited.derived[0].rules[0].when[0]: needs one of \"matches\", \"digits\" and "
+       "\"earlier\""},
       {R"([{"name": "x", "width": 1, "rules": [{"when": [{"field": "p1", "is": "a"}],
           "text": "a"}]}])",
        "records.delimited.derived[0].rules[0].when[0].is: unknown member"},
@@ -122,6 +155,13 @@ TEST(FieldRules, JsonFormRefusesWhatCannotBeRead) {
       {R"([{"name": "x", "width": 1, "rules": [{"take": "p1", "skip": -1}]}])",
        "records.delimited.derived[0].rules[0].skip: must be 0 to 255"},
       {R"({"name": "x"})", "records.delimited.derived: must be a list of fields read by rule"},
+      {R"([{"name": "x", "width": 1, "rules": [{"when": [{"field": "p1", "earlier": [{"field":
+          "p2", "earlier": []}]}], "text": "a"}]}])",
+       "records.delimited.derived[0].rules[0].when[0].earlier[0].earlier: cannot be inside "
+       "another \"earlier\""},
+      {R"([{"name": "x", "width": 1, "rules": [{"when": [{"field": "p1", "earlier": {}}],
+          "text": "a"}]}])",
+       "records.delimited.derived[0].rules[0].when[0].earlier: must be a list of tests"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.derived);

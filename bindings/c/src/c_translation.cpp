@@ -42,6 +42,15 @@ void Fill(const Row& row, velqua_call* call) {
   call->duration = row.has_fields ? row.duration : -1;
   call->ring = row.has_fields ? row.ring : -1;
   call->extension_random = row.random_extension;
+  call->has_end = call->has_time && row.HasEnd();
+  if (call->has_end) {
+    call->end_time = call->has_seconds ? row.end_time : row.end_time - row.end_time % 60;
+    if (call->has_date && row.HasEndDate()) {
+      call->end_year = row.end_year;
+      call->end_month = row.end_month;
+      call->end_day = row.end_day;
+    }
+  }
   Store(&call->type_name, std::string(velqua_records::CallTypeWord(row.type)));
   Store(&call->attribute_name, std::string(velqua_records::AttributeWord(row.attribute)));
   Store(&call->dialled, row.dialled);

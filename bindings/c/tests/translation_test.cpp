@@ -1,5 +1,6 @@
 // The program's road through the C interface, and drawings onto a surface
 // made of C callbacks.
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,52 @@ TEST(CTranslation, KxTdaRowsShowOnlyWhatTheSwitchPrinted) {
   EXPECT_EQ(counts.unrecognised, 0);
   EXPECT_EQ(counts.failed, 0);
   EXPECT_EQ(counts.random_extensions, 1);
+}
+
+// Each call carries its true start and its end: a switch that prints the
+// start ends the call later by its duration, one that prints the end started
+// it earlier, both across midnight; an unanswered call ends as it starts.
+TEST(CTranslation, EachCallHasItsEndBesideItsTrueStart) {
+  struct Case {
+    const char* config;
+    std::string record;
+    const char* expected;  // "start-date start-time > end-date end-time" ("none": no end)
+  } const cases[] = {
+      {"ip-office/ip-office.json",
+       "2026/03/10 23:59:30,00:01:05,3,0312345678,I,201,201,,0,1000001,0,E201,Ann,T9001,Line "
+       "1.1,0,0\r\n",
+       "20260310 86370 > 20260311 35"},
+      {"kx-tda/kx-tda.json",
+       "01/20/26 12:01AM   201 01 0312598877                     00:05'00\r\n",
+       "20260119 86160 > 20260120 60"},
+      {"kx-tda/kx-tda.json",
+       "01/19/26 09:10AM   204 02 <I>0320457788             0'21 00:00'00            NA\r\n",
+       "20260119 33000 > 20260119 33000"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.record);
+    Cfg cfg = NewCfg(Example(c.config));
+    Translation t = NewTranslation(cfg.get(), nullptr);
+    ASSERT_EQ(velqua_translation_write(t.get(), c.record.data(), c.record.size()), 0);
+    ASSERT_EQ(velqua_translation_finish(t.get()), 0);
+    velqua_call call{};
+    bool got = false;
+    ASSERT_EQ(velqua_translation_next(t.get(), &call, &got), 0);
+    ASSERT_TRUE(got);
+    char text[80];
+    std::snprintf(text, sizeof text, "%04d%02d%02d %d > ", call.year, call.month, call.day,
+                  call.time);
+    std::string shown = text;
+    if (call.has_end) {
+      std::snprintf(text, sizeof text, "%04d%02d%02d %d", call.end_year, call.end_month,
+                    call.end_day, call.end_time);
+      shown += text;
+    } else {
+      shown += "none";
+    }
+    EXPECT_EQ(shown, c.expected);
+    velqua_call_clear(&call);
+  }
 }
 
 // Abrir reads a binary configuration, which declares no record form: the

@@ -63,7 +63,7 @@ void CallMaker::Register(py::object call) {
   if (!PyType_Check(call.ptr()) ||
       !PyType_IsSubtype(reinterpret_cast<PyTypeObject*>(call.ptr()), &PyTuple_Type) ||
       py::len(call.attr("_fields")) != static_cast<size_t>(kFields)) {
-    throw py::type_error("Call must be a named tuple of 18 fields");
+    throw py::type_error("Call must be a named tuple of " + std::to_string(kFields) + " fields");
   }
   gCall = reinterpret_cast<PyTypeObject*>(call.release().ptr());
 }
@@ -155,6 +155,10 @@ PyObject* CallMaker::Make(const velqua_bindings::Row& row) {
   set(15, Bool(row.random_extension));
   set(16, Py_NewRef(Py_None));
   set(17, row.HasTime() ? Bool(row.HasSeconds()) : Py_NewRef(Py_None));
+  const bool end = row.HasTime() && row.HasEnd();
+  set(18, end && row.HasDate() && row.HasEndDate() ? Date(row.end_year, row.end_month, row.end_day)
+                                                   : Py_NewRef(Py_None));
+  set(19, end ? Time(row.end_time, row.HasSeconds()) : Py_NewRef(Py_None));
   return call;
 }
 

@@ -17,7 +17,7 @@ class CallMaker {
  public:
   // Call: velqua.Call, a named tuple of kFields fields (velqua/__init__.py).
   static void Register(py::object call);
-  static constexpr Py_ssize_t kFields = 18;
+  static constexpr Py_ssize_t kFields = 20;
 
   CallMaker();
   // A new reference to the Call of `row` (error_already_set on failure).

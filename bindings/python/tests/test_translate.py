@@ -32,6 +32,7 @@ def as_jsonl(call):
     """A Call in the program's JSON Lines form."""
     row = call._asdict()
     seconds = row.pop("has_seconds")
+    del row["end_date"], row["end_time"]  # the store's listings give the end, not translate
     if isinstance(row["date"], datetime.date):
         row["date"] = row["date"].isoformat()
     if isinstance(row["time"], datetime.time):
@@ -109,6 +110,23 @@ def test_calls_show_only_what_the_switch_printed(tmp_path):
     assert calls[1].error == "date 2026-02-31 does not exist"
     assert calls[2][:5] == (3, 0, "unrecognised", 0, "none")
     assert set(calls[2][5:]) == {None}
+
+
+@pytest.mark.parametrize("config, record, start, end", [
+    # the switch prints the start: the call ends later by its duration, past midnight
+    ("ip-office", "2026/03/10 23:59:30,00:01:05,3,0312345678,I,201,201,,0,1000001,0,E201,Ann,"
+                  "T9001,Line 1.1,0,0",
+     (datetime.date(2026, 3, 10), datetime.time(23, 59, 30)),
+     (datetime.date(2026, 3, 11), datetime.time(0, 0, 35))),
+    # the switch prints the end: the call started earlier by its duration, the day before
+    ("kx-tda", "01/20/26 12:01AM   201 01 0312598877                     00:05'00",
+     (datetime.date(2026, 1, 19), datetime.time(23, 56)),
+     (datetime.date(2026, 1, 20), datetime.time(0, 1))),
+])
+def test_each_call_has_its_end_beside_its_true_start(config, record, start, end):
+    [call] = velqua.translate([record], config)
+    assert (call.date, call.time) == start
+    assert (call.end_date, call.end_time) == end
 
 
 def test_a_bundled_name_is_a_configuration(program):

@@ -93,6 +93,13 @@ class Call(_NamedTuple):
     error: _Optional[str]
     # Whether the switch printed the time's seconds.
     has_seconds: _Optional[bool]
+    # The call's end: date is the start plus the duration (time is the true
+    # start, also for a switch that prints the end). None when the duration
+    # or the time is not known, the date None when no date was printed; as
+    # precise as the time (has_seconds). Not a column of `velqua translate`:
+    # the program gives it in the store's listings (`velqua calls`).
+    end_date: _Optional[_Union[_datetime.date, str]]
+    end_time: _Optional[_Union[_datetime.time, str]]
 
 
 def read_calls(

@@ -33,6 +33,8 @@ class Call(NamedTuple):
     extension_random: Optional[bool]
     error: Optional[str]
     has_seconds: Optional[bool]
+    end_date: Optional[Union[datetime.date, str]]
+    end_time: Optional[Union[datetime.time, str]]
 
 class clsCfgConmut:
     Modificado: bool
