@@ -1,6 +1,7 @@
 // Fills a call store with made-up calls for the reports' benchmarks and
 // pictures: an office of 40 extensions on 8 trunk lines, busy on weekday
-// working hours, quiet at night and at weekends.
+// working hours, quiet at night and at weekends. Its numbers are priced by
+// bench/reports/plan.toml; bench/reports/*.csv is its directory.
 //
 //   report_store STORE_URL CALLS FIRST_DAY DAYS [SEED]
 //   report_store calls.db 10000000 2025-01-01 365
@@ -52,6 +53,20 @@ int64_t Moment(std::mt19937_64& rng, int64_t first, int64_t days) {
   }
 }
 
+// A number as the office's switch prints it, dialled or calling: Madrid,
+// the rest of Spain, mobiles, and a few abroad (00 and the country), from
+// a pool of 200,000 so that callers call again and are called back.
+std::string Number(std::mt19937_64& rng) {
+  const auto n = static_cast<int64_t>(rng() % 200000);
+  const int64_t kind = n % 100;
+  const std::string digits = std::to_string(1000000 + n * 7 % 1000000).substr(1);
+  if (kind < 45) return "91" + digits + "1";
+  if (kind < 65) return "9" + std::to_string(3 + kind % 6) + digits + "2";
+  if (kind < 90) return "6" + std::to_string(kind % 10) + digits + "3";
+  if (kind < 95) return (kind % 2 == 0 ? "0033" : "0049") + digits + "45";
+  return "001" + digits + "789";
+}
+
 velqua_store::Record Call(std::mt19937_64& rng, int64_t position, int64_t at) {
   velqua_store::Record r;
   r.position = position;
@@ -72,7 +87,10 @@ velqua_store::Record Call(std::mt19937_64& rng, int64_t position, int64_t at) {
   row.extension = velqua_records::U16(std::to_string(201 + rng() % 40));
   if (row.type != 3) {
     row.trunk = velqua_records::U16("0" + std::to_string(1 + rng() % 8));
-    row.dialled = velqua_records::U16("0" + std::to_string(910000000 + rng() % 200000 * 7));
+    row.dialled = velqua_records::U16(Number(rng));
+    if (row.type == 2 && rng() % 10 == 0) {
+      row.account_code = velqua_records::U16(std::to_string(4711 + rng() % 4));
+    }
   } else {
     row.dialled = velqua_records::U16(std::to_string(201 + rng() % 40));
   }

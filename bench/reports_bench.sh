@@ -2,11 +2,15 @@
 # The reports' speed on a large SQLite store, side by side with the same
 # totals asked of the sqlite3 shell in plain SQL and of pandas over a CSV
 # export. The store is made once by bench/report_store (made-up calls over
-# a year) and kept under /tmp/velqua-reports-bench.
+# a year), priced by bench/reports/plan.toml with the directory of
+# bench/reports/*.csv, and kept under /tmp/velqua-reports-bench.
 #
 # Usage: bench/reports_bench.sh [--calls N] [--runs K] [--velqua PATH] [--gen PATH]
+#                               [--db URL] [--no-year]
 #   N calls over 2025 (default 10,000,000); K timed runs of each (default 3,
-#   the best kept; a first run warms the cache).
+#   the best kept; a first run warms the cache). --db: a PostgreSQL store
+#   (filled the first time, when it holds no calls) instead of the SQLite
+#   file; --no-year: the month only.
 # Needs GNU time (Debian package time), sqlite3, python3-pandas.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -14,12 +18,16 @@ calls=10000000
 runs=3
 velqua=build/tools/velqua/velqua
 gen=build/bench/report_store
+url=""
+year_too=1
 while [ $# -gt 0 ]; do
   case "$1" in
     --calls) calls="$2"; shift 2 ;;
     --runs) runs="$2"; shift 2 ;;
     --velqua) velqua="$2"; shift 2 ;;
     --gen) gen="$2"; shift 2 ;;
+    --db) url="$2"; shift 2 ;;
+    --no-year) year_too=0; shift ;;
     *) echo "unknown option: $1" >&2; exit 2 ;;
   esac
 done
@@ -27,10 +35,17 @@ velqua=$(realpath "$velqua")
 gen=$(realpath "$gen")
 dir=/tmp/velqua-reports-bench
 mkdir -p "$dir"
-db="$dir/calls-$calls.db"
-if [ ! -f "$db" ]; then
+db="${url:-$dir/calls-$calls.db}"
+fill() {
   echo "making $db ($calls calls over 2025)"
   /usr/bin/time -f "  made in %e s, %M KB" "$gen" "$db" "$calls" 2025-01-01 365
+  /usr/bin/time -f "  priced in %e s" "$velqua" rate --db "$db" --plan bench/reports/plan.toml
+  "$velqua" directory import --db "$db" bench/reports/people.csv bench/reports/accounts.csv
+}
+if [ -n "$url" ]; then
+  [ "$(psql "$url" -Atc "SELECT count(*) FROM calls" 2>/dev/null || echo 0)" != 0 ] || fill
+elif [ ! -f "$db" ]; then
+  fill
 fi
 
 # The best of K runs after a warming run: wall seconds, CPU seconds (user +
@@ -51,26 +66,43 @@ best() {
 
 month=(--from 2025-03-01 --to 2025-03-31)
 year=(--from 2025-01-01 --to 2025-12-31)
-for kind in extensions trunks missed traffic compare; do
-  printf "%-11s month " "$kind"; best "$velqua" report "$kind" --db "$db" "${month[@]}" --format csv
-  printf "%-11s year  " "$kind"; best "$velqua" report "$kind" --db "$db" "${year[@]}" --format csv
+for kind in extensions departments accounts trunks destinations missed traffic compare; do
+  printf "%-12s month " "$kind"; best "$velqua" report "$kind" --db "$db" "${month[@]}" --format csv
+  if [ "$year_too" = 1 ]; then
+    printf "%-12s year  " "$kind"; best "$velqua" report "$kind" --db "$db" "${year[@]}" --format csv
+  fi
 done
-printf "%-11s month " "pdf trunks"; best "$velqua" report trunks --lines 8 --db "$db" "${month[@]}" -o "$dir/t.pdf"
+printf "%-12s month " "pdf depts"; best "$velqua" report departments --db "$db" "${month[@]}" -o "$dir/d.pdf"
+[ -z "$url" ] || exit 0
 
 # The same totals in plain SQL: calls and talk time per trunk, per extension.
 trunks_sql="SELECT trunk, count(*), sum(duration) FROM calls WHERE start >= '2025-03-01' AND start < '2025-04-01' AND trunk IS NOT NULL GROUP BY trunk;"
 ext_sql="SELECT extension, count(*), sum(CASE WHEN attribute <> 4 AND type IN (2,5) THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 1 THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 3 THEN 1 ELSE 0 END), sum(CASE WHEN attribute = 4 THEN 1 ELSE 0 END), sum(duration) FROM calls WHERE start >= '2025-03-01' AND start < '2025-04-01' GROUP BY extension;"
+# Cost per department as a user would write it: each call's department in
+# force on its day, by a correlated subquery on the directory.
+dept_sql="SELECT coalesce((SELECT d.department FROM directory d WHERE d.kind = 'extension' AND d.entry_key = c.extension AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) ORDER BY d.from_day DESC LIMIT 1), '(none)') AS dep, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01' GROUP BY dep;"
+printf "%-11s month " "sqlite3 departments"; best sqlite3 "$db" "$dept_sql"
 printf "%-11s month " "sqlite3 trunks"; best sqlite3 "$db" "$trunks_sql"
 printf "%-11s month " "sqlite3 extensions"; best sqlite3 "$db" "$ext_sql"
 
 # pandas over a CSV export of the month (the export itself not timed).
-csv="$dir/march-$calls.csv"
-[ -f "$csv" ] || sqlite3 -header -csv "$db" "SELECT start, type, attribute, duration, extension, trunk FROM calls WHERE start >= '2025-03-01' AND start < '2025-04-01'" > "$csv"
+csv="$dir/march-priced-$calls.csv"
+[ -f "$csv" ] || sqlite3 -header -csv "$db" "SELECT c.start, c.type, c.attribute, c.duration, c.extension, c.trunk, k.cost FROM calls c LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01'" > "$csv"
 cat > "$dir/totals.py" <<'PY'
 import sys
 import pandas as pd
 calls = pd.read_csv(sys.argv[1], dtype={"extension": str, "trunk": str})
-if sys.argv[2] == "trunks":
+if sys.argv[2] == "departments":
+    people = pd.read_csv(sys.argv[3], dtype={"extension": str, "from": str})
+    people["day"] = pd.to_datetime(people["from"].fillna("1970-01-01"))
+    calls["day"] = pd.to_datetime(calls["start"].str[:10])
+    calls["cents"] = (calls["cost"].fillna(0) * 100).round().astype("int64")
+    both = pd.merge_asof(calls.dropna(subset=["extension"]).sort_values("day"),
+                         people.sort_values("day")[["day", "extension", "department"]],
+                         on="day", by="extension")
+    print(both.fillna({"department": "(none)"}).groupby("department").agg(
+        calls=("start", "size"), seconds=("duration", "sum"), cents=("cents", "sum")))
+elif sys.argv[2] == "trunks":
     print(calls.dropna(subset=["trunk"]).groupby("trunk").agg(calls=("start", "size"), seconds=("duration", "sum")))
 else:
     answered = calls["attribute"] != 4
@@ -80,5 +112,6 @@ else:
     calls["unanswered"] = ~answered
     print(calls.groupby("extension")[["out", "in", "internal", "unanswered", "duration"]].sum())
 PY
+printf "%-11s month " "pandas departments"; best /usr/bin/python3 "$dir/totals.py" "$csv" departments bench/reports/people.csv
 printf "%-11s month " "pandas trunks"; best /usr/bin/python3 "$dir/totals.py" "$csv" trunks
 printf "%-11s month " "pandas extensions"; best /usr/bin/python3 "$dir/totals.py" "$csv" extensions

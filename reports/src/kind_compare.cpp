@@ -56,8 +56,10 @@ Cell Change(ColumnType type, const Cell& now, const Cell& before) {
   return Cell::Text(Unscaled(Scaled(a, decimals) - Scaled(b, decimals), decimals));
 }
 
-Cell Zero(ColumnType type) {
-  return type == ColumnType::kMoney ? Cell::Text("0") : Cell::Number(0);
+// Nothing, in the form of `other` (money with its decimals: "0.00").
+Cell Zero(ColumnType type, const Cell& other) {
+  if (type != ColumnType::kMoney) return Cell::Number(0);
+  return Cell::Text(Unscaled(0, other.empty ? 0 : Decimals(other.text)));
 }
 
 struct Layout {
@@ -86,8 +88,13 @@ std::vector<Cell> CompareRow(const Table& t, const Layout& l, const std::vector<
   std::vector<Cell> row(any.begin(), any.begin() + static_cast<std::ptrdiff_t>(l.keys));
   for (size_t i : l.values) {
     const ColumnType type = t.columns[i].type;
-    const Cell a = now != nullptr ? (*now)[i] : Zero(type);
-    const Cell b = before != nullptr ? (*before)[i] : Zero(type);
+    Cell a = now != nullptr ? (*now)[i] : Zero(type, (*before)[i]);
+    Cell b = before != nullptr ? (*before)[i] : Zero(type, (*now)[i]);
+    if (type == ColumnType::kMoney && !a.empty && !b.empty) {  // both with the more decimals
+      const int decimals = std::max(Decimals(a.text), Decimals(b.text));
+      a.text = Unscaled(Scaled(a.text, decimals), decimals);
+      b.text = Unscaled(Scaled(b.text, decimals), decimals);
+    }
     row.insert(row.end(), {a, b, Change(type, a, b)});
   }
   return row;
@@ -162,6 +169,45 @@ void CompareKeyed(const Table& now, const Table& before, const Layout& all,
   }
 }
 
+// The columns of either table, those of `now` first, matched by heading:
+// one period may have a column the other has not (a cost in a currency,
+// or none when nothing was priced).
+std::vector<Column> UnionOf(const Table& now, const Table& before) {
+  std::vector<Column> columns = now.columns;
+  for (const Column& c : before.columns) {
+    const bool found = std::any_of(columns.begin(), columns.end(),
+                                   [&](const Column& o) { return o.heading == c.heading; });
+    if (!found) columns.push_back(c);
+  }
+  return columns;
+}
+
+// `t` with `columns`, a column it lacks holding nothing (0) in every row.
+Table Aligned(const Table& t, const std::vector<Column>& columns) {
+  std::vector<int> from;
+  for (const Column& c : columns) {
+    int index = -1;
+    for (size_t i = 0; i < t.columns.size(); ++i) {
+      if (t.columns[i].heading == c.heading) index = static_cast<int>(i);
+    }
+    from.push_back(index);
+  }
+  const auto row_of = [&](const std::vector<Cell>& row) {
+    std::vector<Cell> out;
+    for (size_t i = 0; i < columns.size(); ++i) {
+      const ColumnType type = columns[i].type;
+      out.push_back(from[i] >= 0                ? row[static_cast<size_t>(from[i])]
+                    : type == ColumnType::kText ? Cell::Text("")
+                                                : Zero(type, Cell::Empty()));
+    }
+    return out;
+  };
+  Table a{t.name, columns, {}, {}};
+  for (const auto& row : t.rows) a.rows.push_back(row_of(row));
+  if (t.total) a.total = row_of(*t.total);
+  return a;
+}
+
 }  // namespace
 
 void BuildCompare(velqua_store::Store& store, const Request& request, Report& report) {
@@ -177,12 +223,14 @@ void BuildCompare(velqua_store::Store& store, const Request& request, Report& re
   report.title = now.title + " against the previous period";
   report.notes.push_back("Previous period: " + earlier.from + " to " + earlier.to);
   for (size_t i = 0; i < now.tables.size() && i < before.tables.size(); ++i) {
-    const Layout l = LayoutOf(now.tables[i]);
+    const std::vector<Column> columns = UnionOf(now.tables[i], before.tables[i]);
+    const Table a = Aligned(now.tables[i], columns), b = Aligned(before.tables[i], columns);
+    const Layout l = LayoutOf(a);
     if (l.values.empty()) continue;
     if (l.keys > 0) {
-      CompareKeyed(now.tables[i], before.tables[i], l, &report.tables);
-    } else if (now.tables[i].total && before.tables[i].total) {
-      CompareTotals(now.tables[i], before.tables[i], l, &report.tables);
+      CompareKeyed(a, b, l, &report.tables);
+    } else if (a.total && b.total) {
+      CompareTotals(a, b, l, &report.tables);
     }
   }
 }

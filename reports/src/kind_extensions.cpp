@@ -1,9 +1,13 @@
 // extensions: calls and talk time per extension; with --itemised, every
 // call of one extension (the page an employee or a hotel guest is handed).
 #include <algorithm>
+#include <map>
 
+#include "costs.h"
+#include "directory_view.h"
 #include "kinds_internal.h"
 #include "period.h"
+#include "velqua/rating/money.h"
 #include "velqua/records/names.h"
 
 namespace velqua_reports {
@@ -27,13 +31,43 @@ Chart BusiestExtensions(const std::vector<velqua_store::CallCounts>& counts) {
 }  // namespace
 
 void BuildExtensions(velqua_store::Store& store, const Request& request, Report& report) {
-  const velqua_store::Span span = SpanOf(request.from, request.to, request.switch_name);
-  const auto counts = velqua_store::CountCallsBy(store, span, velqua_store::CallGroup::kExtension);
-  Table t{"Extensions", CountColumns(TextColumn("extension")), {}, {}};
-  for (const auto& c : counts) t.rows.push_back(CountCells(Cell::Text(c.key), c));
-  t.total = CountCells(Cell::Text("total"), SumCounts(counts));
+  const velqua_store::Span span = SpanFor(store, request);
+  // One pass of the calls: counts and costs by extension.
+  const auto rows = velqua_store::CostsBy(store, span, velqua_store::CostGroup::kExtension);
+  const auto counts = CountsOf(rows);
+  std::map<std::string, Totals> costs;
+  Totals all;
+  for (const auto& row : rows) {
+    costs[row.key].Add(row);
+    all.Add(row);
+  }
+  const Currencies currencies = CurrenciesOf({&all.cost});
+  // Who an extension belongs to as the period ends.
+  const DirectoryView directory(store.ListDirectory());
+  const bool named = directory.HasExtensions();
+  std::vector<Column> columns = CountColumns(TextColumn("extension"));
+  if (named) columns.insert(columns.begin() + 1, {TextColumn("person"), TextColumn("department")});
+  for (Column& c : CostColumns(currencies)) columns.push_back(std::move(c));
+  Table t{"Extensions", std::move(columns), {}, {}};
+  const auto row_of = [&](Cell key, const velqua_store::CallCounts& c, const Amounts& cost,
+                          const velqua_rating::DirectoryEntry* entry) {
+    std::vector<Cell> row = CountCells(std::move(key), c);
+    if (named) {
+      row.insert(row.begin() + 1, {Cell::Text(entry != nullptr ? entry->person : ""),
+                                   Cell::Text(entry != nullptr ? entry->department : "")});
+    }
+    for (Cell& cell : CostCells(currencies, cost)) row.push_back(std::move(cell));
+    return row;
+  };
+  for (const auto& c : counts) {
+    t.rows.push_back(
+        row_of(Cell::Text(c.key), c, costs[c.key].cost, directory.Extension(c.key, request.to)));
+  }
+  t.total = row_of(Cell::Text("total"), SumCounts(counts), all.cost, nullptr);
   report.tables.push_back(std::move(t));
   report.charts.push_back(BusiestExtensions(counts));
+  const std::string note = UnpricedNote(all.unpriced);
+  if (!note.empty()) report.notes.push_back(note);
 }
 
 void BuildItemised(velqua_store::Store& store, const Request& request, Report& report) {
@@ -42,31 +76,72 @@ void BuildItemised(velqua_store::Store& store, const Request& request, Report& r
   filter.to = request.to;
   filter.switch_name = request.switch_name;
   filter.extension = request.itemised;
-  Table t{"Calls",
-          {{"start", ColumnType::kDateTime, ""},
-           TextColumn("type"),
-           TextColumn("number"),
-           TextColumn("trunk"),
-           DurationColumn("ring"),
-           DurationColumn("duration")},
-          {},
-          {}};
+  std::vector<velqua_store::StoredCall> calls;
+  Amounts sum;
   int64_t seconds = 0;
+  store.ListCalls(filter, [&](const velqua_store::StoredCall& c) {
+    seconds += c.duration.value_or(0);
+    if (c.cost && c.currency) {
+      const size_t point = c.cost->find('.');
+      const int32_t decimals =
+          point == std::string::npos ? 0 : static_cast<int32_t>(c.cost->size() - point - 1);
+      AddMoney(sum, {*c.currency, decimals, UnitsOf(*c.cost, decimals)});
+    }
+    calls.push_back(c);
+  });
+  const Currencies currencies = CurrenciesOf({&sum});
+  // The destination once calls are priced; before, it is always empty.
+  const bool destinations =
+      std::any_of(calls.begin(), calls.end(), [](const auto& c) { return c.destination; });
+  std::vector<Column> columns{{"start", ColumnType::kDateTime, ""},
+                              TextColumn("type"),
+                              TextColumn("number"),
+                              TextColumn("destination"),
+                              TextColumn("trunk"),
+                              DurationColumn("ring"),
+                              DurationColumn("duration")};
+  if (!destinations) columns.erase(columns.begin() + 3);
+  for (Column& c : CostColumns(currencies)) columns.push_back(std::move(c));
+  Table t{"Calls", std::move(columns), {}, {}};
   const auto text = [](const std::optional<std::string>& s) { return Cell::Text(s.value_or("")); };
   const auto number = [](const std::optional<int64_t>& n) {
     return n ? Cell::Number(*n) : Cell::Empty();
   };
-  store.ListCalls(filter, [&](const velqua_store::StoredCall& c) {
+  int64_t unpriced = 0;
+  for (const velqua_store::StoredCall& c : calls) {
     std::string type = velqua_records::CallTypeWord(c.type);
     if (c.attribute == 4) type += ", unanswered";
-    t.rows.push_back({text(c.start), Cell::Text(type), text(c.dialled), text(c.trunk),
-                      number(c.ring), number(c.duration)});
-    seconds += c.duration.value_or(0);
-  });
-  t.total = {Cell::Text("total"), Cell::Text(std::to_string(t.rows.size()) + " calls"),
-             Cell::Text(""),      Cell::Text(""),
-             Cell::Empty(),       Cell::Number(seconds)};
+    std::vector<Cell> row{text(c.start), Cell::Text(type), text(c.dialled),   text(c.destination),
+                          text(c.trunk), number(c.ring),   number(c.duration)};
+    if (!destinations) row.erase(row.begin() + 3);
+    for (const auto& [currency, decimals] : currencies) {
+      const bool priced = c.cost && c.currency && *c.currency == currency;
+      row.push_back(
+          priced ? Cell::Text(velqua_rating::FormatUnits(UnitsOf(*c.cost, decimals), decimals))
+                 : Cell::Empty());
+    }
+    if (c.cost_reason && !c.cost) ++unpriced;
+    t.rows.push_back(std::move(row));
+  }
+  std::vector<Cell> total{
+      Cell::Text("total"),  Cell::Text(std::to_string(t.rows.size()) + " calls"),
+      Cell::Text(""),       Cell::Text(""),
+      Cell::Text(""),       Cell::Empty(),
+      Cell::Number(seconds)};
+  if (!destinations) total.erase(total.begin() + 3);
+  for (Cell& cell : CostCells(currencies, sum)) total.push_back(std::move(cell));
+  t.total = std::move(total);
   report.tables.push_back(std::move(t));
+  const DirectoryView directory(store.ListDirectory());
+  if (const auto* e = directory.Extension(request.itemised, request.to)) {
+    std::string who = e->person;
+    for (const std::string* part : {&e->department, &e->cost_centre}) {
+      if (!part->empty()) who += (who.empty() ? "" : ", ") + *part;
+    }
+    if (!who.empty()) report.notes.push_back("Extension " + request.itemised + ": " + who);
+  }
+  const std::string note = UnpricedNote(unpriced);
+  if (!note.empty()) report.notes.push_back(note);
 }
 
 }  // namespace velqua_reports

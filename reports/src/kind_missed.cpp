@@ -57,7 +57,7 @@ std::string WindowText(int64_t seconds) {
 
 void BuildMissed(velqua_store::Store& store, const Request& request, Report& report) {
   using velqua_store::CallGroup;
-  const velqua_store::Span span = SpanOf(request.from, request.to, request.switch_name);
+  const velqua_store::Span span = SpanFor(store, request);
   const int64_t window = request.callback_seconds;
   report.notes.push_back("Called back: an outgoing call to the same number within " +
                          WindowText(window) + " of the missed call");

@@ -51,7 +51,7 @@ velqua_store::CallCounts SumCounts(const std::vector<velqua_store::CallCounts>& 
 
 void BuildTraffic(velqua_store::Store& store, const Request& request, Report& report) {
   using velqua_store::CallGroup;
-  const velqua_store::Span span = SpanOf(request.from, request.to, request.switch_name);
+  const velqua_store::Span span = SpanFor(store, request);
   const auto per_day = velqua_store::CountCallsBy(store, span, CallGroup::kDay);
   std::map<std::string, velqua_store::CallCounts> days;
   for (const auto& c : per_day) days[c.key] = c;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "costs.h"
 #include "kinds_internal.h"
 #include "period.h"
 #include "velqua/store/aggregates.h"
@@ -12,15 +13,32 @@ namespace {
 
 constexpr size_t kBusiest = 10;
 
-Table TrunkTable(const std::vector<velqua_store::CallCounts>& counts) {
-  Table t{"Trunks", {TextColumn("trunk"), IntColumn("calls"), DurationColumn("talk time")}, {}, {}};
+Table TrunkTable(const std::vector<velqua_store::CallCounts>& counts,
+                 const std::vector<velqua_store::CostCounts>& costs, std::string* note) {
+  std::map<std::string, Totals> by_trunk;
+  Totals all;
+  for (const velqua_store::CostCounts& c : costs) {
+    by_trunk[c.key].Add(c);
+    all.Add(c);
+  }
+  const Currencies currencies = CurrenciesOf({&all.cost});
+  std::vector<Column> columns{TextColumn("trunk"), IntColumn("calls"), DurationColumn("talk time")};
+  for (Column& c : CostColumns(currencies)) columns.push_back(std::move(c));
+  Table t{"Trunks", std::move(columns), {}, {}};
+  const auto row_of = [&](const std::string& key, int64_t calls, int64_t seconds,
+                          const Amounts& cost) {
+    std::vector<Cell> row{Cell::Text(key), Cell::Number(calls), Cell::Number(seconds)};
+    for (Cell& cell : CostCells(currencies, cost)) row.push_back(std::move(cell));
+    return row;
+  };
   int64_t calls = 0, seconds = 0;
   for (const velqua_store::CallCounts& c : counts) {
-    t.rows.push_back({Cell::Text(c.key), Cell::Number(c.calls), Cell::Number(c.seconds)});
+    t.rows.push_back(row_of(c.key, c.calls, c.seconds, by_trunk[c.key].cost));
     calls += c.calls;
     seconds += c.seconds;
   }
-  t.total = {Cell::Text("total"), Cell::Number(calls), Cell::Number(seconds)};
+  t.total = row_of("total", calls, seconds, all.cost);
+  *note = UnpricedNote(all.unpriced);
   return t;
 }
 
@@ -100,9 +118,11 @@ Chart LinesChart(const std::vector<int64_t>& peaks, int64_t first, int64_t lines
 }  // namespace
 
 void BuildTrunks(velqua_store::Store& store, const Request& request, Report& report) {
-  const velqua_store::Span span = SpanOf(request.from, request.to, request.switch_name);
-  report.tables.push_back(
-      TrunkTable(velqua_store::CountCallsBy(store, span, velqua_store::CallGroup::kTrunk)));
+  const velqua_store::Span span = SpanFor(store, request);
+  std::string unpriced;
+  const auto costs = velqua_store::CostsBy(store, span, velqua_store::CostGroup::kTrunk);
+  report.tables.push_back(TrunkTable(CountsOf(costs), costs, &unpriced));
+  if (!unpriced.empty()) report.notes.push_back(unpriced);
   const int64_t first = DayNumber(span.from, "--from") * 48;
   const int64_t end = DayNumber(span.to_next, "--to") * 48;
   const std::vector<int64_t> peaks =

@@ -2,6 +2,7 @@
 // report's heading shared by every kind.
 #include <algorithm>
 
+#include "directory_view.h"
 #include "kinds_internal.h"
 #include "period.h"
 #include "velqua/records/common.h"
@@ -18,7 +19,10 @@ struct KindInfo {
 
 constexpr KindInfo kKinds[] = {
     {"extensions", "Extensions", BuildExtensions},
+    {"departments", "Departments and cost centres", BuildDepartments},
+    {"accounts", "Account codes", BuildAccounts},
     {"trunks", "Trunks and lines in use", BuildTrunks},
+    {"destinations", "Destinations", BuildDestinations},
     {"missed", "Missed calls", BuildMissed},
     {"traffic", "Traffic", BuildTraffic},
     {"compare", "Comparison with the previous period", BuildCompare},
@@ -67,6 +71,13 @@ void CheckRequest(const Request& request) {
   if (!request.itemised.empty() && request.kind != "extensions") {
     throw Failure("--itemised: only for the extensions report");
   }
+  if (!request.itemised.empty() && !request.department.empty()) {
+    throw Failure("--itemised names one extension: leave out --department");
+  }
+  if (request.top <= 0) throw Failure("--top: expected a number of destinations, 1 or more");
+  if (request.by != "cost" && request.by != "minutes" && request.by != "calls") {
+    throw Failure("--by: expected cost, minutes or calls, got '" + request.by + "'");
+  }
 }
 
 std::pair<std::string, std::string> PreviousMonth(const std::string& today) {
@@ -92,16 +103,37 @@ int64_t SecondsOf(const std::string& text, const char* option) {
   return std::stoll(text.substr(0, digits)) * scale;
 }
 
+velqua_store::Span SpanFor(velqua_store::Store& store, const Request& request) {
+  velqua_store::Span span = SpanOf(request.from, request.to, request.switch_name);
+  if (!request.department.empty()) {
+    span.extensions =
+        DirectoryView(store.ListDirectory()).Members(request.department, span.from, span.to_next);
+  }
+  return span;
+}
+
 Report BuildReport(velqua_store::Store& store, const Request& request) {
   CheckRequest(request);
   if (!request.switch_name.empty() && !store.FindSwitch(request.switch_name)) {
     throw velqua_records::Failure("unknown switch '" + request.switch_name + "' in '" +
                                   store.name() + "'");
   }
+  if (!request.department.empty()) {
+    const DirectoryView directory(store.ListDirectory());
+    if (!directory.HasDepartments()) {
+      throw velqua_records::Failure("unknown department '" + request.department + "': '" +
+                                    store.name() + "' holds no directory of departments");
+    }
+    if (!directory.KnowsDepartment(request.department)) {
+      throw velqua_records::Failure("unknown department '" + request.department + "' in '" +
+                                    store.name() + "'");
+    }
+  }
   const KindInfo& kind = *FindKind(request.kind);
   Report report;
   report.kind = kind.name;
   report.title = kind.title;
+  if (!request.department.empty()) report.notes.push_back("Department " + request.department);
   report.from = request.from;
   report.to = request.to;
   if (request.switch_name.empty()) {

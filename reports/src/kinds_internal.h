@@ -13,6 +13,13 @@ void BuildTraffic(velqua_store::Store& store, const Request& request, Report& re
 void BuildExtensions(velqua_store::Store& store, const Request& request, Report& report);
 void BuildItemised(velqua_store::Store& store, const Request& request, Report& report);
 void BuildCompare(velqua_store::Store& store, const Request& request, Report& report);
+void BuildDepartments(velqua_store::Store& store, const Request& request, Report& report);
+void BuildAccounts(velqua_store::Store& store, const Request& request, Report& report);
+void BuildDestinations(velqua_store::Store& store, const Request& request, Report& report);
+
+// The store's span of the request: its days, its switch, and with
+// --department the days each extension belonged to the department.
+velqua_store::Span SpanFor(velqua_store::Store& store, const Request& request);
 
 // Column makers.
 inline Column TextColumn(std::string heading) {

@@ -238,7 +238,8 @@ TEST(ReportRequests, BadRequestsAreRefusedInOneLineNamingTheFault) {
     const char* message;
   } rows[] = {
       {"costs", "2026-03-01", "2026-03-31", "", "",
-       "unknown report 'costs': expected extensions, trunks, missed, traffic, compare"},
+       "unknown report 'costs': expected extensions, departments, accounts, trunks, destinations, "
+       "missed, traffic, compare"},
       {"trunks", "2026-03-31", "2026-03-01", "", "",
        "the period starts (--from 2026-03-31) after it ends (--to 2026-03-01)"},
       {"trunks", "2026-02-30", "2026-03-01", "", "",
@@ -246,8 +247,8 @@ TEST(ReportRequests, BadRequestsAreRefusedInOneLineNamingTheFault) {
       {"trunks", "2026-03-01", "31/03/2026", "", "",
        "--to: expected a date YYYY-MM-DD, got '31/03/2026'"},
       {"compare", "2026-03-01", "2026-03-31", "compare", "",
-       "--of: cannot compare 'compare': expected one of extensions, trunks, missed, traffic, "
-       "compare but compare"},
+       "--of: cannot compare 'compare': expected one of extensions, departments, accounts, "
+       "trunks, destinations, missed, traffic, compare but compare"},
       {"trunks", "2026-03-01", "2026-03-31", "", "201",
        "--itemised: only for the extensions report"},
   };

@@ -82,6 +82,7 @@ void WriteCalls(velqua_store::Store& store, const std::string& switch_name,
     row.extension = velqua_records::U16(c.extension);
     row.trunk = velqua_records::U16(c.trunk);
     row.dialled = velqua_records::U16(c.number);
+    row.account_code = velqua_records::U16(c.account);
     batch.push_back(std::move(r));
     if (batch.size() == 2000 || i + 1 == calls.size()) {
       store.Write(source, batch, std::nullopt);

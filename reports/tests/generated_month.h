@@ -19,6 +19,7 @@ struct GenCall {
   bool unanswered = false;
   int64_t duration = 0, ring = 0;
   std::string extension, trunk, number;
+  std::string account;  // account code, "" = none
 };
 
 // March 2026 and a few calls either side of it (the last evening of

@@ -6,6 +6,7 @@ enable_testing()
 find_package(GTest REQUIRED)
 
 add_executable(velqua_reports_tests
+  ${CMAKE_CURRENT_LIST_DIR}/cost_reports_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/forms_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/generated_month.cpp
   ${CMAKE_CURRENT_LIST_DIR}/mail_test.cpp

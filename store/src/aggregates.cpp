@@ -64,6 +64,24 @@ bool ScanWhole(Connection& db, const Dialect& d, const Span& span) {
   return last > 0 && asked * 4 > stored;
 }
 
+// The condition that a call is one of the span's extensions on its days.
+std::string ExtensionsWhere(const std::vector<ExtensionDays>& only, std::vector<Value>* params) {
+  if (only.empty()) return " AND 1 = 0";
+  const auto next = [params](const std::string& value) {
+    params->push_back(value);
+    return "$" + std::to_string(params->size());
+  };
+  std::string sql;
+  for (const ExtensionDays& e : only) {
+    sql += sql.empty() ? " AND ((" : " OR (";
+    sql += "c.extension = " + next(e.extension);
+    if (!e.from.empty()) sql += " AND c.start >= " + next(e.from);
+    if (!e.to_next.empty()) sql += " AND c.start < " + next(e.to_next);
+    sql += ")";
+  }
+  return sql + ")";
+}
+
 // The WHERE clause of a span, its parameters appended to `params`. SQLite
 // reads the span through the index on the start unless `scan` (a unary +
 // keeps its planner off an index).
@@ -76,6 +94,7 @@ std::string SpanWhere(const Span& span, std::vector<Value>* params, bool scan = 
     params->push_back(span.switch_name);
     sql += " AND c.switch_id = (SELECT id FROM switches WHERE name = $3)";
   }
+  if (span.extensions) sql += ExtensionsWhere(*span.extensions, params);
   return sql;
 }
 
@@ -211,6 +230,64 @@ std::vector<ChannelSlot> ChannelsInUse(Store& store, const Span& span) {
     level += r.Int(2);
   });
   return slots;
+}
+
+std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group) {
+  Connection& db = ConnectionOf(store);
+  const Dialect d(db);
+  std::string key = "coalesce(c.extension, '')", day = "''", extra;
+  if (group == CostGroup::kTrunk) {
+    key = "c.trunk";
+    extra = " AND c.trunk IS NOT NULL";
+  } else if (group == CostGroup::kAccountDay) {
+    key = "c.account_code";
+    extra = " AND c.account_code IS NOT NULL";
+  } else if (group == CostGroup::kDestination) {
+    key = "k.destination";
+    day = "coalesce(k.destination_class, '')";
+    extra = " AND k.destination IS NOT NULL";
+  }
+  if (group == CostGroup::kExtensionDay || group == CostGroup::kAccountDay) {
+    day = "substr(c.start, 1, 10)";
+  }
+  // A price is exact decimal text: its digits without the point are its
+  // units, and the digits after the point its decimals.
+  const std::string point = d.pg ? "strpos(k.cost, '.')" : "instr(k.cost, '.')";
+  const std::string decimals =
+      "CASE WHEN " + point + " > 0 THEN length(k.cost) - " + point + " ELSE 0 END";
+  std::vector<Value> params;
+  const std::string where = SpanWhere(span, &params, ScanWhole(db, d, span)) + extra;
+  std::vector<CostCounts> rows;
+  db.Run("SELECT " + key + ", " + day + ", coalesce(k.currency, ''), " + decimals +
+             ", count(*), coalesce(sum(c.duration), 0),"
+             " coalesce(sum(CAST(replace(k.cost, '.', '') AS BIGINT)), 0),"
+             " sum(CASE WHEN k.source_id IS NOT NULL AND k.cost IS NULL THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type IN (2, 5) THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type = 1 THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute <> 4 AND c.type = 3 THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN c.attribute = 4 THEN 1 ELSE 0 END)"
+             " FROM calls c LEFT JOIN call_costs k"
+             " ON k.source_id = c.source_id AND k.position = c.position" +
+             where + " GROUP BY 1, 2, 3, 4",
+         params, [&](const ResultRow& r) {
+           CostCounts c;
+           c.key = r.Text(0);
+           c.day = r.Text(1);
+           c.cost = {r.Text(2), static_cast<int32_t>(r.Int(3)), r.Int(6)};
+           c.calls = r.Int(4);
+           c.seconds = r.Int(5);
+           c.unpriced = r.Int(7);
+           c.outgoing = r.Int(8);
+           c.incoming = r.Int(9);
+           c.internal = r.Int(10);
+           c.unanswered = r.Int(11);
+           rows.push_back(std::move(c));
+         });
+  std::sort(rows.begin(), rows.end(), [](const CostCounts& a, const CostCounts& b) {
+    return std::tie(a.key, a.day, a.cost.currency, a.cost.decimals) <
+           std::tie(b.key, b.day, b.cost.currency, b.cost.decimals);
+  });
+  return rows;
 }
 
 std::vector<std::string> SwitchNames(Store& store) {

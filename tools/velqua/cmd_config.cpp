@@ -6,10 +6,10 @@
 #include <memory>
 #include <vector>
 
-#include "check_reasons.h"
 #include "cli_common.h"
 #include "velqua/cfg_conmut.h"
 #include "velqua/records/bundled.h"
+#include "velqua/records/check_reasons.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/names.h"
 #include "velqua/records/record_reader.h"
@@ -268,8 +268,10 @@ void CheckPiece(const SwitchConfig& config, std::u16string_view piece,
   }
   if (traductor) traductor->LlamadaActual(record);
   CheckRecord(record, entries, traductor);
-  if (traductor && traductor->TipoLlamadaDetectada() == velqua::emTradNoIdentificada)
-    ExplainUnrecognised(*config.cfg, *traductor, record);
+  if (traductor && traductor->TipoLlamadaDetectada() == velqua::emTradNoIdentificada) {
+    for (const std::string& why : UnrecognisedReasons(*config.cfg, *traductor, record))
+      std::printf("    why: %s\n", why.c_str());
+  }
 }
 
 }  // namespace

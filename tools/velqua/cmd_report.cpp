@@ -42,7 +42,9 @@ void AddReportCommand(CLI::App& app, ReportOptions& options) {
   CLI::App* cmd = app.add_subcommand("report",
                                      "Reports of the call store: tables, PDF, spreadsheet, "
                                      "charts");
-  cmd->add_option("kind", options.kind, "extensions, trunks, missed, traffic or compare")
+  cmd->add_option("kind", options.kind,
+                  "extensions, departments, accounts, trunks, destinations, missed, traffic or "
+                  "compare")
       ->required();
   cmd->add_option("--db", options.db, "Store: a SQLite file or postgresql://user@host:port/dbname")
       ->required();
@@ -60,6 +62,9 @@ void AddReportCommand(CLI::App& app, ReportOptions& options) {
       ->capture_default_str();
   cmd->add_option("--itemised", options.itemised, "extensions: every call of this extension");
   cmd->add_option("--of", options.of, "compare: the report compared (default: extensions)");
+  cmd->add_option("--top", options.top, "destinations: how many to list")->capture_default_str();
+  cmd->add_option("--by", options.by, "destinations: ranked by cost, minutes or calls")
+      ->capture_default_str();
   cmd->add_option("--mail-to", options.mail_to, "Mail the report to this address (repeatable)");
   cmd->add_option("--smtp", options.smtp, "The SMTP server: smtp://host:port or smtps://host");
   cmd->add_option("--mail-from", options.mail_from, "The sender's address");
@@ -83,6 +88,9 @@ int RunReport(const ReportOptions& options) {
       velqua_reports::SecondsOf(options.callback_window, "--callback-window");
   request.itemised = options.itemised;
   request.of = options.of;
+  request.department = options.department;
+  request.top = options.top;
+  request.by = options.by;
   velqua_reports::CheckRequest(request);
   const velqua_reports::Form form = FormOf(options);
   if (!options.mail_to.empty() && options.smtp.empty()) {
@@ -90,10 +98,6 @@ int RunReport(const ReportOptions& options) {
   }
   if (!options.output.empty()) velqua_reports::CheckWritable(options.output);
   std::unique_ptr<velqua_store::Store> store = velqua_store::OpenStore(options.db, false);
-  if (!options.department.empty()) {
-    throw CliError("unknown department '" + options.department + "': '" + store->name() +
-                   "' holds no directory of departments");
-  }
   const velqua_reports::Report report = velqua_reports::BuildReport(*store, request);
   if (!options.output.empty() || options.mail_to.empty()) {
     velqua_reports::WriteReport(report, form, options.output);

@@ -21,6 +21,8 @@ struct ReportOptions {
   int64_t lines = 0;
   std::string callback_window = "24h";
   std::string itemised, of;
+  int64_t top = 20;         // destinations: how many listed
+  std::string by = "cost";  // destinations: ranked by cost, minutes or calls
   std::vector<std::string> mail_to;
   std::string smtp, mail_from;
 };

@@ -12,10 +12,10 @@
 #include <memory>
 
 #include "cli_common.h"
-#include "row_writer.h"
 #include "velqua/records/bundled.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/mask.h"
+#include "velqua/records/row_writer.h"
 #include "velqua/records/translation.h"
 
 namespace velqua_cli {

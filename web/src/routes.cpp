@@ -8,6 +8,7 @@ void RegisterRoutes(Api& api) {
   RegisterSessionRoutes(api);
   RegisterSwitchRoutes(api);
   RegisterCallRoutes(api);
+  RegisterEditorRoutes(api);
 }
 
 }  // namespace velqua_web

@@ -9,6 +9,7 @@ class Api;
 void RegisterSessionRoutes(Api& api);  // /api/session, /api/login, /api/logout
 void RegisterSwitchRoutes(Api& api);   // /api/switches
 void RegisterCallRoutes(Api& api);     // /api/calls
+void RegisterEditorRoutes(Api& api);   // /api/editor: the layout editor
 
 // Every area's routes.
 void RegisterRoutes(Api& api);

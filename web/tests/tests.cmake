@@ -6,6 +6,7 @@ find_package(GTest REQUIRED)
 
 add_executable(velqua_web_tests
   ${CMAKE_CURRENT_LIST_DIR}/api_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/editor_api_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/web_test_support.cpp)
 target_link_libraries(velqua_web_tests PRIVATE velqua_web velqua_store_testing
                       PkgConfig::VELQUA_HTTPLIB nlohmann_json::nlohmann_json GTest::gtest_main)
@@ -19,12 +20,16 @@ add_test(NAME web.postgresql COMMAND velqua_web_tests --gtest_filter=*Postgres*)
 # (npm ci in web/tests/browser, as scripts/setup.sh does).
 find_program(VELQUA_NODE node)
 find_program(VELQUA_CHROMIUM chromium)
+# The layout editor's state rules (undo, the draft, edges), in Node alone.
+if(VELQUA_NODE)
+  add_test(NAME web.page_editor COMMAND ${VELQUA_NODE} --test ${PROJECT_SOURCE_DIR}/web/page/tests/)
+endif()
 set(VELQUA_BROWSER_DIR ${CMAKE_CURRENT_LIST_DIR}/browser)
 if(VELQUA_NODE AND VELQUA_CHROMIUM AND EXISTS ${VELQUA_BROWSER_DIR}/node_modules/playwright-core)
   add_test(NAME web.browser
            COMMAND ${VELQUA_NODE} ${VELQUA_BROWSER_DIR}/run.mjs --velqua $<TARGET_FILE:velqua_cli>
                    --source ${PROJECT_SOURCE_DIR} --out ${CMAKE_BINARY_DIR}/web-screenshots)
-  set_tests_properties(web.browser PROPERTIES ENVIRONMENT CHROMIUM=${VELQUA_CHROMIUM} TIMEOUT 300)
+  set_tests_properties(web.browser PROPERTIES ENVIRONMENT CHROMIUM=${VELQUA_CHROMIUM} TIMEOUT 600)
 else()
   message(WARNING "velqua_web: node, chromium or playwright-core (npm ci in web/tests/browser) "
                   "missing: the browser tests are not run; scripts/setup.sh installs them")

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "cli_common.h"
-#include "row_writer.h"
+#include "velqua/records/row_writer.h"
 #include "velqua/records/clock.h"
 
 namespace velqua_cli {

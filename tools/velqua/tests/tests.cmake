@@ -284,6 +284,43 @@ if(TARGET velqua_reports)
     cli.e2e.error_report_unknown_switch cli.e2e.error_report_unknown_department
     cli.e2e.error_report_unwritable cli.e2e.error_report_no_chart
     PROPERTIES FIXTURES_REQUIRED e2e_report ENVIRONMENT TZ=UTC)
+
+  # The same records priced by the example plan, with the example directory:
+  # the reports of money.
+  set(PRICED_STORE ${VELQUA_E2E_TMP}/e2e-report-priced.db)
+  velqua_e2e(report_priced_import 0 import --db ${PRICED_STORE} --switch hicom
+             -c examples/hicom/hicom.json --year 2026 --source hicom.txt
+             examples/hicom/records.txt PRODUCED ${PRICED_STORE})
+  velqua_e2e(report_priced_rate 0 rate --db ${PRICED_STORE}
+             --plan examples/rating/hicom-plan.toml)
+  velqua_e2e(report_priced_directory 0 directory import --db ${PRICED_STORE}
+             examples/rating/people.csv examples/rating/accounts.csv)
+  velqua_e2e(report_departments_table 0 report departments --db ${PRICED_STORE} ${MARCH}
+             --format table)
+  velqua_e2e(report_accounts_csv 0 report accounts --db ${PRICED_STORE} ${MARCH} --format csv)
+  velqua_e2e(report_destinations_table 0 report destinations --top 3 --db ${PRICED_STORE}
+             ${MARCH} --format table)
+  velqua_e2e(report_extensions_of_sales 0 report extensions --department Sales
+             --db ${PRICED_STORE} ${MARCH} --format table)
+  velqua_e2e(report_itemised_priced 0 report extensions --itemised 23 --db ${PRICED_STORE}
+             ${MARCH} --format csv)
+  velqua_e2e(report_compare_departments 0 report compare --of departments --db ${PRICED_STORE}
+             --from 2026-03-09 --to 2026-03-10 --format table)
+  velqua_e2e(error_report_department_not_listed 1 report departments --db ${PRICED_STORE}
+             ${MARCH} --department Legal)
+  velqua_e2e(error_report_destinations_by 1 report destinations --db ${PRICED_STORE} ${MARCH}
+             --by price)
+  set_tests_properties(cli.e2e.report_priced_import cli.e2e.report_priced_rate
+    cli.e2e.report_priced_directory PROPERTIES FIXTURES_SETUP e2e_report_priced
+    ENVIRONMENT TZ=UTC)
+  set_tests_properties(cli.e2e.report_priced_rate PROPERTIES DEPENDS cli.e2e.report_priced_import)
+  set_tests_properties(cli.e2e.report_priced_directory PROPERTIES DEPENDS
+                       cli.e2e.report_priced_rate)
+  set_tests_properties(cli.e2e.report_departments_table cli.e2e.report_accounts_csv
+    cli.e2e.report_destinations_table cli.e2e.report_extensions_of_sales
+    cli.e2e.report_itemised_priced cli.e2e.report_compare_departments
+    cli.e2e.error_report_department_not_listed cli.e2e.error_report_destinations_by
+    PROPERTIES FIXTURES_REQUIRED e2e_report_priced ENVIRONMENT TZ=UTC)
 endif()
 
 # config show / convert / check

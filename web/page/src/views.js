@@ -5,5 +5,6 @@
 // started (a live feed, a timer) when the user leaves the view.
 import calls from './views/calls.js';
 import switches from './views/switches.js';
+import configurations from './views/configurations.js';
 
-export const views = [calls, switches];
+export const views = [calls, switches, configurations];

@@ -1,6 +1,7 @@
 // The browser checks, one a behaviour. Each gets { page, url, db, login,
 // velqua, shot } and throws when the page does not do what it should.
 import assert from 'node:assert/strict';
+import { editorChecks } from './editor_checks.mjs';
 
 // The store's calls as `velqua calls` lists them (CSV, header first).
 function storedCalls(velqua, db, args = []) {
@@ -43,4 +44,5 @@ export const checks = [
       await shot('switches');
     },
   },
+  ...editorChecks,
 ];

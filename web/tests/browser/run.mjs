@@ -12,6 +12,8 @@ const { values } = parseArgs({ options: {
   only: { type: 'string' } } });
 const out = ensureDir(values.out);
 const store = makeStore(values.velqua, values.source);
+// The configurations the editor stores for a switch go beside the store.
+process.env.VELQUA_CONFIGS = join(store.dir, 'configs');
 const server = await serve(values.velqua, store.db);
 const browser = await launch();
 let failed = 0;

@@ -14,13 +14,16 @@
 namespace velqua_reports {
 
 struct Request {
-  std::string kind;                      // trunks, missed, traffic, extensions, compare
+  std::string kind;                      // extensions, departments, accounts, trunks ...
   std::string from, to;                  // "YYYY-MM-DD", both included
   std::string switch_name;               // "" = every switch
+  std::string department;                // only its extensions' calls; "" = every call
   int64_t lines = 0;                     // trunks: the lines the user has; 0 = not stated
   int64_t callback_seconds = 24 * 3600;  // missed: the callback window
   std::string itemised;                  // extensions: one extension's calls, one by one
   std::string of;                        // compare: the kind compared (default extensions)
+  int64_t top = 20;                      // destinations: how many are listed
+  std::string by = "cost";               // destinations: ranked by cost, minutes or calls
 };
 
 // The kinds, in the order they are listed to users.
@@ -39,8 +42,9 @@ std::pair<std::string, std::string> PreviousMonth(const std::string& today);
 // number of seconds; throws velqua_records::Failure naming `option`.
 int64_t SecondsOf(const std::string& text, const char* option);
 
-// Builds the report. Throws velqua_records::Failure for a switch the store
-// does not hold, velqua_store::StoreError for the store's failures.
+// Builds the report. Throws velqua_records::Failure for a switch or a
+// department the store does not hold, velqua_store::StoreError for the
+// store's failures.
 Report BuildReport(velqua_store::Store& store, const Request& request);
 
 }  // namespace velqua_reports

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,10 +16,18 @@
 
 namespace velqua_store {
 
+// An extension's days within a span: [from, to_next), "" = unbounded.
+struct ExtensionDays {
+  std::string extension, from, to_next;
+};
+
 struct Span {
   std::string from;         // first day, "YYYY-MM-DD"
   std::string to_next;      // the day after the last, "YYYY-MM-DD"
   std::string switch_name;  // "" = every switch
+  // When set, only the calls of these extensions on these days (the
+  // members of a department over time); an empty list lets no call in.
+  std::optional<std::vector<ExtensionDays>> extensions = std::nullopt;
 };
 
 // What the calls are grouped by; the key's text in CallCounts::key.
@@ -82,6 +91,40 @@ struct ChannelSlot {
   int64_t change = 0;
 };
 std::vector<ChannelSlot> ChannelsInUse(Store& store, const Span& span);
+
+// What the calls of a group cost: the sum of their stored prices in one
+// currency, in units of 10^-decimals of it (a price kept as "1.25" is 125
+// units of 2 decimals).
+struct Money {
+  std::string currency;
+  int32_t decimals = 0;
+  int64_t units = 0;
+};
+
+// What priced calls are grouped by.
+enum class CostGroup {
+  kExtension,     // key: the extension ("" for calls without one)
+  kTrunk,         // key: the trunk; calls without a trunk are left out
+  kExtensionDay,  // key: the extension, day: "YYYY-MM-DD"
+  kAccountDay,    // key: the account code, day; calls without one are left out
+  kDestination,   // key: the destination, day: its class; calls without one are left out
+};
+
+// The calls of a group in one currency (currency "" for calls without a
+// price, or priced 0 without a tariff): how many, their talk time, their
+// cost, how many the rating plan could not price, and the kinds of call as
+// CountCallsBy counts them (so that one pass gives both). A group whose prices
+// have several currencies or decimals gives a row for each.
+struct CostCounts {
+  std::string key, day;
+  int64_t calls = 0, seconds = 0;
+  Money cost;
+  int64_t unpriced = 0;
+  int64_t outgoing = 0, incoming = 0, internal = 0, unanswered = 0;  // as CallCounts
+};
+
+// The calls of the span grouped so, by key, day, currency and decimals.
+std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group);
 
 // The names of the store's switches, in byte order.
 std::vector<std::string> SwitchNames(Store& store);

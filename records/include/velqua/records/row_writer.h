@@ -11,11 +11,9 @@
 
 #include "velqua/records/call_row.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
-using velqua_records::Row;
-
-// Buffered writer of bytes to a FILE* (not owned). Throws CliError when the
+// Buffered writer of bytes to a FILE* (not owned). Throws Failure when the
 // stream refuses the bytes. On a terminal, control characters other than line
 // ends and tabs are written as visible escapes (\x1B), so that records
 // cannot send escape sequences to it.
@@ -67,4 +65,4 @@ std::string ShortAttributeName(int32_t attribute);
 void AppendDate(std::string& out, const Row& row);
 void AppendTime(std::string& out, const Row& row);
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

@@ -1,4 +1,4 @@
-#include "row_writer.h"
+#include "velqua/records/row_writer.h"
 
 #include <unistd.h>
 
@@ -7,12 +7,12 @@
 #include <charconv>
 #include <cstring>
 
-#include "cli_common.h"
+#include "velqua/records/common.h"
 #include "velqua/records/names.h"
 #include "velqua/records/text_table.h"
 #include "velqua/texto.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
 Output::Output(std::FILE* stream) : stream_(stream), terminal_(::isatty(::fileno(stream)) != 0) {
   buffer_.reserve(kFlushSize * 2);
@@ -38,10 +38,10 @@ bool Output::Write() {
 void Output::Flush() {
   if (!buffer_.empty() && !Write()) {
     buffer_.clear();
-    throw CliError("cannot write the output");
+    throw Failure("cannot write the output");
   }
   buffer_.clear();
-  if (std::fflush(stream_) != 0) throw CliError("cannot write the output");
+  if (std::fflush(stream_) != 0) throw Failure("cannot write the output");
 }
 
 namespace {
@@ -529,4 +529,4 @@ std::unique_ptr<RowWriter> MakeRowWriter(RowFormat format, Output& out, bool liv
   return std::make_unique<TableWriter>(out, live);
 }
 
-}  // namespace velqua_cli
+}  // namespace velqua_records

@@ -1,17 +1,16 @@
-// Why `config check` found a record unrecognised, told in the order the
+// Why a record was left unrecognised, told in the order the
 // translator decides: a line without a digit is never classified; then the
 // call-type marks, role by role; then, in the cases with an outgoing default,
 // the three outgoing fields; last, a type found but a duration that could not
 // be read (the translator turns such a record into an unrecognised one).
-#include "check_reasons.h"
+#include "velqua/records/check_reasons.h"
 
-#include <cstdio>
 #include <string>
 
-#include "cli_common.h"
+#include "velqua/records/common.h"
 #include "velqua/records/names.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 
 std::string Columns(int pos, int size) {
   return std::to_string(pos) + (size > 1 ? "-" + std::to_string(pos + size - 1) : "");
@@ -39,7 +38,7 @@ constexpr Role kRoles[] = {
      velqua::emDatoCteIdentInterTroncalOR},
 };
 
-void Why(const std::string& text) { std::printf("    why: %s\n", text.c_str()); }
+using Reasons = std::vector<std::string>;
 
 // `"text" at 27-29` for a defined constant, "" for an undefined one.
 std::string MarkText(clsCfgConmut& cfg, emParamDatoConstante key) {
@@ -63,24 +62,26 @@ std::string FieldText(clsCfgConmut& cfg, emParamDato key, const std::u16string& 
 // Whether the role's marks give it its type, as the translator tests them: a
 // plain mark with a defined AND mark needs both; the OR mark stands in only
 // when the plain one is absent. Prints what was tested.
-bool RoleMatches(const Role& role, clsCfgConmut& cfg, velqua::clsTraductor& traductor) {
+bool RoleMatches(const Role& role, clsCfgConmut& cfg, velqua::clsTraductor& traductor,
+                 Reasons& why) {
   const std::string plain = MarkText(cfg, role.plain), also = MarkText(cfg, role.also),
                     instead = MarkText(cfg, role.instead);
   if (plain.empty() && instead.empty()) {
-    Why(std::string(role.word) + ": no mark defined");
+    why.push_back(std::string(role.word) + ": no mark defined");
     return false;
   }
   const bool has_plain = !plain.empty() && traductor.HayConstanteLlamada(role.plain);
   if (has_plain) {
     if (also.empty() || traductor.HayConstanteLlamada(role.also)) return true;
-    Why(std::string(role.word) + ": mark " + plain + " found, but not its companion " + also);
+    why.push_back(std::string(role.word) + ": mark " + plain + " found, but not its companion " +
+                  also);
     return false;
   }
   if (!instead.empty() && traductor.HayConstanteLlamada(role.instead)) return true;
   const std::string tried = plain.empty() || instead.empty()
                                 ? "mark " + plain + instead + " not found"
                                 : "neither mark " + plain + " nor " + instead + " found";
-  Why(std::string(role.word) + ": " + tried);
+  why.push_back(std::string(role.word) + ": " + tried);
   return false;
 }
 
@@ -103,34 +104,39 @@ bool HasOutgoingDefault(int32_t caso) {
          caso == velqua::emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto;
 }
 
-void ExplainDuration(clsCfgConmut& cfg, const std::u16string& record, const char* type) {
+void ExplainDuration(clsCfgConmut& cfg, const std::u16string& record, const char* type,
+                     Reasons& why) {
   const int32_t caso = cfg.Caso();
   if (caso == velqua::emCasoEstandarRestaFechasDuracion ||
       caso == velqua::emCasoEstandarRestaFechasDuracionConSalienteDefecto) {
-    Why(std::string("the record is ") + type +
-        ", but its end date-time minus its start could not be read or is negative");
+    why.push_back(std::string("the record is ") + type +
+                  ", but its end date-time minus its start could not be read or is negative");
     return;
   }
-  Why(std::string("the record is ") + type +
-      ", but its duration could not be read: minutes and seconds must both be numbers: " +
-      FieldText(cfg, velqua::emParamDuracionMinutos, record) + ", " +
-      FieldText(cfg, velqua::emParamDuracionSegundos, record));
+  why.push_back(std::string("the record is ") + type +
+                ", but its duration could not be read: minutes and seconds must both be numbers: " +
+                FieldText(cfg, velqua::emParamDuracionMinutos, record) + ", " +
+                FieldText(cfg, velqua::emParamDuracionSegundos, record));
 }
 
 }  // namespace
 
-void ExplainUnrecognised(clsCfgConmut& cfg, velqua::clsTraductor& traductor,
-                         const std::u16string& record) {
+std::vector<std::string> UnrecognisedReasons(clsCfgConmut& cfg, velqua::clsTraductor& traductor,
+                                             const std::u16string& record) {
+  Reasons why;
   if (record.find_first_of(u"0123456789") == std::u16string::npos) {
-    Why("the line holds no digit, and a line without a digit is never classified");
-    return;
+    why.push_back("the line holds no digit, and a line without a digit is never classified");
+    return why;
   }
   for (const Role& role : kRoles) {
-    if (RoleMatches(role, cfg, traductor)) return ExplainDuration(cfg, record, role.word);
+    if (RoleMatches(role, cfg, traductor, why)) {
+      ExplainDuration(cfg, record, role.word, why);
+      return why;
+    }
   }
   if (!HasOutgoingDefault(cfg.Caso())) {
-    Why("no call-type mark was found, and this case has no outgoing default");
-    return;
+    why.push_back("no call-type mark was found, and this case has no outgoing default");
+    return why;
   }
   std::string empty;
   for (emParamDato key : {velqua::emParamTelefonoSaliente, velqua::emParamExtensionSaliente,
@@ -139,12 +145,14 @@ void ExplainUnrecognised(clsCfgConmut& cfg, velqua::clsTraductor& traductor,
       empty += (empty.empty() ? "" : ", ") + FieldText(cfg, key, record);
   }
   if (!empty.empty()) {
-    Why("not outgoing by default: the outgoing number, extension and trunk must all be "
+    why.push_back(
+        "not outgoing by default: the outgoing number, extension and trunk must all be "
         "present; empty: " +
         empty);
-    return;
+    return why;
   }
-  ExplainDuration(cfg, record, "outgoing by default");
+  ExplainDuration(cfg, record, "outgoing by default", why);
+  return why;
 }
 
-}  // namespace velqua_cli
+}  // namespace velqua_records
