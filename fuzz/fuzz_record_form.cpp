@@ -9,7 +9,8 @@
 //    its field count agrees with what it says was fewer or more;
 //  - a pattern without wildcards matches its own text, and "*" + it matches
 //    any text ending with it;
-//  - translating the lines through the form writes one row per record.
+//  - translating the lines through the form writes one row per record;
+//  - each extra field cut from a line is one text, no wider than its columns.
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -110,6 +111,13 @@ int Run(const uint8_t* data, size_t size) {
   const std::u16string text = velqua::DesdeAnsi(rest);
   if (form.delimited) CheckShape(form.fields, text.substr(0, 2000));
   CheckPattern(text);
+  const auto extras = velqua_records::CutExtras(form.extras, text);
+  for (size_t i = 0; i < extras.size(); ++i) {
+    if (extras[i].second.size() > static_cast<size_t>(form.extras[i].width)) {
+      velqua_fuzz::Hallazgo("an extra field wider than its columns");
+    }
+  }
+  if (extras.size() != form.extras.size()) velqua_fuzz::Hallazgo("extra fields lost");
   cfg->Caso(velqua::emCasoEstandar);
   Count count;
   velqua_records::Translation translation(cfg, count,

@@ -123,6 +123,56 @@ BandPrice Price(const Table& rates, const std::string& id) {
   return p;
 }
 
+// A RatingPlans weight as exact decimal text, so that two weights compare as
+// written: "9007199254740993" above "9007199254740992", "0.30000000000000001"
+// above "0.3", however many digits they hold.
+struct Weight {
+  bool negative = false;
+  std::string whole;     // no leading zeros
+  std::string fraction;  // no trailing zeros
+};
+
+// Reads "[+-]digits[.digits]"; false for anything else (an exponent, text).
+bool ParseWeight(const std::string& text, Weight& w) {
+  size_t at = 0;
+  if (!text.empty() && (text[0] == '-' || text[0] == '+')) at = 1;
+  const size_t dot = text.find('.', at);
+  std::string whole = text.substr(at, dot == std::string::npos ? std::string::npos : dot - at);
+  std::string fraction = dot == std::string::npos ? "" : text.substr(dot + 1);
+  if ((whole.empty() && fraction.empty()) ||
+      whole.find_first_not_of("0123456789") != std::string::npos ||
+      fraction.find_first_not_of("0123456789") != std::string::npos) {
+    return false;
+  }
+  whole.erase(0, std::min(whole.find_first_not_of('0'), whole.size()));
+  fraction.erase(std::min(fraction.find_last_not_of('0') + 1, fraction.size()));
+  w.whole = whole;
+  w.fraction = fraction;
+  w.negative = text[0] == '-' && !(whole.empty() && fraction.empty());  // -0 is 0
+  return true;
+}
+
+// -1, 0, 1 as a is below, equal to or above b.
+int Compare(const Weight& a, const Weight& b) {
+  if (a.negative != b.negative) return a.negative ? -1 : 1;
+  int magnitude = 0;
+  if (a.whole.size() != b.whole.size()) {
+    magnitude = a.whole.size() < b.whole.size() ? -1 : 1;
+  } else if (const int c = a.whole.compare(b.whole); c != 0) {
+    magnitude = c < 0 ? -1 : 1;
+  } else if (const int f = a.fraction.compare(b.fraction); f != 0) {
+    magnitude = f < 0 ? -1 : 1;  // no trailing zeros: text order is value order
+  }
+  return a.negative ? -magnitude : magnitude;
+}
+
+// A whole number of at most 9 digits, or -1.
+int32_t SmallWhole(const std::string& text) {
+  if (text.empty() || text.size() > 9 || text.find_first_not_of("0123456789") != std::string::npos)
+    return -1;
+  return static_cast<int32_t>(std::stol(text));
+}
+
 std::string Quoted(const std::string& s) {
   std::string out = "\"";
   for (const char c : s) {
@@ -208,7 +258,7 @@ std::string ImportCgrates(const CgratesImport& o) {
   for (const auto& l : timings_csv.lines) timings[l.fields[0]] = ReadTiming(timings_csv, l);
   // band (timing tag) -> destination -> (weight, rate tag)
   std::vector<std::string> bands;
-  std::map<std::string, std::map<std::string, std::pair<double, std::string>>> chosen;
+  std::map<std::string, std::map<std::string, std::pair<Weight, std::string>>> chosen;
   int32_t decimals = -1;
   for (const auto& p : plans.lines) {
     if (p.fields[0] != plan) continue;
@@ -216,7 +266,10 @@ std::string ImportCgrates(const CgratesImport& o) {
     if (timings.count(tag) == 0) plans.Fail(p.number, "no timing '" + tag + "'");
     if (tag == "all") plans.Fail(p.number, "a timing cannot be named 'all'");
     if (std::find(bands.begin(), bands.end(), tag) == bands.end()) bands.push_back(tag);
-    const double weight = std::atof(p.fields[3].c_str());
+    Weight weight;
+    if (!ParseWeight(p.fields[3], weight)) {
+      plans.Fail(p.number, "weight '" + p.fields[3] + "' is not a decimal number");
+    }
     bool found = false;
     for (const auto& d : dest_rates.lines) {
       if (d.fields[0] != p.fields[1]) continue;
@@ -225,7 +278,11 @@ std::string ImportCgrates(const CgratesImport& o) {
         dest_rates.Fail(d.number, "rounding " + d.fields[3] +
                                       " cannot be carried over (Velqua rounds half up, *middle)");
       }
-      const int32_t places = std::atoi(d.fields[4].c_str());
+      const int32_t places = SmallWhole(d.fields[4]);
+      if (places < 0 || places > 6) {
+        dest_rates.Fail(
+            d.number, "rounding decimals '" + d.fields[4] + "' is not a whole number from 0 to 6");
+      }
       if (decimals >= 0 && places != decimals) {
         dest_rates.Fail(d.number, "rounding to " + d.fields[4] +
                                       " decimals where others round to " +
@@ -238,9 +295,10 @@ std::string ImportCgrates(const CgratesImport& o) {
       if (d.fields[1] == "*any")
         dest_rates.Fail(d.number, "destination *any cannot be carried over");
       auto& slot = chosen[tag][d.fields[1]];
-      if (slot.second.empty() || weight > slot.first) {
+      const int order = slot.second.empty() ? 1 : Compare(weight, slot.first);
+      if (order > 0) {
         slot = {weight, d.fields[2]};
-      } else if (weight == slot.first && slot.second != d.fields[2]) {
+      } else if (order == 0 && slot.second != d.fields[2]) {
         dest_rates.Fail(d.number, "destination " + d.fields[1] +
                                       " has two rates of the same weight in timing " + tag);
       }

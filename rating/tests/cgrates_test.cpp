@@ -27,6 +27,34 @@ int64_t CostOf(const velqua_rating::Tariff& t, const char* number, int day, int 
   return priced.cost;
 }
 
+std::string Scratch() { return std::filesystem::temp_directory_path() / "velqua-cgrates-test"; }
+
+// A copy of the test plan with `from` replaced by `to` in `file`.
+std::string PlanWith(const char* file, const std::string& from, const std::string& to) {
+  const std::string dir = Scratch();
+  std::filesystem::remove_all(dir);
+  std::filesystem::copy(kPlan, dir);
+  const std::string path = dir + "/" + file;
+  std::ifstream in(path);
+  std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  in.close();
+  text.replace(text.find(from), from.size(), to);
+  std::ofstream(path) << text;
+  return dir;
+}
+
+void ExpectRefused(const std::string& folder, const std::string& refusal) {
+  velqua_rating::CgratesImport options;
+  options.folder = folder;
+  try {
+    velqua_rating::ImportCgrates(options);
+    ADD_FAILURE() << "imported";
+  } catch (const velqua_rating::TariffError& e) {
+    const std::string what = e.what();
+    EXPECT_EQ(what.substr(what.size() - std::min(what.size(), refusal.size())), refusal);
+  }
+}
+
 TEST(Cgrates, ImportedPlanPricesAsItsRatesSay) {
   velqua_rating::CgratesImport options;
   options.folder = kPlan;
@@ -80,29 +108,55 @@ TEST(Cgrates, WhatCannotBeCarriedOverIsRefusedByName) {
        "RP_OFFICE,DR_OFF,TM_WEEKEND,10\nRP_HOTEL,DR_OFF,TM_WEEKEND,10",
        "RatingPlans.csv: 2 rating plans: name the one to import"},
   };
-  const std::string dir = std::filesystem::temp_directory_path() / "velqua-cgrates-test";
   for (const auto& c : cases) {
     SCOPED_TRACE(c.file);
-    std::filesystem::remove_all(dir);
-    std::filesystem::copy(kPlan, dir);
-    const std::string path = dir + "/" + c.file;
-    std::ifstream in(path);
-    std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    in.close();
-    text.replace(text.find(c.from), std::string(c.from).size(), c.to);
-    std::ofstream(path) << text;
-    velqua_rating::CgratesImport options;
-    options.folder = dir;
-    try {
-      velqua_rating::ImportCgrates(options);
-      ADD_FAILURE() << "imported";
-    } catch (const velqua_rating::TariffError& e) {
-      const std::string what = e.what();
-      EXPECT_EQ(what.substr(what.size() - std::min(what.size(), std::string(c.refusal).size())),
-                c.refusal);
-    }
+    ExpectRefused(PlanWith(c.file, c.from, c.to), c.refusal);
   }
-  std::filesystem::remove_all(dir);
+  std::filesystem::remove_all(Scratch());
+}
+
+// Weights are compared as the decimal text they are: two weights a double
+// would make equal (and so refuse as a tie) or order the other way choose
+// the heavier rate; equal values written differently are a tie.
+TEST(Cgrates, WeightsCompareExactly) {
+  struct Case {
+    const char* peak_weight;  // DR_PEAK in TM_PEAK: local peak 61 s costs 0.10
+    const char* off_weight;   // DR_OFF in TM_PEAK: 0.08
+    const char* cost;         // or the refusal's end
+  };
+  const Case cases[] = {
+      {"9007199254740993", "9007199254740992", "0.10"},  // 2^53 + 1: one double
+      {"9007199254740992", "9007199254740993", "0.08"},
+      {"0.30000000000000001", "0.3", "0.10"},  // one double
+      {"100000000000000000000000000001", "100000000000000000000000000000", "0.10"},
+      {"-1", "-2", "0.10"},
+      {"-0.5", "0", "0.08"},
+      {"+007.25", "7.2500001", "0.08"},
+      {"10.50", "10.5",
+       "DestinationRates.csv:6: destination DST_LOCAL has two rates of the same weight in timing "
+       "TM_PEAK"},
+      {"-0", "0.000",
+       "DestinationRates.csv:6: destination DST_LOCAL has two rates of the same weight in timing "
+       "TM_PEAK"},
+      {"1e3", "10", "RatingPlans.csv:2: weight '1e3' is not a decimal number"},
+      {"10", "ten", "RatingPlans.csv:3: weight 'ten' is not a decimal number"},
+      {"10", ".", "RatingPlans.csv:3: weight '.' is not a decimal number"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.peak_weight) + " against " + c.off_weight);
+    const std::string folder = PlanWith("RatingPlans.csv", "RP_OFFICE,DR_PEAK,TM_PEAK,10",
+                                        std::string("RP_OFFICE,DR_PEAK,TM_PEAK,") + c.peak_weight +
+                                            "\nRP_OFFICE,DR_OFF,TM_PEAK," + c.off_weight);
+    if (std::string(c.cost).size() > 4) {
+      ExpectRefused(folder, c.cost);
+      continue;
+    }
+    velqua_rating::CgratesImport options;
+    options.folder = folder;
+    const auto tariff = velqua_rating::LoadTariff(velqua_rating::ImportCgrates(options), "rp.toml");
+    EXPECT_EQ(velqua_rating::FormatUnits(CostOf(tariff, "+34912345678", 5, 36000, 61), 2), c.cost);
+  }
+  std::filesystem::remove_all(Scratch());
 }
 
 }  // namespace

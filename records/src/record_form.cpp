@@ -171,6 +171,19 @@ void RecordForm::Join(std::u16string_view line, std::u16string* record) const {
   record->append(line.data(), line.size());
 }
 
+std::vector<std::pair<std::string, std::u16string>> CutExtras(const std::vector<ExtraField>& extras,
+                                                              std::u16string_view record) {
+  std::vector<std::pair<std::string, std::u16string>> out;
+  out.reserve(extras.size());
+  for (const ExtraField& e : extras) {
+    const size_t from = static_cast<size_t>(e.column - 1);
+    const std::u16string_view cut =
+        from < record.size() ? record.substr(from, static_cast<size_t>(e.width)) : u"";
+    out.emplace_back(e.name, std::u16string(Trimmed(cut)));
+  }
+  return out;
+}
+
 std::string RecordForm::Describe() const {
   std::string text = delimited ? "delimited (" + std::to_string(fields.fields.size()) + " fields)"
                                : "fixed columns";
@@ -185,6 +198,10 @@ std::string RecordForm::Describe() const {
   if (!continuation.empty()) text += " + continuation lines";
   if (seven_bit) text += " + 7-bit";
   if (printed_time == PrintedTime::kEnd) text += " + end times";
+  if (!extras.empty()) {
+    text +=
+        " + " + std::to_string(extras.size()) + " extra field" + (extras.size() == 1 ? "" : "s");
+  }
   return text;
 }
 

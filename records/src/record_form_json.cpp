@@ -109,13 +109,42 @@ void ReadContinuation(const json& continuation, RecordForm* form) {
   if (form->delimited) FailJson(where, "delimited records have no continuation lines");
 }
 
+// "extras": {"charge": {"pos": 66, "size": 8}, ...}
+std::vector<ExtraField> ReadExtras(const json& extras) {
+  if (!extras.is_object()) FailJson("records.extras", "must be an object of fields by name");
+  std::vector<ExtraField> out;
+  for (auto it = extras.begin(); it != extras.end(); ++it) {
+    const std::string where = "records.extras." + it.key();
+    const std::string& name = it.key();
+    const bool named =
+        !name.empty() && name.size() <= 32 && name[0] >= 'a' && name[0] <= 'z' &&
+        name.find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789_") == std::string::npos;
+    if (!named) {
+      FailJson(where, "a name is 1 to 32 lower-case letters, digits and '_', from a letter");
+    }
+    CheckJsonMembers(it.value(), where, {"pos", "size"});
+    ExtraField field;
+    field.name = name;
+    for (const char* member : {"pos", "size"}) {
+      const json& v = it.value().contains(member) ? it.value().at(member) : json();
+      if (!v.is_number_integer() || v.get<int64_t>() < 1 || v.get<int64_t>() > 255) {
+        FailJson(where + "." + member, "must be an integer from 1 to 255");
+      }
+      (std::string(member) == "pos" ? field.column : field.width) = v.get<int>();
+    }
+    out.push_back(field);
+  }
+  return out;
+}
+
 std::string Quote(std::u16string_view text) { return json(U8(text)).dump(); }
 
 }  // namespace
 
 RecordForm RecordFormFromJson(const json& records) {
-  CheckJsonMembers(records, "records",
-                   {"delimited", "headings", "record_end", "continuation", "seven_bit", "time"});
+  CheckJsonMembers(
+      records, "records",
+      {"delimited", "headings", "record_end", "continuation", "seven_bit", "time", "extras"});
   RecordForm form;
   if (records.contains("delimited")) {
     form.delimited = true;
@@ -142,11 +171,14 @@ RecordForm RecordFormFromJson(const json& records) {
     }
     form.printed_time = time == "end" ? PrintedTime::kEnd : PrintedTime::kStart;
   }
+  if (records.contains("extras")) form.extras = ReadExtras(records.at("extras"));
   return form;
 }
 
 std::string RecordFormToJson(const RecordForm& form) {
-  if (form.Plain() && form.printed_time == PrintedTime::kUnstated) return "";
+  if (form.Plain() && form.printed_time == PrintedTime::kUnstated && form.extras.empty()) {
+    return "";
+  }
   std::string out = "{";
   const char* next = "\n";
   if (form.delimited) {
@@ -197,6 +229,18 @@ std::string RecordFormToJson(const RecordForm& form) {
     out += next;
     out += form.printed_time == PrintedTime::kEnd ? "    \"time\": \"end\""
                                                   : "    \"time\": \"start\"";
+    next = ",\n";
+  }
+  if (!form.extras.empty()) {
+    out += next;
+    out += "    \"extras\": {";
+    for (size_t i = 0; i < form.extras.size(); ++i) {
+      const ExtraField& e = form.extras[i];
+      out += (i == 0 ? "\n      " : ",\n      ") + json(e.name).dump() +
+             ": {\"pos\": " + std::to_string(e.column) + ", \"size\": " + std::to_string(e.width) +
+             "}";
+    }
+    out += "\n    }";
   }
   return out + "\n  }";
 }

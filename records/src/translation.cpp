@@ -140,6 +140,7 @@ void Translation::Record(const std::u16string& record, int64_t offset) {
     // given whole.
     PlaceInTime(form_.printed_time, &row);
     if (!outcome.cut.empty()) Uncut(outcome.cut, &row);
+    if (row.has_fields && !form_.extras.empty()) row.extras = CutExtras(form_.extras, *text);
   } catch (const velqua::Error& e) {
     row = Row();
     row.number = number;

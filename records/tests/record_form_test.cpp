@@ -192,6 +192,20 @@ TEST(RecordFormJson, ErrorsNameTheMemberAtFault) {
           "column": 9}})",
        "records.continuation: delimited records have no continuation lines"},
       {R"({"seven_bit": 1})", "records.seven_bit: must be true or false"},
+      {R"({"extras": [1]})", "records.extras: must be an object of fields by name"},
+      {R"({"extras": {"Charge": {"pos": 1, "size": 1}}})",
+       "records.extras.Charge: a name is 1 to 32 lower-case letters, digits and '_', from a "
+       "letter"},
+      {R"({"extras": {"2nd": {"pos": 1, "size": 1}}})",
+       "records.extras.2nd: a name is 1 to 32 lower-case letters, digits and '_', from a letter"},
+      {R"({"extras": {"charge": {"pos": 0, "size": 1}}})",
+       "records.extras.charge.pos: must be an integer from 1 to 255"},
+      {R"({"extras": {"charge": {"pos": 1}}})",
+       "records.extras.charge.size: must be an integer from 1 to 255"},
+      {R"({"extras": {"charge": {"pos": 1, "size": 256}}})",
+       "records.extras.charge.size: must be an integer from 1 to 255"},
+      {R"({"extras": {"charge": {"pos": 1, "size": 2, "type": "money"}}})",
+       "records.extras.charge.type: unknown member"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.records);
@@ -204,6 +218,39 @@ TEST(RecordFormJson, ErrorsNameTheMemberAtFault) {
     } catch (const Failure& e) {
       EXPECT_STREQ(e.what(), c.error);
     }
+  }
+}
+
+// Extra fields are read, written back as read, and cut from each record
+// (blanks trimmed; none past the record's end).
+TEST(RecordFormJson, ExtraFieldsAreReadWrittenAndCut) {
+  velqua::clsCfgConmut cfg;
+  RecordForm form;
+  std::string delivery;
+  SwitchConfigFromJson(R"({"records": {"time": "end", "extras": {
+    "pulses": {"pos": 5, "size": 3}, "charge": {"pos": 1, "size": 4}, "call_id": {"pos": 12, "size": 4}}}})",
+                       cfg, &form, &delivery);
+  EXPECT_EQ(form.Describe(), "fixed columns + end times + 3 extra fields");
+  velqua::clsCfgConmut again;
+  RecordForm back;
+  SwitchConfigFromJson(SwitchConfigToJson(cfg, form, ""), again, &back, &delivery);
+  ASSERT_EQ(back.extras.size(), 3u);
+  struct Case {
+    const char16_t* record;
+    const char* extras;  // name=text, in name order
+  };
+  const Case cases[] = {
+      {u"0.12 3    xA17", "call_id=A17 charge=0.12 pulses=3"},
+      {u"  12 03", "call_id= charge=12 pulses=03"},  // shorter than the call ID's columns
+      {u"", "call_id= charge= pulses="},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(U8(c.record));
+    std::string got;
+    for (const auto& [name, text] : CutExtras(back.extras, c.record)) {
+      got += (got.empty() ? "" : " ") + name + "=" + U8(text);
+    }
+    EXPECT_EQ(got, c.extras);
   }
 }
 

@@ -20,7 +20,8 @@ class TableWriter : public CallWriter {
   explicit TableWriter(std::FILE* out)
       : out_(out),
         table_({"start", "switch", "type", "attribute", "dur", "ring", "dialled", "ext", "trunk",
-                "rx ext", "rx trunk", "account", "cost", "destination", "charged to", "note"},
+                "rx ext", "rx trunk", "account", "cost", "switch charge", "destination",
+                "charged to", "note"},
                {false, false, false, false, true, true}) {}  // the two durations: numbers
 
   void Write(const StoredCall& c) override {
@@ -34,11 +35,15 @@ class TableWriter : public CallWriter {
     for (size_t i = 0; i < 6; ++i) cells.push_back(Texts(c, i)->value_or(""));
     // No cost with a reason: the call could not be priced, and says why.
     cells.push_back(c.cost ? *c.cost + ' ' + c.currency.value_or("") : c.cost_reason ? "-" : "");
+    cells.push_back(c.switch_charge.value_or(""));
     cells.push_back(c.cost || !c.cost_reason ? c.destination.value_or("") : *c.cost_reason);
     cells.push_back(c.person.value_or(c.client.value_or("")));
+    std::string note;
     if (c.extension_random) {
-      cells.push_back(c.extension ? "random extension" : "account code not in the extension list");
+      note = c.extension ? "random extension" : "account code not in the extension list";
     }
+    if (c.date_received) note += note.empty() ? "date received" : "; date received";
+    if (!note.empty()) cells.push_back(std::move(note));
     table_.Add(std::move(cells), &out_.text());
     out_.MaybeFlush();
   }
@@ -113,6 +118,7 @@ class CdrCsvWriter : public CallWriter {
     Quoted(b, UniqueId(c));                          // uniqueid
     b += '"';
     b += c.attribute == 0 ? "" : velqua_records::AttributeWord(c.attribute);  // userfield
+    if (c.date_received) b += c.attribute == 0 ? "date received" : ";date received";
     b += "\"\n";
     out_.MaybeFlush();
   }

@@ -27,7 +27,8 @@ class CsvWriter : public CallWriter {
         "switch,source,position,type,type_name,attribute,attribute_name,start,start_utc,"
         "end,end_utc,duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,"
         "account_code,extension_random,received_utc,raw,cost,currency,destination,"
-        "destination_class,cost_reason,person,department,cost_centre,client,project\r\n";
+        "destination_class,cost_reason,person,department,cost_centre,client,project,"
+        "switch_charge,date_received,extras\r\n";
   }
   void Write(const StoredCall& c) override {
     std::string& b = out_.text();
@@ -55,6 +56,10 @@ class CsvWriter : public CallWriter {
       b += ',';
       velqua_records::AppendCsvField(b, price->value_or(""));
     }
+    b += ',';
+    velqua_records::AppendCsvField(b, c.switch_charge.value_or(""));
+    b += c.date_received ? ",1," : ",0,";
+    velqua_records::AppendCsvField(b, c.extras.value_or(""));
     b += "\r\n";
     out_.MaybeFlush();
   }
@@ -114,6 +119,7 @@ class JsonlWriter : public CallWriter {
     JsonMember(b, "received_utc", c.received_utc);
     JsonMember(b, "raw", c.raw);
     JsonMember(b, "cost", c.cost);
+    JsonMember(b, "switch_charge", c.switch_charge);
     JsonMember(b, "currency", c.currency);
     JsonMember(b, "destination", c.destination);
     JsonMember(b, "destination_class", c.destination_class);
@@ -123,6 +129,9 @@ class JsonlWriter : public CallWriter {
     JsonMember(b, "cost_centre", c.cost_centre);
     JsonMember(b, "client", c.client);
     JsonMember(b, "project", c.project);
+    b += c.date_received ? ",\"date_received\":true" : ",\"date_received\":false";
+    b += ",\"extras\":";
+    b += c.extras ? *c.extras : "null";  // a JSON object as stored
     b += "}\n";
     out_.MaybeFlush();
   }

@@ -140,7 +140,8 @@ class PgConnection : public Connection {
     Copy(
         "COPY calls (switch_id, source_id, position, received_utc, raw, type, attribute, start, "
         "start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
-        "receiving_trunk, account_code, extension_random, ended, ended_utc) FROM STDIN",
+        "receiving_trunk, account_code, extension_random, ended, ended_utc, date_received, "
+        "switch_charge, extras) FROM STDIN",
         rows, n, [](std::string& out, const CallValues& v) {
           AppendCommon(out, v);
           out += '\t';
@@ -163,6 +164,10 @@ class PgConnection : public Connection {
           AppendCopyText(out, v.ended);
           out += '\t';
           AppendCopyText(out, v.ended_utc);
+          out += v.date_received ? "\t1\t" : "\t0\t";
+          AppendCopyText(out, v.switch_charge);
+          out += '\t';
+          AppendCopyText(out, v.extras);
           out += '\n';
         });
   }

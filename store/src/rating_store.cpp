@@ -84,7 +84,7 @@ bool SqlStore::RefreshPlan() {
   return true;
 }
 
-void SqlStore::PriceCalls(const Source& source, const CallValues* calls, size_t n) {
+void SqlStore::PriceCalls(const std::string& switch_name, const CallValues* calls, size_t n) {
   if (n == 0 || !RefreshPlan()) return;
   // costs_ is a pool: its rows' strings keep their storage batch after batch.
   if (costs_.size() < n) costs_.resize(n);
@@ -93,8 +93,8 @@ void SqlStore::PriceCalls(const Source& source, const CallValues* calls, size_t 
     const StoredForPricing stored{v->type,     v->attribute, &v->start,
                                   v->duration, &v->texts[0], &v->texts[2]};
     CostRow& row = costs_[kept];
-    if (!PriceStored(*rater_, source.switch_name, stored, row)) continue;
-    row.source_id = source.id;
+    if (!PriceStored(*rater_, switch_name, stored, row)) continue;
+    row.source_id = v->source_id;
     row.position = v->position;
     ++kept;
   }

@@ -202,7 +202,7 @@ WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>&
     v.Fill(source.switch_id, source.id, record, zone);
   }
   db_->InsertCalls(calls_.data(), n_calls);
-  PriceCalls(source, calls_.data(), n_calls);
+  PriceCalls(source.switch_name, calls_.data(), n_calls);
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
   if (before_commit) before_commit();
   if (checkpoint) {

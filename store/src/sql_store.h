@@ -64,7 +64,8 @@ class SqlStore : public Store {
   // Which records of a batch to skip: those whose position the source has
   // already, and the repeats of a position within the batch.
   std::vector<bool> Skipped(const Source& source, const std::vector<Record>& records);
-  RewriteResult RewriteOnce(int64_t switch_id, const std::vector<Retranslated>& records);
+  RewriteResult RewriteOnce(int64_t switch_id, const std::string& switch_name,
+                            const std::vector<Retranslated>& records);
   int64_t Count(const char* table, const std::string& switch_name);
   int64_t SwitchId(const std::string& switch_name);
   const Zone& ZoneOf(int64_t switch_id);
@@ -77,12 +78,13 @@ class SqlStore : public Store {
   // Rating (rating_store.cpp): the stored plan, loaded again when its stamp
   // changes (another program stored a new one); false when none is stored.
   bool RefreshPlan();
-  // Prices the calls just inserted into call_costs, in the same transaction.
-  void PriceCalls(const Source& source, const CallValues* calls, size_t n);
+  // Prices calls of `switch_name` just inserted or updated into call_costs,
+  // in the same transaction.
+  void PriceCalls(const std::string& switch_name, const CallValues* calls, size_t n);
 
   std::unique_ptr<Connection> db_;
   std::map<int64_t, Zone> zones_;  // by switch id
-  std::vector<CallValues> calls_, unrecognised_;
+  std::vector<CallValues> calls_, unrecognised_, updated_;
   std::unique_ptr<velqua_rating::RatingPlan> plan_;
   std::unique_ptr<velqua_rating::Rater> rater_;
   std::string plan_stamp_;

@@ -12,8 +12,9 @@ namespace {
 
 constexpr const char* kCallColumns =
     "type, attribute, start, start_utc, duration, ring, dialled, extension, trunk, "
-    "receiving_extension, receiving_trunk, account_code, extension_random, ended, ended_utc";
-constexpr int kCallColumnCount = 15;
+    "receiving_extension, receiving_trunk, account_code, extension_random, ended, ended_utc, "
+    "date_received, switch_charge, extras";
+constexpr int kCallColumnCount = 18;
 
 // A call's stored translation as one string, read from the kCallColumns
 // that start at column `first`.
@@ -43,6 +44,9 @@ std::string Signature(const CallValues& v) {
   add(v.extension_random ? "1" : "0");
   add(v.ended);
   add(v.ended_utc);
+  add(v.date_received ? "1" : "0");
+  add(v.switch_charge);
+  add(v.extras);
   return s;
 }
 
@@ -153,6 +157,9 @@ StoredCall ReadCall(const ResultRow& r) {
   for (int i = 0; i < 5; ++i) *names[i] = OptionalText(r, 23 + i);
   c.ended = OptionalText(r, 28);
   c.ended_utc = OptionalText(r, 29);
+  c.date_received = r.Int(30) != 0;
+  c.switch_charge = OptionalText(r, 31);
+  c.extras = OptionalText(r, 32);
   return c;
 }
 
@@ -170,7 +177,8 @@ void SqlStore::ListCalls(const CallFilter& filter,
       DirectoryColumn("extension", "c.extension", "department") + ", " +
       DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
       DirectoryColumn("account", "c.account_code", "client") + ", " +
-      DirectoryColumn("account", "c.account_code", "project") + ", c.ended, c.ended_utc" +
+      DirectoryColumn("account", "c.account_code", "project") +
+      ", c.ended, c.ended_utc, c.date_received, c.switch_charge, c.extras" +
       " FROM calls c "
       "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
       "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position" +
@@ -249,14 +257,16 @@ int64_t SqlStore::LastStoredId(const std::string& switch_name, bool calls) {
 RewriteResult SqlStore::Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records, bool dry_run) {
   const int64_t switch_id = SwitchId(switch_name);
-  if (!dry_run) return InTransaction(*db_, [&] { return RewriteOnce(switch_id, records); });
+  if (!dry_run) {
+    return InTransaction(*db_, [&] { return RewriteOnce(switch_id, switch_name, records); });
+  }
   // The same work, rolled back: what would change is counted exactly as a
   // real run counts it, moves between the tables included.
   struct RolledBack {
     RewriteResult result;
   };
   try {
-    InTransaction(*db_, [&] { throw RolledBack{RewriteOnce(switch_id, records)}; });
+    InTransaction(*db_, [&] { throw RolledBack{RewriteOnce(switch_id, switch_name, records)}; });
   } catch (const RolledBack& done) {
     return done.result;
   }
@@ -282,7 +292,10 @@ void CountChanged(const std::string& before, const std::string& after,
                                        "account_code",
                                        "extension_random",
                                        "ended",
-                                       "ended_utc"};
+                                       "ended_utc",
+                                       "date_received",
+                                       "switch_charge",
+                                       "extras"};
   static_assert(sizeof kNames / sizeof kNames[0] == kCallColumnCount);
   size_t a = 0, b = 0;
   for (const char* name : kNames) {
@@ -296,13 +309,17 @@ void CountChanged(const std::string& before, const std::string& after,
 
 }  // namespace
 
-RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retranslated>& records) {
+RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::string& switch_name,
+                                    const std::vector<Retranslated>& records) {
   const Zone& zone = ZoneOf(switch_id);
   RewriteResult result;
-  size_t n_calls = 0, n_unrecognised = 0;
-  CallValues v;
+  // Calls updated in place go to updated_, to be priced again with the new
+  // records (a corrected start can move a call to another band, a corrected
+  // number to another destination).
+  size_t n_calls = 0, n_unrecognised = 0, n_updated = 0;
   for (const Retranslated& r : records) {
     const StoredRecord& old = r.record;
+    CallValues& v = Slot(updated_, n_updated);
     v.Fill(switch_id, old.source_id, Record{old.position, old.raw, old.received_utc, r.row}, zone);
     const bool call = r.row.has_fields;
     if (call == old.is_call && old.stored == (call ? Signature(v) : v.reason)) {
@@ -315,13 +332,17 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
       params.emplace_back(int64_t{v.extension_random});
       params.push_back(Value::TextOrNull(v.ended));
       params.push_back(Value::TextOrNull(v.ended_utc));
+      params.emplace_back(int64_t{v.date_received});
+      params.push_back(Value::TextOrNull(v.switch_charge));
+      params.push_back(Value::TextOrNull(v.extras));
       CountChanged(old.stored, Signature(v), &result.changed);
       db_->Run(
           "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
           "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "
           "receiving_trunk = $12, account_code = $13, extension_random = $14, ended = $15, "
-          "ended_utc = $16 WHERE id = $1",
+          "ended_utc = $16, date_received = $17, switch_charge = $18, extras = $19 WHERE id = $1",
           params);
+      ++n_updated;
       ++result.updated;
     } else if (!call && !old.is_call) {
       db_->Run("UPDATE unrecognised SET reason = $2 WHERE id = $1", {old.id, v.reason});
@@ -332,12 +353,18 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::vector<Retrans
       db_->Run(old.is_call ? "DELETE FROM calls WHERE id = $1"
                            : "DELETE FROM unrecognised WHERE id = $1",
                {old.id});
+      if (old.is_call) {  // no longer a call: no longer priced
+        db_->Run("DELETE FROM call_costs WHERE source_id = $1 AND position = $2",
+                 {old.source_id, old.position});
+      }
       Slot(call ? calls_ : unrecognised_, call ? n_calls++ : n_unrecognised++) = v;
       ++(call ? result.recognised : result.unrecognised);
     }
   }
   db_->InsertCalls(calls_.data(), n_calls);
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
+  PriceCalls(switch_name, calls_.data(), n_calls);
+  PriceCalls(switch_name, updated_.data(), n_updated);
   return result;
 }
 

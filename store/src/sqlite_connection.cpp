@@ -116,8 +116,9 @@ class SqliteConnection : public Connection {
     sqlite3_stmt* stmt = Prepare(
         "INSERT INTO calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
         "start, start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
-        "receiving_trunk, account_code, extension_random, ended, ended_utc) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        "receiving_trunk, account_code, extension_random, ended, ended_utc, date_received, "
+        "switch_charge, extras) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     for (const CallValues* v = rows; v != rows + n; ++v) {
       BindCommon(stmt, *v);
       sqlite3_bind_int(stmt, 6, v->type);
@@ -130,6 +131,9 @@ class SqliteConnection : public Connection {
       sqlite3_bind_int(stmt, 18, v->extension_random ? 1 : 0);
       BindText(stmt, 19, v->ended);
       BindText(stmt, 20, v->ended_utc);
+      sqlite3_bind_int(stmt, 21, v->date_received ? 1 : 0);
+      BindText(stmt, 22, v->switch_charge);
+      BindText(stmt, 23, v->extras);
       Step(stmt, nullptr);
     }
   }

@@ -31,6 +31,12 @@ class Zone {
   // back) is taken at its first occurrence; one that never happens (clocks
   // set forward) at the moment the change took place.
   std::string ToUtc(const velqua_records::Row& row) const;
+  // Gives a row of a switch that prints no date the date it was received
+  // on (`received_utc` "YYYY-MM-DDTHH:MM:SSZ", in this zone, or the
+  // machine's without one): the call ended then or before, so a printed
+  // time later in the day than that is of the day before. False (row left
+  // alone) for a row that has its date, has no time, or an unreadable time.
+  bool DateFromReceived(const std::string& received_utc, velqua_records::Row* row) const;
   // The same for the call's end ("" when the row has no end or no end date).
   std::string EndToUtc(const velqua_records::Row& row) const;
 
@@ -55,6 +61,11 @@ struct CallValues {
   int64_t duration = -1, ring = -1;
   std::array<std::string, 6> texts;
   bool extension_random = false;
+  // The date of a switch that prints none, taken from when it was received.
+  bool date_received = false;
+  // The configuration's extra fields: the switch's charge ("charge"), and
+  // all of them as a JSON object ({"charge":"0.12"}); "" when none.
+  std::string switch_charge, extras;
   std::string reason;  // unrecognised records: why
 
   // Fills every column from a record; keeps the strings' storage, so a

@@ -170,12 +170,14 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   const Source source = NewSource("hq", "v24");
   store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47")}, std::nullopt, nullptr);
   store_.reset();
-  // The store as version 1 left it: no rating tables, no call ends, no users.
+  // The store as version 1 left it: no rating tables, no call ends, no
+  // users, no extra fields.
   const char* const down =
       "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
       "DROP TABLE directory; DROP TABLE users; DROP VIEW calls_named; "
-      "ALTER TABLE calls DROP COLUMN ended; "
-      "ALTER TABLE calls DROP COLUMN ended_utc;";
+      "ALTER TABLE calls DROP COLUMN ended; ALTER TABLE calls DROP COLUMN ended_utc; "
+      "ALTER TABLE calls DROP COLUMN date_received; ALTER TABLE calls DROP COLUMN switch_charge; "
+      "ALTER TABLE calls DROP COLUMN extras;";
   if (GetParam() == Engine::kSqlite) {
     sqlite3* db = nullptr;
     ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);

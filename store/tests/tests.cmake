@@ -14,6 +14,8 @@ velqua_warnings(velqua_store_testing)
 add_executable(velqua_store_tests
   ${CMAKE_CURRENT_LIST_DIR}/import_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/rating_roads_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/record_extras_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/retranslate_pricing_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/store_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/values_test.cpp)
 target_link_libraries(velqua_store_tests PRIVATE velqua_store_testing SQLite::SQLite3

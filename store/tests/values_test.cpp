@@ -69,5 +69,54 @@ TEST(StartTimes, LocalAsPrintedAndUtcThroughTheZone) {
   EXPECT_THROW(Zone("Europe/Atlantis"), StoreError);
 }
 
+// A switch that prints no date: the call takes the date it was received on
+// in the switch's zone, the day before when it ended later in the day than
+// it was received; a call that began before midnight and ended after it
+// begins the day before its end.
+TEST(StartTimes, ASwitchWithoutDatesTakesTheDateReceived) {
+  constexpr uint8_t kNoDate = velqua_records::kPrintedHour | velqua_records::kPrintedMinute;
+  struct Case {
+    const char* what;
+    const char* zone;
+    int time, duration;
+    const char* received_utc;
+    const char* start;
+    const char* end;
+  };
+  const Case cases[] = {
+      {"the same day", "Europe/Madrid", 8 * 3600 + 2 * 60, 120, "2026-03-09T08:30:00Z",
+       "2026-03-09T08:02", "2026-03-09T08:04"},
+      {"received just after midnight, local time", "Europe/Madrid", 23 * 3600 + 50 * 60, 300,
+       "2026-03-09T23:30:00Z", "2026-03-09T23:50", "2026-03-09T23:55"},
+      {"ended later in the day than received: the day before", "UTC", 23 * 3600 + 50 * 60, 300,
+       "2026-03-10T00:10:00Z", "2026-03-09T23:50", "2026-03-09T23:55"},
+      {"across midnight: begun the day before its end", "UTC", 23 * 3600 + 58 * 60, 240,
+       "2026-03-10T00:10:00Z", "2026-03-09T23:58", "2026-03-10T00:02"},
+      {"across a year's end", "UTC", 23 * 3600 + 58 * 60, 240, "2026-01-01T00:03:00Z",
+       "2025-12-31T23:58", "2026-01-01T00:02"},
+      {"no duration: the start decides", "America/New_York", 20 * 3600, -1, "2026-03-10T00:30:00Z",
+       "2026-03-09T20:00", ""},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    Row row = Start(0, 0, 0, c.time, kNoDate);
+    row.duration = c.duration;
+    if (c.duration >= 0) row.end_time = (c.time + c.duration) % 86400;
+    ASSERT_TRUE(Zone(c.zone).DateFromReceived(c.received_utc, &row));
+    std::string start, end;
+    AppendStart(start, row);
+    AppendEnd(end, row);
+    EXPECT_EQ(start, c.start);
+    EXPECT_EQ(end, c.end);
+  }
+  Row dated = Start(2026, 1, 15, 9 * 3600, velqua_records::kPrintedAll);
+  EXPECT_FALSE(Zone("UTC").DateFromReceived("2026-03-10T00:00:00Z", &dated));
+  Row untimed = Start(0, 0, 0, 0, 0);
+  EXPECT_FALSE(Zone("UTC").DateFromReceived("2026-03-10T00:00:00Z", &untimed));
+  Row unread = Start(0, 0, 0, 3600, kNoDate);
+  EXPECT_FALSE(Zone("UTC").DateFromReceived("yesterday", &unread));
+  EXPECT_EQ(unread.printed, kNoDate);
+}
+
 }  // namespace
 }  // namespace velqua_store

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace velqua_records {
 
@@ -71,6 +73,9 @@ struct Row {
   // while the sink's Write runs; a sink that keeps it copies it.
   int64_t offset = -1;
   std::u16string_view text;
+  // The configuration's extra fields (record_form.h) of a recognised
+  // record, by name, in the order of their names.
+  std::vector<std::pair<std::string, std::u16string>> extras;
 };
 
 // Where translated rows go (an output form, a store batch). Flush is called

@@ -94,6 +94,23 @@ std::u16string_view Trimmed(std::u16string_view text);
 // itself, letter case exact.
 bool MatchesPattern(std::u16string_view pattern, std::u16string_view text);
 
+// A field of the records beyond the call data the library reads, kept with
+// the call: the switch's own charge for it, its metering pulses, the
+// caller's name, the switch's call ID. Its text is cut from its columns of
+// the record (of the shaped line, for delimited records), blanks trimmed.
+struct ExtraField {
+  // Lower-case letters, digits and '_', starting with a letter. "charge" is
+  // the switch's charge for the call, shown beside Velqua's price.
+  std::string name;
+  int column = 1;  // first column, 1-based
+  int width = 1;   // 1 to 255
+};
+
+// The extra fields of `record`: each name with its text ("" when the record
+// is too short to hold it).
+std::vector<std::pair<std::string, std::u16string>> CutExtras(const std::vector<ExtraField>& extras,
+                                                              std::u16string_view record);
+
 struct RecordForm {
   bool delimited = false;  // records are delimited: shape them with `fields`
   DelimitedForm fields;
@@ -103,6 +120,7 @@ struct RecordForm {
   int continuation_column = 0;           // its first column in the joined record (1-255)
   bool seven_bit = false;                // clear bit 7 of every byte before decoding
   PrintedTime printed_time = PrintedTime::kUnstated;  // the call's start or its end
+  std::vector<ExtraField> extras;                     // kept with each call, by name
 
   // Whether `line` (decoded, without its line end) is a page heading.
   bool IsHeading(std::u16string_view line) const;

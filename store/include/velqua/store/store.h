@@ -127,7 +127,13 @@ struct StoredCall {
   std::optional<std::string> dialled, extension, trunk, receiving_extension, receiving_trunk,
       account_code;
   bool extension_random = false;
+  // The switch printed no date: the start's date is the date it was
+  // received on (the day before when its time is later in the day).
+  bool date_received = false;
   std::string raw, received_utc;
+  // The switch's own charge for the call, as printed, and all the extra
+  // fields its configuration names, as a JSON object ({"charge":"0.12"}).
+  std::optional<std::string> switch_charge, extras;
   // Its price (none until a rating plan priced it): the cost as exact
   // decimal text (none when it could not be priced), and why a call costs
   // 0 or nothing ("incoming", "no tariff for +99...").
