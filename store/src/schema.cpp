@@ -164,23 +164,12 @@ CREATE TABLE users (
 // configuration's extra fields (the switch's own charge, pulses, caller
 // name, call ID) as a JSON object, the charge also in a column of its own
 // to set beside the price; and whether the call's date is the date it was
-// received (a switch that prints none).
+// received (a switch that prints none). The calls' view gains them with
+// version 6.
 constexpr const char* kVersion5 = R"(
 ALTER TABLE calls ADD COLUMN date_received INTEGER NOT NULL DEFAULT 0;
 ALTER TABLE calls ADD COLUMN switch_charge {text};
 ALTER TABLE calls ADD COLUMN extras {text};
-DROP VIEW IF EXISTS calls_named;
-CREATE VIEW calls_named AS
-SELECT c.id, s.name AS switch_name, src.name AS source_name, c.position, c.received_utc,
-       c.type, t.name AS type_name, c.attribute, a.name AS attribute_name, c.start, c.start_utc,
-       c.ended, c.ended_utc, c.duration, c.ring, c.dialled, c.extension, c.trunk,
-       c.receiving_extension, c.receiving_trunk, c.account_code, c.extension_random,
-       c.date_received, c.switch_charge, c.extras, c.raw
-FROM calls c
-JOIN switches s ON s.id = c.switch_id
-JOIN sources src ON src.id = c.source_id
-LEFT JOIN call_types t ON t.value = c.type
-LEFT JOIN call_attributes a ON a.value = c.attribute
 )";
 
 // Version 6: a switch's extension list is kept with it (its text: the
