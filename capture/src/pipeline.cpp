@@ -8,6 +8,7 @@
 #include "velqua/error.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
+#include "velqua/records/record_form.h"
 #include "velqua/store/extension_list.h"
 #include "velqua/store/import.h"
 #include "velqua/texto.h"
@@ -19,7 +20,6 @@ using Clock = std::chrono::steady_clock;
 
 constexpr size_t kBatchRows = 2000;
 constexpr int64_t kLoggedUnrecognised = 20;
-constexpr const char* kHeadingReason = "page heading";
 constexpr std::chrono::milliseconds kIdleWait{100};
 constexpr std::chrono::seconds kStoreRetry{1};
 
@@ -512,7 +512,7 @@ void Pipeline::Heading(StreamState& s, std::u16string_view line, int64_t positio
   record.position = position;
   record.raw = velqua_records::U8(line);
   record.received_utc = s.received_utc;
-  record.row.error = kHeadingReason;
+  record.row.error = velqua_records::kPageHeadingReason;
   record.row.offset = position;
   if (s.resend.active()) {
     s.held_headings.push_back(std::move(record));

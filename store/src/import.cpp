@@ -14,6 +14,7 @@
 #include "velqua/records/bundled.h"
 #include "velqua/records/common.h"
 #include "velqua/records/config_io.h"
+#include "velqua/records/record_form.h"
 #include "velqua/records/translation.h"
 #include "velqua/store/extension_list.h"
 
@@ -225,7 +226,7 @@ void Importer::ImportFile(const std::string& path, ImportResult& result) {
   // that reason: nothing the switch sent is thrown away.
   translation.on_heading = [&](const std::string&, std::u16string_view line, int64_t at) {
     velqua_records::Row heading;
-    heading.error = "page heading";
+    heading.error = velqua_records::kPageHeadingReason;
     heading.number = translation.line();
     heading.offset = at;
     heading.text = line;

@@ -4,6 +4,7 @@
 
 #include "velqua/records/bundled.h"
 #include "velqua/records/config_io.h"
+#include "velqua/records/record_form.h"
 #include "velqua/records/translation.h"
 #include "velqua/store/extension_list.h"
 #include "velqua/store/import.h"
@@ -61,7 +62,7 @@ RewriteResult Retranslate(Store& store, const std::string& switch_name, const st
         const std::u16string raw = velqua_records::U16(record.raw);
         if (loaded.form.IsHeading(raw)) {  // stays a page heading, as import keeps it
           sink.row = velqua_records::Row();
-          sink.row.error = "page heading";
+          sink.row.error = velqua_records::kPageHeadingReason;
         } else {
           translation.Input("database", UtcToLocal(record.received_utc));
           translation.Record(raw, record.position);

@@ -111,6 +111,11 @@ struct ExtraField {
 std::vector<std::pair<std::string, std::u16string>> CutExtras(const std::vector<ExtraField>& extras,
                                                               std::u16string_view record);
 
+// The reason a page heading is kept with, among the unrecognised records:
+// whoever reads a switch's output (import, capture, retranslate) keeps
+// every line it sent, and headings are told apart by this reason.
+constexpr const char* kPageHeadingReason = "page heading";
+
 struct RecordForm {
   bool delimited = false;  // records are delimited: shape them with `fields`
   DelimitedForm fields;
