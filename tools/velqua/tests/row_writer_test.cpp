@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "cli_common.h"
-#include "velqua/records/row_writer.h"
 #include "velqua/records/clock.h"
+#include "velqua/records/row_writer.h"
 
 namespace velqua_cli {
 namespace {
