@@ -27,17 +27,17 @@ const RECORDS = [
 // What `velqua translate -f csv` must give with the configuration made
 // (RFC 4180: lines end with CR LF).
 const EXPECTED = `${[
-  'record,type,type_name,attribute,attribute_name,date,time,duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,account_code,extension_random,error',
-  '1,2,outgoing,0,none,2026-11-03,08:15:42,252,,0201555123,201,07,,,,0,',
-  '2,1,incoming,0,none,2026-11-03,08:17:05,90,,0301777456,202,03,,,,0,',
-  '3,3,internal,0,none,2026-11-03,08:20:11,45,,305,203,,,,,0,',
-  '4,2,outgoing,0,none,2026-11-03,09:02:59,3723,,00442079460000,204,01,,,,0,',
-  '5,1,incoming,0,none,2026-11-04,10:11:12,600,,0612345678,201,02,,,,0,',
-  '6,2,outgoing,0,none,2026-11-04,11:30:00,7,,112,205,05,,,,0,',
-  '7,3,internal,0,none,2026-11-04,12:45:30,201,,201,206,,,,,0,',
-  '8,1,incoming,0,none,2026-11-05,13:00:01,59,,0201999888,207,04,,,,0,',
-  '9,2,outgoing,0,none,2026-11-05,14:14:14,754,,0611223344,208,06,,,,0,',
-  '10,3,internal,0,none,2026-11-05,23:59:58,2,,210,209,,,,,0,',
+  'record,type,type_name,attribute,attribute_name,date,time,duration,ring,dialled,extension,trunk,receiving_extension,receiving_trunk,account_code,extension_random,error,file,raw',
+  '1,2,outgoing,0,none,2026-11-03,08:15:42,252,,0201555123,201,07,,,,0,,,',
+  '2,1,incoming,0,none,2026-11-03,08:17:05,90,,0301777456,202,03,,,,0,,,',
+  '3,3,internal,0,none,2026-11-03,08:20:11,45,,305,203,,,,,0,,,',
+  '4,2,outgoing,0,none,2026-11-03,09:02:59,3723,,00442079460000,204,01,,,,0,,,',
+  '5,1,incoming,0,none,2026-11-04,10:11:12,600,,0612345678,201,02,,,,0,,,',
+  '6,2,outgoing,0,none,2026-11-04,11:30:00,7,,112,205,05,,,,0,,,',
+  '7,3,internal,0,none,2026-11-04,12:45:30,201,,201,206,,,,,0,,,',
+  '8,1,incoming,0,none,2026-11-05,13:00:01,59,,0201999888,207,04,,,,0,,,',
+  '9,2,outgoing,0,none,2026-11-05,14:14:14,754,,0611223344,208,06,,,,0,,,',
+  '10,3,internal,0,none,2026-11-05,23:59:58,2,,210,209,,,,,0,,,',
 ].join('\r\n')}\r\n`;
 
 // Every field the records hold, dragged over row 0 from the first column to
