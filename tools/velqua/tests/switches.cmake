@@ -46,6 +46,7 @@ velqua_corpus(ip-office --encoding utf-8)
 velqua_corpus(asterisk)
 velqua_corpus(kx-tda --extensions examples/kx-tda/extensions.txt)
 velqua_corpus(kx-ns --extensions examples/kx-ns/extensions.txt)
+velqua_corpus(mitel-5000)
 # Asterisk records of dial plans unlike the corpus's (PJSIP peers, queue legs
 # through Local/ channels, Dial strings that carry the number and the trunk):
 # examples/asterisk/dialplans.txt, each line's origin in its SOURCES.md.
