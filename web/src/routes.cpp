@@ -12,6 +12,7 @@ void RegisterRoutes(Api& api) {
   RegisterDashboardRoutes(api);
   RegisterDirectoryRoutes(api);
   RegisterEditorRoutes(api);
+  RegisterCaptureRoutes(api);
 }
 
 }  // namespace velqua_web

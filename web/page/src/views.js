@@ -7,7 +7,8 @@ import dashboard from './views/dashboard.js';
 import live from './views/live.js';
 import calls from './views/calls.js';
 import switches from './views/switches.js';
+import capture from './views/capture.js';
 import directory from './views/directory.js';
 import configurations from './views/configurations.js';
 
-export const views = [dashboard, live, calls, switches, directory, configurations];
+export const views = [dashboard, live, calls, switches, capture, directory, configurations];

@@ -1,7 +1,8 @@
 // The browser checks, one a behaviour. Each gets { page, url, db, login,
 // velqua, shot } and throws when the page does not do what it should.
 import assert from 'node:assert/strict';
-import { readFileSync, writeFileSync } from 'node:fs';
+import { appendFileSync, readFileSync, writeFileSync } from 'node:fs';
+import { spawn } from 'node:child_process';
 import { join } from 'node:path';
 import { tmpdir } from 'node:os';
 import { editorChecks } from './editor_checks.mjs';
@@ -119,6 +120,31 @@ export const checks = [
       assert.equal(cells[0], 'hicom');
       assert.equal(Number(cells[1]), storedCalls(velqua, db).length);
       await shot('switches');
+    },
+  },
+  {
+    name: 'capture-shows-each-source-and-warns-of-a-silent-one',
+    async run({ page, login, capture, program, shot }) {
+      await login('vic');
+      await page.click('nav a[href="#/capture"]');
+      // Before the service runs, the page says so.
+      await page.waitForSelector('#view-capture [data-health="CRITICAL"]');
+      const service = spawn(program, ['capture', '--config', capture.config], { stdio: 'ignore' });
+      try {
+        const row = page.locator('#view-capture tbody tr', { hasText: 'smdr-log' });
+        await row.locator('td:text("connected")').waitFor({ timeout: 15000 });
+        appendFileSync(capture.log,
+          `10.03.26 12:30:00   2     24       00:02:10 ${'0301777666'.padEnd(28)}0.20  2\n`);
+        await row.locator('[data-count=records]:text("1")').waitFor({ timeout: 15000 });
+        // Its limit is 1 s: silent soon after the record; pbx never answers.
+        const warnings = page.locator('#view-capture ul.warnings');
+        await warnings.locator('li.silent', { hasText: 'smdr-log: silent for' }).waitFor({ timeout: 15000 });
+        assert.match(await warnings.textContent(), /pbx: never connected/);
+        assert.equal(await page.locator('#view-capture [data-health]').textContent(), 'WARNING');
+        await shot('capture');
+      } finally {
+        service.kill('SIGTERM');
+      }
     },
   },
   ...editorChecks,
