@@ -12,6 +12,9 @@ void RegisterRoutes(Api& api) {
   RegisterDashboardRoutes(api);
   RegisterDirectoryRoutes(api);
   RegisterEditorRoutes(api);
+#ifdef VELQUA_WEB_HAS_REPORTS
+  RegisterReportRoutes(api);
+#endif
   RegisterCaptureRoutes(api);
 }
 

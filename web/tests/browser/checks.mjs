@@ -123,6 +123,32 @@ export const checks = [
     },
   },
   {
+    name: 'reports-shows-a-report-and-downloads-it-as-pdf-and-xlsx',
+    async run({ page, db, login, velqua, shot }) {
+      await login('vic');
+      await page.click('nav a[href="#/reports"]');
+      await page.waitForSelector('#r-kind option[value="traffic"]', { state: 'attached' });
+      await page.selectOption('#r-kind', 'extensions');
+      await page.fill('#r-from', '2026-03-01');
+      await page.fill('#r-to', '2026-03-31');
+      await page.click('#view-reports form button[type=submit]');
+      await page.locator('#view-reports table.report tr.total').waitFor();
+      const heads = await page.locator('#view-reports table.report th').allTextContents();
+      const total = page.locator('#view-reports table.report tr.total td').nth(heads.indexOf('calls'));
+      const stored = storedCalls(velqua, db, ['--from', '2026-03-01', '--to', '2026-03-31']).length;
+      assert.equal(Number(await total.textContent()), stored);
+      await page.waitForFunction(() => document.querySelector('#view-reports img.chart')?.naturalWidth > 0);
+      for (const [format, magic] of [['pdf', '%PDF-'], ['xlsx', 'PK\x03\x04']]) {
+        const [download] = await Promise.all([page.waitForEvent('download'), page.click(`#report-${format}`)]);
+        assert.equal(download.suggestedFilename(), `extensions-2026-03-01-2026-03-31.${format}`);
+        const bytes = readFileSync(await download.path());
+        assert.equal(bytes.subarray(0, magic.length).toString('latin1'), magic);
+        assert.ok(bytes.length > 1000, `${format}: ${bytes.length} bytes`);
+      }
+      await shot('reports');
+    },
+  },
+  {
     name: 'capture-shows-each-source-and-warns-of-a-silent-one',
     async run({ page, login, capture, program, shot }) {
       await login('vic');
