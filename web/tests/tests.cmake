@@ -6,6 +6,7 @@ find_package(GTest REQUIRED)
 
 add_executable(velqua_web_tests
   ${CMAKE_CURRENT_LIST_DIR}/api_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/calls_search_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/config_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/editor_api_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/directory_test.cpp
