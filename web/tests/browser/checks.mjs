@@ -13,6 +13,32 @@ function storedCalls(velqua, db, args = []) {
   return lines.slice(1);
 }
 
+// The store's calls as objects keyed by `velqua calls --format csv`'s header.
+function storedCallRows(velqua, db) {
+  const rows = [];
+  const text = velqua(['calls', '--db', db, '--format', 'csv']);
+  let row = [], field = '', quoted = false;
+  for (let i = 0; i < text.length; i++) {
+    const ch = text[i];
+    if (quoted) {
+      if (ch === '"' && text[i + 1] === '"') { field += '"'; i++; } else if (ch === '"') quoted = false;
+      else field += ch;
+    } else if (ch === '"') quoted = true;
+    else if (ch === ',') { row.push(field); field = ''; }
+    else if (ch === '\n') { row.push(field.replace(/\r$/, '')); rows.push(row); row = []; field = ''; }
+    else field += ch;
+  }
+  const [head, ...body] = rows;
+  return body.map((r) => Object.fromEntries(head.map((k, i) => [k, r[i]])));
+}
+
+// An amount in millionths, exactly, as a BigInt.
+function millionths(text) {
+  const [whole, fraction = ''] = text.replace('-', '').split('.');
+  const value = BigInt(whole) * 1000000n + BigInt(fraction.padEnd(6, '0'));
+  return text.startsWith('-') ? -value : value;
+}
+
 // Imports one new Hicom call dialling `number`; when this returns it is stored.
 function storeOneCall(velqua, db, source, number) {
   const file = join(tmpdir(), `velqua-live-${number}.txt`);
@@ -70,6 +96,10 @@ export const checks = [
       const stored = Date.now();
       await page.waitForSelector(`#view-live tbody tr:first-child td:text("${number}")`, { timeout: 1000 });
       console.log(`     live: shown ${Date.now() - stored} ms after it was stored`);
+      // A call no tariff prices shows why in its cost cell.
+      storeOneCall(velqua, db, source, '0099912345');
+      await page.waitForSelector('#view-live tbody tr:first-child td.why:text("no tariff")', { timeout: 1000 });
+      await shot('live');
       await shot('live');
       await page.click('nav a[href="#/calls"]');
       await page.fill('#f-number', number.slice(0, 7));
@@ -84,6 +114,29 @@ export const checks = [
       await page.waitForSelector('#view-calls pre.raw');
       assert.ok((await page.textContent('#view-calls pre.raw')).includes(number));
       await shot('call');
+    },
+  },
+  {
+    name: 'calls-search-by-person-department-and-cost-and-export-xlsx',
+    async run({ page, db, login, velqua, shot }) {
+      await login('vic');
+      await page.click('nav a[href="#/calls"]');
+      await page.fill('#f-person', 'weber');
+      await page.fill('#f-department', 'Sales');
+      await page.fill('#f-min_cost', '0.05');
+      await page.click('#view-calls form button[type=submit]');
+      const expected = storedCallRows(velqua, db).filter((c) => c.person.toLowerCase().includes('weber')
+        && c.department === 'Sales' && c.cost !== '' && millionths(c.cost) >= 50000n);
+      assert.ok(expected.length > 0, 'the example store holds no such call');
+      await page.waitForFunction((n) => document.querySelectorAll('#view-calls tbody tr').length === n,
+        expected.length);
+      const costs = await page.locator('#view-calls tbody td:last-child').allTextContents();
+      assert.deepEqual(costs.map((t) => t.split(' ')[0]).sort(), expected.map((c) => c.cost).sort());
+      const [download] = await Promise.all([page.waitForEvent('download'), page.click('#export-xlsx')]);
+      assert.equal(download.suggestedFilename(), 'calls.xlsx');
+      const bytes = readFileSync(await download.path());
+      assert.equal(bytes.subarray(0, 4).toString('latin1'), 'PK\x03\x04');
+      await shot('calls-search');
     },
   },
   {
