@@ -5,6 +5,17 @@
 namespace velqua_web {
 namespace {
 
+// The query string's parameters, as a handler reads them.
+struct Params {
+  const httplib::Request& http;
+  std::string Param(const std::string& name, const std::string& fallback = "") const {
+    return QueryParam(http, name, fallback);
+  }
+  int64_t IntParam(const std::string& name, int64_t fallback, int64_t low, int64_t high) const {
+    return QueryInt(http, name, fallback, low, high);
+  }
+};
+
 std::optional<int32_t> TypeOf(const std::string& word) {
   if (word.empty()) return std::nullopt;
   for (int32_t v = 0; *velqua_records::CallTypeWord(v) != '\0'; ++v) {
@@ -25,7 +36,7 @@ velqua_store::CallSort SortOf(const std::string& word) {
   throw ApiError(400, "parameter 'sort': use start, duration, extension, number, trunk or cost");
 }
 
-velqua_store::CallQuery QueryOfParams(const ApiRequest& r) {
+velqua_store::CallQuery QueryOfParams(const Params& r) {
   velqua_store::CallQuery q;
   velqua_store::CallFilter& f = q.filter;
   f.from = r.Param("from");
@@ -49,7 +60,7 @@ velqua_store::CallQuery QueryOfParams(const ApiRequest& r) {
   return q;
 }
 
-std::optional<int64_t> CostParam(const ApiRequest& r, const char* name) {
+std::optional<int64_t> CostParam(const Params& r, const char* name) {
   const std::string text = r.Param(name);
   if (text.empty()) return std::nullopt;
   const std::optional<int64_t> millionths = MillionthsOf(text);
@@ -84,7 +95,8 @@ std::optional<int64_t> MillionthsOf(const std::string& text) {
   return negative ? -value : value;
 }
 
-velqua_store::CallQuery CallQueryOf(const ApiRequest& r) {
+velqua_store::CallQuery CallQueryOf(const httplib::Request& http) {
+  const Params r{http};
   velqua_store::CallQuery q = QueryOfParams(r);
   q.filter.person = r.Param("person");
   q.filter.department = r.Param("department");

@@ -17,7 +17,7 @@ constexpr int64_t kExportLimit = 100000;  // calls an export (CSV, XLSX) holds a
 // department, number, trunk, account, type, unanswered, min_duration,
 // min_cost, max_cost, sort, order, offset, limit. Throws ApiError 400 naming
 // the parameter that is malformed or out of range.
-velqua_store::CallQuery CallQueryOf(const ApiRequest& r);
+velqua_store::CallQuery CallQueryOf(const httplib::Request& http);
 
 // An amount of money as a user types it ("12", "0.5", "-1.25"; up to 6
 // decimals and 12 digits before the point) in millionths of its unit;

@@ -60,14 +60,14 @@ void RegisterSwitchRoutes(Api& api) {
 
 void RegisterCallRoutes(Api& api) {
   api.Get("/api/calls", Access::kViewer, [](ApiRequest& r) {
-    const velqua_store::CallQuery q = CallQueryOf(r);
+    const velqua_store::CallQuery q = CallQueryOf(r.http);
     const velqua_store::CallPage page = velqua_store::SearchCalls(r.store, q);
     nlohmann::json calls = nlohmann::json::array();
     for (const auto& c : page.calls) calls.push_back(CallJson(c));
     r.Reply({{"calls", calls}, {"offset", q.offset}, {"more", page.more}});
   });
   api.Get("/api/calls/export.csv", Access::kViewer, [](ApiRequest& r) {
-    velqua_store::CallQuery q = CallQueryOf(r);
+    velqua_store::CallQuery q = CallQueryOf(r.http);
     q.offset = 0;
     q.limit = kExportLimit;
     const velqua_store::CallPage page = velqua_store::SearchCalls(r.store, q);

@@ -168,7 +168,7 @@ void RegisterReportRoutes(Api& api) {
   });
   // What /api/calls selects (at most kExportLimit), as a spreadsheet.
   api.Get("/api/calls/export.xlsx", Access::kViewer, [](ApiRequest& r) {
-    velqua_store::CallQuery q = CallQueryOf(r);
+    velqua_store::CallQuery q = CallQueryOf(r.http);
     q.offset = 0;
     q.limit = kExportLimit;
     const velqua_store::CallPage page = velqua_store::SearchCalls(r.store, q);

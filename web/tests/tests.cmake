@@ -28,6 +28,10 @@ endif()
 if(TARGET velqua_reports)
   target_sources(velqua_web_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/reports_test.cpp)
 endif()
+# The web parsers' fuzz corpora, replayed by the targets (fuzz/targets.cmake,
+# defined after this folder).
+target_sources(velqua_web_tests PRIVATE ${CMAKE_CURRENT_LIST_DIR}/fuzz_replay_test.cpp)
+target_link_libraries(velqua_web_tests PRIVATE velqua_fuzz_web)
 add_test(NAME web.sqlite COMMAND velqua_web_tests --gtest_filter=-*Postgres*)
 add_test(NAME web.postgresql COMMAND velqua_web_tests --gtest_filter=*Postgres*)
 # The editor draws the cable with Cairo, whose fontconfig keeps a few
