@@ -57,27 +57,36 @@ size_t LinesStarting(Child& child, const std::string& prefix) {
 const std::string kListen = "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = ";
 
 // A switch that reconnects at once and re-sends its last 100 records, then
-// stays quiet; the service is killed while the connection is in that
-// re-sent part, before any new record. After the restart each record is
-// stored once, and each event once.
+// stays quiet (for as long as the test holds it, however slow the machine);
+// the service is killed while the connection is in that re-sent part,
+// before any new record. After the restart each record is stored once, and
+// each event once.
 TEST(CaptureCrash, AKillInsideTheResentPartStoresNothingTwice) {
   const std::string dir = TempDir("kill-resent");
   const int port = FreePort();
   const std::string store = dir + "/calls.db";
   const std::string config = WriteConfig(dir, store, "", kListen + std::to_string(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 300);
+  const std::string hold = dir + "/hold";
+  std::ofstream(hold).close();
   auto service = StartService(config, dir);
   Child pusher({EmulatorPath(), "ipoffice", "--port", std::to_string(port), "--records",
                 dir + "/records.txt", "--rate", "0", "--resend", "100", "--cut-every", "200",
-                "--quiet-ms", "2500", "--retry-ms", "50"});
+                "--hold", hold, "--retry-ms", "50"});
   // The cut after 200 records; the connection made again at once re-sends 100.
-  ASSERT_TRUE(WaitFor([&] { return LinesStarting(pusher, "ipoffice: connected") >= 2; }));
-  ASSERT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find("100 re-sent records dropped") != std::string::npos;
-  })) << ReadFile(dir + "/service.log");
+  const std::chrono::seconds generous(60);
+  ASSERT_TRUE(WaitFor([&] { return LinesStarting(pusher, "ipoffice: connected") >= 2; }, generous));
+  ASSERT_TRUE(WaitFor(
+      [&] {
+        return ReadFile(dir + "/service.log").find("100 re-sent records dropped") !=
+               std::string::npos;
+      },
+      generous))
+      << ReadFile(dir + "/service.log");
   service->Stop(SIGKILL);
   service = StartService(config, dir);
-  EXPECT_NE(pusher.WaitLine("played"), "");
+  std::filesystem::remove(hold);  // the switch's next call
+  EXPECT_NE(pusher.WaitLine("played", std::chrono::seconds(60)), "");
   EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
   EXPECT_EQ(service->Stop(SIGTERM), 0);
   EXPECT_EQ(StoredCalls(store), records);
