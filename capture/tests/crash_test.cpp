@@ -102,6 +102,66 @@ TEST(CaptureCrash, AKillInsideTheResentPartStoresNothingTwice) {
   EXPECT_EQ(disconnects[1].detail, "the service stopped without ending the connection");
 }
 
+// The query indexes of a SQLite store the service writes, by name, and
+// whether it has its calls table yet.
+struct Schema {
+  bool calls = false;
+  std::vector<std::string> indexes;
+};
+Schema SchemaOf(const std::string& store) {
+  Schema schema;
+  sqlite3* db = nullptr;
+  if (sqlite3_open_v2(store.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+    sqlite3_stmt* stmt = nullptr;
+    sqlite3_prepare_v2(db, "SELECT type, name FROM sqlite_master WHERE tbl_name = 'calls'", -1,
+                       &stmt, nullptr);
+    while (stmt != nullptr && sqlite3_step(stmt) == SQLITE_ROW) {
+      const std::string type = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0));
+      const std::string name = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 1));
+      if (type == "table") schema.calls = true;
+      if (type == "index" && name.rfind("calls_", 0) == 0) schema.indexes.push_back(name);
+    }
+    sqlite3_finalize(stmt);
+  }
+  sqlite3_close(db);
+  std::sort(schema.indexes.begin(), schema.indexes.end());
+  return schema;
+}
+
+// A backlog far larger than the store (a file of 40,000 records found at
+// start) is loaded as an import loads: the store's query indexes are down
+// while it is stored. A kill in the middle leaves them down; the next start
+// builds them again and stores the rest, each record once, and the indexes
+// are all back once the backlog is stored.
+TEST(CaptureCrash, ABacklogLoadedInBulkSurvivesAKill) {
+  const std::string dir = TempDir("bulk");
+  const std::string store = dir + "/calls.db";
+  const std::string config =
+      WriteConfig(dir, store, "",
+                  "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = "
+                  "\"smdr.log\"\n");
+  const std::vector<std::string> records = GenerateRecords(dir + "/smdr.log", 40000);
+  const std::vector<std::string> indexes = {"calls_account_code", "calls_dialled",
+                                            "calls_extension_start", "calls_start",
+                                            "calls_trunk_start"};
+  auto service = StartService(config, dir);
+  const std::chrono::seconds generous(60);
+  ASSERT_TRUE(WaitFor(
+      [&] {
+        const Schema now = SchemaOf(store);
+        return now.calls && now.indexes.empty();
+      },
+      generous))
+      << "the backlog was not loaded in bulk: " << ReadFile(dir + "/service.log");
+  service->Stop(SIGKILL);
+  service = StartService(config, dir);
+  EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
+  EXPECT_TRUE(WaitFor([&] { return SchemaOf(store).indexes == indexes; }, generous));
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), records);
+  EXPECT_EQ(SchemaOf(store).indexes, indexes);
+}
+
 // A followed file changed while the service was stopped: its unread tail is
 // read first wherever rotation put it; when it is gone the gap is recorded.
 TEST(CaptureCrash, AFileRotatedOrTruncatedWhileStoppedIsReadToItsEnd) {
