@@ -226,19 +226,18 @@ void Pipeline::Loop() {
     if (pending_rows_ > 0 || EventsReady()) Retry([this] { Commit(); });
     for (auto& [name, s] : streams_) ReportDropped(*s);
     const int64_t end = published_.load();
+    if (end != last_end_) {
+      last_end_ = end;
+      last_moved_ = Clock::now();
+    }
     board_.Progress(end, caught_up ? end : processed_end_, caught_up);  // for the metrics
     if (caught_up) {
       std::unique_lock<std::mutex> lock(mutex_);
       if (stop_) return;
-      const int64_t seen = published_.load();
-      wake_.wait_for(lock, kIdleWait, [&] { return stop_ || published_.load() != seen; });
+      wake_.wait_for(lock, kIdleWait, [&] { return stop_ || published_.load() != end; });
       lock.unlock();
       // Everything stored, and the sources quiet for a while: a bulk load is over.
-      if (published_.load() != seen) {
-        last_published_ = Clock::now();
-      } else if (Clock::now() - last_published_ >= kBulkQuiet) {
-        EndBulk();
-      }
+      if (published_.load() == end && Clock::now() - last_moved_ >= kBulkQuiet) EndBulk();
     }
     if (Stopping()) return;
   }
