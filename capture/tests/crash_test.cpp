@@ -230,5 +230,40 @@ TEST(CaptureCrash, AFileRotatedOrTruncatedWhileStoppedIsReadToItsEnd) {
   }
 }
 
+// A run that found its followed file empty and was killed before reading
+// anything knows the file by its inode alone. While it is down, records are
+// written, the file copied and truncated, more written, the file renamed
+// away and a new one started: each record is read once, the copy's too,
+// and no gap is recorded.
+TEST(CaptureCrash, AFileTheLastRunReadNothingOfIsReadWhole) {
+  namespace fs = std::filesystem;
+  const std::string dir = TempDir("read-nothing");
+  const std::string store = dir + "/calls.db";
+  const std::string config = WriteConfig(
+      dir, store, "",
+      "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"smdr.log\"\n");
+  const std::vector<std::string> all = GenerateRecords(dir + "/all.txt", 15);
+  auto append = [&](size_t from, size_t to) {
+    std::ofstream out(dir + "/smdr.log", std::ios::app);
+    for (size_t i = from; i < to; ++i) out << all[i] << "\r\n";
+  };
+  std::ofstream(dir + "/smdr.log").close();
+  auto service = StartService(config, dir);
+  ASSERT_TRUE(WaitFor([&] { return fs::exists(dir + "/spool/follow-log"); }))
+      << ReadFile(dir + "/service.log");
+  service->Stop(SIGKILL);
+  append(0, 5);
+  fs::copy_file(dir + "/smdr.log", dir + "/smdr.log.2");
+  fs::resize_file(dir + "/smdr.log", 0);
+  append(5, 10);
+  fs::rename(dir + "/smdr.log", dir + "/smdr.log.1");
+  append(10, 15);
+  service = StartService(config, dir);
+  EXPECT_TRUE(WaitForRecords(store, all.size())) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), all);
+  EXPECT_TRUE(OfKind(StoredEvents(store), "gap").empty());
+}
+
 }  // namespace
 }  // namespace velqua_capture_test
