@@ -34,17 +34,18 @@ inline velqua_records::RecordForm Fallback(uint8_t choice) {
                  (choice & 4) ? u'\0' : u'"',
                  {{"a", choice & 7}, {"b", 0}, {"s", 7 + (choice >> 5), true}, {"c", 3}},
                  {}};
-  if (choice & 128) {  // a field by rule: the 4th's text from its 2nd character, else "x"
+  if (choice &
+      128) {  // a field by rule: the 4th's text up to a comma, from its 2nd character, else "x"
     using velqua_records::FieldPart;
     using velqua_records::FieldRule;
     using velqua_records::FieldTest;
     FieldTest test;
-    test.part = FieldPart{0, u"", u"", 0};
+    test.part = FieldPart{0, u"", u"", 0, u""};
     test.patterns = {u"?*"};
     form.fields.derived = {{"r",
                             3,
-                            {FieldRule{{test}, true, FieldPart{3, u"", u"-", 1}, u""},
-                             FieldRule{{}, false, FieldPart{0, u"", u"", 0}, u"x"}}}};
+                            {FieldRule{{test}, true, FieldPart{3, u"", u"-", 1, u","}, u""},
+                             FieldRule{{}, false, FieldPart{0, u"", u"", 0, u""}, u"x"}}}};
   }
   if (choice & 8) form.headings = {u"*PAGE ???", u"====*"};
   form.nul_ends_record = (choice & 16) != 0;

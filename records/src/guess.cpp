@@ -120,7 +120,8 @@ const char* DatumWords(Datum datum) {
 
 bool DatumOfKey(int32_t key, Datum* datum) {
   // Keys 2-17 in order, then the number, extension and trunk keys by call
-  // type; the transfer phases of a key hold the same datum.
+  // type; the transfer phases of a key hold the same datum. A call from trunk
+  // to trunk dials out like an outgoing call: its number is the number out.
   static const Datum kFirst[] = {
       Datum::kDay,           Datum::kMonth,           Datum::kYear,
       Datum::kHour,          Datum::kMinute,          Datum::kSecond,
@@ -136,7 +137,9 @@ bool DatumOfKey(int32_t key, Datum* datum) {
   }
   static const std::map<int32_t, Datum> kByKey = {
       {18, Datum::kNumberIn},          {19, Datum::kNumberOut},
-      {20, Datum::kNumberInternal},    {22, Datum::kNumberIn},
+      {20, Datum::kNumberInternal},    {21, Datum::kNumberOut},
+      {22, Datum::kNumberIn},          {28, Datum::kNumberOut},
+      {29, Datum::kNumberOut},         {57, Datum::kNumberOut},
       {23, Datum::kNumberIn},          {24, Datum::kNumberOut},
       {25, Datum::kNumberOut},         {26, Datum::kNumberInternal},
       {27, Datum::kNumberInternal},    {54, Datum::kNumberIn},

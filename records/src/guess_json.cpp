@@ -63,10 +63,17 @@ std::string GuessToJson(const Guess& guess, const std::string& brand, const std:
                       " sample records: check every field with velqua config check."));
   for (const GuessedField& field : guess.fields) {
     if (field.pos < 1 || field.size < 1 || field.pos + field.size > 255) continue;
-    cfg.DATOActivo(static_cast<velqua::emParamDato>(KeyOf(field.datum)));
-    cfg.TipoDatoDATO(field.numeric ? velqua::emValorNumerico : velqua::emValorCadena);
-    cfg.DATOPos(static_cast<uint8_t>(field.pos));
-    cfg.DATOTam(static_cast<uint8_t>(field.size));
+    // The number out serves trunk-to-trunk calls too: they dial out through
+    // the second trunk. Without a trunk-to-trunk mark the draft never reads it.
+    const int32_t trunk_to_trunk = 21;
+    for (int32_t key :
+         {KeyOf(field.datum), field.datum == Datum::kNumberOut ? trunk_to_trunk : 0}) {
+      if (key == 0) continue;
+      cfg.DATOActivo(static_cast<velqua::emParamDato>(key));
+      cfg.TipoDatoDATO(field.numeric ? velqua::emValorNumerico : velqua::emValorCadena);
+      cfg.DATOPos(static_cast<uint8_t>(field.pos));
+      cfg.DATOTam(static_cast<uint8_t>(field.size));
+    }
   }
   for (const GuessedMark& mark : guess.marks) {
     if (mark.pos < 1 || mark.pos + static_cast<int>(mark.text.size()) > 255) continue;

@@ -184,6 +184,22 @@ std::vector<std::pair<std::string, std::u16string>> CutExtras(const std::vector<
   return out;
 }
 
+void RecordForm::RewriteCounts(std::u16string* record) const {
+  for (const SecondsCount& count : seconds_counts) {
+    const size_t from = static_cast<size_t>(count.column - 1);
+    const size_t width = static_cast<size_t>(count.width);
+    if (from >= record->size()) continue;
+    const std::u16string_view cut = Trimmed(std::u16string_view(*record).substr(from, width));
+    if (cut.size() <= count.mark.size() || cut.substr(0, count.mark.size()) != count.mark) {
+      continue;  // a clock, or nothing: left as printed
+    }
+    std::u16string shaped;
+    PutSeconds(cut.substr(count.mark.size()), count.width, &shaped);
+    if (record->size() < from + width) record->resize(from + width, u' ');
+    record->replace(from, width, shaped);
+  }
+}
+
 std::string RecordForm::Describe() const {
   std::string text = delimited ? "delimited (" + std::to_string(fields.fields.size()) + " fields)"
                                : "fixed columns";
@@ -197,6 +213,7 @@ std::string RecordForm::Describe() const {
   if (nul_ends_record) text += " + NUL record ends";
   if (!continuation.empty()) text += " + continuation lines";
   if (seven_bit) text += " + 7-bit";
+  if (!seconds_counts.empty()) text += " + counts of seconds";
   if (printed_time == PrintedTime::kEnd) text += " + end times";
   if (!extras.empty()) {
     text +=

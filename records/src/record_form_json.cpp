@@ -137,14 +137,45 @@ std::vector<ExtraField> ReadExtras(const json& extras) {
   return out;
 }
 
+// "seconds_counts": [{"pos": 52, "size": 8, "mark": "S="}, ...]
+std::vector<SecondsCount> ReadSecondsCounts(const json& counts, bool delimited) {
+  const std::string where = "records.seconds_counts";
+  if (!counts.is_array() || counts.empty() || counts.size() > 16) {
+    FailJson(where, "must be a list of 1 to 16 columns");
+  }
+  if (delimited) FailJson(where, "delimited records mark their counts of seconds by field");
+  std::vector<SecondsCount> out;
+  for (size_t i = 0; i < counts.size(); ++i) {
+    const std::string at = where + "[" + std::to_string(i) + "]";
+    CheckJsonMembers(counts[i], at, {"pos", "size", "mark"});
+    SecondsCount count;
+    for (const char* member : {"pos", "size"}) {
+      const json& v = counts[i].contains(member) ? counts[i].at(member) : json();
+      const int64_t low = std::string(member) == "pos" ? 1 : 7;
+      if (!v.is_number_integer() || v.get<int64_t>() < low || v.get<int64_t>() > 255) {
+        FailJson(at + "." + member, "must be an integer from " + std::to_string(low) + " to 255");
+      }
+      (std::string(member) == "pos" ? count.column : count.width) = v.get<int>();
+    }
+    const json& mark = counts[i].contains("mark") ? counts[i].at("mark") : json();
+    if (!mark.is_string() || mark.get<std::string>().empty() ||
+        U16(mark.get<std::string>()).size() > 255) {
+      FailJson(at + ".mark", "must be the text printed before the count, 1 to 255 characters");
+    }
+    count.mark = U16(mark.get<std::string>());
+    out.push_back(count);
+  }
+  return out;
+}
+
 std::string Quote(std::u16string_view text) { return json(U8(text)).dump(); }
 
 }  // namespace
 
 RecordForm RecordFormFromJson(const json& records) {
-  CheckJsonMembers(
-      records, "records",
-      {"delimited", "headings", "record_end", "continuation", "seven_bit", "time", "extras"});
+  CheckJsonMembers(records, "records",
+                   {"delimited", "headings", "record_end", "continuation", "seven_bit", "time",
+                    "extras", "seconds_counts"});
   RecordForm form;
   if (records.contains("delimited")) {
     form.delimited = true;
@@ -172,6 +203,9 @@ RecordForm RecordFormFromJson(const json& records) {
     form.printed_time = time == "end" ? PrintedTime::kEnd : PrintedTime::kStart;
   }
   if (records.contains("extras")) form.extras = ReadExtras(records.at("extras"));
+  if (records.contains("seconds_counts")) {
+    form.seconds_counts = ReadSecondsCounts(records.at("seconds_counts"), form.delimited);
+  }
   return form;
 }
 
@@ -223,6 +257,18 @@ std::string RecordFormToJson(const RecordForm& form) {
   if (form.seven_bit) {
     out += next;
     out += "    \"seven_bit\": true";
+    next = ",\n";
+  }
+  if (!form.seconds_counts.empty()) {
+    out += next;
+    out += "    \"seconds_counts\": [";
+    for (size_t i = 0; i < form.seconds_counts.size(); ++i) {
+      const SecondsCount& c = form.seconds_counts[i];
+      out += (i == 0 ? "{" : ", {");
+      out += "\"pos\": " + std::to_string(c.column) + ", \"size\": " + std::to_string(c.width) +
+             ", \"mark\": " + Quote(c.mark) + "}";
+    }
+    out += "]";
     next = ",\n";
   }
   if (form.printed_time != PrintedTime::kUnstated) {

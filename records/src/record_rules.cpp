@@ -13,6 +13,10 @@ std::u16string_view FieldPart::Of(const std::vector<std::u16string_view>& fields
     const size_t at = text.find(after);
     text = at == std::u16string_view::npos ? std::u16string_view() : text.substr(at + after.size());
   }
+  if (!upto.empty()) {
+    const size_t at = text.find(upto);
+    if (at != std::u16string_view::npos) text = text.substr(0, at);
+  }
   if (!before.empty()) {
     const size_t at = text.rfind(before);
     if (at != std::u16string_view::npos) text = text.substr(0, at);

@@ -24,7 +24,7 @@ std::u16string Text(const json& object, const char* name, const std::string& whe
 }
 
 // The part `name_member` names ("field" in a test, "take" in a rule) with its
-// "after", "before" and "skip".
+// "after", "upto", "before" and "skip".
 // `names`: the declared fields' and the derived fields' before this one.
 using Names = std::vector<std::string>;
 
@@ -42,6 +42,7 @@ FieldPart ReadPart(const json& object, const char* name_member, const Names& nam
              "no declared field, nor derived one before it, is called " + name.dump());
   }
   part.after = Text(object, "after", where);
+  part.upto = Text(object, "upto", where);
   part.before = Text(object, "before", where);
   if (object.contains("skip")) {
     const json& skip = object.at("skip");
@@ -55,8 +56,9 @@ FieldPart ReadPart(const json& object, const char* name_member, const Names& nam
 
 FieldTest ReadTest(const json& test, const Names& form, const std::string& where,
                    bool inner = false) {
-  CheckJsonMembers(test, where,
-                   {"field", "after", "before", "skip", "matches", "digits", "earlier", "not"});
+  CheckJsonMembers(
+      test, where,
+      {"field", "after", "upto", "before", "skip", "matches", "digits", "earlier", "not"});
   if (!test.contains("field")) FailJson(where + ".field", "missing: the field tested");
   FieldTest out;
   out.part = ReadPart(test, "field", form, where);
@@ -98,7 +100,7 @@ FieldTest ReadTest(const json& test, const Names& form, const std::string& where
 }
 
 FieldRule ReadRule(const json& rule, const Names& form, const std::string& where) {
-  CheckJsonMembers(rule, where, {"when", "take", "after", "before", "skip", "text"});
+  CheckJsonMembers(rule, where, {"when", "take", "after", "upto", "before", "skip", "text"});
   FieldRule out;
   if (rule.contains("when")) {
     const json& when = rule.at("when");
@@ -114,8 +116,9 @@ FieldRule ReadRule(const json& rule, const Names& form, const std::string& where
     out.takes = true;
     out.take = ReadPart(rule, "take", form, where);
   } else {
-    if (rule.contains("after") || rule.contains("before") || rule.contains("skip")) {
-      FailJson(where, "\"after\", \"before\" and \"skip\" go with \"take\"");
+    if (rule.contains("after") || rule.contains("upto") || rule.contains("before") ||
+        rule.contains("skip")) {
+      FailJson(where, "\"after\", \"upto\", \"before\" and \"skip\" go with \"take\"");
     }
     out.text = Text(rule, "text", where);
   }
@@ -147,11 +150,12 @@ DerivedField ReadDerived(const json& field, const Names& form, const std::string
 
 std::string Quote(const std::u16string& text) { return json(U8(text)).dump(); }
 
-// "field": NAME plus the part's "after", "before" and "skip" as set.
+// "field": NAME plus the part's "after", "upto", "before" and "skip" as set.
 std::string PartJson(const char* member, const FieldPart& part, const Names& names) {
   std::string out =
       std::string("\"") + member + "\": " + json(names[static_cast<size_t>(part.field)]).dump();
   if (!part.after.empty()) out += ", \"after\": " + Quote(part.after);
+  if (!part.upto.empty()) out += ", \"upto\": " + Quote(part.upto);
   if (!part.before.empty()) out += ", \"before\": " + Quote(part.before);
   if (part.skip > 0) out += ", \"skip\": " + std::to_string(part.skip);
   return out;

@@ -130,6 +130,10 @@ void Translation::RecordAt(const std::u16string& record, int64_t offset, int64_t
     counts_.more_fields += outcome.more;
     counts_.fewer_fields += outcome.fewer;
     text = &shaped_;
+  } else if (!form_.seconds_counts.empty()) {
+    shaped_ = record;
+    form_.RewriteCounts(&shaped_);
+    text = &shaped_;
   }
   Row row;
   try {

@@ -206,6 +206,15 @@ TEST(RecordFormJson, ErrorsNameTheMemberAtFault) {
        "records.extras.charge.size: must be an integer from 1 to 255"},
       {R"({"extras": {"charge": {"pos": 1, "size": 2, "type": "money"}}})",
        "records.extras.charge.type: unknown member"},
+      {R"({"seconds_counts": []})", "records.seconds_counts: must be a list of 1 to 16 columns"},
+      {R"({"seconds_counts": [{"pos": 52, "size": 6, "mark": "S="}]})",
+       "records.seconds_counts[0].size: must be an integer from 7 to 255"},
+      {R"({"seconds_counts": [{"pos": 52, "size": 8, "mark": ""}]})",
+       "records.seconds_counts[0].mark: must be the text printed before the count, 1 to 255 "
+       "characters"},
+      {R"({"delimited": {"fields": [{"width": 1}]}, "seconds_counts": [{"pos": 1, "size": 8,
+          "mark": "S="}]})",
+       "records.seconds_counts: delimited records mark their counts of seconds by field"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.records);
@@ -219,6 +228,45 @@ TEST(RecordFormJson, ErrorsNameTheMemberAtFault) {
       EXPECT_STREQ(e.what(), c.error);
     }
   }
+}
+
+// A count of seconds after its mark becomes H:MM:SS in the same columns; a
+// clock, a blank, a count that is not digits or whose hours do not fit are
+// told apart. The form reads and writes the columns back as it read them.
+TEST(RecordFormJson, CountsOfSecondsAreRewrittenWhereTheyAreMarked) {
+  velqua::clsCfgConmut cfg;
+  RecordForm form;
+  std::string delivery;
+  SwitchConfigFromJson(
+      R"({"records": {"seconds_counts": [{"pos": 5, "size": 8, "mark": "S="}], "time": "start"}})",
+      cfg, &form, &delivery);
+  EXPECT_EQ(form.Describe(), "fixed columns + counts of seconds");
+  EXPECT_FALSE(form.Plain());
+  struct Case {
+    const char16_t* record;
+    const char16_t* rewritten;
+  } const cases[] = {
+      {u"IN     S=226 $", u"IN   0:03:46 $"},  // right-aligned, what follows kept
+      {u"IN      S=5", u"IN   0:00:05"},       // a short count, the record ended by it
+      {u"IN  S=359999", u"IN  99:59:59"},      // 99 hours fill the 8 columns
+      {u"IN  S=360000", u"IN          "},      // 100 hours do not fit: no duration
+      {u"IN  S=12x4", u"IN          "},        // not digits: no duration
+      {u"IN", u"IN"},                          // the record ends before the columns
+      {u"IN     S= ", u"IN     S= "},          // a mark with no count: left as printed
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(U8(c.record));
+    std::u16string record = c.record;
+    form.RewriteCounts(&record);
+    EXPECT_EQ(record, c.rewritten);
+  }
+  velqua::clsCfgConmut again;
+  RecordForm back;
+  SwitchConfigFromJson(SwitchConfigToJson(cfg, form, ""), again, &back, &delivery);
+  ASSERT_EQ(back.seconds_counts.size(), 1U);
+  EXPECT_EQ(back.seconds_counts[0].column, 5);
+  EXPECT_EQ(back.seconds_counts[0].width, 8);
+  EXPECT_EQ(back.seconds_counts[0].mark, u"S=");
 }
 
 // Extra fields are read, written back as read, and cut from each record

@@ -64,10 +64,13 @@ TEST(FieldRules, TheFirstRuleThatHoldsGivesTheText) {
   }
 }
 
-TEST(FieldRules, PartsAfterBeforeSkipAndNegatedTests) {
+TEST(FieldRules, PartsAfterUptoBeforeSkipAndNegatedTests) {
   const RecordForm form = FormWith(R"([
     {"name": "peer", "width": 13, "rules": [
       {"when": [{"field": "p1", "matches": "Local/*"}], "take": "p1", "after": "/", "before": "@"},
+      {"when": [{"field": "p1", "matches": "*/*@*"}], "take": "p1", "after": "@", "upto": ","},
+      {"when": [{"field": "p1", "matches": "*,*"}], "take": "p1", "after": "/", "upto": ",",
+       "before": "/"},
       {"take": "p1", "after": "/", "before": "-"}]},
     {"name": "trunk", "width": 1, "rules": [
       {"when": [{"field": "peer", "digits": true, "not": true}], "text": "T"}]}])");
@@ -81,6 +84,10 @@ TEST(FieldRules, PartsAfterBeforeSkipAndNegatedTests) {
       {u"DAHDI/i1/0215550199-5", "       i1/0215550199 T"},
       {u"nochannel", "                     T"},  // no "/": nothing after it
       {u"IAX2/7001", "       7001           "},  // no "-": all that follows "/"
+      // "upto" cuts at the first "," where "before" would cut at the last
+      {u"\"PJSIP/0215550199@carrier,300,T\"", "       carrier       T"},
+      // ... and "before" then cuts what is left at its last "/"
+      {u"\"SIP/peer/0215550199,60,tT\"", "       peer          T"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(U8(c.p1));
@@ -137,8 +144,8 @@ TEST(FieldRules, JsonFormRefusesWhatCannotBeRead) {
       {R"([{"name": "x", "width": 1, "rules": [{"text": "a", "take": "p1"}]}])",
        "records.delimited.derived[0].rules[0]: needs one of \"take\" (a field) and \"text\""},
       {R"([{"name": "x", "width": 1, "rules": [{"text": "a", "skip": 1}]}])",
-       "records.delimited.derived[0].rules[0]: \"after\", \"before\" and \"skip\" go with "
-       "\"take\""},
+       "records.delimited.derived[0].rules[0]: \"after\", \"upto\", \"before\" and \"skip\" go "
+       "with \"take\""},
       {R"([{"name": "x", "width": 1, "rules": [{"when": [{"field": "p1"}], "text": "a"}]}])",
        "records.delimited.derived[0].rules[0].when[0]: needs one of \"matches\", \"digits\" and "
        "\"earlier\""},

@@ -266,6 +266,7 @@ void CheckPiece(const SwitchConfig& config, std::u16string_view piece,
                 : outcome.fewer ? " (the missing ones blank)"
                                 : "");
   }
+  if (!config.form.delimited) config.form.RewriteCounts(&record);
   if (traductor) traductor->LlamadaActual(record);
   CheckRecord(record, entries, traductor);
   if (traductor && traductor->TipoLlamadaDetectada() == velqua::emTradNoIdentificada) {

@@ -44,6 +44,16 @@ endfunction()
 
 velqua_corpus(ip-office --encoding utf-8)
 velqua_corpus(asterisk)
+velqua_corpus(kx-tda --extensions examples/kx-tda/extensions.txt)
+velqua_corpus(kx-ns --extensions examples/kx-ns/extensions.txt)
+velqua_corpus(mitel-5000)
+# Asterisk records of dial plans unlike the corpus's (PJSIP peers, queue legs
+# through Local/ channels, Dial strings that carry the number and the trunk):
+# examples/asterisk/dialplans.txt, each line's origin in its SOURCES.md.
+velqua_e2e(switch_asterisk_dialplans 0 --now "2026-03-11 09:00:00" translate -c asterisk
+           --format csv examples/asterisk/dialplans.txt)
+set_tests_properties(cli.e2e.switch_asterisk_dialplans PROPERTIES ENVIRONMENT
+                     "${VELQUA_SOURCE_EXAMPLES}")
 
 # The list of bundled switches, from the source tree and from a folder named by
 # $VELQUA_EXAMPLES (an installed copy); an unknown name is refused.

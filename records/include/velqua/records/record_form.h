@@ -116,6 +116,18 @@ std::vector<std::pair<std::string, std::u16string>> CutExtras(const std::vector<
 // every line it sent, and headings are told apart by this reason.
 constexpr const char* kPageHeadingReason = "page heading";
 
+// Columns of a fixed-column record that print a clock or, on sites that
+// choose it, a count of seconds after a mark (Mitel's elapsed time "S=226"):
+// such a count is rewritten as hours:minutes:seconds right-aligned in the same
+// columns, so that one configuration's duration fields read both. A count
+// that is not plain digits, or whose hours do not fit, leaves the columns
+// blank: the record has no duration rather than a wrong one.
+struct SecondsCount {
+  int column = 1;       // first column, 1-based
+  int width = 8;        // 7 to 255: "H:MM:SS" needs 7
+  std::u16string mark;  // printed right before the digits, 1 to 255 characters
+};
+
 struct RecordForm {
   bool delimited = false;  // records are delimited: shape them with `fields`
   DelimitedForm fields;
@@ -126,13 +138,17 @@ struct RecordForm {
   bool seven_bit = false;                // clear bit 7 of every byte before decoding
   PrintedTime printed_time = PrintedTime::kUnstated;  // the call's start or its end
   std::vector<ExtraField> extras;                     // kept with each call, by name
+  std::vector<SecondsCount> seconds_counts;           // fixed-column records only
 
   // Whether `line` (decoded, without its line end) is a page heading.
   bool IsHeading(std::u16string_view line) const;
   // Nothing beyond plain fixed-column lines (whatever time they print).
   bool Plain() const {
-    return !delimited && headings.empty() && !nul_ends_record && continuation.empty() && !seven_bit;
+    return !delimited && headings.empty() && !nul_ends_record && continuation.empty() &&
+           !seven_bit && seconds_counts.empty();
   }
+  // Rewrites the counts of seconds of `record` (fixed columns) in place.
+  void RewriteCounts(std::u16string* record) const;
   // Whether `line` continues the record before it.
   bool IsContinuation(std::u16string_view line) const {
     return !continuation.empty() && MatchesPattern(continuation, line);
@@ -141,7 +157,8 @@ struct RecordForm {
   // blanks up to it; right after a record already reaching it).
   void Join(std::u16string_view line, std::u16string* record) const;
   // "fixed columns", "delimited (35 fields)", with "+ 2 heading patterns",
-  // "+ NUL record ends", "+ continuation lines", "+ 7-bit" and "+ end times"
+  // "+ NUL record ends", "+ continuation lines", "+ 7-bit", "+ counts of
+  // seconds" and "+ end times"
   // as they apply:
   // how `velqua switches` shows it.
   std::string Describe() const;

@@ -26,13 +26,15 @@
 namespace velqua_records {
 
 // A part of one declared field's text: the text after the first `after` (none
-// when `after` is absent from it), then before the last `before` (all of it
-// when `before` is absent), then without its first `skip` characters.
-// "PJSIP/201-00000004" after "/" before "-" is "201".
+// when `after` is absent from it), then before the first `upto` and before the
+// last `before` (all of it when they are absent), then without its first
+// `skip` characters. "PJSIP/201-00000004" after "/" before "-" is "201";
+// "PJSIP/0215550199@carrier,300,T" after "@" upto "," is "carrier".
 struct FieldPart {
   int field = 0;  // index of the field: declared ones first, then derived ones
   std::u16string after, before;
   int skip = 0;
+  std::u16string upto;
   std::u16string_view Of(const std::vector<std::u16string_view>& fields) const;
 };
 
