@@ -57,7 +57,10 @@ int RunFileFaults(const Options& o) {
     {
       std::lock_guard<std::mutex> lock(file);
       const std::string old = log + "." + std::to_string(i);
-      if (i % 2 == 0) {
+      if (!fs::exists(log)) {
+        // Renamed away at the last kill, and nothing written since (the
+        // writer is done, or slower than the kills on a loaded machine).
+      } else if (i % 2 == 0) {
         fs::rename(log, old);
         ++rotated;
       } else {

@@ -78,10 +78,13 @@ std::string StoreFor(const Options& o, const std::string& dir,
 
 std::string HarnessConfig(const Options& o, const std::string& dir, const std::string& store,
                           const std::string& sources) {
-  // The re-send rule's horizon reaches over what the pusher sends again.
-  const std::string config = WriteConfig(
-      dir, store, "resend_horizon_records = " + std::to_string(std::max<int64_t>(1000, Resend(o))),
-      sources);
+  // The re-send rule's horizon reaches well over what the pusher sends
+  // again, as doc/capture.md advises: a horizon of exactly the re-send's
+  // size misses its oldest record whenever a fragment of a killed read is
+  // among the records stored last, and the whole re-send is then new.
+  const int64_t horizon = std::max<int64_t>(1000, 2 * Resend(o));
+  const std::string config =
+      WriteConfig(dir, store, "resend_horizon_records = " + std::to_string(horizon), sources);
   std::string text = ReadFile(config);
   text.replace(text.find("fsync = \"interval\""), 18, "fsync = \"" + o.fsync + "\"");
   std::ofstream(config, std::ios::trunc) << text;

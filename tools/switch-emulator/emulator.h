@@ -42,6 +42,8 @@ class Player {
   bool Next(std::string* record);
   // Waits until the next record is due at the chosen rate.
   void Pace();
+  // The next record is due now: what fell behind is not caught up in a burst.
+  void Rebase();
   int64_t played() const { return played_; }
 
  private:

@@ -154,6 +154,10 @@ int RunIpOffice(const Options& o) {
     while (!last.empty() && !o.hold.empty() && ::access(o.hold.c_str(), F_OK) == 0) {
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
+    // The records due while it was disconnected, re-sending or quiet come at
+    // the steady rate, not in one burst: a burst larger than the re-send,
+    // unread when a collector is killed, would be lost to any collector.
+    player.Rebase();
     while (more && !lost) {
       player.Pace();
       last.push_back(record);  // it may be lost with the connection: re-sent next time

@@ -45,6 +45,13 @@ void Player::Pace() {
   std::this_thread::sleep_until(due);
 }
 
+void Player::Rebase() {
+  if (options_.rate <= 0) return;
+  start_ = std::chrono::steady_clock::now() -
+           std::chrono::microseconds(
+               static_cast<int64_t>(1e6 * static_cast<double>(played_) / options_.rate));
+}
+
 std::string GeneratedRecord(int64_t i) {
   std::time_t when = 1767225600 + i * 60;  // 2026-01-01 00:00 UTC, one a minute
   std::tm t{};
