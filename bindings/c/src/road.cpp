@@ -46,6 +46,16 @@ Road::~Road() = default;
 
 namespace {
 
+// One write's records are one block of the translation (the extension list
+// looked at once for them), ended however the write ends.
+struct Block {
+  explicit Block(velqua_records::Translation& t) : translation(t) { translation.BeginBlock(); }
+  ~Block() { translation.EndBlock(); }
+  Block(const Block&) = delete;
+  Block& operator=(const Block&) = delete;
+  velqua_records::Translation& translation;
+};
+
 // The index of the first CR or LF in `bytes`, or its size.
 size_t LineEnd(std::string_view bytes) {
   const void* lf = std::memchr(bytes.data(), '\n', bytes.size());
@@ -63,6 +73,7 @@ void Road::Write(std::string_view bytes, std::vector<Row>* rows) {
   if (bytes.empty()) return;
   Start();
   collector_->rows = rows;
+  Block block{*translation_};
   while (!bytes.empty()) {
     if (std::exchange(after_cr_, false) && bytes.front() == '\n') {
       bytes.remove_prefix(1);
@@ -90,6 +101,7 @@ void Road::Write(std::string_view bytes, std::vector<Row>* rows) {
 void Road::Finish(std::vector<Row>* rows) {
   Start();
   collector_->rows = rows;
+  Block block{*translation_};
   if (!pending_.empty()) Line(pending_);
   pending_.clear();
   translation_->Finish();
