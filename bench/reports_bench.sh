@@ -80,14 +80,14 @@ trunks_sql="SELECT trunk, count(*), sum(duration) FROM calls WHERE start >= '202
 ext_sql="SELECT extension, count(*), sum(CASE WHEN attribute <> 4 AND type IN (2,5) THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 1 THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 3 THEN 1 ELSE 0 END), sum(CASE WHEN attribute = 4 THEN 1 ELSE 0 END), sum(duration) FROM calls WHERE start >= '2025-03-01' AND start < '2025-04-01' GROUP BY extension;"
 # Cost per department as a user would write it: each call's department in
 # force on its day, by a correlated subquery on the directory.
-dept_sql="SELECT coalesce((SELECT d.department FROM directory d WHERE d.kind = 'extension' AND d.entry_key = c.extension AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) ORDER BY d.from_day DESC LIMIT 1), '(none)') AS dep, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01' GROUP BY dep;"
+dept_sql="SELECT coalesce((SELECT d.department FROM directory d WHERE d.kind = 'extension' AND d.entry_key = c.extension AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) ORDER BY d.from_day DESC LIMIT 1), '(none)') AS dep, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01' GROUP BY dep;"
 printf "%-11s month " "sqlite3 departments"; best sqlite3 "$db" "$dept_sql"
 printf "%-11s month " "sqlite3 trunks"; best sqlite3 "$db" "$trunks_sql"
 printf "%-11s month " "sqlite3 extensions"; best sqlite3 "$db" "$ext_sql"
 
 # pandas over a CSV export of the month (the export itself not timed).
 csv="$dir/march-priced-$calls.csv"
-[ -f "$csv" ] || sqlite3 -header -csv "$db" "SELECT c.start, c.type, c.attribute, c.duration, c.extension, c.trunk, k.cost FROM calls c LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01'" > "$csv"
+[ -f "$csv" ] || sqlite3 -header -csv "$db" "SELECT c.start, c.type, c.attribute, c.duration, c.extension, c.trunk, k.cost FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01'" > "$csv"
 cat > "$dir/totals.py" <<'PY'
 import sys
 import pandas as pd

@@ -10,7 +10,7 @@ namespace velqua_store {
 class Connection;
 
 // The schema version this program writes and reads.
-constexpr int kSchemaVersion = 6;
+constexpr int kSchemaVersion = 7;
 
 // Brings the schema of an open database up to kSchemaVersion in one
 // transaction (SQLite: PRAGMA user_version; PostgreSQL:
@@ -18,6 +18,11 @@ constexpr int kSchemaVersion = 6;
 // same database at once migrate it once). Throws StoreError when the
 // database's schema is newer than this program's.
 void Migrate(Connection& db, const std::string& name);
+
+// The step to version 7: prices keyed by their call's id, the texts they
+// share kept once in cost_labels, the prices stored before carried over
+// (costs_by_call.cpp).
+void KeyPricesByCall(Connection& db);
 
 // SQLite's indexes for the queries, as "CREATE INDEX IF NOT EXISTS"
 // statements (a bulk load drops them and builds them again at its end), and

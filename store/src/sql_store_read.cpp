@@ -81,6 +81,45 @@ std::string DayText(const date::year_month_day& day) {
   return text;
 }
 
+// The directory's `column` for the call's `key` (an extension or account
+// code) as in force on the call's start date: the row of the latest date
+// not after it, a row without a date (always) otherwise.
+std::string DirectoryColumn(const char* kind, const char* key, const char* column) {
+  return std::string("(SELECT d.") + column + " FROM directory d WHERE d.kind = '" + kind +
+         "' AND d.entry_key = " + key +
+         " AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) "
+         "ORDER BY d.from_day DESC LIMIT 1)";
+}
+
+// A price's cost (exact decimal text, up to 6 decimals) as an integer of
+// millionths, in either engine's SQL: the digits without the point, scaled
+// by the decimals after it.
+std::string CostMillionths() {
+  const std::string decimals =
+      "(CASE WHEN k.cost LIKE '%.%' THEN length(k.cost) - length(rtrim(k.cost, '0123456789')) "
+      "ELSE 0 END)";
+  return "(CAST(replace(k.cost, '.', '') AS BIGINT) * CASE " + decimals +
+         " WHEN 0 THEN 1000000 WHEN 1 THEN 100000 WHEN 2 THEN 10000 WHEN 3 THEN 1000 "
+         "WHEN 4 THEN 100 WHEN 5 THEN 10 WHEN 6 THEN 1 END)";
+}
+
+std::string Lowercase(std::string text) {
+  for (char& ch : text) {
+    if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
+  }
+  return text;
+}
+
+// A text matched literally by LIKE ... ESCAPE '!'.
+std::string LikeEscaped(const std::string& text) {
+  std::string out;
+  for (char ch : text) {
+    if (ch == '%' || ch == '_' || ch == '!') out += '!';
+    out += ch;
+  }
+  return out;
+}
+
 // The WHERE clause of a filter and its parameters.
 std::string Where(const CallFilter& f, std::vector<Value>* params) {
   std::string sql = " WHERE 1 = 1";
@@ -108,6 +147,16 @@ std::string Where(const CallFilter& f, std::vector<Value>* params) {
     if (!end.empty()) add("c.dialled <", end);
   }
   if (!f.account_code.empty()) add("c.account_code =", f.account_code);
+  if (!f.person.empty()) {
+    add(("lower(" + DirectoryColumn("extension", "c.extension", "person") + ") LIKE").c_str(),
+        "%" + LikeEscaped(Lowercase(f.person)) + "%");
+    sql += " ESCAPE '!'";
+  }
+  if (!f.department.empty()) {
+    add((DirectoryColumn("extension", "c.extension", "department") + " =").c_str(), f.department);
+  }
+  if (f.min_cost) add((CostMillionths() + " >=").c_str(), *f.min_cost);
+  if (f.max_cost) add((CostMillionths() + " <=").c_str(), *f.max_cost);
   return sql;
 }
 
@@ -119,16 +168,6 @@ std::optional<std::string> OptionalText(const ResultRow& r, int column) {
 std::optional<int64_t> OptionalInt(const ResultRow& r, int column) {
   if (r.IsNull(column)) return std::nullopt;
   return r.Int(column);
-}
-
-// The directory's `column` for the call's `key` (an extension or account
-// code) as in force on the call's start date: the row of the latest date
-// not after it, a row without a date (always) otherwise.
-std::string DirectoryColumn(const char* kind, const char* key, const char* column) {
-  return std::string("(SELECT d.") + column + " FROM directory d WHERE d.kind = '" + kind +
-         "' AND d.entry_key = " + key +
-         " AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) "
-         "ORDER BY d.from_day DESC LIMIT 1)";
 }
 
 }  // namespace
@@ -170,7 +209,8 @@ std::string CallSelectFrom() {
   return "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, "
          "c.duration, c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, "
          "c.receiving_trunk, c.account_code, c.extension_random, c.raw, c.received_utc, k.cost, "
-         "k.currency, k.destination, k.destination_class, k.reason, " +
+         "NULLIF(l.currency, ''), NULLIF(l.destination, ''), NULLIF(l.destination_class, ''), "
+         "k.reason, " +
          DirectoryColumn("extension", "c.extension", "person") + ", " +
          DirectoryColumn("extension", "c.extension", "department") + ", " +
          DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
@@ -178,7 +218,7 @@ std::string CallSelectFrom() {
          DirectoryColumn("account", "c.account_code", "project") +
          ", c.ended, c.ended_utc, c.date_received, c.switch_charge, c.extras, c.id FROM calls c "
          "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
-         "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position";
+         "LEFT JOIN call_costs k ON k.call_id = c.id LEFT JOIN cost_labels l ON l.id = k.label";
 }
 
 void SqlStore::ListCalls(const CallFilter& filter,
@@ -263,7 +303,7 @@ RewriteResult SqlStore::Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records, bool dry_run) {
   const int64_t switch_id = SwitchId(switch_name);
   if (!dry_run) {
-    return InTransaction(*db_, [&] { return RewriteOnce(switch_id, switch_name, records); });
+    return Transaction([&] { return RewriteOnce(switch_id, switch_name, records); });
   }
   // The same work, rolled back: what would change is counted exactly as a
   // real run counts it, moves between the tables included.
@@ -271,7 +311,7 @@ RewriteResult SqlStore::Rewrite(const std::string& switch_name,
     RewriteResult result;
   };
   try {
-    InTransaction(*db_, [&] { throw RolledBack{RewriteOnce(switch_id, switch_name, records)}; });
+    Transaction([&] { throw RolledBack{RewriteOnce(switch_id, switch_name, records)}; });
   } catch (const RolledBack& done) {
     return done.result;
   }
@@ -342,6 +382,8 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::string& switch
       params.push_back(Value::TextOrNull(v.switch_charge));
       params.push_back(Value::TextOrNull(v.extras));
       CountChanged(old.stored, Signature(v), &result.changed);
+      if (updated_ids_.size() <= n_updated) updated_ids_.resize(n_updated + 1);
+      updated_ids_[n_updated] = old.id;
       db_->Run(
           "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
           "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "
@@ -360,17 +402,18 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::string& switch
                            : "DELETE FROM unrecognised WHERE id = $1",
                {old.id});
       if (old.is_call) {  // no longer a call: no longer priced
-        db_->Run("DELETE FROM call_costs WHERE source_id = $1 AND position = $2",
-                 {old.source_id, old.position});
+        db_->Run("DELETE FROM call_costs WHERE call_id = $1", {old.id});
       }
       Slot(call ? calls_ : unrecognised_, call ? n_calls++ : n_unrecognised++) = v;
       ++(call ? result.recognised : result.unrecognised);
     }
   }
-  db_->InsertCalls(calls_.data(), n_calls);
+  db_->InsertCalls(calls_.data(), n_calls, PriceCalls(switch_name, calls_.data(), n_calls));
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
-  PriceCalls(switch_name, calls_.data(), n_calls);
-  PriceCalls(switch_name, updated_.data(), n_updated);
+  if (CostRow* costs = PriceCalls(switch_name, updated_.data(), n_updated)) {
+    for (size_t i = 0; i < n_updated; ++i) costs[i].call_id = updated_ids_[i];
+    db_->UpsertCosts(costs, n_updated);
+  }
   return result;
 }
 
