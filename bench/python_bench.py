@@ -34,7 +34,7 @@ import velqua
 EXAMPLE = pathlib.Path(__file__).resolve().parents[1] / "examples" / "kx-tda"
 TYPES = {1: "incoming", 2: "outgoing", 3: "internal"}
 ATTRIBUTES = {0: "none", 2: "in-transfer", 4: "unanswered"}
-UNRECOGNISED = (None,) * 13
+UNRECOGNISED = (None,) * 15
 
 
 def load_list(path):
@@ -80,11 +80,13 @@ def parse(lines, codes):
         ring = None
         if kind == 1 and line[54:56].strip():
             ring = int(line[52:53]) * 60 + int(line[54:56])
+        start = datetime.datetime(year, month, day, hour, minute)
+        end = (start + datetime.timedelta(seconds=duration)).replace(second=0)  # to the minute
         yield velqua.Call(n, kind, TYPES[kind], attribute, ATTRIBUTES[attribute],
-                          datetime.date(year, month, day), datetime.time(hour, minute),
-                          duration, ring, dialled, extension or None,
+                          start.date(), start.time(), duration, ring, dialled, extension or None,
                           None if kind == 3 else line[23:25].strip() or None,
-                          dialled if kind == 3 else None, None, account, False, None, False)
+                          dialled if kind == 3 else None, None, account, False, None, False,
+                          end.date(), end.time())
 
 
 def check(codes, extensions):

@@ -75,6 +75,10 @@ FechaHora ProgramClock::Ahora() const {
 FechaHora ProgramClock::Now() const { return fixed_ ? *fixed_ : base_->Ahora(); }
 
 std::unique_ptr<velqua::LectorArchivo> ProgramClock::AbreLectura(const std::u16string& name) {
+  if (hold_files_ && looked_ && kept_ != nullptr && kept_->name == name) {
+    return std::make_unique<KeptReader>(kept_->bytes);
+  }
+  looked_ = hold_files_;  // looked at now, for the rest of the block
   const std::string path = U8(name);
   struct stat st {};
   if (!real_files_ || path.find('\0') != std::string::npos || ::stat(path.c_str(), &st) != 0 ||

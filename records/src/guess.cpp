@@ -28,12 +28,6 @@ int Value(Text line, size_t at, size_t n) {
   return value;
 }
 
-std::u16string Trim(Text text) {
-  const size_t first = text.find_first_not_of(u' ');
-  if (first == Text::npos) return u"";
-  return std::u16string(text.substr(first, text.find_last_not_of(u' ') - first + 1));
-}
-
 bool Has(const Guess& guess, Datum datum) {
   return std::any_of(guess.fields.begin(), guess.fields.end(),
                      [datum](const GuessedField& f) { return f.datum == datum; });

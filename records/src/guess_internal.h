@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "velqua/records/guess.h"
+#include "velqua/records/record_form.h"
 
 namespace velqua_records {
 namespace guess {
@@ -18,8 +19,9 @@ bool HasDigit(Text line);
 // The value of the digits of line[at, at + n), at most kValueCap.
 constexpr int kValueCap = 999999999;
 int Value(Text line, size_t at, size_t n);
-// `text` without the blanks at both ends.
-std::u16string Trim(Text text);
+// `text` without the blanks at both ends, as a value read from columns is
+// (Trimmed, record_form.h).
+inline std::u16string Trim(Text text) { return std::u16string(Trimmed(text)); }
 // Whether a datum has been placed already.
 bool Has(const Guess& guess, Datum datum);
 

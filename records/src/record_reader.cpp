@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "velqua/records/common.h"
+#include "velqua/records/line_cutter.h"
 
 namespace velqua_records {
 
@@ -113,19 +114,6 @@ bool LineReader::Refill() {
   return n > 0;
 }
 
-namespace {
-
-// The index of the first CR or LF in p[0, n), or n: two vectorised memchr
-// calls rather than a loop over the bytes.
-size_t FindLineEnd(const char* p, size_t n) {
-  const void* lf = std::memchr(p, '\n', n);
-  const size_t k = lf != nullptr ? static_cast<size_t>(static_cast<const char*>(lf) - p) : n;
-  const void* cr = std::memchr(p, '\r', k);
-  return cr != nullptr ? static_cast<size_t>(static_cast<const char*>(cr) - p) : k;
-}
-
-}  // namespace
-
 bool LineReader::Next(std::string* line) {
   std::string_view view;
   const bool found = Next(&view);
@@ -151,7 +139,7 @@ bool LineReader::Next(std::string_view* line) {
     }
     const char* start = buffer_.data() + begin_;
     const size_t avail = end_ - begin_;
-    const size_t i = FindLineEnd(start, avail);
+    const size_t i = LineEnd(std::string_view(start, avail));
     if (!any) line_offset_ = buffer_offset_ + static_cast<int64_t>(begin_);
     any = true;
     if (i == avail) {

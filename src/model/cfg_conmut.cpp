@@ -44,8 +44,8 @@ void DatosCfgConmut::EstableceValoresIniciales() {
   Modelo(u"");
   Separador(u"");
   udtCfg.emCasoCfg = emCasoEstandar;
-  emDATOActivo = emNoParamDato;
-  emCTEActivo = emNoParamDatoConstante;
+  DATOActivo(emNoParamDato);
+  CTEActivo(emNoParamDatoConstante);
   for (RegDATO& r : udtDATO) r.emTipo = emValorNoDefinido;
   for (RegCTE& r : udtCTE) r.emTipo = emValorNoDefinido;
   bolModificado = false;

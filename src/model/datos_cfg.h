@@ -7,6 +7,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -131,18 +132,23 @@ class DatosCfgConmut {
   void QuitaOyente(EventosCfgConmut* oyente);
 
   // ---- The translator's reads without allocation ----
-  // The translator reads Constante and Separador at almost every decision
-  // it makes. These give exactly the text those properties return,
-  // as a view: of the stored text when its U+0000 are all at the end (the
-  // stored form RellenaConNulos makes), otherwise of cadTrabajo, where the
-  // text is built. The view lives until the next change of the
-  // configuration or of cadTrabajo.
-  // The active record (what BuscaDATO / BuscaCTE find for the active key),
+  // The translator's selection: the key becomes the active key (the host
+  // reads the key a translator used last) and the key's record is returned,
   // or nullptr: HayDATO, DATOPos, DATOTam and TipoDatoDATO (HayCTE, CTEPos,
-  // CTETam) of one decision from one lookup. Valid until the table grows.
-  const RegDATO* RegistroDATOActivo() const;
-  const RegCTE* RegistroCTEActivo() const;
-  std::u16string_view VistaConstante(std::u16string& cadTrabajo) const;
+  // CTETam, Constante) of one decision from one lookup, valid until the
+  // table grows. The record is found by the key given, never by reading the
+  // active key back, so translators on other threads sharing this
+  // configuration and selecting other keys meanwhile cannot change what
+  // this one reads. The tables are only read.
+  const RegDATO* SeleccionaDATO(emParamDato emCual);
+  const RegCTE* SeleccionaCTE(emParamDatoConstante emCual);
+  // The translator reads Constante and Separador at almost every decision
+  // it makes. These give exactly the text those properties return (empty
+  // for no record), as a view: of the stored text when its U+0000 are all at
+  // the end (the stored form RellenaConNulos makes), otherwise of
+  // cadTrabajo, where the text is built. The view lives until the next
+  // change of the configuration or of cadTrabajo.
+  static std::u16string_view VistaTexto(const RegCTE* r, std::u16string& cadTrabajo);
   std::u16string_view VistaSeparador(std::u16string& cadTrabajo) const;
   static std::u16string_view VistaSinNulos(const std::u16string& cadOrigen,
                                            std::u16string& cadTrabajo);
@@ -214,10 +220,13 @@ class DatosCfgConmut {
   int32_t lnIDCfg = 0;
   RegCfg udtCfg;
   bool bolModificado = false;
-  emParamDato emDATOActivo = emNoParamDato;
+  // The active keys are atomic: translators sharing this configuration on
+  // several threads write them while they read (relaxed order: nothing is
+  // published through them).
+  std::atomic<emParamDato> emDATOActivo{emNoParamDato};
   std::vector<RegDATO> udtDATO;  // udtDATO[i - 1] is record i (0: none)
   int16_t intNumDATO = 0;
-  emParamDatoConstante emCTEActivo = emNoParamDatoConstante;
+  std::atomic<emParamDatoConstante> emCTEActivo{emNoParamDatoConstante};
   std::vector<RegCTE> udtCTE;  // udtCTE[i - 1] is record i (0: none)
   int16_t intNumCTE = 0;
   std::u16string cadDetalleImportar;
@@ -259,59 +268,69 @@ inline bool DatosCfgConmut::ValidaCTE(const RegCTE& udtC) {
   return false;
 }
 
-inline emParamDato DatosCfgConmut::DATOActivo() const { return emDATOActivo; }
-inline void DatosCfgConmut::DATOActivo(emParamDato emCual) { emDATOActivo = emCual; }
+inline emParamDato DatosCfgConmut::DATOActivo() const {
+  return emDATOActivo.load(std::memory_order_relaxed);
+}
+inline void DatosCfgConmut::DATOActivo(emParamDato emCual) {
+  emDATOActivo.store(emCual, std::memory_order_relaxed);
+}
 
 inline bool DatosCfgConmut::HayDATO() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
+  const int16_t i = BuscaDATO(DATOActivo());
   return i != 0 && ValidaDATO(udtDATO[static_cast<size_t>(i - 1)]);
 }
 
 inline emTipoDato DatosCfgConmut::TipoDatoDATO() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
+  const int16_t i = BuscaDATO(DATOActivo());
   return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].emTipo : emValorNoDefinido;
 }
 
 inline uint8_t DatosCfgConmut::DATOPos() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
+  const int16_t i = BuscaDATO(DATOActivo());
   return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].btPos : uint8_t{0};
 }
 
 inline uint8_t DatosCfgConmut::DATOTam() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
+  const int16_t i = BuscaDATO(DATOActivo());
   return i != 0 ? udtDATO[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
 }
 
-inline emParamDatoConstante DatosCfgConmut::CTEActivo() const { return emCTEActivo; }
-inline void DatosCfgConmut::CTEActivo(emParamDatoConstante emCual) { emCTEActivo = emCual; }
+inline emParamDatoConstante DatosCfgConmut::CTEActivo() const {
+  return emCTEActivo.load(std::memory_order_relaxed);
+}
+inline void DatosCfgConmut::CTEActivo(emParamDatoConstante emCual) {
+  emCTEActivo.store(emCual, std::memory_order_relaxed);
+}
 
 inline bool DatosCfgConmut::HayCTE() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
+  const int16_t i = BuscaCTE(CTEActivo());
   return i != 0 && ValidaCTE(udtCTE[static_cast<size_t>(i - 1)]);
 }
 
 inline emTipoDato DatosCfgConmut::TipoDatoCTE() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
+  const int16_t i = BuscaCTE(CTEActivo());
   return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].emTipo : emValorNoDefinido;
 }
 
 inline uint8_t DatosCfgConmut::CTEPos() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
+  const int16_t i = BuscaCTE(CTEActivo());
   return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btPos : uint8_t{0};
 }
 
 inline uint8_t DatosCfgConmut::CTETam() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
+  const int16_t i = BuscaCTE(CTEActivo());
   return i != 0 ? udtCTE[static_cast<size_t>(i - 1)].btTam : uint8_t{0};
 }
 
-inline const RegDATO* DatosCfgConmut::RegistroDATOActivo() const {
-  const int16_t i = BuscaDATO(emDATOActivo);
+inline const RegDATO* DatosCfgConmut::SeleccionaDATO(emParamDato emCual) {
+  DATOActivo(emCual);
+  const int16_t i = BuscaDATO(emCual);
   return i != 0 ? &udtDATO[static_cast<size_t>(i - 1)] : nullptr;
 }
 
-inline const RegCTE* DatosCfgConmut::RegistroCTEActivo() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
+inline const RegCTE* DatosCfgConmut::SeleccionaCTE(emParamDatoConstante emCual) {
+  CTEActivo(emCual);
+  const int16_t i = BuscaCTE(emCual);
   return i != 0 ? &udtCTE[static_cast<size_t>(i - 1)] : nullptr;
 }
 
@@ -332,8 +351,7 @@ inline std::u16string_view DatosCfgConmut::VistaSinNulos(const std::u16string& c
   return cadTrabajo;
 }
 
-inline std::u16string_view DatosCfgConmut::VistaConstante(std::u16string& cadTrabajo) const {
-  const RegCTE* r = RegistroCTEActivo();
+inline std::u16string_view DatosCfgConmut::VistaTexto(const RegCTE* r, std::u16string& cadTrabajo) {
   return r != nullptr ? VistaSinNulos(r->cadTexto, cadTrabajo) : std::u16string_view();
 }
 

@@ -43,7 +43,7 @@ int16_t DatosCfgConmut::AgregaDATO() {
   // A 32-bit counter: a 16-bit one would wrap past 32767 and never end.
   for (int32_t i = 1; i <= intNumDATO; ++i) {
     const RegDATO& r = udtDATO[static_cast<size_t>(i - 1)];
-    if (r.emParam == emDATOActivo || r.emTipo == emValorNoDefinido) {
+    if (r.emParam == DATOActivo() || r.emTipo == emValorNoDefinido) {
       elegido = static_cast<int16_t>(i);
       break;
     }
@@ -53,7 +53,7 @@ int16_t DatosCfgConmut::AgregaDATO() {
     udtDATO.emplace_back();
     elegido = ++intNumDATO;
   }
-  CambiaClaveDATO(elegido, emDATOActivo);
+  CambiaClaveDATO(elegido, DATOActivo());
   udtDATO[static_cast<size_t>(elegido - 1)].emTipo = emValorNumerico;
   return elegido;
 }
@@ -62,7 +62,7 @@ int16_t DatosCfgConmut::AgregaCTE() {
   int16_t elegido = 0;
   for (int32_t i = 1; i <= intNumCTE; ++i) {
     const RegCTE& r = udtCTE[static_cast<size_t>(i - 1)];
-    if (r.emParam == emCTEActivo || r.emTipo == emValorNoDefinido) {
+    if (r.emParam == CTEActivo() || r.emTipo == emValorNoDefinido) {
       elegido = static_cast<int16_t>(i);
       break;
     }
@@ -72,18 +72,18 @@ int16_t DatosCfgConmut::AgregaCTE() {
     udtCTE.emplace_back();
     elegido = ++intNumCTE;
   }
-  CambiaClaveCTE(elegido, emCTEActivo);
+  CambiaClaveCTE(elegido, CTEActivo());
   udtCTE[static_cast<size_t>(elegido - 1)].emTipo = emValorConstante;
   return elegido;
 }
 
 int16_t DatosCfgConmut::DATOParaEscribir() {
-  const int16_t i = BuscaDATO(emDATOActivo);
+  const int16_t i = BuscaDATO(DATOActivo());
   return i != 0 ? i : AgregaDATO();
 }
 
 int16_t DatosCfgConmut::CTEParaEscribir() {
-  const int16_t i = BuscaCTE(emCTEActivo);
+  const int16_t i = BuscaCTE(CTEActivo());
   return i != 0 ? i : AgregaCTE();
 }
 
@@ -127,7 +127,7 @@ void DatosCfgConmut::DATOTam(uint8_t btTam) {
 // ---- constant properties ----
 
 std::u16string DatosCfgConmut::Constante() const {
-  const int16_t i = BuscaCTE(emCTEActivo);
+  const int16_t i = BuscaCTE(CTEActivo());
   return i != 0 ? QuitaNulos(udtCTE[static_cast<size_t>(i - 1)].cadTexto) : std::u16string();
 }
 

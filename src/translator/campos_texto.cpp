@@ -107,8 +107,8 @@ std::u16string MotorTraductor::Marcacion() {
   }
   cadCampo = traductor::SinBlancos(cadCampo);
   DatosCfgConmut& cfg = Cfg();
-  cfg.CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
-  const std::u16string_view cadPrefijo = cfg.VistaConstante(cadTrabajo);  // no HayCTE
+  const std::u16string_view cadPrefijo = DatosCfgConmut::VistaTexto(
+      cfg.SeleccionaCTE(emDatoCteIdentInterExtensionEnTransferencia), cadTrabajo);  // no HayCTE
   if (!cadPrefijo.empty() && plataforma::EmpiezaSinMayusculas(cadCampo, cadPrefijo)) {
     cadCampo.remove_prefix(cadPrefijo.size());
   }
@@ -155,8 +155,8 @@ std::u16string MotorTraductor::CodigoCuenta() {
   std::u16string_view cadCampo = ExtraeDato(emParamCodigoCuenta);
   DatosCfgConmut& cfg = Cfg();
   if (emTipoLlamada != emTradCodigoCuenta) {
-    cfg.CTEActivo(emDatoCteIdentCodigoCuenta);
-    if (!cfg.VistaConstante(cadTrabajo).empty()) {
+    const RegCTE* r = cfg.SeleccionaCTE(emDatoCteIdentCodigoCuenta);
+    if (!DatosCfgConmut::VistaTexto(r, cadTrabajo).empty()) {
       cadCampo = {};  // marked switches: on marked records only
     }
   }

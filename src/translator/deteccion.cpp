@@ -66,10 +66,8 @@ bool EsCasoSalienteDefecto(emCasos emC) {
 
 bool MotorTraductor::HayConstanteLlamada(emParamDatoConstante emParamCte) {
   if (cadLinea.empty()) return false;
-  DatosCfgConmut& cfg = Cfg();
-  cfg.CTEActivo(emParamCte);
   // HayCTE, CTEPos, CTETam and Constante, read from the one record.
-  const RegCTE* r = cfg.RegistroCTEActivo();
+  const RegCTE* r = Cfg().SeleccionaCTE(emParamCte);
   if (r == nullptr || !DatosCfgConmut::ValidaCTE(*r)) return false;
   const uint8_t btPos = r->btPos;
   const uint8_t btTam = r->btTam;
@@ -110,8 +108,10 @@ void MotorTraductor::DetectaTipoLlamada() {
   for (const MarcasRol& rol : kRoles) {
     emTipoLlamadaTraductor t = TipoSegunConstante(rol.emPlana);
     if (t != emTradNoIdentificada) {
-      cfg.CTEActivo(rol.emY);
-      if (cfg.HayCTE()) t = TipoSegunConstante(rol.emY);  // the AND mark must accompany it
+      const RegCTE* r = cfg.SeleccionaCTE(rol.emY);
+      if (r != nullptr && DatosCfgConmut::ValidaCTE(*r)) {
+        t = TipoSegunConstante(rol.emY);  // the AND mark must accompany it
+      }
     } else {
       t = TipoSegunConstante(rol.emO);  // tried only when the plain mark is absent
     }

@@ -36,10 +36,8 @@ int64_t Instante(int64_t y, int64_t mo, int64_t d, int64_t h, int64_t mi, int64_
 // Inlined into its two callers: one call a field.
 [[gnu::always_inline]] inline std::u16string_view MotorTraductor::CorteDato(emParamDato emParamDat,
                                                                             bool* bolNumerico) {
-  DatosCfgConmut& cfg = Cfg();
-  cfg.DATOActivo(emParamDat);
   // HayDATO, DATOPos, DATOTam and TipoDatoDATO, read from the one record.
-  const RegDATO* r = cfg.RegistroDATOActivo();
+  const RegDATO* r = Cfg().SeleccionaDATO(emParamDat);
   *bolNumerico = false;
   if (r == nullptr || !DatosCfgConmut::ValidaDATO(*r)) return {};
   const uint8_t btPos = r->btPos;
@@ -152,9 +150,8 @@ int16_t MotorTraductor::ObtSegundos(emParamDato emParamDat, bool bolHoraActual) 
 // (intended: a line without the morning mark is an afternoon line, whatever
 // gave its hour); with the mark, hour 12 is midnight.
 int16_t MotorTraductor::AplicaMatutino(int16_t intHoras, emParamDatoConstante emMarca) {
-  DatosCfgConmut& cfg = Cfg();
-  cfg.CTEActivo(emMarca);
-  if (!cfg.HayCTE()) return intHoras;
+  const RegCTE* r = Cfg().SeleccionaCTE(emMarca);
+  if (r == nullptr || !DatosCfgConmut::ValidaCTE(*r)) return intHoras;  // HayCTE
   const bool bolManana = HayConstanteLlamada(emMarca);
   if (!bolManana && intHoras < 12) return static_cast<int16_t>(intHoras + 12);
   if (bolManana && intHoras == 12) return 0;
@@ -190,7 +187,7 @@ int32_t MotorTraductor::Duracion() {
     return TiempoEnSegundos(emParamDuracionHoras, emParamDuracionMinutos, emParamDuracionSegundos);
   }
   if (DuracionIgual(emC)) {
-    Cfg().DATOActivo(emParamDuracionSegundos);  // as the three cuts leave it
+    Cfg().SeleccionaDATO(emParamDuracionSegundos);  // as the three cuts leave it
     return udtDuracion.intValor;
   }
   const int32_t intValor =

@@ -134,7 +134,7 @@ class MotorTraductor {
   // in cases 10 and 11.
   std::mt19937 rndGenerador;
   // Where a constant or separator text holding an inner
-  // U+0000 is built for DatosCfgConmut::VistaConstante / VistaSeparador.
+  // U+0000 is built for DatosCfgConmut::VistaTexto / VistaSeparador.
   std::u16string cadTrabajo;
   // The digits of the numeric field cut last (ExtraeDato).
   char16_t chrCifras[255] = {};

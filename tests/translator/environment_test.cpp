@@ -66,19 +66,18 @@ TEST(TranslatorEnvironment, DrawsFollowTheEnvironmentsSeed) {
   EXPECT_NE(draws(7), draws(8));
 }
 
-// Two translators on two threads, each with its own clock and its own
-// configuration: a record without a date reads each translator's own day,
-// never the other's. (One configuration object shared by translators on two
-// threads is not yet safe: it once gave one wrong read in 40,000.)
+// Two translators on two threads share one configuration, each with its own
+// clock: a record without a date reads each translator's own day, never the
+// other's.
 TEST(TranslatorEnvironment, ThreadsReadTheirOwnClocks) {
+  auto cfg = MakeConfig(emCasoEstandar, u"|");
+  SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
+  SetField(*cfg, emParamDuracionMinutos, 3, 2);
+  SetField(*cfg, emParamDuracionSegundos, 6, 2);
   std::vector<int> failures(2, 0);
   std::vector<std::thread> threads;
   for (int k = 0; k < 2; ++k) {
     threads.emplace_back([&, k] {
-      auto cfg = MakeConfig(emCasoEstandar, u"|");
-      SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
-      SetField(*cfg, emParamDuracionMinutos, 3, 2);
-      SetField(*cfg, emParamDuracionSegundos, 6, 2);
       const int day = 10 + k;
       clsTraductor tr(std::make_shared<EntornoFijo>(At(2026, 5, day, 8, 0, 0)));
       tr.Conmutador(cfg);
@@ -90,6 +89,54 @@ TEST(TranslatorEnvironment, ThreadsReadTheirOwnClocks) {
   }
   for (std::thread& t : threads) t.join();
   EXPECT_EQ(failures, std::vector<int>({0, 0}));
+}
+
+// A configuration is only read while translators share it: each thread reads
+// its own fields in its own order, the other's choice of field meanwhile
+// never changing which column a read cuts. The host then finds the keys a
+// translator chose last.
+TEST(TranslatorEnvironment, ThreadsShareOneConfiguration) {
+  auto cfg = MakeConfig(emCasoEstandar);
+  SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
+  SetConstant(*cfg, emDatoCteIdentEntrante, 1, u"I");
+  SetField(*cfg, emParamFechaDia, 3, 2);
+  SetField(*cfg, emParamFechaMes, 6, 2);
+  SetField(*cfg, emParamDuracionMinutos, 9, 2);
+  SetField(*cfg, emParamDuracionSegundos, 12, 2);
+  SetText(*cfg, emParamExtensionSaliente, 15, 3);
+  SetText(*cfg, emParamExtensionEntrante, 15, 3);
+  const struct {
+    const char16_t* line;
+    int day, month, duration;
+    const char16_t* extension;
+  } rows[] = {{u"O 21/03 02:05 301", 21, 3, 125, u"301"},
+              {u"I 07/11 10:00 455", 7, 11, 600, u"455"}};
+  std::vector<int> failures(2, 0);
+  std::vector<std::thread> threads;
+  for (size_t k = 0; k < 2; ++k) {
+    threads.emplace_back([&, k] {
+      clsTraductor tr(std::make_shared<EntornoFijo>(TestNow()));
+      tr.Conmutador(cfg);
+      const auto& row = rows[k];
+      for (int i = 0; i < 20000; ++i) {
+        tr.LlamadaActual(row.line);
+        // The two threads read in opposite orders, so their keys cross.
+        const bool ok = k == 0
+                            ? tr.Dia() == row.day && tr.Mes() == row.month &&
+                                  tr.Duracion() == row.duration && tr.Extension() == row.extension
+                            : tr.Extension() == row.extension && tr.Duracion() == row.duration &&
+                                  tr.Mes() == row.month && tr.Dia() == row.day;
+        if (!ok) ++failures[k];
+      }
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(failures, std::vector<int>({0, 0}));
+  clsTraductor tr(std::make_shared<EntornoFijo>(TestNow()));
+  tr.Conmutador(cfg);
+  tr.LlamadaActual(rows[0].line);
+  EXPECT_EQ(tr.Mes(), 3);
+  EXPECT_EQ(cfg->DATOActivo(), emParamFechaMes);
 }
 
 TEST(MemoryEnvironment, FilesBehaveAsNamed) {

@@ -1,7 +1,6 @@
 #include "road.h"
 
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include "velqua/records/common.h"
@@ -46,14 +45,15 @@ Road::~Road() = default;
 
 namespace {
 
-// The index of the first CR or LF in `bytes`, or its size.
-size_t LineEnd(std::string_view bytes) {
-  const void* lf = std::memchr(bytes.data(), '\n', bytes.size());
-  const size_t k = lf != nullptr ? static_cast<size_t>(static_cast<const char*>(lf) - bytes.data())
-                                 : bytes.size();
-  const void* cr = std::memchr(bytes.data(), '\r', k);
-  return cr != nullptr ? static_cast<size_t>(static_cast<const char*>(cr) - bytes.data()) : k;
-}
+// One write's records are one block of the translation (the extension list
+// looked at once for them), ended however the write ends.
+struct Block {
+  explicit Block(velqua_records::Translation& t) : translation(t) { translation.BeginBlock(); }
+  ~Block() { translation.EndBlock(); }
+  Block(const Block&) = delete;
+  Block& operator=(const Block&) = delete;
+  velqua_records::Translation& translation;
+};
 
 }  // namespace
 
@@ -63,42 +63,20 @@ void Road::Write(std::string_view bytes, std::vector<Row>* rows) {
   if (bytes.empty()) return;
   Start();
   collector_->rows = rows;
-  while (!bytes.empty()) {
-    if (std::exchange(after_cr_, false) && bytes.front() == '\n') {
-      bytes.remove_prefix(1);
-      ++offset_;
-      continue;
-    }
-    const size_t end = LineEnd(bytes);
-    if (end == bytes.size()) {
-      pending_.append(bytes);
-      return;
-    }
-    after_cr_ = bytes[end] == '\r';
-    if (pending_.empty()) {
-      Line(bytes.substr(0, end));
-    } else {
-      pending_.append(bytes.data(), end);
-      Line(pending_);
-      pending_.clear();
-    }
-    ++offset_;  // the line end
-    bytes.remove_prefix(end + 1);
-  }
+  Block block{*translation_};
+  cutter_.Feed(bytes, [this](std::string_view line, int64_t at) { Line(line, at); });
 }
 
 void Road::Finish(std::vector<Row>* rows) {
   Start();
   collector_->rows = rows;
-  if (!pending_.empty()) Line(pending_);
-  pending_.clear();
+  Block block{*translation_};
+  cutter_.Finish([this](std::string_view line, int64_t at) { Line(line, at); });
   translation_->Finish();
 }
 
 // One line: a byte-order mark is dropped from the input's first line only.
-void Road::Line(std::string_view line) {
-  const int64_t at = offset_;
-  offset_ += static_cast<int64_t>(line.size());
+void Road::Line(std::string_view line, int64_t at) {
   if (at == 0 && settings_.utf8 && line.substr(0, 3) == "\xEF\xBB\xBF") line.remove_prefix(3);
   translation_->LineBytes(line, at);
 }

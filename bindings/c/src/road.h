@@ -14,6 +14,7 @@
 
 #include "velqua/cfg_conmut.h"
 #include "velqua/records/call_row.h"
+#include "velqua/records/line_cutter.h"
 #include "velqua/records/translation.h"
 
 namespace velqua_bindings {
@@ -54,15 +55,13 @@ class Road {
  private:
   class Collector;
   void Start();
-  void Line(std::string_view line);
+  void Line(std::string_view line, int64_t at);
 
   std::shared_ptr<velqua::clsCfgConmut> cfg_;
   Settings settings_;
   std::unique_ptr<Collector> collector_;
   std::unique_ptr<velqua_records::Translation> translation_;  // from the first bytes on
-  std::string pending_;                                       // an unfinished line
-  int64_t offset_ = 0;     // of the next line's first byte in the input
-  bool after_cr_ = false;  // the last line ended with a CR: an LF next belongs to it
+  velqua_records::LineCutter cutter_;
 };
 
 }  // namespace velqua_bindings

@@ -88,6 +88,46 @@ TEST(CTranslation, KxTdaRowsShowOnlyWhatTheSwitchPrinted) {
   EXPECT_EQ(counts.random_extensions, 1);
 }
 
+// The extension list is looked at once for each write: an edit of the list
+// counts from the next write, at once for a host writing record by record.
+TEST(CTranslation, AnEditedListCountsFromTheNextWrite) {
+  Cfg cfg = NewCfg(Example("kx-tda/kx-tda.json"));
+  const std::string list = TempPath("edited-extensions.txt");
+  const auto write_list = [&](const char* text) {
+    std::FILE* f = std::fopen(list.c_str(), "wb");
+    ASSERT_NE(f, nullptr);
+    std::fputs(text, f);
+    std::fclose(f);
+  };
+  write_list("1234;201\r\n");
+  const velqua_translation_settings settings{list.c_str(), nullptr, false, 2026};
+  Translation t = NewTranslation(cfg.get(), &settings);
+  const std::string record =
+      "01/19/26 08:31AM *1234 02 00441632960123                 00:12'07\r\n";
+  const std::string two = record + record;
+  const struct {
+    const char* list;  // written before the write; nullptr: left as it is
+    const std::string* input;
+    std::vector<std::string> extensions;
+  } steps[] = {{nullptr, &two, {"201", "201"}},
+               {"1234;30\r\n", &record, {"30"}},  // sizes differ: edits within one clock tick
+               {"1234;4071\r\n", &two, {"4071", "4071"}},
+               {"9;1\r\n", &record, {""}}};  // no longer listed: blank, marked random
+  for (const auto& step : steps) {
+    SCOPED_TRACE(step.extensions.front());
+    if (step.list != nullptr) write_list(step.list);
+    ASSERT_EQ(velqua_translation_write(t.get(), step.input->data(), step.input->size()), 0);
+    std::vector<std::string> got;
+    velqua_call call{};
+    bool more = false;
+    while (velqua_translation_next(t.get(), &call, &more) == 0 && more) {
+      got.push_back(call.extension);
+    }
+    velqua_call_clear(&call);
+    EXPECT_EQ(got, step.extensions);
+  }
+}
+
 // Each call carries its true start and its end: a switch that prints the
 // start ends the call later by its duration, one that prints the end started
 // it earlier, both across midnight; an unanswered call ends as it starts.

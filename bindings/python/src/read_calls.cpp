@@ -4,6 +4,7 @@
 // NumPy arrays and the texts made, each text column through a cache, since
 // extensions, trunks and account codes repeat.
 #include <pybind11/numpy.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -81,6 +82,20 @@ struct Columns {
 
   size_t size() const { return record.size(); }
 
+  // Room for `rows` rows, the texts as long on average as those held: no
+  // column is moved while it grows.
+  void Reserve(size_t rows) {
+    const size_t held = std::max<size_t>(size(), 1);
+    for (auto* v : {&record, &date, &time, &duration, &ring}) v->reserve(rows);
+    type.reserve(rows);
+    attribute.reserve(rows);
+    random_extension.reserve(rows);
+    for (TextColumn& t : texts) {
+      t.ends.reserve(rows);
+      t.chars.reserve(t.chars.size() / held * rows + rows);
+    }
+  }
+
   void Add(const Row& row) {
     const size_t i = size();
     record.push_back(row.number);
@@ -127,12 +142,24 @@ class Reader {
   void File(const std::string& path) {
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> f(
         velqua_records::OpenFile(path, "rb", "records"), &std::fclose);
+    struct stat st {};
+    const size_t total = ::fstat(fileno(f.get()), &st) == 0 && S_ISREG(st.st_mode)
+                             ? static_cast<size_t>(st.st_size)
+                             : 0;
     std::string block(kBlock, '\0');
+    size_t read = 0;
     for (;;) {
       const size_t n = std::fread(&block[0], 1, block.size(), f.get());
       if (std::ferror(f.get())) throw velqua_records::Failure("cannot read the records: " + path);
       if (n == 0) break;
       road_.Write(std::string_view(block.data(), n), &rows_);
+      // After the first block, room for the rows of the whole file at the
+      // first block's bytes a row (and a tenth more).
+      if (read == 0 && n < total && !rows_.empty()) {
+        Take();
+        columns_.Reserve(columns_.size() * (total / n + 1) * 11 / 10);
+      }
+      read += n;
       Take();
     }
   }
@@ -192,11 +219,14 @@ class Texts {
 
 std::vector<py::ssize_t> Shape(size_t n) { return {static_cast<py::ssize_t>(n)}; }
 
+// The column as a NumPy array that takes over its storage: no copy.
 template <typename T>
-py::array Numeric(const std::vector<T>& values, const char* dtype) {
-  py::array out(py::dtype(dtype), Shape(values.size()));
-  if (!values.empty()) std::memcpy(out.mutable_data(), values.data(), values.size() * sizeof(T));
-  return out;
+py::array Numeric(std::vector<T>&& values, const char* dtype) {
+  auto* owned = new std::vector<T>(std::move(values));
+  const py::capsule owner(owned, [](void* p) { delete static_cast<std::vector<T>*>(p); });
+  return py::array(py::dtype(dtype), Shape(owned->size()),
+                   std::vector<py::ssize_t>{static_cast<py::ssize_t>(sizeof(T))}, owned->data(),
+                   owner);
 }
 
 py::array Objects(const TextColumn& column, size_t n) {
@@ -217,18 +247,18 @@ py::list Words(const char* (*word)(int32_t)) {
   return words;
 }
 
-py::dict ToPython(const Columns& c) {
+py::dict ToPython(Columns&& c) {
   const size_t n = c.size();
   py::dict out;
-  out["record"] = Numeric(c.record, "int64");
-  out["type"] = Numeric(c.type, "int8");
+  out["record"] = Numeric(std::move(c.record), "int64");
+  out["type"] = Numeric(std::move(c.type), "int8");
   out["type_names"] = Words(&velqua_records::CallTypeWord);
-  out["attribute"] = Numeric(c.attribute, "int8");
+  out["attribute"] = Numeric(std::move(c.attribute), "int8");
   out["attribute_names"] = Words(&velqua_records::AttributeWord);
-  out["date"] = Numeric(c.date, "M8[ns]");
-  out["time"] = Numeric(c.time, "m8[ns]");
-  out["duration"] = Numeric(c.duration, "m8[ns]");
-  out["ring"] = Numeric(c.ring, "m8[ns]");
+  out["date"] = Numeric(std::move(c.date), "M8[ns]");
+  out["time"] = Numeric(std::move(c.time), "m8[ns]");
+  out["duration"] = Numeric(std::move(c.duration), "m8[ns]");
+  out["ring"] = Numeric(std::move(c.ring), "m8[ns]");
   static const char* const kTextNames[6] = {
       "dialled", "extension", "trunk", "receiving_extension", "receiving_trunk", "account_code"};
   for (int k = 0; k < 6; ++k) out[kTextNames[k]] = Objects(c.texts[k], n);
@@ -277,7 +307,7 @@ py::dict ReadColumns(const py::object& source, const py::object& config,
     }
     columns = reader.Finish();
   }
-  return ToPython(columns);
+  return ToPython(std::move(columns));
 }
 
 }  // namespace

@@ -67,6 +67,16 @@ class ProgramClock : public velqua::Entorno {
   void Freeze();
   void Thaw();
 
+  // Between HoldFiles and ReleaseFiles a kept file is looked at once, at its
+  // first read, and then given again without looking: the records of one
+  // block of input are translated against the same extension list, and an
+  // edit counts from the next block.
+  void HoldFiles() {
+    hold_files_ = true;
+    looked_ = false;
+  }
+  void ReleaseFiles() { hold_files_ = false; }
+
   struct DateTime {
     int32_t day, month, year, time;  // Dia, Mes, Anio, Hora as read
   };
@@ -82,6 +92,8 @@ class ProgramClock : public velqua::Entorno {
   std::shared_ptr<velqua::Entorno> base_;
   bool real_files_;
   std::shared_ptr<Kept> kept_;
+  bool hold_files_ = false;
+  bool looked_ = false;  // the kept file was looked at since HoldFiles
   std::optional<FechaHora> fixed_;
   std::optional<FechaHora> probe_;
   std::optional<FechaHora> frozen_;

@@ -128,6 +128,13 @@ class Translation {
   // lines is translated.
   void Finish();
 
+  // Marks a block of input handed over at once (the bindings' writes):
+  // until EndBlock the extension list is looked at once, at its first
+  // lookup, and kept for the block's other records; an edit of the list
+  // counts from the next block. A block begun must be ended.
+  void BeginBlock() { clock_->HoldFiles(); }
+  void EndBlock() { clock_->ReleaseFiles(); }
+
   // The byte offset just past what the last Stream call read: where reading
   // would resume for a record after the last one written.
   int64_t end_offset() const { return end_offset_; }
