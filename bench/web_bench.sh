@@ -34,9 +34,15 @@ if [ ! -f "$db" ]; then
     -c examples/hicom/hicom.json "$dir/records-$calls.txt" > /dev/null
   /usr/bin/time -f "  priced in %e s" "$velqua" rate --db "$db" \
     --plan examples/rating/hicom-plan.toml > /dev/null
-  "$velqua" directory import --db "$db" examples/rating/people.csv > /dev/null
   rm -f "$dir/records-$calls.txt"
 fi
+# A directory of the records' extensions (100 to 499): a person each, ten
+# departments.
+{
+  echo "extension,person,department"
+  for e in $(seq 100 499); do echo "$e,Person $e Weber$((e % 7)),Dept $((e % 10))"; done
+} > "$dir/people.csv"
+"$velqua" directory import --db "$db" "$dir/people.csv" > /dev/null
 
 "$velqua" serve --db "$db" --listen 127.0.0.1:0 > "$dir/serve.out" 2>&1 &
 server=$!
@@ -64,8 +70,10 @@ best "api/calls?limit=50"
 best "api/calls?limit=50&sort=duration"
 best "api/calls?limit=50&offset=10000"
 best "api/calls?limit=50&extension=201&from=2025-03-01&to=2025-03-31"
+best "api/calls?limit=50&from=2025-03-01&to=2025-03-31&sort=cost"
 best "api/calls?limit=50&number=0301"
-best "api/calls?limit=50&person=weber"
-best "api/calls?limit=50&department=Sales"
+best "api/calls?limit=50&person=weber3"
+best "api/calls?limit=50&department=Dept%204"
 best "api/calls?limit=50&min_cost=1.00"
-best "api/dashboard"
+day=$(sqlite3 "$db" "SELECT substr(max(start), 1, 10) FROM calls")
+best "api/dashboard?day=$day"
