@@ -42,6 +42,14 @@ class SqliteRow : public ResultRow {
                ? std::string()
                : std::string(text, static_cast<size_t>(sqlite3_column_bytes(stmt_, column)));
   }
+  void TextInto(int column, std::string& out) const override {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
+    if (text == nullptr) {
+      out.clear();
+    } else {
+      out.assign(text, static_cast<size_t>(sqlite3_column_bytes(stmt_, column)));
+    }
+  }
 
  private:
   sqlite3_stmt* stmt_;
