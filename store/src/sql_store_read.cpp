@@ -147,12 +147,24 @@ std::string Where(const CallFilter& f, std::vector<Value>* params) {
     if (!end.empty()) add("c.dialled <", end);
   }
   if (!f.account_code.empty()) add("c.account_code =", f.account_code);
+  // The extensions the directory ever gave such a person or department
+  // first (through the index on the extension), then the entry in force on
+  // each of their calls' day.
   if (!f.person.empty()) {
+    const std::string pattern = "%" + LikeEscaped(Lowercase(f.person)) + "%";
+    add("c.extension IN (SELECT d.entry_key FROM directory d WHERE d.kind = 'extension' AND "
+        "lower(d.person) LIKE",
+        pattern);
+    sql += " ESCAPE '!')";
     add(("lower(" + DirectoryColumn("extension", "c.extension", "person") + ") LIKE").c_str(),
-        "%" + LikeEscaped(Lowercase(f.person)) + "%");
+        pattern);
     sql += " ESCAPE '!'";
   }
   if (!f.department.empty()) {
+    add("c.extension IN (SELECT d.entry_key FROM directory d WHERE d.kind = 'extension' AND "
+        "d.department =",
+        f.department);
+    sql += ")";
     add((DirectoryColumn("extension", "c.extension", "department") + " =").c_str(), f.department);
   }
   if (f.min_cost) add((CostMillionths() + " >=").c_str(), *f.min_cost);

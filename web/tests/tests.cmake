@@ -3,6 +3,7 @@
 # a real browser (web/tests/browser).
 enable_testing()  # this directory is added before the top level enables testing
 find_package(GTest REQUIRED)
+find_package(OpenSSL REQUIRED)  # the TLS test makes its certificate
 
 add_executable(velqua_web_tests
   ${CMAKE_CURRENT_LIST_DIR}/api_test.cpp
@@ -11,9 +12,11 @@ add_executable(velqua_web_tests
   ${CMAKE_CURRENT_LIST_DIR}/editor_api_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/directory_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/pages_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/tls_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/web_test_support.cpp)
 target_link_libraries(velqua_web_tests PRIVATE velqua_web velqua_store_testing
-                      PkgConfig::VELQUA_HTTPLIB nlohmann_json::nlohmann_json GTest::gtest_main)
+                      PkgConfig::VELQUA_HTTPLIB nlohmann_json::nlohmann_json GTest::gtest_main
+                      OpenSSL::SSL OpenSSL::Crypto)
 target_include_directories(velqua_web_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src
                            ${PROJECT_SOURCE_DIR}/store/tests)
 target_compile_definitions(velqua_web_tests PRIVATE VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")

@@ -199,6 +199,8 @@ export const checks = [
         assert.ok(bytes.length > 1000, `${format}: ${bytes.length} bytes`);
       }
       await shot('reports');
+      await page.setViewportSize({ width: 390, height: 844 });  // a phone
+      await shot('reports-phone');
     },
   },
   {
@@ -221,6 +223,8 @@ export const checks = [
         assert.match(await warnings.textContent(), /pbx: never connected/);
         assert.equal(await page.locator('#view-capture [data-health]').textContent(), 'WARNING');
         await shot('capture');
+        await page.setViewportSize({ width: 390, height: 844 });
+        await shot('capture-phone');
       } finally {
         service.kill('SIGTERM');
       }
