@@ -11,6 +11,7 @@
 #include <map>
 #include <tuple>
 
+#include "day_summary_reads.h"
 #include "sql_store.h"
 
 namespace velqua_store {
@@ -136,6 +137,7 @@ std::string NotCalledBack(const Dialect& d, size_t n) {
 
 std::vector<CallCounts> CountCallsBy(Store& store, const Span& span, CallGroup group) {
   Connection& db = ConnectionOf(store);
+  if (auto summed = CountCallsFromDays(db, span, group)) return std::move(*summed);
   const auto [key, extra] = GroupKey(Dialect(db), group);
   std::vector<Value> params;
   const std::string where = SpanWhere(span, &params, ScanWhole(db, Dialect(db), span));
@@ -234,6 +236,7 @@ std::vector<ChannelSlot> ChannelsInUse(Store& store, const Span& span) {
 
 std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group) {
   Connection& db = ConnectionOf(store);
+  if (auto summed = CostsFromDays(db, span, group)) return std::move(*summed);
   const Dialect d(db);
   std::string key = "coalesce(c.extension, '')", day = "''", extra;
   if (group == CostGroup::kTrunk) {

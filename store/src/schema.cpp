@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "day_summaries.h"
 #include "sql.h"
 #include "velqua/records/names.h"
 
@@ -256,6 +257,9 @@ void Apply(Connection& db, int version) {
     db.Script(ForEngine(IsPostgres(db), kVersion5));
   } else if (version == 6) {
     db.Script(ForEngine(IsPostgres(db), kVersion6));
+  } else if (version == 8) {
+    // Version 8: the calls summed per switch and day, for reports.
+    AddDaySummaries(db);
   }
 }
 

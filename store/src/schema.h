@@ -10,7 +10,7 @@ namespace velqua_store {
 class Connection;
 
 // The schema version this program writes and reads.
-constexpr int kSchemaVersion = 6;
+constexpr int kSchemaVersion = 8;
 
 // Brings the schema of an open database up to kSchemaVersion in one
 // transaction (SQLite: PRAGMA user_version; PostgreSQL:
