@@ -301,6 +301,35 @@ TEST_P(StoreTest, AnUnknownTimeZoneIsRefused) {
 // A server that goes away: the write fails as ConnectionLost (the capture
 // service keeps spooling), nothing of it is stored, and once the server is
 // back the same store object writes the same batch.
+// A bulk load's lock file is there only while a load holds it: opening a
+// store, a load and its end leave nothing beside the database; a second
+// load while one runs adds its rows (one by one) all the same.
+TEST(SqliteBulkLoad, LeavesNoLockFileBehind) {
+  const std::string dir = velqua_store_testing::TempDir("bulk-lock");
+  const std::string db = dir + "/calls.db";
+  const auto lock_file = [&] { return std::filesystem::exists(db + "-bulk"); };
+  auto first = OpenStore(db);
+  EXPECT_FALSE(lock_file()) << "after opening";
+  first->PutSwitch({"hq", "", "", ""});
+  const Source source = first->OpenSource("hq", "a.txt", "file");
+  first->BeginBulk(1000);
+  EXPECT_TRUE(lock_file()) << "while loading";
+  auto second = OpenStore(db);  // its repair must not take the load's lock
+  second->BeginBulk(1000);
+  second->Write(second->OpenSource("hq", "b.txt", "file"), {Call(1, "21", "2026-03-09 08:10:47")},
+                std::nullopt, nullptr);
+  second->EndBulk();
+  EXPECT_TRUE(lock_file()) << "the first load still holds it";
+  first->Write(source, {Call(1, "22", "2026-03-09 08:11:47")}, std::nullopt, nullptr);
+  first->EndBulk();
+  EXPECT_FALSE(lock_file()) << "after the load";
+  EXPECT_EQ(first->CountCalls("hq"), 2);
+  second.reset();
+  first.reset();
+  EXPECT_FALSE(lock_file()) << "after closing";
+  std::filesystem::remove_all(dir);
+}
+
 TEST(PostgresConnection, ALostServerIsReportedAndTheStoreReconnects) {
   velqua_store_testing::PgTestServer server;
   const std::string url = server.NewDatabase();
