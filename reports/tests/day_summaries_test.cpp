@@ -255,6 +255,36 @@ TEST_P(DaySummariesTest, AStoreFromBeforeTheSummariesSumsItsCallsWhenOpened) {
   ExpectSameAsFromCalls();
 }
 
+// A user who may only read the store's tables (a reporting login; opening
+// a store needs CREATE on its schema, for the versions' table) cannot sum
+// the days noted since the last write: the report is read from the calls,
+// and is the same.
+TEST_P(DaySummariesTest, AReaderWhoMayNotWriteGetsTheSameReportFromTheCalls) {
+  if (!GetParam()) GTEST_SKIP() << "SQLite has no users";
+  WriteCalls(*store_, "hq", calls_);
+  const velqua_store::Source source = store_->OpenSource("hq", "capture", "capture");
+  store_->Write(source, {RecordOf(calls_[7], 0)}, std::nullopt);  // a day noted
+  ASSERT_TRUE(RunSql(true, url_,
+                     "CREATE ROLE report_reader LOGIN; "
+                     "GRANT CREATE ON SCHEMA public TO report_reader; "
+                     "GRANT SELECT ON ALL TABLES IN SCHEMA public TO report_reader"));
+  std::string reader_url = url_;
+  reader_url.replace(reader_url.find("postgres@"), 9, "report_reader@");
+  auto reader = velqua_store::OpenStore(reader_url);
+  velqua_reports::Request r;
+  r.kind = "extensions";
+  r.from = "2026-03-01";
+  r.to = "2026-03-31";
+  const std::string read = Csv(velqua_reports::BuildReport(*reader, r));
+  r.from_calls = true;
+  EXPECT_EQ(read, Csv(velqua_reports::BuildReport(*store_, r)));
+  reader.reset();
+  RunSql(true, url_,
+         "REVOKE ALL ON ALL TABLES IN SCHEMA public FROM report_reader; "
+         "REVOKE ALL ON SCHEMA public FROM report_reader; "
+         "DROP ROLE report_reader");
+}
+
 INSTANTIATE_TEST_SUITE_P(Engines, DaySummariesTest, ::testing::Values(false, true),
                          [](const auto& p) { return p.param ? "Postgres" : "Sqlite"; });
 

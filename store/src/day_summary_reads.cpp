@@ -42,6 +42,21 @@ std::optional<std::string> DaysWhere(const Span& span, const char* kind, bool by
 
 bool IsPostgres(const Connection& db) { return std::strcmp(db.engine(), "postgresql") == 0; }
 
+// Sums the days noted since the last read. False when that cannot be done
+// now (a store opened by a user who may only read it, a writer holding
+// SQLite's lock past its timeout): the caller reads the calls instead,
+// slower and just as right.
+bool Refreshed(Connection& db) {
+  try {
+    RefreshDaySummaries(db);
+    return true;
+  } catch (const ConnectionLost&) {
+    throw;
+  } catch (const StoreError&) {
+    return false;
+  }
+}
+
 constexpr const char* kCounts =
     "sum(d.calls), sum(d.seconds), sum(d.outgoing), sum(d.incoming), sum(d.internal), "
     "sum(d.unanswered)";
@@ -76,8 +91,7 @@ std::optional<std::vector<CallCounts>> CountCallsFromDays(Connection& db, const 
   }
   std::vector<Value> params;
   const auto where = DaysWhere(span, kind, *kind == 'e', &params);
-  if (!where) return std::nullopt;
-  RefreshDaySummaries(db);
+  if (!where || !Refreshed(db)) return std::nullopt;
   std::vector<CallCounts> rows;
   db.Run("SELECT " + key + ", " + kCounts + " FROM call_days d" + *where + " GROUP BY " + key,
          params, [&](const ResultRow& r) {
@@ -113,8 +127,7 @@ std::optional<std::vector<CostCounts>> CostsFromDays(Connection& db, const Span&
   }
   std::vector<Value> params;
   const auto where = DaysWhere(span, kind, *kind == 'e', &params);
-  if (!where) return std::nullopt;
-  RefreshDaySummaries(db);
+  if (!where || !Refreshed(db)) return std::nullopt;
   std::vector<CostCounts> rows;
   db.Run("SELECT d.item, " + day + ", d.currency, d.decimals, sum(d.calls), sum(d.seconds), " +
              "sum(d.cost), sum(d.unpriced), sum(d.outgoing), sum(d.incoming), sum(d.internal), " +
