@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "schema.h"
 #include "sql.h"
 
 namespace velqua_store {
@@ -216,6 +217,7 @@ void AddDaySummaries(Connection& db) {
   db.Script(WithTypes(pg, kTables));
   db.Script(pg ? std::string(kPostgresTriggers) : SqliteTriggers());
   SumAll(db);
+  db.Script(QueryIndexes(pg));  // those of the reports that still read calls
 }
 
 void RefreshDaySummaries(Connection& db) {

@@ -24,7 +24,8 @@ namespace velqua_store {
 class Connection;
 
 // The schema step that adds the summaries, their triggers, and sums every
-// call already stored (inside the migration's transaction).
+// call already stored (inside the migration's transaction); and the
+// indexes of the reports that still read the calls.
 void AddDaySummaries(Connection& db);
 
 // Sums the marked days again, in a transaction of its own. Cheap when

@@ -19,10 +19,11 @@ constexpr int kSchemaVersion = 8;
 // database's schema is newer than this program's.
 void Migrate(Connection& db, const std::string& name);
 
-// SQLite's indexes for the queries, as "CREATE INDEX IF NOT EXISTS"
-// statements (a bulk load drops them and builds them again at its end), and
-// their names (ending with nullptr).
-std::string QueryIndexes();
+// The indexes for the queries, as "CREATE INDEX IF NOT EXISTS" statements
+// (SQLite's bulk load drops them and builds them again at its end; a
+// schema step that adds one builds those missing), and their names (ending
+// with nullptr).
+std::string QueryIndexes(bool postgres = false);
 const char* const* QueryIndexNames();
 
 }  // namespace velqua_store
