@@ -228,6 +228,7 @@ TEST_P(DaySummariesTest, AStoreFromBeforeTheSummariesSumsItsCallsWhenOpened) {
            "DELETE FROM schema_migrations WHERE version = (SELECT max(version) FROM "
            "schema_migrations);"
          : "DROP TRIGGER calls_mark_insert; DROP TRIGGER calls_mark_update; "
+           "DROP TRIGGER calls_mark_update_old; "
            "DROP TRIGGER calls_mark_delete; DROP TRIGGER call_costs_mark_insert; "
            "DROP TRIGGER call_costs_mark_update; DROP TRIGGER call_costs_mark_delete; "
            "DROP TABLE call_days; DROP TABLE call_days_stale;";

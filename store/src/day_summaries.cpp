@@ -42,32 +42,37 @@ CREATE TABLE call_days_stale (
 ){without_rowid}
 )";
 
-// SQLite marks row by row; a mark already there is one lookup. (Not INSERT
-// OR IGNORE: a statement's own conflict clause would replace the trigger's.)
-std::string SqliteMark(const std::string& row) {
-  const std::string day = "substr(" + row + ".start, 1, 10)";
-  return "INSERT INTO call_days_stale SELECT " + row + ".switch_id, " + day + " WHERE " + row +
-         ".start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s WHERE s.switch_id = " +
-         row + ".switch_id AND s.day = " + day + ");";
+// SQLite marks row by row. The trigger's condition looks the mark up and
+// the trigger runs only when it is missing: most rows find their day
+// marked, and a condition costs a row far less than running a trigger.
+// (Not INSERT OR IGNORE: a statement's own conflict clause would replace
+// the trigger's.)
+std::string SqliteMarkCall(const char* name, const char* event, const char* row) {
+  const std::string r = row, day = "substr(" + r + ".start, 1, 10)";
+  return std::string("CREATE TRIGGER ") + name + " AFTER " + event + " ON calls WHEN " + r +
+         ".start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s WHERE s.switch_id "
+         "= " +
+         r + ".switch_id AND s.day = " + day + ") BEGIN INSERT INTO call_days_stale VALUES (" + r +
+         ".switch_id, " + day + "); END;";
 }
-std::string SqliteMarkCost(const std::string& row) {
-  return "INSERT INTO call_days_stale SELECT c.switch_id, substr(c.start, 1, 10) FROM calls c "
-         "WHERE c.source_id = " +
-         row + ".source_id AND c.position = " + row +
-         ".position AND c.start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s "
-         "WHERE s.switch_id = c.switch_id AND s.day = substr(c.start, 1, 10));";
+std::string SqliteMarkCost(const char* name, const char* event, const char* row) {
+  const std::string r = row, call = " FROM calls c WHERE c.source_id = " + r +
+                                    ".source_id AND c.position = " + r + ".position";
+  return std::string("CREATE TRIGGER ") + name + " AFTER " + event +
+         " ON call_costs WHEN EXISTS (SELECT 1" + call +
+         " AND c.start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s WHERE "
+         "s.switch_id = c.switch_id AND s.day = substr(c.start, 1, 10))) BEGIN INSERT INTO "
+         "call_days_stale SELECT c.switch_id, substr(c.start, 1, 10)" +
+         call + "; END;";
 }
 std::string SqliteTriggers() {
-  return "CREATE TRIGGER calls_mark_insert AFTER INSERT ON calls BEGIN " + SqliteMark("NEW") +
-         " END; CREATE TRIGGER calls_mark_update AFTER UPDATE ON calls BEGIN " + SqliteMark("OLD") +
-         SqliteMark("NEW") + " END; CREATE TRIGGER calls_mark_delete AFTER DELETE ON calls BEGIN " +
-         SqliteMark("OLD") +
-         " END; CREATE TRIGGER call_costs_mark_insert AFTER INSERT ON call_costs BEGIN " +
-         SqliteMarkCost("NEW") +
-         " END; CREATE TRIGGER call_costs_mark_update AFTER UPDATE ON call_costs BEGIN " +
-         SqliteMarkCost("NEW") +
-         " END; CREATE TRIGGER call_costs_mark_delete AFTER DELETE ON call_costs BEGIN " +
-         SqliteMarkCost("OLD") + " END";
+  return SqliteMarkCall("calls_mark_insert", "INSERT", "NEW") +
+         SqliteMarkCall("calls_mark_update_old", "UPDATE", "OLD") +
+         SqliteMarkCall("calls_mark_update", "UPDATE", "NEW") +
+         SqliteMarkCall("calls_mark_delete", "DELETE", "OLD") +
+         SqliteMarkCost("call_costs_mark_insert", "INSERT", "NEW") +
+         SqliteMarkCost("call_costs_mark_update", "UPDATE", "NEW") +
+         SqliteMarkCost("call_costs_mark_delete", "DELETE", "OLD");
 }
 
 // PostgreSQL marks once per statement, from the rows it changed (a COPY of

@@ -173,7 +173,8 @@ std::string WithoutDaySummaries(Engine engine) {
            "DROP FUNCTION calls_mark_days() CASCADE; DROP FUNCTION call_costs_mark_days() "
            "CASCADE; ";
   }
-  std::string sql = "DROP TABLE call_days; DROP TABLE call_days_stale; ";
+  std::string sql =
+      "DROP TABLE call_days; DROP TABLE call_days_stale; DROP TRIGGER calls_mark_update_old; ";
   for (const char* table : {"calls", "call_costs"}) {
     for (const char* event : {"insert", "update", "delete"}) {
       sql += std::string("DROP TRIGGER ") + table + "_mark_" + event + "; ";
