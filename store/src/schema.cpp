@@ -198,8 +198,8 @@ LEFT JOIN call_attributes a ON a.value = c.attribute
 // over time, by number dialled, by account code (most calls have none); and
 // those of the reports that read calls one by one, each holding every
 // column its report reads so that a month is read from the index alone:
-// the missed calls (a few in a hundred), and the time each call holds a
-// trunk line.
+// the missed calls (a few in a hundred), the outgoing calls by number (a
+// missed call's call back), and the time each call holds a trunk line.
 constexpr const char* kQueryIndexNames[] = {
     "calls_start",        "calls_extension_start", "calls_trunk_start", "calls_dialled",
     "calls_account_code", "calls_missed_start",    "calls_trunk_held",  nullptr};
@@ -213,7 +213,9 @@ CREATE INDEX IF NOT EXISTS calls_account_code ON calls (account_code)
 CREATE INDEX IF NOT EXISTS calls_missed_start ON calls (start{first}, extension, ring, dialled,
   switch_id, type, attribute) WHERE type = 1 AND attribute = 4;
 CREATE INDEX IF NOT EXISTS calls_trunk_held ON calls (start{first}, ring, duration, switch_id, trunk)
-  WHERE trunk IS NOT NULL
+  WHERE trunk IS NOT NULL;
+CREATE INDEX IF NOT EXISTS calls_callback ON calls (dialled, start{first}, switch_id, type)
+  WHERE type IN (2, 5)
 )";
 
 std::string Replace(std::string sql, std::string_view key, std::string_view value) {
