@@ -76,8 +76,8 @@ printf "%-12s month " "pdf depts"; best "$velqua" report departments --db "$db" 
 
 # The same totals in plain SQL on the calls, in the engine's own shell.
 shell=sqlite3
-sql() { if [ -n "$url" ]; then psql "$url" -Atc "$1"; else sqlite3 "$db" "$1"; fi; }
-[ -z "$url" ] || shell=psql
+sql=(sqlite3 "$db")
+[ -z "$url" ] || { shell=psql; sql=(psql "$url" -Atc); }
 for period in "2025-03-01 2025-04-01 month" "2025-01-01 2026-01-01 year"; do
   read -r from to_next name <<< "$period"
   [ "$name" = month ] || [ "$year_too" = 1 ] || continue
@@ -88,9 +88,9 @@ for period in "2025-03-01 2025-04-01 month" "2025-01-01 2026-01-01 year"; do
   # Cost per department as a user would write it: each call's department in
   # force on its day, by a correlated subquery on the directory.
   dept_sql="SELECT coalesce((SELECT d.department FROM directory d WHERE d.kind = 'extension' AND d.entry_key = c.extension AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) ORDER BY d.from_day DESC LIMIT 1), '(none)') AS dep, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position WHERE $span GROUP BY dep;"
-  printf "%-11s %s " "$shell departments" "$name"; best sql "$dept_sql"
-  printf "%-11s %s " "$shell trunks" "$name"; best sql "$trunks_sql"
-  printf "%-11s %s " "$shell extensions" "$name"; best sql "$ext_sql"
+  printf "%-11s %s " "$shell departments" "$name"; best "${sql[@]}" "$dept_sql"
+  printf "%-11s %s " "$shell trunks" "$name"; best "${sql[@]}" "$trunks_sql"
+  printf "%-11s %s " "$shell extensions" "$name"; best "${sql[@]}" "$ext_sql"
 done
 
 # pandas over a CSV export of the month (the export itself not timed).
