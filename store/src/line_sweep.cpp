@@ -66,8 +66,8 @@ int64_t SecondsOf(const std::string& local) {
   if (n < 6) return -1;
   const date::year_month_day day{date::year{y}, date::month{mo}, date::day{d}};
   if (!day.ok()) return -1;
-  return date::sys_days{day}.time_since_epoch().count() * 86400 + h * 3600 + mi * 60 +
-         (n == 7 ? s : 0);
+  const auto seconds = static_cast<int64_t>(h * 3600 + mi * 60 + (n == 7 ? s : 0));
+  return date::sys_days{day}.time_since_epoch().count() * 86400 + seconds;
 }
 
 }  // namespace velqua_store
