@@ -83,18 +83,18 @@ for period in "2025-03-01 2025-04-01 month" "2025-01-01 2026-01-01 year"; do
   [ "$name" = month ] || [ "$year_too" = 1 ] || continue
   span="c.start >= '$from' AND c.start < '$to_next'"
   # Calls, talk time and cost per trunk; the extensions report's counts.
-  trunks_sql="SELECT c.trunk, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position WHERE $span AND c.trunk IS NOT NULL GROUP BY c.trunk;"
+  trunks_sql="SELECT c.trunk, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE $span AND c.trunk IS NOT NULL GROUP BY c.trunk;"
   ext_sql="SELECT extension, count(*), sum(CASE WHEN attribute <> 4 AND type IN (2,5) THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 1 THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 3 THEN 1 ELSE 0 END), sum(CASE WHEN attribute = 4 THEN 1 ELSE 0 END), sum(duration) FROM calls c WHERE $span GROUP BY extension;"
   # Cost per department as a user would write it: each call's department in
   # force on its day, by a correlated subquery on the directory.
-  dept_sql="SELECT coalesce((SELECT d.department FROM directory d WHERE d.kind = 'extension' AND d.entry_key = c.extension AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) ORDER BY d.from_day DESC LIMIT 1), '(none)') AS dep, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position WHERE $span GROUP BY dep;"
+  dept_sql="SELECT coalesce((SELECT d.department FROM directory d WHERE d.kind = 'extension' AND d.entry_key = c.extension AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) ORDER BY d.from_day DESC LIMIT 1), '(none)') AS dep, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE $span GROUP BY dep;"
   printf "%-11s %s " "$shell departments" "$name"; best "${sql[@]}" "$dept_sql"
   printf "%-11s %s " "$shell trunks" "$name"; best "${sql[@]}" "$trunks_sql"
   printf "%-11s %s " "$shell extensions" "$name"; best "${sql[@]}" "$ext_sql"
 done
 
 # pandas over a CSV export of the month (the export itself not timed).
-export_sql="SELECT c.start, c.type, c.attribute, c.duration, c.extension, c.trunk, k.cost FROM calls c LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01'"
+export_sql="SELECT c.start, c.type, c.attribute, c.duration, c.extension, c.trunk, k.cost FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01'"
 csv="$dir/march-priced-$calls${url:+-pg}.csv"
 if [ ! -f "$csv" ]; then
   if [ -n "$url" ]; then

@@ -55,6 +55,8 @@ const Row kRows[] = {
      ""},  // 0.06+7200*0.02/60
     {"hq", "1", kOut, 0, "2026-01-05", "10:00:00", 60, "9 91-234-5678", "0.08",
      ""},  // spaces, dashes
+    {"hq", "1", kOut, 0, "2026-01-05", "10:00:00", 60, "9#21", nullptr,
+     "no tariff for +34#21"},  // the access code goes before any character, not only a digit
     // --- carrier A, national 30/6: p 0.10 + 0.06/min, o 0.03/min
     {"hq", "1", kOut, 0, "2026-01-05", "11:00:00", 30, "9934567890", "0.13",
      ""},  // 0.10+30*0.06/60

@@ -246,9 +246,9 @@ std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group)
     key = "c.account_code";
     extra = " AND c.account_code IS NOT NULL";
   } else if (group == CostGroup::kDestination) {
-    key = "k.destination";
-    day = "coalesce(k.destination_class, '')";
-    extra = " AND k.destination IS NOT NULL";
+    key = "l.destination";
+    day = "l.destination_class";
+    extra = " AND l.destination <> ''";
   }
   if (group == CostGroup::kExtensionDay || group == CostGroup::kAccountDay) {
     day = "substr(c.start, 1, 10)";
@@ -261,16 +261,16 @@ std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group)
   std::vector<Value> params;
   const std::string where = SpanWhere(span, &params, ScanWhole(db, d, span)) + extra;
   std::vector<CostCounts> rows;
-  db.Run("SELECT " + key + ", " + day + ", coalesce(k.currency, ''), " + decimals +
+  db.Run("SELECT " + key + ", " + day + ", coalesce(l.currency, ''), " + decimals +
              ", count(*), coalesce(sum(c.duration), 0),"
              " coalesce(sum(CAST(replace(k.cost, '.', '') AS BIGINT)), 0),"
-             " sum(CASE WHEN k.source_id IS NOT NULL AND k.cost IS NULL THEN 1 ELSE 0 END),"
+             " sum(CASE WHEN k.call_id IS NOT NULL AND k.cost IS NULL THEN 1 ELSE 0 END),"
              " sum(CASE WHEN c.attribute <> 4 AND c.type IN (2, 5) THEN 1 ELSE 0 END),"
              " sum(CASE WHEN c.attribute <> 4 AND c.type = 1 THEN 1 ELSE 0 END),"
              " sum(CASE WHEN c.attribute <> 4 AND c.type = 3 THEN 1 ELSE 0 END),"
              " sum(CASE WHEN c.attribute = 4 THEN 1 ELSE 0 END)"
-             " FROM calls c LEFT JOIN call_costs k"
-             " ON k.source_id = c.source_id AND k.position = c.position" +
+             " FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id"
+             " LEFT JOIN cost_labels l ON l.id = k.label" +
              where + " GROUP BY 1, 2, 3, 4",
          params, [&](const ResultRow& r) {
            CostCounts c;

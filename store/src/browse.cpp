@@ -114,14 +114,14 @@ Arrivals ArrivedAfter(Store& store, const ArrivalMark& mark, int64_t limit) {
 
 std::vector<CostTotal> SumCostBy(Store& store, const Span& span, CostKey by) {
   const std::string key = by == CostKey::kDepartment    ? kDepartment
-                          : by == CostKey::kDestination ? "k.destination"
+                          : by == CostKey::kDestination ? "NULLIF(l.destination, '')"
                           : by == CostKey::kExtension   ? "c.extension"
                                                         : "''";
   std::vector<Value> params = {span.from, span.to_next};
   std::string sql = "SELECT " + key +
-                    ", k.currency, k.cost FROM calls c JOIN call_costs k ON k.source_id = "
-                    "c.source_id AND k.position = c.position WHERE c.start >= $1 AND c.start < "
-                    "$2 AND k.cost IS NOT NULL";
+                    ", NULLIF(l.currency, ''), k.cost FROM calls c JOIN call_costs k ON "
+                    "k.call_id = c.id LEFT JOIN cost_labels l ON l.id = k.label WHERE c.start >= "
+                    "$1 AND c.start < $2 AND k.cost IS NOT NULL";
   if (!span.switch_name.empty()) {
     params.emplace_back(span.switch_name);
     sql += " AND c.switch_id = (SELECT id FROM switches WHERE name = $3)";

@@ -56,8 +56,7 @@ std::string SqliteMarkCall(const char* name, const char* event, const char* row)
          ".switch_id, " + day + "); END;";
 }
 std::string SqliteMarkCost(const char* name, const char* event, const char* row) {
-  const std::string r = row, call = " FROM calls c WHERE c.source_id = " + r +
-                                    ".source_id AND c.position = " + r + ".position";
+  const std::string r = row, call = " FROM calls c WHERE c.id = " + r + ".call_id";
   return std::string("CREATE TRIGGER ") + name + " AFTER " + event +
          " ON call_costs WHEN EXISTS (SELECT 1" + call +
          " AND c.start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s WHERE "
@@ -98,12 +97,12 @@ BEGIN
   IF TG_OP <> 'DELETE' THEN
     INSERT INTO call_days_stale (switch_id, day)
       SELECT DISTINCT c.switch_id, substr(c.start, 1, 10) FROM new_rows k
-      JOIN calls c ON c.source_id = k.source_id AND c.position = k.position
+      JOIN calls c ON c.id = k.call_id
       WHERE c.start IS NOT NULL ON CONFLICT DO NOTHING;
   ELSE
     INSERT INTO call_days_stale (switch_id, day)
       SELECT DISTINCT c.switch_id, substr(c.start, 1, 10) FROM old_rows k
-      JOIN calls c ON c.source_id = k.source_id AND c.position = k.position
+      JOIN calls c ON c.id = k.call_id
       WHERE c.start IS NOT NULL ON CONFLICT DO NOTHING;
   END IF;
   RETURN NULL;
@@ -149,8 +148,7 @@ constexpr Grouping kGroupings[] = {
     {"e", "coalesce(c.extension, '')", "''", "", true},
     {"t", "c.trunk", "''", " AND c.trunk IS NOT NULL", true},
     {"a", "c.account_code", "''", " AND c.account_code IS NOT NULL", true},
-    {"d", "k.destination", "coalesce(k.destination_class, '')", " AND k.destination IS NOT NULL",
-     true},
+    {"d", "l.destination", "l.destination_class", " AND l.destination <> ''", true},
     {"h", "substr(c.start, 12, 2)", "''", " AND length(c.start) >= 16", false},
 };
 
@@ -159,12 +157,12 @@ std::string SumInto(bool pg, const Grouping& g, const std::string& where) {
   // A price is exact decimal text: its digits without the point are its
   // units, and the digits after the point its decimals.
   const std::string point = pg ? "strpos(k.cost, '.')" : "instr(k.cost, '.')";
-  const std::string money = g.priced ? "coalesce(k.currency, ''), CASE WHEN " + point +
+  const std::string money = g.priced ? "coalesce(l.currency, ''), CASE WHEN " + point +
                                            " > 0 THEN length(k.cost) - " + point + " ELSE 0 END"
                                      : std::string("'', 0");
   const std::string cost =
       g.priced ? "coalesce(sum(CAST(replace(k.cost, '.', '') AS BIGINT)), 0),"
-                 " sum(CASE WHEN k.source_id IS NOT NULL AND k.cost IS NULL THEN 1 ELSE 0 END)"
+                 " sum(CASE WHEN k.call_id IS NOT NULL AND k.cost IS NULL THEN 1 ELSE 0 END)"
                : "0, 0";
   return std::string("INSERT INTO call_days SELECT '") + g.kind +
          "', substr(c.start, 1, 10), c.switch_id, " + g.item + ", " + g.cls + ", " + money +
@@ -173,8 +171,8 @@ std::string SumInto(bool pg, const Grouping& g, const std::string& where) {
          " sum(CASE WHEN c.attribute <> 4 AND c.type = 1 THEN 1 ELSE 0 END),"
          " sum(CASE WHEN c.attribute <> 4 AND c.type = 3 THEN 1 ELSE 0 END),"
          " sum(CASE WHEN c.attribute = 4 THEN 1 ELSE 0 END) FROM calls c" +
-         (g.priced ? " LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = "
-                     "c.position"
+         (g.priced ? " LEFT JOIN call_costs k ON k.call_id = c.id"
+                     " LEFT JOIN cost_labels l ON l.id = k.label"
                    : "") +
          " WHERE c.start IS NOT NULL" + where + g.where + " GROUP BY 1, 2, 3, 4, 5, 6, 7";
 }

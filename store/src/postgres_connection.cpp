@@ -1,10 +1,13 @@
 // The PostgreSQL engine through libpq: statements with text parameters, bulk
 // writes with COPY, and a lost connection reported as ConnectionLost and
 // made again by the next transaction.
+#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "call_pricing.h"
 #include "engines.h"
 #include "libpq.h"
 #include "sql.h"
@@ -135,43 +138,67 @@ class PgConnection : public Connection {
     }
   }
 
-  void InsertCalls(const CallValues* rows, size_t n) override {
+  void InsertCalls(const CallValues* rows, size_t n, CostRow* costs) override {
     if (n == 0) return;
-    Copy(
-        "COPY calls (switch_id, source_id, position, received_utc, raw, type, attribute, start, "
-        "start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
-        "receiving_trunk, account_code, extension_random, ended, ended_utc, date_received, "
-        "switch_charge, extras, line) FROM STDIN",
-        rows, n, [](std::string& out, const CallValues& v) {
-          AppendCommon(out, v);
-          out += '\t';
-          out += std::to_string(v.type);
-          out += '\t';
-          out += std::to_string(v.attribute);
-          out += '\t';
-          AppendCopyText(out, v.start);
-          out += '\t';
-          AppendCopyText(out, v.start_utc);
-          out += '\t';
-          AppendCopyNumber(out, v.duration);
-          out += '\t';
-          AppendCopyNumber(out, v.ring);
-          for (const std::string& text : v.texts) {
-            out += '\t';
-            AppendCopyText(out, text);
-          }
-          out += v.extension_random ? "\t1\t" : "\t0\t";
-          AppendCopyText(out, v.ended);
-          out += '\t';
-          AppendCopyText(out, v.ended_utc);
-          out += v.date_received ? "\t1\t" : "\t0\t";
-          AppendCopyText(out, v.switch_charge);
-          out += '\t';
-          AppendCopyText(out, v.extras);
-          out += '\t';
-          AppendCopyNumber(out, v.line);
-          out += '\n';
-        });
+    // Priced calls are given their ids first, from the column's own
+    // sequence, so that their prices can be copied after them.
+    if (costs != nullptr) TakeCallIds(costs, n);
+    Copy(costs != nullptr
+             ? "COPY calls (id, switch_id, source_id, position, received_utc, raw, type, "
+               "attribute, start, start_utc, duration, ring, dialled, extension, trunk, "
+               "receiving_extension, receiving_trunk, account_code, extension_random, ended, "
+               "ended_utc, date_received, switch_charge, extras, line) FROM STDIN"
+             : "COPY calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
+               "start, start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
+               "receiving_trunk, account_code, extension_random, ended, ended_utc, date_received, "
+               "switch_charge, extras, line) FROM STDIN",
+         rows, n, [rows, costs](std::string& out, const CallValues& v) {
+           if (costs != nullptr) {
+             out += std::to_string(costs[&v - rows].call_id);
+             out += '\t';
+           }
+           AppendCommon(out, v);
+           out += '\t';
+           out += std::to_string(v.type);
+           out += '\t';
+           out += std::to_string(v.attribute);
+           out += '\t';
+           AppendCopyText(out, v.start);
+           out += '\t';
+           AppendCopyText(out, v.start_utc);
+           out += '\t';
+           AppendCopyNumber(out, v.duration);
+           out += '\t';
+           AppendCopyNumber(out, v.ring);
+           for (const std::string& text : v.texts) {
+             out += '\t';
+             AppendCopyText(out, text);
+           }
+           out += v.extension_random ? "\t1\t" : "\t0\t";
+           AppendCopyText(out, v.ended);
+           out += '\t';
+           AppendCopyText(out, v.ended_utc);
+           out += v.date_received ? "\t1\t" : "\t0\t";
+           AppendCopyText(out, v.switch_charge);
+           out += '\t';
+           AppendCopyText(out, v.extras);
+           out += '\t';
+           AppendCopyNumber(out, v.line);
+           out += '\n';
+         });
+    if (costs == nullptr) return;
+    Copy("COPY call_costs (call_id, cost, label, reason) FROM STDIN", costs, n,
+         [](std::string& out, const CostRow& r) {
+           if (!r.kept) return;
+           out += std::to_string(r.call_id);
+           out += '\t';
+           AppendCopyText(out, r.cost ? *r.cost : std::string());
+           out += '\t';
+           AppendCopyNumber(out, r.label > 0 ? r.label : -1);
+           out += '\t';
+           AppendCopyText(out, r.reason);
+           out += '\n';
+         });
   }
 
   void InsertUnrecognised(const CallValues* rows, size_t n) override {
@@ -234,9 +261,21 @@ class PgConnection : public Connection {
     throw StoreError(message);
   }
 
+  // Sets the call ids of n prices, in increasing order, from the sequence
+  // of calls.id.
+  void TakeCallIds(CostRow* costs, size_t n) {
+    std::vector<int64_t> ids;
+    ids.reserve(n);
+    Run("SELECT nextval(pg_get_serial_sequence('calls', 'id')) FROM generate_series(1, $1)",
+        {static_cast<int64_t>(n)}, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
+    if (ids.size() != n) throw StoreError("database '" + name_ + "': no ids for the calls");
+    std::sort(ids.begin(), ids.end());
+    for (size_t i = 0; i < n; ++i) costs[i].call_id = ids[i];
+  }
+
   // Sends rows through COPY ... FROM STDIN in blocks of about 256 KiB.
-  template <typename Format>
-  void Copy(const char* sql, const CallValues* rows, size_t n, Format format) {
+  template <typename Row, typename Format>
+  void Copy(const char* sql, const Row* rows, size_t n, Format format) {
     Result start(pq_.PQexec(conn_, sql), ResultFree{pq_.PQclear});
     Check(start.get());
     std::string block;

@@ -55,9 +55,7 @@ PurgeResult SqlStore::Purge(const PurgeFilter& filter, bool dry_run) {
   if (sqlite) db_->Script("PRAGMA secure_delete = ON");
   InTransaction(*db_, [&] {
     // A call's price goes with it: it names where the call went.
-    db_->Run(std::string("DELETE FROM call_costs WHERE (source_id, position) IN "
-                         "(SELECT source_id, position") +
-                 kCalls + ")",
+    db_->Run(std::string("DELETE FROM call_costs WHERE call_id IN (SELECT id") + kCalls + ")",
              params);
     result.calls = db_->Run(std::string("DELETE") + kCalls, params);
     result.unrecognised = db_->Run(std::string("DELETE") + kUnrecognised, params);

@@ -62,6 +62,7 @@ bool SqlStore::RefreshPlan() {
   if (stamp == plan_stamp_) return rater_ != nullptr;
   rater_.reset();
   plan_.reset();
+  labels_.NewPlan();
   plan_stamp_ = stamp;
   if (stamp.empty()) return false;
   std::string name, text;
@@ -85,21 +86,20 @@ bool SqlStore::RefreshPlan() {
   return true;
 }
 
-void SqlStore::PriceCalls(const std::string& switch_name, const CallValues* calls, size_t n) {
-  if (n == 0 || !RefreshPlan()) return;
+CostRow* SqlStore::PriceCalls(const std::string& switch_name, const CallValues* calls, size_t n) {
+  if (n == 0 || !RefreshPlan()) return nullptr;
   // costs_ is a pool: its rows' strings keep their storage batch after batch.
   if (costs_.size() < n) costs_.resize(n);
-  size_t kept = 0;
-  for (const CallValues* v = calls; v != calls + n; ++v) {
-    const StoredForPricing stored{v->type,     v->attribute, &v->start,
-                                  v->duration, &v->texts[0], &v->texts[2]};
-    CostRow& row = costs_[kept];
-    if (!PriceStored(*rater_, switch_name, stored, row)) continue;
-    row.source_id = v->source_id;
-    row.position = v->position;
-    ++kept;
+  LabelKey label;
+  for (size_t i = 0; i < n; ++i) {
+    const CallValues& v = calls[i];
+    const StoredForPricing stored{v.type,     v.attribute, &v.start,
+                                  v.duration, &v.texts[0], &v.texts[2]};
+    CostRow& row = costs_[i];
+    PriceStored(*rater_, switch_name, stored, row, label);
+    row.label = labels_.Id(*db_, label);
   }
-  db_->UpsertCosts(costs_.data(), kept);
+  return costs_.data();
 }
 
 RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int64_t)>& progress) {
@@ -111,11 +111,11 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
   filter.to = period.to;
   filter.switch_name = period.switch_name;
   std::vector<Value> params{int64_t{0}};
+  const int64_t batch = period.batch > 0 ? period.batch : 20000;
   const std::string sql =
-      "SELECT c.id, c.source_id, c.position, w.name, c.type, c.attribute, c.start, c.duration, "
-      "c.dialled, c.trunk FROM calls c JOIN switches w ON w.id = c.switch_id" +
-      CallWhere(filter, &params) + " AND c.id > $1 ORDER BY c.id LIMIT " +
-      std::to_string(period.batch > 0 ? period.batch : 20000);
+      "SELECT c.id, w.name, c.type, c.attribute, c.start, c.duration, c.dialled, c.trunk "
+      "FROM calls c JOIN switches w ON w.id = c.switch_id" +
+      CallWhere(filter, &params) + " AND c.id > $1 ORDER BY c.id LIMIT " + std::to_string(batch);
   const std::string run =
       period.from + '|' + period.to + '|' + period.switch_name + '|' + plan_stamp_;
   RateResult result;
@@ -124,48 +124,45 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
     last = r.Int(0);
     result.resumed = true;
   });
-  const int64_t batch = period.batch > 0 ? period.batch : 20000;
   int64_t total = 0;
   std::string switch_name, start, dialled, trunk;
-  CostRow row;
+  std::vector<LabelKey> keys;
   for (;;) {
     params[0] = Value(last);
-    size_t kept = 0;
-    int64_t read = 0;
+    size_t read = 0;
     db_->Run(sql, params, [&](const ResultRow& r) {
-      ++read;
       last = r.Int(0);
-      row.source_id = r.Int(1);
-      row.position = r.Int(2);
-      switch_name = r.Text(3);
-      start = r.IsNull(6) ? "" : r.Text(6);
-      dialled = r.IsNull(8) ? "" : r.Text(8);
-      trunk = r.IsNull(9) ? "" : r.Text(9);
-      const StoredForPricing stored{static_cast<int32_t>(r.Int(4)),
-                                    static_cast<int32_t>(r.Int(5)),
+      switch_name = r.Text(1);
+      start = r.IsNull(4) ? "" : r.Text(4);
+      dialled = r.IsNull(6) ? "" : r.Text(6);
+      trunk = r.IsNull(7) ? "" : r.Text(7);
+      const StoredForPricing stored{static_cast<int32_t>(r.Int(2)),
+                                    static_cast<int32_t>(r.Int(3)),
                                     &start,
-                                    r.IsNull(7) ? -1 : r.Int(7),
+                                    r.IsNull(5) ? -1 : r.Int(5),
                                     &dialled,
                                     &trunk};
-      if (kept == costs_.size()) costs_.emplace_back();
-      CostRow& cost = costs_[kept];
-      if (!PriceStored(*rater_, switch_name, stored, cost)) return;
-      cost.source_id = row.source_id;
-      cost.position = row.position;
-      ++kept;
+      if (read == costs_.size()) costs_.emplace_back();
+      if (read == keys.size()) keys.emplace_back();
+      CostRow& cost = costs_[read];
+      PriceStored(*rater_, switch_name, stored, cost, keys[read]);
+      cost.call_id = last;
+      ++read;
+      if (!cost.kept) return;
       (cost.cost ? (cost.reason.empty() ? result.priced : result.free) : result.unpriced) += 1;
     });
     if (read == 0) break;
-    InTransaction(*db_, [&] {
-      db_->UpsertCosts(costs_.data(), kept);
+    Transaction([&] {
+      for (size_t i = 0; i < read; ++i) costs_[i].label = labels_.Id(*db_, keys[i]);
+      db_->UpsertCosts(costs_.data(), read);
       db_->Run(
           "INSERT INTO rating_progress (run, last_id) VALUES ($1, $2) "
           "ON CONFLICT (run) DO UPDATE SET last_id = excluded.last_id",
           {run, last});
     });
-    total += read;
+    total += static_cast<int64_t>(read);
     if (progress) progress(total);
-    if (read < batch) break;
+    if (static_cast<int64_t>(read) < batch) break;
   }
   db_->Run("DELETE FROM rating_progress WHERE run = $1", {run});
   RefreshDaySummaries(*db_);  // the days priced again, summed again now

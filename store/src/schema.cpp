@@ -90,7 +90,7 @@ LEFT JOIN call_attributes a ON a.value = c.attribute
 // again is an upsert; the rating plan and its tariffs are kept as their
 // texts (every writer prices with the same ones); a run of velqua rate
 // notes how far it came; the directory names extensions and account codes
-// (from_day '' = always).
+// (from_day '' = always). Version 7 keys the prices by their call's id.
 constexpr const char* kVersion2 = R"(
 CREATE TABLE call_costs (
   source_id BIGINT NOT NULL REFERENCES sources (id),
@@ -267,6 +267,8 @@ void Apply(Connection& db, int version) {
     db.Script(ForEngine(IsPostgres(db), kVersion5));
   } else if (version == 6) {
     db.Script(ForEngine(IsPostgres(db), kVersion6));
+  } else if (version == 7) {
+    KeyPricesByCall(db);
   } else if (version == 8) {
     // Version 8: the calls summed per switch and day, for reports.
     AddDaySummaries(db);

@@ -19,6 +19,11 @@ constexpr int kSchemaVersion = 8;
 // database's schema is newer than this program's.
 void Migrate(Connection& db, const std::string& name);
 
+// The step to version 7: prices keyed by their call's id, the texts they
+// share kept once in cost_labels, the prices stored before carried over
+// (costs_by_call.cpp).
+void KeyPricesByCall(Connection& db);
+
 // The indexes for the queries, as "CREATE INDEX IF NOT EXISTS" statements
 // (SQLite's bulk load drops them and builds them again at its end; a
 // schema step that adds one builds those missing), and their names (ending

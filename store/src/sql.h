@@ -68,11 +68,13 @@ class Connection {
   virtual void Rollback() noexcept = 0;
 
   // Appends rows[0, n) to `calls` or to `unrecognised` (bulk: COPY in
-  // PostgreSQL).
-  virtual void InsertCalls(const CallValues* rows, size_t n) = 0;
+  // PostgreSQL). With `costs` (one a call), each call's price, if kept, is
+  // written with the call, keyed by the id the call gets (set in its
+  // CostRow): the same transaction, no second pass over the calls.
+  virtual void InsertCalls(const CallValues* rows, size_t n, CostRow* costs) = 0;
   virtual void InsertUnrecognised(const CallValues* rows, size_t n) = 0;
-  // Writes the prices of calls (insert, or replace the price a call had):
-  // by default multi-row upserts through Run (call_pricing.cpp).
+  // Writes the kept prices of stored calls (insert, or replace the price a
+  // call had): by default multi-row upserts through Run (call_pricing.cpp).
   virtual void UpsertCosts(const CostRow* rows, size_t n);
 
   // After the schema is up to date: puts back what a bulk load that died

@@ -109,8 +109,7 @@ WriteResult SqlStore::Write(const Source& source, const std::vector<Record>& rec
                             const std::function<void()>& before_commit) {
   for (int attempt = 1;; ++attempt) {
     try {
-      return InTransaction(*db_,
-                           [&] { return WriteOnce(source, records, checkpoint, before_commit); });
+      return Transaction([&] { return WriteOnce(source, records, checkpoint, before_commit); });
     } catch (const UniqueViolation&) {
       if (attempt == kWriteTries) throw;  // the other writer's copies are seen on the next try
     }
@@ -210,8 +209,7 @@ WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>&
     CallValues& v = call ? Slot(calls_, n_calls++) : Slot(unrecognised_, n_unrecognised++);
     v.Fill(source.switch_id, source.id, record, zone);
   }
-  db_->InsertCalls(calls_.data(), n_calls);
-  PriceCalls(source.switch_name, calls_.data(), n_calls);
+  db_->InsertCalls(calls_.data(), n_calls, PriceCalls(source.switch_name, calls_.data(), n_calls));
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
   if (before_commit) before_commit();
   if (checkpoint) {

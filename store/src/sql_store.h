@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "call_pricing.h"
@@ -78,9 +79,29 @@ class SqlStore : public Store {
   // Rating (rating_store.cpp): the stored plan, loaded again when its stamp
   // changes (another program stored a new one); false when none is stored.
   bool RefreshPlan();
-  // Prices calls of `switch_name` just inserted or updated into call_costs,
-  // in the same transaction.
-  void PriceCalls(const std::string& switch_name, const CallValues* calls, size_t n);
+  // Prices calls of `switch_name` about to be inserted or just updated,
+  // their labels resolved in the transaction under way: one CostRow a call
+  // (in costs_), or nullptr when the store holds no plan.
+  CostRow* PriceCalls(const std::string& switch_name, const CallValues* calls, size_t n);
+
+  // Runs `work` in a write transaction; the cost labels it added are
+  // forgotten when it is rolled back (their rows are gone).
+  template <typename Work>
+  auto Transaction(Work work) {
+    try {
+      if constexpr (std::is_void_v<decltype(work())>) {
+        InTransaction(*db_, work);
+        labels_.Commit();
+      } else {
+        auto result = InTransaction(*db_, work);
+        labels_.Commit();
+        return result;
+      }
+    } catch (...) {
+      labels_.Forget();
+      throw;
+    }
+  }
 
   std::unique_ptr<Connection> db_;
   std::map<int64_t, Zone> zones_;  // by switch id
@@ -89,6 +110,8 @@ class SqlStore : public Store {
   std::unique_ptr<velqua_rating::Rater> rater_;
   std::string plan_stamp_;
   std::vector<CostRow> costs_;
+  CostLabels labels_;
+  std::vector<int64_t> updated_ids_;  // the ids of the calls in updated_
 };
 
 // "SELECT ... FROM calls c ..." of every column ReadCall reads: a call

@@ -171,7 +171,8 @@ std::string CallSelectFrom() {
   return "SELECT w.name, s.name, c.position, c.type, c.attribute, c.start, c.start_utc, "
          "c.duration, c.ring, c.dialled, c.extension, c.trunk, c.receiving_extension, "
          "c.receiving_trunk, c.account_code, c.extension_random, c.raw, c.received_utc, k.cost, "
-         "k.currency, k.destination, k.destination_class, k.reason, " +
+         "NULLIF(l.currency, ''), NULLIF(l.destination, ''), NULLIF(l.destination_class, ''), "
+         "k.reason, " +
          DirectoryColumn("extension", "c.extension", "person") + ", " +
          DirectoryColumn("extension", "c.extension", "department") + ", " +
          DirectoryColumn("extension", "c.extension", "cost_centre") + ", " +
@@ -179,7 +180,7 @@ std::string CallSelectFrom() {
          DirectoryColumn("account", "c.account_code", "project") +
          ", c.ended, c.ended_utc, c.date_received, c.switch_charge, c.extras, c.id FROM calls c "
          "JOIN switches w ON w.id = c.switch_id JOIN sources s ON s.id = c.source_id "
-         "LEFT JOIN call_costs k ON k.source_id = c.source_id AND k.position = c.position";
+         "LEFT JOIN call_costs k ON k.call_id = c.id LEFT JOIN cost_labels l ON l.id = k.label";
 }
 
 void SqlStore::ListCalls(const CallFilter& filter,
@@ -265,7 +266,7 @@ RewriteResult SqlStore::Rewrite(const std::string& switch_name,
   const int64_t switch_id = SwitchId(switch_name);
   if (!dry_run) {
     RewriteResult result =
-        InTransaction(*db_, [&] { return RewriteOnce(switch_id, switch_name, records); });
+        Transaction([&] { return RewriteOnce(switch_id, switch_name, records); });
     RefreshDaySummaries(*db_);
     return result;
   }
@@ -275,7 +276,7 @@ RewriteResult SqlStore::Rewrite(const std::string& switch_name,
     RewriteResult result;
   };
   try {
-    InTransaction(*db_, [&] { throw RolledBack{RewriteOnce(switch_id, switch_name, records)}; });
+    Transaction([&] { throw RolledBack{RewriteOnce(switch_id, switch_name, records)}; });
   } catch (const RolledBack& done) {
     return done.result;
   }
@@ -346,6 +347,8 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::string& switch
       params.push_back(Value::TextOrNull(v.switch_charge));
       params.push_back(Value::TextOrNull(v.extras));
       CountChanged(old.stored, Signature(v), &result.changed);
+      if (updated_ids_.size() <= n_updated) updated_ids_.resize(n_updated + 1);
+      updated_ids_[n_updated] = old.id;
       db_->Run(
           "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
           "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "
@@ -364,17 +367,18 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::string& switch
                            : "DELETE FROM unrecognised WHERE id = $1",
                {old.id});
       if (old.is_call) {  // no longer a call: no longer priced
-        db_->Run("DELETE FROM call_costs WHERE source_id = $1 AND position = $2",
-                 {old.source_id, old.position});
+        db_->Run("DELETE FROM call_costs WHERE call_id = $1", {old.id});
       }
       Slot(call ? calls_ : unrecognised_, call ? n_calls++ : n_unrecognised++) = v;
       ++(call ? result.recognised : result.unrecognised);
     }
   }
-  db_->InsertCalls(calls_.data(), n_calls);
+  db_->InsertCalls(calls_.data(), n_calls, PriceCalls(switch_name, calls_.data(), n_calls));
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
-  PriceCalls(switch_name, calls_.data(), n_calls);
-  PriceCalls(switch_name, updated_.data(), n_updated);
+  if (CostRow* costs = PriceCalls(switch_name, updated_.data(), n_updated)) {
+    for (size_t i = 0; i < n_updated; ++i) costs[i].call_id = updated_ids_[i];
+    db_->UpsertCosts(costs, n_updated);
+  }
   return result;
 }
 

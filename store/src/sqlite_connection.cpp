@@ -113,7 +113,7 @@ class SqliteConnection : public Connection {
     if (sqlite3_get_autocommit(db_) == 0) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
   }
 
-  void InsertCalls(const CallValues* rows, size_t n) override {
+  void InsertCalls(const CallValues* rows, size_t n, CostRow* costs) override {
     sqlite3_stmt* stmt = Prepare(
         "INSERT INTO calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
         "start, start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
@@ -137,22 +137,19 @@ class SqliteConnection : public Connection {
       BindText(stmt, 23, v->extras);
       BindCount(stmt, 24, v->line);
       Step(stmt, nullptr);
+      if (costs == nullptr) continue;
+      // The call's id is its row id: its price is appended right after it.
+      CostRow& cost = costs[v - rows];
+      cost.call_id = sqlite3_last_insert_rowid(db_);
+      if (cost.kept) WriteCost(cost);
     }
   }
 
   // One row a statement: SQLite looks "$n" parameters up by name, so a
   // statement of many rows costs time growing with the square of their number.
   void UpsertCosts(const CostRow* rows, size_t n) override {
-    if (costs_ == nullptr) costs_ = Prepare(UpsertCostsSql(1));
     for (const CostRow* r = rows; r != rows + n; ++r) {
-      sqlite3_bind_int64(costs_, 1, r->source_id);
-      sqlite3_bind_int64(costs_, 2, r->position);
-      if (r->cost) BindText(costs_, 3, *r->cost);
-      const std::string* texts[] = {&r->currency, &r->destination, &r->destination_class,
-                                    &r->band,     &r->tariff,      &r->tariff_version,
-                                    &r->reason};
-      for (int i = 0; i < 7; ++i) BindText(costs_, 4 + i, *texts[i]);
-      Step(costs_, nullptr);
+      if (r->kept) WriteCost(*r);
     }
   }
 
@@ -230,6 +227,15 @@ class SqliteConnection : public Connection {
   void ReleaseBulkLock(int fd) const {
     ::unlink(bulk_lock_path_.c_str());
     ::close(fd);
+  }
+
+  void WriteCost(const CostRow& r) {
+    if (costs_ == nullptr) costs_ = Prepare(UpsertCostsSql(1));
+    sqlite3_bind_int64(costs_, 1, r.call_id);
+    if (r.cost) BindText(costs_, 2, *r.cost);
+    if (r.label > 0) sqlite3_bind_int64(costs_, 3, r.label);
+    BindText(costs_, 4, r.reason);
+    Step(costs_, nullptr);
   }
 
   [[noreturn]] void Fail(int rc, const std::string& why) const {

@@ -12,8 +12,12 @@
 #include <vector>
 
 #include "pg_test_server.h"
+#include "sql_store.h"
+#include "store_test_support.h"
 #include "velqua/records/config_io.h"
 #include "velqua/records/translation.h"
+#include "velqua/store/aggregates.h"
+#include "velqua/store/browse.h"
 #include "velqua/store/import.h"
 #include "velqua/store/store.h"
 
@@ -221,6 +225,78 @@ TEST(RatingRoadsPostgres, ImportCaptureAndRateGiveTheSameCostsOnBothEngines) {
   EXPECT_GT(priced, 20);
   EXPECT_GT(unmatched, 10);
 }
+
+// What a month's prices read as: every call's price, the costs by
+// destination (as reports sum them) and by department (as the web page
+// does), and the unpriced calls.
+std::vector<std::string> Readings(Store& store) {
+  std::vector<std::string> out = Prices(store);
+  const Span march{"2026-03-01", "2026-04-01", ""};
+  for (const CostCounts& c : CostsBy(store, march, CostGroup::kDestination)) {
+    out.push_back(c.key + "|" + c.day + "|" + c.cost.currency + "|" + std::to_string(c.calls) +
+                  "|" + std::to_string(c.cost.units) + "|" + std::to_string(c.unpriced));
+  }
+  for (const CostTotal& t : SumCostBy(store, march, CostKey::kDestination)) {
+    out.push_back(t.key + "|" + t.currency + "|" + std::to_string(t.calls));
+  }
+  CallFilter unpriced;
+  unpriced.unpriced = true;
+  store.ListCalls(unpriced, [&](const StoredCall& c) { out.push_back(*c.cost_reason); });
+  return out;
+}
+
+int64_t Count(Store& store, const std::string& sql) {
+  int64_t n = -1;
+  dynamic_cast<SqlStore&>(store).connection().Run(sql, {},
+                                                  [&](const ResultRow& r) { n = r.Int(0); });
+  return n;
+}
+
+class CostsByCallTest : public ::testing::TestWithParam<velqua_store_testing::Engine> {};
+
+// A store whose prices were keyed by their call's source and position (and
+// carried their texts) reads the same once they are keyed by the call's id,
+// and pricing it again adds no label: the stored ones are found.
+TEST_P(CostsByCallTest, PricesKeyedByPositionReadTheSameOnceKeyedByTheirCall) {
+  const std::string dir = velqua_store_testing::TempDir(velqua_store_testing::Name());
+  const std::string url = velqua_store_testing::NewStoreUrl(GetParam());
+  std::ifstream in(kExamples + "rating/office-de.toml", std::ios::binary);
+  const std::string tariff((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  Put(dir + "/a.toml", tariff);
+  Put(dir + "/b.toml", tariff);
+  const std::string plan = Put(dir + "/plan.toml", kPlan);
+  ImportSettings settings;
+  settings.switch_name = "berlin";
+  settings.config = kExamples + "hicom/hicom.json";
+  settings.year = 2026;
+  std::vector<std::string> before;
+  int64_t labels = 0;
+  {
+    auto store = OpenStore(url);
+    store->PutRatingPlan(plan);
+    Importer(*store, settings).Import({Put(dir + "/month.txt", MonthOfRecords())});
+    before = Readings(*store);
+    labels = Count(*store, "SELECT count(*) FROM cost_labels");
+  }
+  ASSERT_GT(labels, 5);
+  velqua_store_testing::Downgrade(GetParam(), url,
+                                  velqua_store_testing::WithoutDaySummaries(GetParam()) +
+                                      velqua_store_testing::kPricesAsVersion6,
+                                  6);
+  auto store = OpenStore(url);
+  EXPECT_EQ(Readings(*store), before);
+  EXPECT_EQ(Count(*store, "SELECT count(*) FROM cost_labels"), labels);
+  EXPECT_EQ(Count(*store, "SELECT count(*) FROM call_costs"), 31 * 12);
+  store->Rate(RatePeriod());
+  EXPECT_EQ(Readings(*store), before);
+  EXPECT_EQ(Count(*store, "SELECT count(*) FROM cost_labels"), labels);
+  if (GetParam() == velqua_store_testing::Engine::kSqlite) std::filesystem::remove_all(dir);
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, CostsByCallTest,
+                         ::testing::Values(velqua_store_testing::Engine::kSqlite,
+                                           velqua_store_testing::Engine::kPostgres),
+                         velqua_store_testing::EngineName);
 
 }  // namespace
 }  // namespace velqua_store

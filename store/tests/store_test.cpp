@@ -17,6 +17,7 @@ namespace {
 
 using velqua_store_testing::At;
 using velqua_store_testing::Call;
+using velqua_store_testing::Downgrade;
 using velqua_store_testing::Engine;
 using velqua_store_testing::StoreTest;
 using velqua_store_testing::Unrecognised;
@@ -166,23 +167,6 @@ TEST_P(StoreTest, ASchemaNewerThanTheProgramIsRefused) {
   }
 }
 
-// What takes the day summaries away, for a store of an older version.
-std::string WithoutDaySummaries(Engine engine) {
-  if (engine == Engine::kPostgres) {
-    return "DROP TABLE call_days; DROP TABLE call_days_stale; "
-           "DROP FUNCTION calls_mark_days() CASCADE; DROP FUNCTION call_costs_mark_days() "
-           "CASCADE; ";
-  }
-  std::string sql =
-      "DROP TABLE call_days; DROP TABLE call_days_stale; DROP TRIGGER calls_mark_update_old; ";
-  for (const char* table : {"calls", "call_costs"}) {
-    for (const char* event : {"insert", "update", "delete"}) {
-      sql += std::string("DROP TRIGGER ") + table + "_mark_" + event + "; ";
-    }
-  }
-  return sql;
-}
-
 TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded) {
   const Source source = NewSource("hq", "v24");
   store_->Write(source, {Call(1, "21", "2026-03-09 08:10:47")}, std::nullopt, nullptr);
@@ -190,8 +174,9 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   // The store as version 1 left it: no rating tables, no call ends, no
   // users, no extra fields.
   const std::string down =
-      WithoutDaySummaries(GetParam()) +
-      "DROP TABLE call_costs; DROP TABLE rating_files; DROP TABLE rating_progress; "
+      velqua_store_testing::WithoutDaySummaries(GetParam()) +
+      "DROP TABLE call_costs; DROP TABLE cost_labels; DROP TABLE rating_files; DROP TABLE "
+      "rating_progress; "
       "DROP TABLE directory; DROP TABLE users; DROP VIEW calls_named; "
       "ALTER TABLE calls DROP COLUMN ended; ALTER TABLE calls DROP COLUMN ended_utc; "
       "ALTER TABLE calls DROP COLUMN date_received; ALTER TABLE calls DROP COLUMN switch_charge; "
@@ -216,25 +201,6 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   EXPECT_THROW(store_->Rate(all), StoreError);  // the tables are back, and hold no plan
 }
 
-// Sets the stored schema back to `version` after running `sql` on it.
-void Downgrade(Engine engine, const std::string& url, const std::string& sql, int version) {
-  if (engine == Engine::kSqlite) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(url.c_str(), &db), SQLITE_OK);
-    const std::string all = sql + "PRAGMA user_version = " + std::to_string(version);
-    EXPECT_EQ(sqlite3_exec(db, all.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-    sqlite3_close(db);
-  } else {
-    PGconn* db = PQconnectdb(url.c_str());
-    const std::string all =
-        sql + "DELETE FROM schema_migrations WHERE version > " + std::to_string(version);
-    PGresult* r = PQexec(db, all.c_str());
-    EXPECT_EQ(PQresultStatus(r), PGRES_COMMAND_OK) << PQerrorMessage(db);
-    PQclear(r);
-    PQfinish(db);
-  }
-}
-
 // A version 5 store: its switches gain an empty extension list (none kept),
 // its records an unknown line; what was stored stays, and both can be
 // written from then on.
@@ -245,7 +211,8 @@ TEST_P(StoreTest, AVersionFiveStoreGainsExtensionListsAndLines) {
                 std::nullopt, nullptr);
   store_.reset();
   Downgrade(GetParam(), url_,
-            WithoutDaySummaries(GetParam()) +
+            velqua_store_testing::WithoutDaySummaries(GetParam()) +
+                std::string(velqua_store_testing::kPricesAsVersion6) +
                 "DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN line; "
                 "ALTER TABLE unrecognised DROP COLUMN line; "
                 "ALTER TABLE switches DROP COLUMN extension_list;",

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <libpq-fe.h>
+#include <sqlite3.h>
 
 #include <filesystem>
 #include <memory>
@@ -88,6 +90,56 @@ inline velqua_store::Record Unrecognised(int64_t position, const std::string& ra
   r.raw = raw;
   r.received_utc = "2026-03-10T00:00:00Z";
   return r;
+}
+
+// Sets the stored schema back to `version` after running `sql` on it.
+inline void Downgrade(Engine engine, const std::string& url, const std::string& sql, int version) {
+  if (engine == Engine::kSqlite) {
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(url.c_str(), &db), SQLITE_OK);
+    const std::string all = sql + "PRAGMA user_version = " + std::to_string(version);
+    EXPECT_EQ(sqlite3_exec(db, all.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(db);
+    sqlite3_close(db);
+  } else {
+    PGconn* db = PQconnectdb(url.c_str());
+    const std::string all =
+        sql + "DELETE FROM schema_migrations WHERE version > " + std::to_string(version);
+    PGresult* r = PQexec(db, all.c_str());
+    EXPECT_EQ(PQresultStatus(r), PGRES_COMMAND_OK) << PQerrorMessage(db);
+    PQclear(r);
+    PQfinish(db);
+  }
+}
+
+// The prices as version 6 kept them: keyed by their call's source and
+// position, each with its texts.
+constexpr const char* kPricesAsVersion6 =
+    "CREATE TABLE call_costs_6 (source_id BIGINT NOT NULL, position BIGINT NOT NULL, "
+    "cost TEXT, currency TEXT, destination TEXT, destination_class TEXT, band TEXT, "
+    "tariff TEXT, tariff_version TEXT, reason TEXT, PRIMARY KEY (source_id, position)); "
+    "INSERT INTO call_costs_6 SELECT c.source_id, c.position, k.cost, NULLIF(l.currency, ''), "
+    "NULLIF(l.destination, ''), NULLIF(l.destination_class, ''), NULLIF(l.band, ''), "
+    "NULLIF(l.tariff, ''), NULLIF(l.tariff_version, ''), k.reason FROM call_costs k "
+    "JOIN calls c ON c.id = k.call_id LEFT JOIN cost_labels l ON l.id = k.label; "
+    "DROP TABLE call_costs; DROP TABLE cost_labels; "
+    "ALTER TABLE call_costs_6 RENAME TO call_costs;";
+
+// What takes the day summaries away, for a store of an older version.
+inline std::string WithoutDaySummaries(Engine engine) {
+  if (engine == Engine::kPostgres) {
+    return "DROP TABLE call_days; DROP TABLE call_days_stale; "
+           "DROP FUNCTION calls_mark_days() CASCADE; DROP FUNCTION call_costs_mark_days() "
+           "CASCADE; ";
+  }
+  std::string sql =
+      "DROP TABLE call_days; DROP TABLE call_days_stale; DROP TRIGGER calls_mark_update_old; ";
+  for (const char* table : {"calls", "call_costs"}) {
+    for (const char* event : {"insert", "update", "delete"}) {
+      sql += std::string("DROP TRIGGER ") + table + "_mark_" + event + "; ";
+    }
+  }
+  return sql;
 }
 
 // The record as received at `utc`.
