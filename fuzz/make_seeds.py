@@ -104,6 +104,29 @@ def main():
     copy("lector", "norstar", "examples/norstar/records.txt")
     put("lector", "endings", b"\x00a\r\nb\rc\n\n\r\r\nd")
     put("lector", "padded-crlf", b"\x03\nx\r\n-------- 1\r\n2")
+    # (5) The web server's own parsers.
+    put("web_cookie", "session", b"velqua_session=0123abcd")
+    put("web_cookie", "several", b"theme=dark; velqua_session=ab; a=1;a=2")
+    put("web_cookie", "odd", b";;  ; velqua_session; =x; a=; velqua_session==;")
+    put("web_cookie", "empty", b"")
+    put("web_event_id", "number", b"42")
+    put("web_event_id", "zeros", b"000")
+    put("web_event_id", "too-long", b"1234567890123456789")
+    put("web_event_id", "signed", b"-5")
+    put("web_event_id", "spaced", b" 7\r\n")
+    put("web_serve_config", "full", b'listen = "0.0.0.0:8443"\ntls_cert = "c.pem"\ntls_key = "k.pem"\n'
+        b'body_limit = 1048576\nsession_minutes = 480\nconnections = 4\nthreads = 64\n'
+        b'capture = ["capture.toml", "/etc/velqua/b.toml"]\n')
+    put("web_serve_config", "wrong-kinds", b'threads = "many"\ncapture = [1, ""]\n')
+    put("web_serve_config", "out-of-range", b"threads = 3\nbody_limit = 99999999999999\n")
+    put("web_serve_config", "broken", b'listen = "a\n[x\ncolour = 1\n\xff\xfe')
+    put("web_query", "every-filter", b"from=2026-03-01&to=2026-03-31&switch=hq&extension=201"
+        b"&person=We%25ber&department=Sales&number=030&trunk=01&account=77&type=outgoing"
+        b"&unanswered=1&min_duration=60&min_cost=0.50&max_cost=12&sort=cost&order=asc"
+        b"&offset=100&limit=1000")
+    put("web_query", "bad-amounts", b"min_cost=1.1234567&max_cost=-&limit=0")
+    put("web_query", "bad-words", b"sort=colour&order=up&type=fax&offset=-1")
+    put("web_query", "encoded", b"person=%00%ff%zz&&&=&min_cost=%31.5&limit=9999999999999999999999")
 
 
 if __name__ == "__main__":

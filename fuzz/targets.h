@@ -40,3 +40,15 @@ int Ejecuta(const uint8_t* data, size_t size);
 namespace velqua_fuzz_directory {
 int Ejecuta(const uint8_t* data, size_t size);
 }
+namespace velqua_fuzz_web_cookie {
+int Run(const uint8_t* data, size_t size);
+}
+namespace velqua_fuzz_web_event_id {
+int Run(const uint8_t* data, size_t size);
+}
+namespace velqua_fuzz_web_serve_config {
+int Run(const uint8_t* data, size_t size);
+}
+namespace velqua_fuzz_web_query {
+int Run(const uint8_t* data, size_t size);
+}

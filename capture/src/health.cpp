@@ -5,20 +5,14 @@
 namespace velqua_capture {
 namespace {
 
-// How long a source has been quiet: since its last byte, or since it
-// connected when nothing came yet.
-int64_t QuietSince(const StreamStatus& s) {
-  return s.last_data_us > s.since_us ? s.last_data_us : s.since_us;
-}
-
 std::string Minutes(int64_t micros) {
   const int64_t minutes = micros / 60000000;
   return minutes == 1 ? "1 minute" : std::to_string(minutes) + " minutes";
 }
 
 // Why the source is not up, or "" when it is.
-std::string SourceProblem(const std::vector<const StreamStatus*>& streams, int64_t silence_us,
-                          int64_t now_us) {
+std::string StreamsProblem(const std::vector<const StreamStatus*>& streams, int64_t silence_us,
+                           int64_t now_us) {
   std::string problem;
   for (const StreamStatus* s : streams) {
     if (s->never_seen) return "never connected";
@@ -27,14 +21,30 @@ std::string SourceProblem(const std::vector<const StreamStatus*>& streams, int64
       if (!s->last_event.empty()) problem += " (" + s->last_event + ")";
       continue;
     }
-    const int64_t quiet = now_us - QuietSince(*s);
+    const int64_t quiet = now_us - QuietSinceMicros(*s);
     if (silence_us <= 0 || quiet <= silence_us) return "";
-    problem = "silent for " + Minutes(quiet) + " (since " + IsoTime(QuietSince(*s)) + ")";
+    problem = "silent for " + Minutes(quiet) + " (since " + IsoTime(QuietSinceMicros(*s)) + ")";
   }
   return problem;
 }
 
 }  // namespace
+
+int64_t SilenceMicros(const SourceSettings& source) {
+  return std::chrono::duration_cast<std::chrono::microseconds>(source.silence).count();
+}
+
+int64_t QuietSinceMicros(const StreamStatus& s) {
+  return s.last_data_us > s.since_us ? s.last_data_us : s.since_us;
+}
+
+std::string SourceProblem(const ServiceState& state, const SourceSettings& source, int64_t now_us) {
+  std::vector<const StreamStatus*> streams;
+  for (const StreamStatus& s : state.streams) {
+    if (s.source == source.name) streams.push_back(&s);
+  }
+  return StreamsProblem(streams, SilenceMicros(source), now_us);
+}
 
 const char* HealthWord(Health health) {
   switch (health) {
@@ -76,9 +86,8 @@ HealthReport AssessHealth(const ServiceState& state, const ServiceSettings& sett
   for (const SwitchSettings& sw : settings.switches) {
     for (const SourceSettings& source : sw.sources) {
       ++sources;
-      const std::string problem = SourceProblem(
-          by_source[source.name],
-          std::chrono::duration_cast<std::chrono::microseconds>(source.silence).count(), now_us);
+      const std::string problem =
+          StreamsProblem(by_source[source.name], SilenceMicros(source), now_us);
       if (problem.empty()) {
         ++up;
       } else {

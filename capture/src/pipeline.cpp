@@ -19,6 +19,15 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr size_t kBatchRows = 2000;
+// A backlog in the spool at least this large (a burst, a store that was
+// down) is offered to the store as a bulk load, and committed in batches
+// this large: the store decides, by what it holds already (store.h).
+constexpr int64_t kBulkBacklogBytes = 1 << 20;
+constexpr int64_t kBytesPerRecord = 80;
+constexpr size_t kBulkBatchRows = 20000;
+// How long the sources stay quiet, everything stored, before a bulk load
+// ends (a loaded machine pauses a backlog's arrival for a moment now and then).
+constexpr std::chrono::seconds kBulkQuiet{1};
 constexpr int64_t kLoggedUnrecognised = 20;
 constexpr std::chrono::milliseconds kIdleWait{100};
 constexpr std::chrono::seconds kStoreRetry{1};
@@ -184,6 +193,7 @@ void Pipeline::Run() {
     Retry([] {});  // the store opens
     Loop();
     Retry([this] { Commit(); });
+    EndBulk();
   } catch (const Abandon&) {
     log_.Warn(
         "stopping with records not yet stored: they are stored from the spool on the next start");
@@ -203,8 +213,9 @@ void Pipeline::Loop() {
         Apply(next);
       }
     }
+    LoadInBulk();
     bool caught_up = false;
-    while (pending_rows_ < kBatchRows) {
+    while (pending_rows_ < (bulk_offered_ > 0 ? kBulkBatchRows : kBatchRows)) {
       if (!reader_->Next(published_.load(), &e)) {
         caught_up = true;
         break;
@@ -215,12 +226,18 @@ void Pipeline::Loop() {
     if (pending_rows_ > 0 || EventsReady()) Retry([this] { Commit(); });
     for (auto& [name, s] : streams_) ReportDropped(*s);
     const int64_t end = published_.load();
+    if (end != last_end_) {
+      last_end_ = end;
+      last_moved_ = Clock::now();
+    }
     board_.Progress(end, caught_up ? end : processed_end_, caught_up);  // for the metrics
     if (caught_up) {
       std::unique_lock<std::mutex> lock(mutex_);
       if (stop_) return;
-      const int64_t seen = published_.load();
-      wake_.wait_for(lock, kIdleWait, [&] { return stop_ || published_.load() != seen; });
+      wake_.wait_for(lock, kIdleWait, [&] { return stop_ || published_.load() != end; });
+      lock.unlock();
+      // Everything stored, and the sources quiet for a while: a bulk load is over.
+      if (published_.load() == end && Clock::now() - last_moved_ >= kBulkQuiet) EndBulk();
     }
     if (Stopping()) return;
   }
@@ -251,6 +268,28 @@ void Pipeline::Retry(const std::function<void()>& work) {
     wake_.wait_for(lock, kStoreRetry, [this] { return Stopping(); });
     if (Stopping()) throw Abandon{};
   }
+}
+
+// A backlog the size of a load (the spool holding far more than the batches
+// keep up with) is loaded as an import loads it: the store may put off its
+// query indexes until the backlog is stored (it does when the backlog is
+// larger than what it holds), and the batches grow. Every batch is still
+// committed with its checkpoint before the spool is released.
+// A backlog that keeps growing is offered again each time it doubles.
+void Pipeline::LoadInBulk() {
+  if (processed_end_ == 0) return;
+  const int64_t behind = published_.load() - processed_end_;
+  if (behind < std::max(kBulkBacklogBytes, 2 * bulk_offered_)) return;
+  Retry([&] { store_->BeginBulk(behind / kBytesPerRecord); });
+  bulk_offered_ = behind;
+}
+
+// Caught up, and the sources quiet for a while (a pause between two chunks
+// of a backlog is not its end): the store builds what it put off.
+void Pipeline::EndBulk() {
+  if (bulk_offered_ == 0) return;
+  Retry([this] { store_->EndBulk(); });
+  bulk_offered_ = 0;
 }
 
 Pipeline::StreamState* Pipeline::Stream(const std::string& name) {

@@ -63,6 +63,8 @@ class Pipeline {
   void Run();
   bool OpenStore();
   void Loop();
+  void LoadInBulk();
+  void EndBulk();
   void Apply(const ServiceSettings& settings);
   void Process(const SpoolEntry& e);
   void Handle(const SpoolEntry& e, int64_t end);
@@ -104,6 +106,9 @@ class Pipeline {
   int64_t processed_end_ = 0;
   int64_t replay_from_ = 0;  // as last written to the replay-from file
   size_t pending_rows_ = 0;
+  int64_t bulk_offered_ = 0;  // the backlog (bytes) last offered to the store as a bulk load
+  int64_t last_end_ = 0;      // the spool's end as last seen
+  std::chrono::steady_clock::time_point last_moved_;  // when it last moved
   std::chrono::steady_clock::time_point first_pending_;
 
   std::thread thread_;

@@ -191,7 +191,11 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
   // tail is handed over first, as a connection of its own; then every other
   // rotated file written to since the last run saved where it was (the file
   // was rotated more than once meanwhile), oldest first, whole. When the
-  // last run's file cannot be found, the gap is reported.
+  // last run's file cannot be found, the gap is reported. A last run that
+  // had handed nothing over left no bytes to know its file by (every copy
+  // would match): then its file, found by its inode, is read whole with the
+  // others, in the order they were written (a copy made before a
+  // truncation holds records the file no longer does).
   void CatchUp() {
     const bool truncated = inode_ == saved_inode_;
     struct stat state {};
@@ -206,19 +210,22 @@ class FileSource : public Source, public std::enable_shared_from_this<FileSource
       const bool regular = ::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) &&
                            static_cast<unsigned long long>(st.st_ino) != inode_;
       const bool same_inode = static_cast<unsigned long long>(st.st_ino) == saved_inode_;
-      if (regular && saved_offset_ <= st.st_size && Tail(fd, saved_offset_) == saved_tail_) {
+      const bool nothing_read = saved_offset_ == 0;
+      if (regular && !nothing_read && saved_offset_ <= st.st_size &&
+          Tail(fd, saved_offset_) == saved_tail_) {
         // The last run's bytes: the file itself, or a copy of it (the
         // renamed file is preferred; the other holds the same bytes).
         if (old.empty() || same_inode) {
           old = candidate;
           old_size = st.st_size;
         }
-      } else if (regular && Nanos(st.st_mtim) > saved_at && !Compressed(candidate)) {
+      } else if (regular && !Compressed(candidate) &&
+                 ((nothing_read && same_inode) || Nanos(st.st_mtim) > saved_at)) {
         later.emplace_back(Nanos(st.st_mtim), candidate);
       }
       ::close(fd);
     }
-    if (old.empty()) {
+    if (old.empty() && (saved_offset_ > 0 || later.empty())) {
       events_.Gap(s_.name, std::string(truncated ? "truncated" : "rotated away") +
                                " while the service was stopped, and the old file (" +
                                std::to_string(saved_offset_) +

@@ -57,27 +57,36 @@ size_t LinesStarting(Child& child, const std::string& prefix) {
 const std::string kListen = "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = ";
 
 // A switch that reconnects at once and re-sends its last 100 records, then
-// stays quiet; the service is killed while the connection is in that
-// re-sent part, before any new record. After the restart each record is
-// stored once, and each event once.
+// stays quiet (for as long as the test holds it, however slow the machine);
+// the service is killed while the connection is in that re-sent part,
+// before any new record. After the restart each record is stored once, and
+// each event once.
 TEST(CaptureCrash, AKillInsideTheResentPartStoresNothingTwice) {
   const std::string dir = TempDir("kill-resent");
   const int port = FreePort();
   const std::string store = dir + "/calls.db";
   const std::string config = WriteConfig(dir, store, "", kListen + std::to_string(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 300);
+  const std::string hold = dir + "/hold";
+  std::ofstream(hold).close();
   auto service = StartService(config, dir);
   Child pusher({EmulatorPath(), "ipoffice", "--port", std::to_string(port), "--records",
                 dir + "/records.txt", "--rate", "0", "--resend", "100", "--cut-every", "200",
-                "--quiet-ms", "2500", "--retry-ms", "50"});
+                "--hold", hold, "--retry-ms", "50"});
   // The cut after 200 records; the connection made again at once re-sends 100.
-  ASSERT_TRUE(WaitFor([&] { return LinesStarting(pusher, "ipoffice: connected") >= 2; }));
-  ASSERT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find("100 re-sent records dropped") != std::string::npos;
-  })) << ReadFile(dir + "/service.log");
+  const std::chrono::seconds generous(60);
+  ASSERT_TRUE(WaitFor([&] { return LinesStarting(pusher, "ipoffice: connected") >= 2; }, generous));
+  ASSERT_TRUE(WaitFor(
+      [&] {
+        return ReadFile(dir + "/service.log").find("100 re-sent records dropped") !=
+               std::string::npos;
+      },
+      generous))
+      << ReadFile(dir + "/service.log");
   service->Stop(SIGKILL);
   service = StartService(config, dir);
-  EXPECT_NE(pusher.WaitLine("played"), "");
+  std::filesystem::remove(hold);  // the switch's next call
+  EXPECT_NE(pusher.WaitLine("played", std::chrono::seconds(60)), "");
   EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
   EXPECT_EQ(service->Stop(SIGTERM), 0);
   EXPECT_EQ(StoredCalls(store), records);
@@ -91,6 +100,66 @@ TEST(CaptureCrash, AKillInsideTheResentPartStoresNothingTwice) {
   const auto disconnects = OfKind(events, "disconnect");
   ASSERT_EQ(disconnects.size(), 3u);  // the cut, the kill, the stop
   EXPECT_EQ(disconnects[1].detail, "the service stopped without ending the connection");
+}
+
+// The query indexes of a SQLite store the service writes, by name, and
+// whether it has its calls table yet.
+struct Schema {
+  bool calls = false;
+  std::vector<std::string> indexes;
+};
+Schema SchemaOf(const std::string& store) {
+  Schema schema;
+  sqlite3* db = nullptr;
+  if (sqlite3_open_v2(store.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+    sqlite3_stmt* stmt = nullptr;
+    sqlite3_prepare_v2(db, "SELECT type, name FROM sqlite_master WHERE tbl_name = 'calls'", -1,
+                       &stmt, nullptr);
+    while (stmt != nullptr && sqlite3_step(stmt) == SQLITE_ROW) {
+      const std::string type = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0));
+      const std::string name = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 1));
+      if (type == "table") schema.calls = true;
+      if (type == "index" && name.rfind("calls_", 0) == 0) schema.indexes.push_back(name);
+    }
+    sqlite3_finalize(stmt);
+  }
+  sqlite3_close(db);
+  std::sort(schema.indexes.begin(), schema.indexes.end());
+  return schema;
+}
+
+// A backlog far larger than the store (a file of 40,000 records found at
+// start) is loaded as an import loads: the store's query indexes are down
+// while it is stored. A kill in the middle leaves them down; the next start
+// builds them again and stores the rest, each record once, and the indexes
+// are all back once the backlog is stored.
+TEST(CaptureCrash, ABacklogLoadedInBulkSurvivesAKill) {
+  const std::string dir = TempDir("bulk");
+  const std::string store = dir + "/calls.db";
+  const std::string config =
+      WriteConfig(dir, store, "",
+                  "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = "
+                  "\"smdr.log\"\n");
+  const std::vector<std::string> records = GenerateRecords(dir + "/smdr.log", 40000);
+  const std::vector<std::string> indexes = {"calls_account_code", "calls_dialled",
+                                            "calls_extension_start", "calls_start",
+                                            "calls_trunk_start"};
+  auto service = StartService(config, dir);
+  const std::chrono::seconds generous(60);
+  ASSERT_TRUE(WaitFor(
+      [&] {
+        const Schema now = SchemaOf(store);
+        return now.calls && now.indexes.empty();
+      },
+      generous))
+      << "the backlog was not loaded in bulk: " << ReadFile(dir + "/service.log");
+  service->Stop(SIGKILL);
+  service = StartService(config, dir);
+  EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
+  EXPECT_TRUE(WaitFor([&] { return SchemaOf(store).indexes == indexes; }, generous));
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), records);
+  EXPECT_EQ(SchemaOf(store).indexes, indexes);
 }
 
 // A followed file changed while the service was stopped: its unread tail is
@@ -159,6 +228,41 @@ TEST(CaptureCrash, AFileRotatedOrTruncatedWhileStoppedIsReadToItsEnd) {
               row.lost)
         << log;
   }
+}
+
+// A run that found its followed file empty and was killed before reading
+// anything knows the file by its inode alone. While it is down, records are
+// written, the file copied and truncated, more written, the file renamed
+// away and a new one started: each record is read once, the copy's too,
+// and no gap is recorded.
+TEST(CaptureCrash, AFileTheLastRunReadNothingOfIsReadWhole) {
+  namespace fs = std::filesystem;
+  const std::string dir = TempDir("read-nothing");
+  const std::string store = dir + "/calls.db";
+  const std::string config = WriteConfig(
+      dir, store, "",
+      "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"smdr.log\"\n");
+  const std::vector<std::string> all = GenerateRecords(dir + "/all.txt", 15);
+  auto append = [&](size_t from, size_t to) {
+    std::ofstream out(dir + "/smdr.log", std::ios::app);
+    for (size_t i = from; i < to; ++i) out << all[i] << "\r\n";
+  };
+  std::ofstream(dir + "/smdr.log").close();
+  auto service = StartService(config, dir);
+  ASSERT_TRUE(WaitFor([&] { return fs::exists(dir + "/spool/follow-log"); }))
+      << ReadFile(dir + "/service.log");
+  service->Stop(SIGKILL);
+  append(0, 5);
+  fs::copy_file(dir + "/smdr.log", dir + "/smdr.log.2");
+  fs::resize_file(dir + "/smdr.log", 0);
+  append(5, 10);
+  fs::rename(dir + "/smdr.log", dir + "/smdr.log.1");
+  append(10, 15);
+  service = StartService(config, dir);
+  EXPECT_TRUE(WaitForRecords(store, all.size())) << ReadFile(dir + "/service.log");
+  EXPECT_EQ(service->Stop(SIGTERM), 0);
+  EXPECT_EQ(StoredCalls(store), all);
+  EXPECT_TRUE(OfKind(StoredEvents(store), "gap").empty());
 }
 
 }  // namespace

@@ -70,7 +70,7 @@ int RunFileFaults(const Options& o) {
     service = StartService(config, dir);
   }
   writer.join();
-  WaitForRecords(store, expected.size());
+  WaitForStore(store, expected.size(), std::chrono::seconds(30));
   const int stopped = service->Stop(SIGTERM);
   const std::vector<std::string> calls = StoredCalls(store);
   const std::vector<std::string> unrecognised = StoredUnrecognised(store);

@@ -78,7 +78,10 @@ std::string StoreFor(const Options& o, const std::string& dir,
 
 std::string HarnessConfig(const Options& o, const std::string& dir, const std::string& store,
                           const std::string& sources) {
-  const std::string config = WriteConfig(dir, store, "", sources);
+  // The re-send rule's horizon reaches over what the pusher sends again.
+  const std::string config = WriteConfig(
+      dir, store, "resend_horizon_records = " + std::to_string(std::max<int64_t>(1000, Resend(o))),
+      sources);
   std::string text = ReadFile(config);
   text.replace(text.find("fsync = \"interval\""), 18, "fsync = \"" + o.fsync + "\"");
   std::ofstream(config, std::ios::trunc) << text;
@@ -121,9 +124,7 @@ int RunPusher(const Options& o) {
       o, dir, store,
       "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " + std::to_string(port));
   const std::vector<std::string> expected = GenerateRecords(dir + "/records.txt", o.records);
-  // The pusher sends again what the last 0.2 s carried: more than a killed
-  // service can have taken from the socket without writing it to the spool.
-  const int64_t resend = std::max<int64_t>(50, o.rate / 5);
+  const int64_t resend = Resend(o);
   auto service = StartService(config, dir);
   Child pusher({EmulatorPath(), "ipoffice", "--port", std::to_string(port), "--records",
                 dir + "/records.txt", "--rate", std::to_string(o.rate), "--resend",
@@ -167,7 +168,9 @@ int RunPusher(const Options& o) {
   }
   const bool played =
       !pusher.WaitLine("played", std::chrono::seconds(120 + 2 * static_cast<int>(seconds))).empty();
-  WaitForRecords(store, expected.size());
+  // However long the service takes to store what it spooled (a slow build,
+  // a loaded machine), as long as it goes on storing.
+  const int64_t held = WaitForStore(store, expected.size(), std::chrono::seconds(30));
   const int stopped = service->Stop(SIGTERM);
 
   const std::vector<std::string> calls = StoredCalls(store);
@@ -199,7 +202,18 @@ int RunPusher(const Options& o) {
   const bool ok = played && stopped == 0 && lost == 0 && duplicated == 0 && foreign == 0 &&
                   fragments == static_cast<int64_t>(unrecognised.size()) && cuts >= o.cuts &&
                   kills >= o.kills;
-  if (!ok) std::printf("FAILED: see %s/service.log\n", dir.c_str());
+  if (!ok) {
+    if (!played) std::printf("the pusher did not play all its records\n");
+    if (held < static_cast<int64_t>(expected.size())) {
+      std::printf("the store held %lld records, unchanged for 30 s, when the service was stopped\n",
+                  static_cast<long long>(held));
+    }
+    for (const std::string& line :
+         Explain(RecordsInOrder(dir + "/records.txt"), calls, PushedConnections(said))) {
+      std::printf("%s\n", line.c_str());
+    }
+    std::printf("FAILED: see %s/service.log\n", dir.c_str());
+  }
   return ok ? 0 : 1;
 }
 

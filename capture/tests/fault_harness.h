@@ -2,6 +2,7 @@
 // writes to, and the comparison of what was sent with what was stored.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -39,6 +40,37 @@ std::string StoreFor(const Options& o, const std::string& dir,
 // The service's configuration for the run, with the fsync policy under test.
 std::string HarnessConfig(const Options& o, const std::string& dir, const std::string& store,
                           const std::string& sources);
+
+// The records the pusher sends again after each reconnection: those of the
+// last second, at least 200. A killed service loses what it had not read
+// from its socket yet, and the re-send is what brings it back: it must
+// reach back over the service's longest lag (the spooling of a slow build
+// on a loaded machine), not only over its usual one.
+int64_t Resend(const Options& o);
+
+// One connection of the pusher, as it told it: the records it carried, the
+// re-sent ones included (numbered from 1 in the pusher's order), and
+// whether it broke (a cut, or the service gone).
+struct Pushed {
+  int64_t first = 0, last = 0;
+  bool broke = false;
+};
+std::vector<Pushed> PushedConnections(const std::vector<std::string>& said);
+
+// One line for each run of records missing from `stored` (`in_order` is what
+// was pushed, in order): where they were last sent, and whether the service
+// had them to lose.
+std::vector<std::string> Explain(const std::vector<std::string>& in_order,
+                                 const std::vector<std::string>& stored,
+                                 const std::vector<Pushed>& connections);
+
+// The lines of a records file, in order.
+std::vector<std::string> RecordsInOrder(const std::string& path);
+
+// Waits until the store holds `count` records (calls and unrecognised),
+// however long that takes while the count still grows; gives up once it
+// has not moved for `stall`. Returns the count it last saw.
+int64_t WaitForStore(const std::string& store, size_t count, std::chrono::seconds stall);
 
 int RunPusher(const Options& o);
 int RunFileFaults(const Options& o);

@@ -6,6 +6,7 @@
 
 #include <fstream>
 #include <regex>
+#include <sstream>
 
 #include "capture_test.h"
 #include "service_support.h"
@@ -27,6 +28,27 @@ std::vector<int64_t> Waits(const std::string& log) {
     waits.push_back(std::stoll((*it)[1]));
   }
   return waits;
+}
+
+// The bytes the operating system holds unread for the established TCP
+// connections whose local port is `port` (on 127.0.0.1), from /proc/net/tcp.
+int64_t HeldForPort(int port) {
+  std::ifstream in("/proc/net/tcp");
+  std::string line;
+  std::getline(in, line);  // the heading
+  int64_t held = 0;
+  while (std::getline(in, line)) {
+    std::istringstream fields(line);
+    std::string slot, local, remote, state, queues;
+    fields >> slot >> local >> remote >> state >> queues;
+    const size_t colon = local.find(':');
+    if (colon == std::string::npos || state != "01" || queues.find(':') == std::string::npos) {
+      continue;
+    }
+    if (std::stoi(local.substr(colon + 1), nullptr, 16) != port) continue;
+    held += std::stoll(queues.substr(queues.find(':') + 1), nullptr, 16);
+  }
+  return held;
 }
 
 // A refused login is a failure: logged, shown in the status, retried with
@@ -114,7 +136,7 @@ TEST(CaptureOperation, AStopSpoolsWhatTheSystemHolds) {
   // All of it in the system's buffers: the service holds, and does not read.
   // (Its log cannot be written meanwhile: the limit holds for it too.)
   ASSERT_NE(pusher.WaitLine("played"), "");
-  std::this_thread::sleep_for(std::chrono::milliseconds(200));
+  ASSERT_TRUE(WaitFor([&] { return HeldForPort(port) > 0; }, std::chrono::seconds(60)));
   ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &saved, nullptr), 0);
   EXPECT_EQ(service->Stop(SIGTERM), 0);
   service = StartService(config, dir);  // stores what the stop spooled and did not store

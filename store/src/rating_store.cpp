@@ -132,10 +132,10 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
     size_t read = 0;
     db_->Run(sql, params, [&](const ResultRow& r) {
       last = r.Int(0);
-      switch_name = r.Text(1);
-      start = r.IsNull(4) ? "" : r.Text(4);
-      dialled = r.IsNull(6) ? "" : r.Text(6);
-      trunk = r.IsNull(7) ? "" : r.Text(7);
+      r.TextInto(1, switch_name);
+      r.TextInto(4, start);
+      r.TextInto(6, dialled);
+      r.TextInto(7, trunk);
       const StoredForPricing stored{static_cast<int32_t>(r.Int(2)),
                                     static_cast<int32_t>(r.Int(3)),
                                     &start,

@@ -39,6 +39,11 @@ class ResultRow {
   virtual bool IsNull(int column) const = 0;
   virtual int64_t Int(int column) const = 0;
   virtual std::string Text(int column) const = 0;
+  // The same into `out`, "" for NULL, reusing its storage (a loop over many
+  // rows then allocates nothing).
+  virtual void TextInto(int column, std::string& out) const {
+    out = IsNull(column) ? std::string() : Text(column);
+  }
 };
 
 using RowFn = std::function<void(const ResultRow&)>;

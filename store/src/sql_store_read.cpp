@@ -82,6 +82,45 @@ std::string DayText(const date::year_month_day& day) {
   return text;
 }
 
+// The directory's `column` for the call's `key` (an extension or account
+// code) as in force on the call's start date: the row of the latest date
+// not after it, a row without a date (always) otherwise.
+std::string DirectoryColumn(const char* kind, const char* key, const char* column) {
+  return std::string("(SELECT d.") + column + " FROM directory d WHERE d.kind = '" + kind +
+         "' AND d.entry_key = " + key +
+         " AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) "
+         "ORDER BY d.from_day DESC LIMIT 1)";
+}
+
+// A price's cost (exact decimal text, up to 6 decimals) as an integer of
+// millionths, in either engine's SQL: the digits without the point, scaled
+// by the decimals after it.
+std::string CostMillionths() {
+  const std::string decimals =
+      "(CASE WHEN k.cost LIKE '%.%' THEN length(k.cost) - length(rtrim(k.cost, '0123456789')) "
+      "ELSE 0 END)";
+  return "(CAST(replace(k.cost, '.', '') AS BIGINT) * CASE " + decimals +
+         " WHEN 0 THEN 1000000 WHEN 1 THEN 100000 WHEN 2 THEN 10000 WHEN 3 THEN 1000 "
+         "WHEN 4 THEN 100 WHEN 5 THEN 10 WHEN 6 THEN 1 END)";
+}
+
+std::string Lowercase(std::string text) {
+  for (char& ch : text) {
+    if (ch >= 'A' && ch <= 'Z') ch = static_cast<char>(ch - 'A' + 'a');
+  }
+  return text;
+}
+
+// A text matched literally by LIKE ... ESCAPE '!'.
+std::string LikeEscaped(const std::string& text) {
+  std::string out;
+  for (char ch : text) {
+    if (ch == '%' || ch == '_' || ch == '!') out += '!';
+    out += ch;
+  }
+  return out;
+}
+
 // The WHERE clause of a filter and its parameters.
 std::string Where(const CallFilter& f, std::vector<Value>* params) {
   std::string sql = " WHERE 1 = 1";
@@ -109,6 +148,16 @@ std::string Where(const CallFilter& f, std::vector<Value>* params) {
     if (!end.empty()) add("c.dialled <", end);
   }
   if (!f.account_code.empty()) add("c.account_code =", f.account_code);
+  if (!f.person.empty()) {
+    add(("lower(" + DirectoryColumn("extension", "c.extension", "person") + ") LIKE").c_str(),
+        "%" + LikeEscaped(Lowercase(f.person)) + "%");
+    sql += " ESCAPE '!'";
+  }
+  if (!f.department.empty()) {
+    add((DirectoryColumn("extension", "c.extension", "department") + " =").c_str(), f.department);
+  }
+  if (f.min_cost) add((CostMillionths() + " >=").c_str(), *f.min_cost);
+  if (f.max_cost) add((CostMillionths() + " <=").c_str(), *f.max_cost);
   return sql;
 }
 
@@ -120,16 +169,6 @@ std::optional<std::string> OptionalText(const ResultRow& r, int column) {
 std::optional<int64_t> OptionalInt(const ResultRow& r, int column) {
   if (r.IsNull(column)) return std::nullopt;
   return r.Int(column);
-}
-
-// The directory's `column` for the call's `key` (an extension or account
-// code) as in force on the call's start date: the row of the latest date
-// not after it, a row without a date (always) otherwise.
-std::string DirectoryColumn(const char* kind, const char* key, const char* column) {
-  return std::string("(SELECT d.") + column + " FROM directory d WHERE d.kind = '" + kind +
-         "' AND d.entry_key = " + key +
-         " AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) "
-         "ORDER BY d.from_day DESC LIMIT 1)";
 }
 
 }  // namespace

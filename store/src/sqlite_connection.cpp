@@ -43,6 +43,14 @@ class SqliteRow : public ResultRow {
                ? std::string()
                : std::string(text, static_cast<size_t>(sqlite3_column_bytes(stmt_, column)));
   }
+  void TextInto(int column, std::string& out) const override {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
+    if (text == nullptr) {
+      out.clear();
+    } else {
+      out.assign(text, static_cast<size_t>(sqlite3_column_bytes(stmt_, column)));
+    }
+  }
 
  private:
   sqlite3_stmt* stmt_;
@@ -76,8 +84,17 @@ class SqliteConnection : public Connection {
     sqlite3_busy_timeout(db_, kBusyTimeoutMs);
     // WAL survives a crash without a rollback journal and lets readers run
     // beside the writer; NORMAL syncs at checkpoints, which WAL keeps safe.
-    // The page cache (64 MiB at most) keeps the indexes' hot pages.
-    Script(std::string("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;") + kCache);
+    // The page cache (64 MiB at most) keeps the indexes' hot pages. A file
+    // that cannot take them (a full disk) fails the open: the connection is
+    // closed here, since no destructor runs for it (a service retrying an
+    // open every second would otherwise lose memory each time).
+    try {
+      Script(std::string("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL;") + kCache);
+    } catch (...) {
+      sqlite3_close(db_);
+      db_ = nullptr;
+      throw;
+    }
   }
   ~SqliteConnection() override {
     if (bulk_lock_ >= 0) ::close(bulk_lock_);

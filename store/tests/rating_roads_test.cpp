@@ -252,6 +252,39 @@ int64_t Count(Store& store, const std::string& sql) {
   return n;
 }
 
+// PostgreSQL imports through two connections at once, batches committed in
+// order: both meet each new label, neither waits for the other's
+// transaction, and every call costs what one writer makes it cost.
+TEST(RatingRoadsPostgres, TwoWritersPriceAMonthAsOneDoes) {
+  const std::string dir = velqua_store_testing::TempDir("rating-two-writers");
+  std::ifstream in(kExamples + "rating/office-de.toml", std::ios::binary);
+  const std::string tariff((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  Put(dir + "/a.toml", tariff);
+  Put(dir + "/b.toml", tariff);
+  const std::string plan = Put(dir + "/plan.toml", kPlan);
+  const std::string records = Put(dir + "/month.txt", MonthOfRecords());
+  ImportSettings settings;
+  settings.switch_name = "berlin";
+  settings.config = kExamples + "hicom/hicom.json";
+  settings.year = 2026;
+  settings.batch = 5;  // many batches, each of few calls: labels met at once
+  std::vector<std::vector<std::string>> prices;
+  for (const bool two : {false, true}) {
+    const std::string url = velqua_store_testing::PgTestServer::Shared().NewDatabase();
+    auto store = OpenStore(url);
+    store->PutRatingPlan(plan);
+    const auto more = two ? OpenMoreWriters(url) : std::vector<std::unique_ptr<Store>>();
+    ASSERT_EQ(more.size(), two ? 1u : 0u);
+    std::vector<Store*> writers;
+    for (const auto& writer : more) writers.push_back(writer.get());
+    Importer(*store, settings, writers).Import({records});
+    prices.push_back(Prices(*store));
+  }
+  ASSERT_EQ(prices[0].size(), 31u * 12u);
+  EXPECT_EQ(prices[1], prices[0]);
+  std::filesystem::remove_all(dir);
+}
+
 class CostsByCallTest : public ::testing::TestWithParam<velqua_store_testing::Engine> {};
 
 // A store whose prices were keyed by their call's source and position (and

@@ -30,6 +30,7 @@ struct Options {
   int64_t rotate_every = 0;  // file: rotate (rename to .1) after this many records
   int retry_ms = 200;        // ipoffice: wait between connection attempts
   int quiet_ms = 0;          // ipoffice: silent this long after each re-send (a quiet switch)
+  std::string hold;          // ipoffice: silent after a re-send while this file exists
 };
 
 // The records to play, in order: the file's lines (page headings included,

@@ -50,6 +50,8 @@ int main(int argc, char** argv) {
       ->capture_default_str();
   ipoffice->add_option("--quiet-ms", o.quiet_ms,
                        "Send nothing new for this long after each re-send (a quiet switch)");
+  ipoffice->add_option("--hold", o.hold,
+                       "After a re-send of records, send nothing new while this file exists");
   CLI::App* serial =
       app.add_subcommand("serial", "A serial SMDR port, through a pseudo-terminal pair");
   common(serial);

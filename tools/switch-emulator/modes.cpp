@@ -150,6 +150,10 @@ int RunIpOffice(const Options& o) {
     bool lost = false;
     for (const std::string& r : last) lost = lost || !Send(fd, r + "\r\n", o.one_byte);
     if (o.quiet_ms > 0) std::this_thread::sleep_for(std::chrono::milliseconds(o.quiet_ms));
+    // A quiet switch for as long as a test wants one, whatever the machine's load.
+    while (!last.empty() && !o.hold.empty() && ::access(o.hold.c_str(), F_OK) == 0) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
     while (more && !lost) {
       player.Pace();
       last.push_back(record);  // it may be lost with the connection: re-sent next time
@@ -162,6 +166,12 @@ int RunIpOffice(const Options& o) {
         Say("cut");
         lost = true;
       }
+    }
+    // Says how far the connection got, so that a test can tell which
+    // records a lost connection carried beyond the next one's re-send.
+    if (lost) {
+      Say("ipoffice: connection ended after record " +
+          std::to_string(player.played() - (more ? 1 : 0)));
     }
     if (!more && !lost) Linger(player);
   }

@@ -14,6 +14,10 @@
 #include "velqua/store/users.h"
 #include "velqua/web/server.h"
 #include "velqua/web/users.h"
+#ifdef VELQUA_CLI_HAS_CAPTURE
+#include "velqua/capture/status.h"
+#include "velqua/capture/status_report.h"
+#endif
 
 namespace velqua_cli {
 namespace {
@@ -56,6 +60,8 @@ void AddServeCommand(CLI::App& app, ServeOptions& options) {
                   "host:port to listen on (default 127.0.0.1:8080; another address than "
                   "loopback needs users)");
   cmd->add_option("--config", options.config, "A serve.toml (listen, TLS, limits)");
+  cmd->add_option("--capture", options.capture,
+                  "A capture service's configuration whose status the page shows (repeatable)");
 }
 
 void AddUserCommand(CLI::App& app, UserOptions& options) {
@@ -80,6 +86,12 @@ int RunServe(const ServeOptions& options) {
   o.db = options.db;
   if (!options.config.empty()) velqua_web::LoadServeConfig(options.config, o);
   if (!options.listen.empty()) o.listen = options.listen;
+  for (const std::string& config : options.capture) o.capture.push_back(config);
+#ifdef VELQUA_CLI_HAS_CAPTURE
+  o.capture_status = [](const std::string& config) {
+    return velqua_capture::CaptureStatusJson(config, velqua_capture::NowMicros());
+  };
+#endif
   // The server's threads inherit the blocked signals; this thread waits.
   sigset_t stop;
   sigemptyset(&stop);

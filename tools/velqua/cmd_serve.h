@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -12,8 +13,9 @@ namespace velqua_cli {
 
 struct ServeOptions {
   std::string db;
-  std::string listen;  // "": the configuration's, else 127.0.0.1:8080
-  std::string config;  // a serve.toml, or ""
+  std::string listen;                // "": the configuration's, else 127.0.0.1:8080
+  std::string config;                // a serve.toml, or ""
+  std::vector<std::string> capture;  // capture configurations, besides the file's
 };
 
 struct UserOptions {

@@ -6,12 +6,13 @@
 
 namespace velqua_web {
 
-std::string ApiRequest::Param(const std::string& name, const std::string& fallback) const {
+std::string QueryParam(const httplib::Request& http, const std::string& name,
+                       const std::string& fallback) {
   return http.has_param(name.c_str()) ? http.get_param_value(name.c_str()) : fallback;
 }
 
-int64_t ApiRequest::IntParam(const std::string& name, int64_t fallback, int64_t low,
-                             int64_t high) const {
+int64_t QueryInt(const httplib::Request& http, const std::string& name, int64_t fallback,
+                 int64_t low, int64_t high) {
   if (!http.has_param(name.c_str())) return fallback;
   const std::string text = http.get_param_value(name.c_str());
   size_t used = 0;
@@ -26,6 +27,15 @@ int64_t ApiRequest::IntParam(const std::string& name, int64_t fallback, int64_t 
                             " to " + std::to_string(high) + " is expected, not '" + text + "'");
   }
   return value;
+}
+
+std::string ApiRequest::Param(const std::string& name, const std::string& fallback) const {
+  return QueryParam(http, name, fallback);
+}
+
+int64_t ApiRequest::IntParam(const std::string& name, int64_t fallback, int64_t low,
+                             int64_t high) const {
+  return QueryInt(http, name, fallback, low, high);
 }
 
 // JSON answers name their charset: the HTTP library compresses a plain

@@ -36,6 +36,14 @@ class ApiError : public std::runtime_error {
   int status_;
 };
 
+// A request's query parameter, or `fallback` when absent.
+std::string QueryParam(const httplib::Request& http, const std::string& name,
+                       const std::string& fallback = "");
+// An integer query parameter in [low, high]; absent: `fallback`. Throws
+// ApiError 400 naming the parameter.
+int64_t QueryInt(const httplib::Request& http, const std::string& name, int64_t fallback,
+                 int64_t low, int64_t high);
+
 // One request as a handler sees it.
 struct ApiRequest {
   const httplib::Request& http;

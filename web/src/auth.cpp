@@ -4,10 +4,8 @@
 #include "velqua/store/users.h"
 
 namespace velqua_web {
-namespace {
 
-std::string CookieValue(const httplib::Request& request, const std::string& name) {
-  const std::string header = request.get_header_value("Cookie");
+std::string CookieValue(const std::string& header, const std::string& name) {
   size_t at = 0;
   while (at < header.size()) {
     size_t end = header.find(';', at);
@@ -22,11 +20,9 @@ std::string CookieValue(const httplib::Request& request, const std::string& name
   return "";
 }
 
-}  // namespace
-
 std::optional<Session> CurrentSession(ServerState& state, velqua_store::Store& store,
                                       const httplib::Request& request) {
-  const std::string token = CookieValue(request, kSessionCookie);
+  const std::string token = CookieValue(request.get_header_value("Cookie"), kSessionCookie);
   if (token.empty()) return std::nullopt;
   std::optional<Session> session = state.sessions.Find(token);
   if (!session) return std::nullopt;

@@ -18,6 +18,10 @@ struct ServerState;
 // The cookie that names a session.
 constexpr const char* kSessionCookie = "velqua_session";
 
+// The value of the cookie `name` in a Cookie header ("a=1; velqua_session=x"),
+// "" when it has none.
+std::string CookieValue(const std::string& header, const std::string& name);
+
 // The request's session, if it has a live one: a user's session whose user
 // still exists (with the user's current role), or the open session of a
 // loopback server whose store still has no users.

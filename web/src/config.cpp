@@ -27,6 +27,25 @@ void ReadCount(const toml::table& t, const char* key, int64_t low, int64_t high,
   }
 }
 
+// A list of texts; relative paths are taken from the folder of `path`.
+void ReadPaths(const toml::table& t, const char* key, std::vector<std::string>& out,
+               const std::string& path) {
+  const toml::node* n = t.get(key);
+  if (n == nullptr) return;
+  const toml::array* list = n->as_array();
+  if (list == nullptr) throw ServeError(path + ": '" + key + "' must be a list of file names");
+  const size_t slash = path.rfind('/');
+  const std::string folder = slash == std::string::npos ? "" : path.substr(0, slash + 1);
+  out.clear();
+  for (const toml::node& item : *list) {
+    const std::optional<std::string> v = item.value<std::string>();
+    if (!item.is_string() || v->empty()) {
+      throw ServeError(path + ": '" + key + "' must be a list of file names");
+    }
+    out.push_back(v->front() == '/' ? *v : folder + *v);
+  }
+}
+
 }  // namespace
 
 void LoadServeConfig(const std::string& path, ServeOptions& o) {
@@ -38,7 +57,7 @@ void LoadServeConfig(const std::string& path, ServeOptions& o) {
                      std::string(e.description()));
   }
   static const char* const kKeys[] = {"listen",          "tls_cert",    "tls_key", "body_limit",
-                                      "session_minutes", "connections", "threads"};
+                                      "session_minutes", "connections", "threads", "capture"};
   for (const auto& [key, node] : t) {
     bool known = false;
     for (const char* k : kKeys) known = known || key.str() == k;
@@ -51,6 +70,7 @@ void LoadServeConfig(const std::string& path, ServeOptions& o) {
   ReadCount(t, "session_minutes", 1, 60 * 24 * 30, o.session_minutes, path);
   ReadCount(t, "connections", 1, 64, o.connections, path);
   ReadCount(t, "threads", 4, 1024, o.threads, path);
+  ReadPaths(t, "capture", o.capture, path);
 }
 
 void SplitListen(const std::string& listen, std::string* host, int* port) {

@@ -91,4 +91,12 @@ void LiveFeed::Watch() {
   }
 }
 
+int64_t LastEventId(const std::string& text, int64_t fallback) {
+  if (text.empty() || text.size() > 18 ||
+      text.find_first_not_of("0123456789") != std::string::npos) {
+    return fallback;
+  }
+  return std::stoll(text);
+}
+
 }  // namespace velqua_web

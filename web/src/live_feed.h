@@ -50,4 +50,8 @@ class LiveFeed {
   std::thread thread_;
 };
 
+// The feed number a reconnecting browser's Last-Event-ID header names, or
+// `fallback` when the header is absent or not a number of up to 18 digits.
+int64_t LastEventId(const std::string& header, int64_t fallback);
+
 }  // namespace velqua_web

@@ -12,6 +12,10 @@ void RegisterRoutes(Api& api) {
   RegisterDashboardRoutes(api);
   RegisterDirectoryRoutes(api);
   RegisterEditorRoutes(api);
+#ifdef VELQUA_WEB_HAS_REPORTS
+  RegisterReportRoutes(api);
+#endif
+  RegisterCaptureRoutes(api);
 }
 
 }  // namespace velqua_web

@@ -13,6 +13,8 @@ void RegisterLiveRoutes(Api& api);       // /api/live (server-sent events)
 void RegisterDashboardRoutes(Api& api);  // /api/dashboard
 void RegisterDirectoryRoutes(Api& api);  // /api/directory, /api/tariffs
 void RegisterEditorRoutes(Api& api);     // /api/editor: the layout editor
+void RegisterReportRoutes(Api& api);     // /api/reports: every kind, in every form
+void RegisterCaptureRoutes(Api& api);    // /api/capture: the capture services' status
 
 // Every area's routes.
 void RegisterRoutes(Api& api);

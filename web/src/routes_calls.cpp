@@ -2,6 +2,7 @@
 // record, translation and price, and what is shown as CSV.
 #include "api.h"
 #include "call_json.h"
+#include "call_query.h"
 #include "routes.h"
 #include "velqua/records/names.h"
 #include "velqua/store/aggregates.h"
@@ -9,52 +10,6 @@
 
 namespace velqua_web {
 namespace {
-
-constexpr int64_t kExportLimit = 100000;  // calls a CSV export holds at most
-
-std::optional<int32_t> TypeOf(const std::string& word) {
-  if (word.empty()) return std::nullopt;
-  for (int32_t v = 0; *velqua_records::CallTypeWord(v) != '\0'; ++v) {
-    if (word == velqua_records::CallTypeWord(v)) return v;
-  }
-  throw ApiError(400, "parameter 'type': unknown call type '" + word + "'");
-}
-
-velqua_store::CallSort SortOf(const std::string& word) {
-  using velqua_store::CallSort;
-  static const std::pair<const char*, CallSort> kSorts[] = {
-      {"start", CallSort::kStart},         {"duration", CallSort::kDuration},
-      {"extension", CallSort::kExtension}, {"number", CallSort::kDialled},
-      {"trunk", CallSort::kTrunk},         {"cost", CallSort::kCost}};
-  for (const auto& [name, sort] : kSorts) {
-    if (word == name) return sort;
-  }
-  throw ApiError(400, "parameter 'sort': use start, duration, extension, number, trunk or cost");
-}
-
-velqua_store::CallQuery QueryOf(const ApiRequest& r) {
-  velqua_store::CallQuery q;
-  velqua_store::CallFilter& f = q.filter;
-  f.from = r.Param("from");
-  f.to = r.Param("to");
-  f.switch_name = r.Param("switch");
-  f.extension = r.Param("extension");
-  f.trunk = r.Param("trunk");
-  f.number_prefix = r.Param("number");
-  f.account_code = r.Param("account");
-  f.type = TypeOf(r.Param("type"));
-  if (r.Param("unanswered") == "1") f.attribute = 4;
-  if (r.http.has_param("min_duration")) {
-    f.min_duration = r.IntParam("min_duration", 0, 0, int64_t{1} << 40);
-  }
-  q.sort = SortOf(r.Param("sort", "start"));
-  const std::string order = r.Param("order", "desc");
-  if (order != "asc" && order != "desc") throw ApiError(400, "parameter 'order': asc or desc");
-  q.descending = order == "desc";
-  q.offset = r.IntParam("offset", 0, 0, int64_t{1} << 40);
-  q.limit = r.IntParam("limit", 50, 1, 1000);
-  return q;
-}
 
 // A CSV field; one that a spreadsheet would take for a formula ('=', '@')
 // is given a leading apostrophe. '+' and '-' stay: numbers dialled begin so.
@@ -105,14 +60,14 @@ void RegisterSwitchRoutes(Api& api) {
 
 void RegisterCallRoutes(Api& api) {
   api.Get("/api/calls", Access::kViewer, [](ApiRequest& r) {
-    const velqua_store::CallQuery q = QueryOf(r);
+    const velqua_store::CallQuery q = CallQueryOf(r.http);
     const velqua_store::CallPage page = velqua_store::SearchCalls(r.store, q);
     nlohmann::json calls = nlohmann::json::array();
     for (const auto& c : page.calls) calls.push_back(CallJson(c));
     r.Reply({{"calls", calls}, {"offset", q.offset}, {"more", page.more}});
   });
   api.Get("/api/calls/export.csv", Access::kViewer, [](ApiRequest& r) {
-    velqua_store::CallQuery q = QueryOf(r);
+    velqua_store::CallQuery q = CallQueryOf(r.http);
     q.offset = 0;
     q.limit = kExportLimit;
     const velqua_store::CallPage page = velqua_store::SearchCalls(r.store, q);

@@ -8,15 +8,6 @@
 namespace velqua_web {
 namespace {
 
-int64_t LastEventId(const httplib::Request& http, int64_t fallback) {
-  const std::string text = http.get_header_value("Last-Event-ID");
-  if (text.empty() || text.size() > 18 ||
-      text.find_first_not_of("0123456789") != std::string::npos) {
-    return fallback;
-  }
-  return std::stoll(text);
-}
-
 bool Send(httplib::DataSink& sink, const std::string& text) {
   return sink.write(text.data(), text.size());
 }
@@ -27,7 +18,7 @@ void RegisterLiveRoutes(Api& api) {
   ServerState& state = api.state();
   api.Get("/api/live", Access::kViewer, [&state](ApiRequest& r) {
     LiveFeed& feed = *state.live;
-    int64_t last = LastEventId(r.http, feed.Latest());
+    int64_t last = LastEventId(r.http.get_header_value("Last-Event-ID"), feed.Latest());
     r.response.set_header("X-Accel-Buffering", "no");  // a proxy passes each event at once
     r.response.set_chunked_content_provider(
         "text/event-stream", [&feed, last](size_t, httplib::DataSink& sink) mutable {

@@ -55,7 +55,7 @@ nlohmann::json ApiClient::Json(const std::string& path) {
   return nlohmann::json::parse(r->body, nullptr, false);
 }
 
-void WebTest::Start(bool with_users) {
+void WebTest::Start(bool with_users, const std::function<void(velqua_web::ServeOptions&)>& adjust) {
   if (with_users) {
     velqua_web::AddUser(*store_, "ann", "admin", "secret-password");
     velqua_web::AddUser(*store_, "vic", "viewer", "secret-password");
@@ -66,6 +66,7 @@ void WebTest::Start(bool with_users) {
   options.body_limit = 4096;
   options.connections = 2;
   options.threads = 8;
+  if (adjust) adjust(options);
   server_ = std::make_unique<RunningServer>(options);
   client_ = std::make_unique<ApiClient>(server_->port());
 }

@@ -6,6 +6,7 @@
 
 #include <httplib.h>
 
+#include <functional>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -56,8 +57,10 @@ class ApiClient {
 // "vic" (viewer), both with password "secret-password", and a server on it.
 class WebTest : public velqua_store_testing::StoreTest {
  protected:
-  // Starts the server (after the test has filled the store as it needs).
-  void Start(bool with_users = true);
+  // Starts the server (after the test has filled the store as it needs);
+  // `adjust` changes the test's options first.
+  void Start(bool with_users = true,
+             const std::function<void(velqua_web::ServeOptions&)>& adjust = {});
 
   std::unique_ptr<RunningServer> server_;
   std::unique_ptr<ApiClient> client_;

@@ -40,3 +40,14 @@ export function duration(seconds) {
 export function failure(error) {
   return h('p', { class: 'error', role: 'alert' }, error.message || String(error));
 }
+
+// A call's cost cell: its cost and currency, or, when it has none, why
+// (the price's reason: "no tariff for +99...", or "not priced" when no
+// rating plan priced it), so an empty cell is never left unexplained.
+export function costCell(call) {
+  if (call.cost !== null && call.cost !== undefined) {
+    return h('td', { class: 'num' }, `${call.cost} ${call.currency || ''}`);
+  }
+  const why = call.cost_reason || 'not priced';
+  return h('td', { class: 'num why', title: why }, why);
+}

@@ -7,7 +7,9 @@ import dashboard from './views/dashboard.js';
 import live from './views/live.js';
 import calls from './views/calls.js';
 import switches from './views/switches.js';
+import reports from './views/reports.js';
+import capture from './views/capture.js';
 import directory from './views/directory.js';
 import configurations from './views/configurations.js';
 
-export const views = [dashboard, live, calls, switches, directory, configurations];
+export const views = [dashboard, live, calls, reports, switches, capture, directory, configurations];

@@ -1,7 +1,8 @@
 // The browser checks, one a behaviour. Each gets { page, url, db, login,
 // velqua, shot } and throws when the page does not do what it should.
 import assert from 'node:assert/strict';
-import { readFileSync, writeFileSync } from 'node:fs';
+import { appendFileSync, readFileSync, writeFileSync } from 'node:fs';
+import { spawn } from 'node:child_process';
 import { join } from 'node:path';
 import { tmpdir } from 'node:os';
 import { editorChecks } from './editor_checks.mjs';
@@ -10,6 +11,32 @@ import { editorChecks } from './editor_checks.mjs';
 function storedCalls(velqua, db, args = []) {
   const lines = velqua(['calls', '--db', db, '--format', 'csv', ...args]).trim().split('\n');
   return lines.slice(1);
+}
+
+// The store's calls as objects keyed by `velqua calls --format csv`'s header.
+function storedCallRows(velqua, db) {
+  const rows = [];
+  const text = velqua(['calls', '--db', db, '--format', 'csv']);
+  let row = [], field = '', quoted = false;
+  for (let i = 0; i < text.length; i++) {
+    const ch = text[i];
+    if (quoted) {
+      if (ch === '"' && text[i + 1] === '"') { field += '"'; i++; } else if (ch === '"') quoted = false;
+      else field += ch;
+    } else if (ch === '"') quoted = true;
+    else if (ch === ',') { row.push(field); field = ''; }
+    else if (ch === '\n') { row.push(field.replace(/\r$/, '')); rows.push(row); row = []; field = ''; }
+    else field += ch;
+  }
+  const [head, ...body] = rows;
+  return body.map((r) => Object.fromEntries(head.map((k, i) => [k, r[i]])));
+}
+
+// An amount in millionths, exactly, as a BigInt.
+function millionths(text) {
+  const [whole, fraction = ''] = text.replace('-', '').split('.');
+  const value = BigInt(whole) * 1000000n + BigInt(fraction.padEnd(6, '0'));
+  return text.startsWith('-') ? -value : value;
 }
 
 // Imports one new Hicom call dialling `number`; when this returns it is stored.
@@ -69,6 +96,10 @@ export const checks = [
       const stored = Date.now();
       await page.waitForSelector(`#view-live tbody tr:first-child td:text("${number}")`, { timeout: 1000 });
       console.log(`     live: shown ${Date.now() - stored} ms after it was stored`);
+      // A call no tariff prices shows why in its cost cell.
+      storeOneCall(velqua, db, source, '0099912345');
+      await page.waitForSelector('#view-live tbody tr:first-child td.why:text("no tariff")', { timeout: 1000 });
+      await shot('live');
       await shot('live');
       await page.click('nav a[href="#/calls"]');
       await page.fill('#f-number', number.slice(0, 7));
@@ -83,6 +114,29 @@ export const checks = [
       await page.waitForSelector('#view-calls pre.raw');
       assert.ok((await page.textContent('#view-calls pre.raw')).includes(number));
       await shot('call');
+    },
+  },
+  {
+    name: 'calls-search-by-person-department-and-cost-and-export-xlsx',
+    async run({ page, db, login, velqua, shot }) {
+      await login('vic');
+      await page.click('nav a[href="#/calls"]');
+      await page.fill('#f-person', 'weber');
+      await page.fill('#f-department', 'Sales');
+      await page.fill('#f-min_cost', '0.05');
+      await page.click('#view-calls form button[type=submit]');
+      const expected = storedCallRows(velqua, db).filter((c) => c.person.toLowerCase().includes('weber')
+        && c.department === 'Sales' && c.cost !== '' && millionths(c.cost) >= 50000n);
+      assert.ok(expected.length > 0, 'the example store holds no such call');
+      await page.waitForFunction((n) => document.querySelectorAll('#view-calls tbody tr').length === n,
+        expected.length);
+      const costs = await page.locator('#view-calls tbody td:last-child').allTextContents();
+      assert.deepEqual(costs.map((t) => t.split(' ')[0]).sort(), expected.map((c) => c.cost).sort());
+      const [download] = await Promise.all([page.waitForEvent('download'), page.click('#export-xlsx')]);
+      assert.equal(download.suggestedFilename(), 'calls.xlsx');
+      const bytes = readFileSync(await download.path());
+      assert.equal(bytes.subarray(0, 4).toString('latin1'), 'PK\x03\x04');
+      await shot('calls-search');
     },
   },
   {
@@ -119,6 +173,57 @@ export const checks = [
       assert.equal(cells[0], 'hicom');
       assert.equal(Number(cells[1]), storedCalls(velqua, db).length);
       await shot('switches');
+    },
+  },
+  {
+    name: 'reports-shows-a-report-and-downloads-it-as-pdf-and-xlsx',
+    async run({ page, db, login, velqua, shot }) {
+      await login('vic');
+      await page.click('nav a[href="#/reports"]');
+      await page.waitForSelector('#r-kind option[value="traffic"]', { state: 'attached' });
+      await page.selectOption('#r-kind', 'extensions');
+      await page.fill('#r-from', '2026-03-01');
+      await page.fill('#r-to', '2026-03-31');
+      await page.click('#view-reports form button[type=submit]');
+      await page.locator('#view-reports table.report tr.total').waitFor();
+      const heads = await page.locator('#view-reports table.report th').allTextContents();
+      const total = page.locator('#view-reports table.report tr.total td').nth(heads.indexOf('calls'));
+      const stored = storedCalls(velqua, db, ['--from', '2026-03-01', '--to', '2026-03-31']).length;
+      assert.equal(Number(await total.textContent()), stored);
+      await page.waitForFunction(() => document.querySelector('#view-reports img.chart')?.naturalWidth > 0);
+      for (const [format, magic] of [['pdf', '%PDF-'], ['xlsx', 'PK\x03\x04']]) {
+        const [download] = await Promise.all([page.waitForEvent('download'), page.click(`#report-${format}`)]);
+        assert.equal(download.suggestedFilename(), `extensions-2026-03-01-2026-03-31.${format}`);
+        const bytes = readFileSync(await download.path());
+        assert.equal(bytes.subarray(0, magic.length).toString('latin1'), magic);
+        assert.ok(bytes.length > 1000, `${format}: ${bytes.length} bytes`);
+      }
+      await shot('reports');
+    },
+  },
+  {
+    name: 'capture-shows-each-source-and-warns-of-a-silent-one',
+    async run({ page, login, capture, program, shot }) {
+      await login('vic');
+      await page.click('nav a[href="#/capture"]');
+      // Before the service runs, the page says so.
+      await page.waitForSelector('#view-capture [data-health="CRITICAL"]');
+      const service = spawn(program, ['capture', '--config', capture.config], { stdio: 'ignore' });
+      try {
+        const row = page.locator('#view-capture tbody tr', { hasText: 'smdr-log' });
+        await row.locator('td:text("connected")').waitFor({ timeout: 15000 });
+        appendFileSync(capture.log,
+          `10.03.26 12:30:00   2     24       00:02:10 ${'0301777666'.padEnd(28)}0.20  2\n`);
+        await row.locator('[data-count=records]:text("1")').waitFor({ timeout: 15000 });
+        // Its limit is 1 s: silent soon after the record; pbx never answers.
+        const warnings = page.locator('#view-capture ul.warnings');
+        await warnings.locator('li.silent', { hasText: 'smdr-log: silent for' }).waitFor({ timeout: 15000 });
+        assert.match(await warnings.textContent(), /pbx: never connected/);
+        assert.equal(await page.locator('#view-capture [data-health]').textContent(), 'WARNING');
+        await shot('capture');
+      } finally {
+        service.kill('SIGTERM');
+      }
     },
   },
   ...editorChecks,

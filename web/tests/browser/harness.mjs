@@ -2,9 +2,9 @@
 // `velqua serve` on a free loopback port, and Debian's chromium driven
 // headless through playwright-core.
 import { spawn, execFileSync } from 'node:child_process';
-import { mkdtempSync, mkdirSync, rmSync } from 'node:fs';
+import { mkdtempSync, mkdirSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
-import { join } from 'node:path';
+import { join, resolve } from 'node:path';
 import { chromium } from 'playwright-core';
 
 export const PASSWORD = 'secret-password';
@@ -29,9 +29,25 @@ export function makeStore(program, source) {
   return { dir, db, remove: () => rmSync(dir, { recursive: true, force: true }) };
 }
 
+// A capture service's configuration beside the store: switch "hicom" with a
+// followed file (silent after 1 s) and a TCP source nothing answers on.
+export function makeCapture(store, source) {
+  const log = join(store.dir, 'smdr.log');
+  writeFileSync(log, '');
+  const config = join(store.dir, 'capture.toml');
+  writeFileSync(config, [
+    `store = "${store.db}"`, `spool = "${join(store.dir, 'spool')}"`,
+    '[[switch]]', 'name = "hicom"', `config = "${resolve(source, 'examples/hicom/hicom.json')}"`,
+    '[[switch.source]]', 'name = "smdr-log"', 'kind = "file-follow"', `path = "${log}"`,
+    'silence_warning = "1s"',
+    '[[switch.source]]', 'name = "pbx"', 'kind = "tcp-connect"', 'host = "127.0.0.1"', 'port = 9',
+    ''].join('\n'));
+  return { config, log };
+}
+
 // Starts `velqua serve` on a free port; resolves to { url, stop }.
-export function serve(program, db) {
-  const child = spawn(program, ['serve', '--db', db, '--listen', '127.0.0.1:0'],
+export function serve(program, db, extra = []) {
+  const child = spawn(program, ['serve', '--db', db, '--listen', '127.0.0.1:0', ...extra],
     { stdio: ['ignore', 'pipe', 'pipe'] });
   let errors = '';
   child.stderr.on('data', (d) => { errors += d; });

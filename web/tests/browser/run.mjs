@@ -4,7 +4,7 @@
 //   node run.mjs --velqua build/tools/velqua/velqua --source . --out build/web-screenshots
 import { parseArgs } from 'node:util';
 import { join } from 'node:path';
-import { makeStore, serve, launch, login, velqua, ensureDir } from './harness.mjs';
+import { makeStore, makeCapture, serve, launch, login, velqua, ensureDir } from './harness.mjs';
 import { checks } from './checks.mjs';
 
 const { values } = parseArgs({ options: {
@@ -14,7 +14,8 @@ const out = ensureDir(values.out);
 const store = makeStore(values.velqua, values.source);
 // The configurations the editor stores for a switch go beside the store.
 process.env.VELQUA_CONFIGS = join(store.dir, 'configs');
-const server = await serve(values.velqua, store.db);
+const capture = makeCapture(store, values.source);
+const server = await serve(values.velqua, store.db, ['--capture', capture.config]);
 const browser = await launch();
 let failed = 0;
 try {
@@ -24,7 +25,8 @@ try {
       acceptDownloads: true });
     const page = await context.newPage();
     const env = {
-      page, url: server.url, db: store.db, out, source: values.source,
+      page, url: server.url, db: store.db, out, source: values.source, capture,
+      program: values.velqua,
       login: (name) => login(page, server.url, name),
       velqua: (args, input) => velqua(values.velqua, args, input),
       shot: (name) => page.screenshot({ path: join(out, `${name}.png`), fullPage: true }),

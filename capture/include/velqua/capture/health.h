@@ -37,4 +37,16 @@ constexpr int64_t kStatusStaleMicros = 10 * 1000000;
 HealthReport AssessHealth(const ServiceState& state, const ServiceSettings& settings,
                           int64_t now_us);
 
+// Why one configured source is not up ("never connected", "disconnected
+// since ...", "silent for 75 minutes (since ...)"), or "" when it is up, by
+// the rule AssessHealth applies to each source.
+std::string SourceProblem(const ServiceState& state, const SourceSettings& source, int64_t now_us);
+
+// A source's silence limit in microseconds (0: none).
+int64_t SilenceMicros(const SourceSettings& source);
+
+// Since when a stream has been quiet: its last byte, or its connection when
+// nothing came yet.
+int64_t QuietSinceMicros(const StreamStatus& s);
+
 }  // namespace velqua_capture

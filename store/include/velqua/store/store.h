@@ -115,6 +115,14 @@ struct CallFilter {
   std::optional<int64_t> min_duration;  // seconds; a call without a duration is left out
   std::string number_prefix;            // the dialled number starts with it
   std::string account_code;
+  // The directory's entry of the call's extension on its start date: its
+  // person contains `person` (ASCII letters in any case), its department is
+  // `department`.
+  std::string person, department;
+  // The call's cost, in millionths of its currency's unit, is at least / at
+  // most this (compared exactly, whatever the currency); a call without a
+  // cost is left out.
+  std::optional<int64_t> min_cost, max_cost;
   bool unpriced = false;  // only calls kept without a cost (velqua rate --unpriced)
   int64_t limit = 0;      // 0 = no limit
 };

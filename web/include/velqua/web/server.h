@@ -9,8 +9,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "velqua/records/common.h"
 
@@ -31,10 +33,17 @@ struct ServeOptions {
   int64_t session_minutes = 480;          // a session ends after this long unused
   int64_t connections = 4;                // store connections the requests share
   int64_t threads = 64;                   // requests served at once (live pages hold one each)
+  // The capture services whose status the Capture view shows: their
+  // configuration files, and what reads a service's status as JSON from its
+  // configuration (the program gives the capture layer's reader; unset:
+  // the view says capture status is not available).
+  std::vector<std::string> capture;
+  std::function<std::string(const std::string& config)> capture_status;
 };
 
 // Reads a serve configuration (TOML) into `options`: listen, tls_cert,
-// tls_key, body_limit, session_minutes, connections, threads; keys it does
+// tls_key, body_limit, session_minutes, connections, threads, capture (a
+// list of capture configurations, relative to the file's folder); keys it does
 // not set keep their value. Throws ServeError naming the file, and the key
 // or line, on a file that cannot be read, a malformed file, an unknown key
 // or a value of the wrong kind or out of range.

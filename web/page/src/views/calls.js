@@ -1,13 +1,15 @@
 // Calls: search the store's calls, sort, page through them, export what is
-// shown as CSV, and open a call's raw record and how it was read and priced.
+// shown as CSV or XLSX, and open a call's raw record and how it was read and priced.
 import { api, address } from '../api.js';
-import { h, fill, failure, duration } from '../dom.js';
+import { h, fill, failure, duration, costCell } from '../dom.js';
 
 const PAGE = 50;
 const FIELDS = [
   ['from', 'From', 'date'], ['to', 'To', 'date'], ['switch', 'Switch', 'text'],
-  ['extension', 'Extension', 'text'], ['number', 'Number starts with', 'text'],
+  ['extension', 'Extension', 'text'], ['person', 'Person', 'text'],
+  ['department', 'Department', 'text'], ['number', 'Number starts with', 'text'],
   ['trunk', 'Trunk', 'text'], ['account', 'Account code', 'text'],
+  ['min_cost', 'Cost from', 'money'], ['max_cost', 'Cost to', 'money'],
 ];
 const TYPES = ['', 'incoming', 'outgoing', 'internal', 'trunk-to-trunk', 'account-code', 'transferred'];
 const COLUMNS = [
@@ -52,6 +54,7 @@ export default {
       return p;
     };
     const exportLink = h('a', { class: 'button secondary', id: 'export-csv', download: 'calls.csv' }, 'Export CSV');
+    const sheetLink = h('a', { class: 'button secondary', id: 'export-xlsx', download: 'calls.xlsx' }, 'Export XLSX');
     const open = async (id) => {
       try {
         fill(opened, detail(await api.get(`/api/calls/${id}`)));
@@ -78,10 +81,11 @@ export default {
         h('td', {}, c.switch), h('td', {}, c.type), h('td', {}, c.extension || ''),
         h('td', {}, c.person || ''), h('td', {}, c.dialled || ''), h('td', {}, c.trunk || ''),
         h('td', { class: 'num' }, duration(c.duration)),
-        h('td', { class: 'num' }, c.cost === null ? '' : `${c.cost} ${c.currency || ''}`)))));
+        costCell(c)))));
     async function search() {
       const p = params();
       exportLink.setAttribute('href', address('/api/calls/export.csv', p));
+      sheetLink.setAttribute('href', address('/api/calls/export.xlsx', p));
       try {
         const page = await api.get('/api/calls', { ...p, offset, limit: PAGE });
         fill(results, page.calls.length ? table(page.calls) : h('p', {}, 'No call matches.'));
@@ -99,11 +103,13 @@ export default {
     inputs.type = h('select', { id: 'f-type', name: 'type' }, TYPES.map((t) => h('option', { value: t }, t || 'any')));
     const form = h('form', { class: 'filters', onsubmit: (e) => { e.preventDefault(); offset = 0; search(); } },
       FIELDS.map(([key, label, type]) => {
-        inputs[key] = h('input', { id: `f-${key}`, name: key, type });
+        inputs[key] = type === 'money'
+          ? h('input', { id: `f-${key}`, name: key, type: 'text', inputmode: 'decimal', size: 8 })
+          : h('input', { id: `f-${key}`, name: key, type });
         return h('label', { for: `f-${key}` }, label, inputs[key]);
       }),
       h('label', { for: 'f-type' }, 'Type', inputs.type),
-      h('button', { type: 'submit' }, 'Search'), exportLink);
+      h('button', { type: 'submit' }, 'Search'), exportLink, sheetLink);
     fill(root, form, results, pager, opened);
     search();
   },

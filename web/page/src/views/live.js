@@ -2,7 +2,7 @@
 // Rows are added above a table of fixed row height, so nothing the reader
 // looks at jumps; at most 200 are kept.
 import { api } from '../api.js';
-import { h, fill, failure, duration } from '../dom.js';
+import { h, fill, failure, duration, costCell } from '../dom.js';
 
 const KEEP = 200;
 
@@ -17,7 +17,7 @@ function row(e) {
     h('td', {}, e.attribute === 'unanswered' ? `${e.type}, unanswered` : e.type),
     h('td', {}, e.extension || ''), h('td', {}, e.dialled || ''),
     h('td', { class: 'num' }, duration(e.duration)),
-    h('td', { class: 'num' }, e.cost === null ? '' : `${e.cost} ${e.currency || ''}`));
+    costCell(e));
 }
 
 export default {

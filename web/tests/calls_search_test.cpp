@@ -1,0 +1,170 @@
+// The Calls view's search by the directory (person, department, as in force
+// on the call's day) and by cost (exact), against what the store says of
+// each call, and its spreadsheet export, on both engines.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "call_query.h"
+#include "web_test_support.h"
+
+namespace velqua_web_testing {
+namespace {
+
+using velqua_store::StoredCall;
+using velqua_store_testing::Call;
+using velqua_store_testing::EngineName;
+
+velqua_rating::DirectoryEntry Person(const std::string& extension, const std::string& person,
+                                     const std::string& department, const std::string& from = "") {
+  velqua_rating::DirectoryEntry e;
+  e.key = extension;
+  e.person = person;
+  e.department = department;
+  e.from = from;
+  return e;
+}
+
+class CallsSearchTest : public WebTest {
+ protected:
+  // Priced calls of four extensions; 204 moves from Support to Finance on
+  // March 10th; one number has no tariff.
+  void Fill() {
+    store_->PutRatingPlan(VELQUA_SOURCE_DIR "/examples/rating/hicom-plan.toml");
+    store_->PutDirectory({Person("201", "Anna Weber", "Sales"),
+                          Person("202", "Jonas WEBER", "Sales"),
+                          Person("203", "Lena 100%", "Support"), Person("204", "Paul", "Support"),
+                          Person("204", "Paul", "Finance", "2026-03-10")});
+    const velqua_store::Source source = NewSource("hicom", "serial");
+    std::vector<velqua_store::Record> records = {
+        Call(1, "201", "2026-03-09 09:10:00", "01", "0301111"),
+        Call(2, "202", "2026-03-09 09:40:00", "02", "0049301234"),
+        Call(3, "203", "2026-03-09 10:00:00", "01", "0891234567"),
+        Call(4, "204", "2026-03-09 10:30:00", "03", "0301112"),
+        Call(5, "204", "2026-03-10 11:00:00", "01", "00999123"),
+        Call(6, "204", "2026-03-11 12:00:00", "01", "0049891111"),
+        Call(7, "205", "2026-03-11 13:00:00", "01", "0301113")};
+    const int32_t durations[] = {42, 600, 3600, 5, 60, 1800, 120};
+    for (size_t i = 0; i < records.size(); ++i) records[i].row.duration = durations[i];
+    store_->Write(source, records, std::nullopt);
+    store_->ListCalls({}, [&](const StoredCall& c) { calls_.push_back(c); });
+    Start();
+    ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
+  }
+
+  std::vector<int64_t> Expected(const std::function<bool(const StoredCall&)>& keep) const {
+    std::vector<int64_t> ids;
+    for (const StoredCall& c : calls_) {
+      if (keep(c)) ids.push_back(c.id);
+    }
+    std::sort(ids.begin(), ids.end());
+    return ids;
+  }
+
+  std::vector<int64_t> Found(const std::string& query) {
+    std::vector<int64_t> ids;
+    const nlohmann::json page = client_->Json("/api/calls?limit=1000&" + query);
+    for (const auto& c : page["calls"]) {
+      ids.push_back(c["id"]);
+    }
+    std::sort(ids.begin(), ids.end());
+    return ids;
+  }
+
+  std::vector<StoredCall> calls_;
+};
+
+int64_t Millionths(const StoredCall& c) { return *velqua_web::MillionthsOf(*c.cost); }
+
+TEST_P(CallsSearchTest, PersonDepartmentAndCostSelectWhatTheStoreSaysOfEachCall) {
+  Fill();
+  // A cost one call has exactly: the range of that one amount finds it.
+  std::string some_cost;
+  for (const StoredCall& c : calls_) {
+    if (c.cost && *c.cost != "0" && some_cost.empty()) some_cost = *c.cost;
+  }
+  ASSERT_FALSE(some_cost.empty()) << "no call was priced";
+  const int64_t exact = *velqua_web::MillionthsOf(some_cost);
+  const auto has = [](const std::optional<std::string>& v, const std::string& text) {
+    return v && *v == text;
+  };
+  struct Row {
+    std::string query;
+    std::function<bool(const StoredCall&)> keep;
+    size_t at_least;
+  };
+  const Row rows[] = {
+      {"person=weber",
+       [](const StoredCall& c) { return c.extension == "201" || c.extension == "202"; }, 2},
+      {"person=100%25", [&](const StoredCall& c) { return has(c.person, "Lena 100%"); }, 1},
+      {"person=_", [](const StoredCall&) { return false; }, 0},
+      {"department=Sales", [&](const StoredCall& c) { return has(c.department, "Sales"); }, 2},
+      {"department=Finance", [&](const StoredCall& c) { return has(c.department, "Finance"); }, 2},
+      {"department=Support&extension=204",
+       [&](const StoredCall& c) { return has(c.department, "Support") && c.extension == "204"; },
+       1},
+      {"min_cost=0", [](const StoredCall& c) { return c.cost.has_value(); }, 3},
+      {"min_cost=0.10", [](const StoredCall& c) { return c.cost && Millionths(c) >= 100000; }, 1},
+      {"max_cost=0.1", [](const StoredCall& c) { return c.cost && Millionths(c) <= 100000; }, 1},
+      {"min_cost=" + some_cost + "&max_cost=" + some_cost,
+       [&](const StoredCall& c) { return c.cost && Millionths(c) == exact; }, 1},
+      {"min_cost=" + some_cost + "1",  // a millionth-range above it (or more)
+       [&](const StoredCall& c) {
+         return c.cost && Millionths(c) >= *velqua_web::MillionthsOf(some_cost + "1");
+       },
+       0},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.query);
+    const std::vector<int64_t> expected = Expected(row.keep);
+    EXPECT_GE(expected.size(), row.at_least) << "the store does not hold the case";
+    EXPECT_EQ(Found(row.query), expected);
+  }
+}
+
+TEST_P(CallsSearchTest, AMalformedAmountIsRefusedAndTheSpreadsheetIsOne) {
+  Fill();
+  for (const std::string bad : {"abc", "1.", "1.1234567", "--1", "1e3", "1234567890123"}) {
+    SCOPED_TRACE(bad);
+    const auto r = client_->Send("GET", "/api/calls?min_cost=" + bad);
+    EXPECT_EQ(r->status, 400);
+    EXPECT_NE(r->body.find("parameter 'min_cost'"), std::string::npos) << r->body;
+  }
+  const auto sheet = client_->Send("GET", "/api/calls/export.xlsx?department=Sales");
+  ASSERT_EQ(sheet->status, 200) << sheet->body;
+  EXPECT_EQ(sheet->get_header_value("Content-Disposition"), "attachment; filename=\"calls.xlsx\"");
+  EXPECT_EQ(sheet->body.rfind(std::string("PK\x03\x04", 4), 0), 0u);
+  EXPECT_EQ(client_->Send("GET", "/api/calls/export.xlsx?max_cost=x")->status, 400);
+}
+
+TEST(MillionthsOf, ReadsAmountsExactly) {
+  struct Row {
+    std::string text;
+    std::optional<int64_t> millionths;
+  };
+  const Row rows[] = {
+      {"0", 0},
+      {"12", 12000000},
+      {"0.5", 500000},
+      {"-1.25", -1250000},
+      {"0.000001", 1},
+      {"999999999999.999999", 999999999999999999},
+      {"", std::nullopt},
+      {"-", std::nullopt},
+      {".5", std::nullopt},
+      {"1,5", std::nullopt},
+      {" 1", std::nullopt},
+      {"1.0000001", std::nullopt},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.text);
+    EXPECT_EQ(velqua_web::MillionthsOf(row.text), row.millionths);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, CallsSearchTest,
+                         ::testing::Values(Engine::kSqlite, Engine::kPostgres), EngineName);
+
+}  // namespace
+}  // namespace velqua_web_testing
