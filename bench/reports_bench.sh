@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The reports' speed on a large SQLite store, side by side with the same
-# totals asked of the sqlite3 shell in plain SQL and of pandas over a CSV
-# export. The store is made once by bench/report_store (made-up calls over
+# The reports' speed on a large store, side by side with the same totals
+# asked in plain SQL of the engine's shell (sqlite3 or psql) and of pandas
+# over a CSV export. The store is made once by bench/report_store (made-up calls over
 # a year), priced by bench/reports/plan.toml with the directory of
 # bench/reports/*.csv, and kept under /tmp/velqua-reports-bench.
 #
@@ -73,21 +73,36 @@ for kind in extensions departments accounts trunks destinations missed traffic c
   fi
 done
 printf "%-12s month " "pdf depts"; best "$velqua" report departments --db "$db" "${month[@]}" -o "$dir/d.pdf"
-[ -z "$url" ] || exit 0
 
-# The same totals in plain SQL: calls and talk time per trunk, per extension.
-trunks_sql="SELECT trunk, count(*), sum(duration) FROM calls WHERE start >= '2025-03-01' AND start < '2025-04-01' AND trunk IS NOT NULL GROUP BY trunk;"
-ext_sql="SELECT extension, count(*), sum(CASE WHEN attribute <> 4 AND type IN (2,5) THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 1 THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 3 THEN 1 ELSE 0 END), sum(CASE WHEN attribute = 4 THEN 1 ELSE 0 END), sum(duration) FROM calls WHERE start >= '2025-03-01' AND start < '2025-04-01' GROUP BY extension;"
-# Cost per department as a user would write it: each call's department in
-# force on its day, by a correlated subquery on the directory.
-dept_sql="SELECT coalesce((SELECT d.department FROM directory d WHERE d.kind = 'extension' AND d.entry_key = c.extension AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) ORDER BY d.from_day DESC LIMIT 1), '(none)') AS dep, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01' GROUP BY dep;"
-printf "%-11s month " "sqlite3 departments"; best sqlite3 "$db" "$dept_sql"
-printf "%-11s month " "sqlite3 trunks"; best sqlite3 "$db" "$trunks_sql"
-printf "%-11s month " "sqlite3 extensions"; best sqlite3 "$db" "$ext_sql"
+# The same totals in plain SQL on the calls, in the engine's own shell.
+shell=sqlite3
+sql=(sqlite3 "$db")
+[ -z "$url" ] || { shell=psql; sql=(psql "$url" -Atc); }
+for period in "2025-03-01 2025-04-01 month" "2025-01-01 2026-01-01 year"; do
+  read -r from to_next name <<< "$period"
+  [ "$name" = month ] || [ "$year_too" = 1 ] || continue
+  span="c.start >= '$from' AND c.start < '$to_next'"
+  # Calls, talk time and cost per trunk; the extensions report's counts.
+  trunks_sql="SELECT c.trunk, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE $span AND c.trunk IS NOT NULL GROUP BY c.trunk;"
+  ext_sql="SELECT extension, count(*), sum(CASE WHEN attribute <> 4 AND type IN (2,5) THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 1 THEN 1 ELSE 0 END), sum(CASE WHEN attribute <> 4 AND type = 3 THEN 1 ELSE 0 END), sum(CASE WHEN attribute = 4 THEN 1 ELSE 0 END), sum(duration) FROM calls c WHERE $span GROUP BY extension;"
+  # Cost per department as a user would write it: each call's department in
+  # force on its day, by a correlated subquery on the directory.
+  dept_sql="SELECT coalesce((SELECT d.department FROM directory d WHERE d.kind = 'extension' AND d.entry_key = c.extension AND (d.from_day = '' OR d.from_day <= substr(c.start, 1, 10)) ORDER BY d.from_day DESC LIMIT 1), '(none)') AS dep, count(*), sum(c.duration), sum(CAST(replace(k.cost, '.', '') AS INTEGER)) FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE $span GROUP BY dep;"
+  printf "%-11s %s " "$shell departments" "$name"; best "${sql[@]}" "$dept_sql"
+  printf "%-11s %s " "$shell trunks" "$name"; best "${sql[@]}" "$trunks_sql"
+  printf "%-11s %s " "$shell extensions" "$name"; best "${sql[@]}" "$ext_sql"
+done
 
 # pandas over a CSV export of the month (the export itself not timed).
-csv="$dir/march-priced-$calls.csv"
-[ -f "$csv" ] || sqlite3 -header -csv "$db" "SELECT c.start, c.type, c.attribute, c.duration, c.extension, c.trunk, k.cost FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01'" > "$csv"
+export_sql="SELECT c.start, c.type, c.attribute, c.duration, c.extension, c.trunk, k.cost FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id WHERE c.start >= '2025-03-01' AND c.start < '2025-04-01'"
+csv="$dir/march-priced-$calls${url:+-pg}.csv"
+if [ ! -f "$csv" ]; then
+  if [ -n "$url" ]; then
+    psql "$url" -c "\\copy ($export_sql) TO STDOUT WITH CSV HEADER" > "$csv"
+  else
+    sqlite3 -header -csv "$db" "$export_sql" > "$csv"
+  fi
+fi
 cat > "$dir/totals.py" <<'PY'
 import sys
 import pandas as pd

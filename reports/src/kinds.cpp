@@ -105,6 +105,7 @@ int64_t SecondsOf(const std::string& text, const char* option) {
 
 velqua_store::Span SpanFor(velqua_store::Store& store, const Request& request) {
   velqua_store::Span span = SpanOf(request.from, request.to, request.switch_name);
+  span.from_calls = request.from_calls;
   if (!request.department.empty()) {
     span.extensions =
         DirectoryView(store.ListDirectory()).Members(request.department, span.from, span.to_next);

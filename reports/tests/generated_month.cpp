@@ -59,31 +59,34 @@ std::vector<GenCall> GenerateMonth(int count, uint32_t seed) {
   return calls;
 }
 
+velqua_store::Record RecordOf(const GenCall& c, int64_t position) {
+  velqua_store::Record r;
+  r.position = position;
+  r.raw = StartText(c.start) + " " + c.extension;
+  r.received_utc = "2026-04-02T00:00:00Z";
+  velqua_records::Row& row = r.row;
+  row.has_fields = true;
+  row.type = c.type;
+  row.attribute = c.unanswered ? 4 : 0;
+  const std::string start = StartText(c.start);
+  std::sscanf(start.c_str(), "%d-%d-%d", &row.year, &row.month, &row.day);
+  row.time = static_cast<int32_t>(c.start % 86400);
+  row.duration = static_cast<int32_t>(c.duration);
+  row.ring = static_cast<int32_t>(c.ring);
+  row.extension = velqua_records::U16(c.extension);
+  row.trunk = velqua_records::U16(c.trunk);
+  row.dialled = velqua_records::U16(c.number);
+  row.account_code = velqua_records::U16(c.account);
+  return r;
+}
+
 void WriteCalls(velqua_store::Store& store, const std::string& switch_name,
                 const std::vector<GenCall>& calls) {
   store.PutSwitch({switch_name, "", "", ""});
   const velqua_store::Source source = store.OpenSource(switch_name, "generated", "capture");
   std::vector<velqua_store::Record> batch;
   for (size_t i = 0; i < calls.size(); ++i) {
-    const GenCall& c = calls[i];
-    velqua_store::Record r;
-    r.position = static_cast<int64_t>(i);
-    r.raw = StartText(c.start) + " " + c.extension;
-    r.received_utc = "2026-04-02T00:00:00Z";
-    velqua_records::Row& row = r.row;
-    row.has_fields = true;
-    row.type = c.type;
-    row.attribute = c.unanswered ? 4 : 0;
-    const std::string start = StartText(c.start);
-    std::sscanf(start.c_str(), "%d-%d-%d", &row.year, &row.month, &row.day);
-    row.time = static_cast<int32_t>(c.start % 86400);
-    row.duration = static_cast<int32_t>(c.duration);
-    row.ring = static_cast<int32_t>(c.ring);
-    row.extension = velqua_records::U16(c.extension);
-    row.trunk = velqua_records::U16(c.trunk);
-    row.dialled = velqua_records::U16(c.number);
-    row.account_code = velqua_records::U16(c.account);
-    batch.push_back(std::move(r));
+    batch.push_back(RecordOf(calls[i], static_cast<int64_t>(i)));
     if (batch.size() == 2000 || i + 1 == calls.size()) {
       store.Write(source, batch, std::nullopt);
       batch.clear();

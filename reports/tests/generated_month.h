@@ -26,6 +26,9 @@ struct GenCall {
 // February, the first minutes of April).
 std::vector<GenCall> GenerateMonth(int calls, uint32_t seed);
 
+// A call as the store record at `position` of a source.
+velqua_store::Record RecordOf(const GenCall& call, int64_t position);
+
 // The calls as store records, written in batches to a new source of
 // switch `switch_name`.
 void WriteCalls(velqua_store::Store& store, const std::string& switch_name,

@@ -4,15 +4,17 @@
 # mailing through an SMTP server the test runs on loopback.
 enable_testing()
 find_package(GTest REQUIRED)
+find_package(SQLite3 REQUIRED)
 
 add_executable(velqua_reports_tests
   ${CMAKE_CURRENT_LIST_DIR}/cost_reports_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/day_summaries_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/forms_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/generated_month.cpp
   ${CMAKE_CURRENT_LIST_DIR}/mail_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/month_report_test.cpp)
 target_link_libraries(velqua_reports_tests PRIVATE velqua_reports velqua_store_testing
-                      GTest::gtest_main)
+                      SQLite::SQLite3 GTest::gtest_main)
 target_include_directories(velqua_reports_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)
 velqua_warnings(velqua_reports_tests)
 add_test(NAME reports COMMAND velqua_reports_tests)

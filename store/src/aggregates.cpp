@@ -11,6 +11,8 @@
 #include <map>
 #include <tuple>
 
+#include "day_summary_reads.h"
+#include "line_sweep.h"
 #include "sql_store.h"
 
 namespace velqua_store {
@@ -44,6 +46,9 @@ int64_t DayOf(const std::string& text) {
   if (std::sscanf(text.c_str(), "%d-%u-%u", &y, &m, &d) != 3) return 0;
   return date::sys_days{date::year{y} / date::month{m} / date::day{d}}.time_since_epoch().count();
 }
+
+// "YYYY-MM-DD" of a day since 1970.
+std::string DayText(int64_t day) { return date::format("%F", date::sys_days{date::days{day}}); }
 
 // Whether SQLite should read the whole table rather than the span through
 // the index on the start: when the span covers more than a quarter of the
@@ -136,6 +141,7 @@ std::string NotCalledBack(const Dialect& d, size_t n) {
 
 std::vector<CallCounts> CountCallsBy(Store& store, const Span& span, CallGroup group) {
   Connection& db = ConnectionOf(store);
+  if (auto summed = CountCallsFromDays(db, span, group)) return std::move(*summed);
   const auto [key, extra] = GroupKey(Dialect(db), group);
   std::vector<Value> params;
   const std::string where = SpanWhere(span, &params, ScanWhole(db, Dialect(db), span));
@@ -160,7 +166,7 @@ std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGrou
   const auto [key, extra] = GroupKey(dialect, group);
   std::vector<Value> params;
   const std::string where =
-      SpanWhere(span, &params, ScanWhole(db, dialect, span)) + extra + kMissed;
+      SpanWhere(span, &params) + extra + kMissed;  // calls_missed_start holds them
   std::map<std::string, MissedCounts> by_key;
   db.Run("SELECT " + key + ", count(*), count(c.ring), coalesce(sum(c.ring), 0) FROM calls c" +
              where + " GROUP BY " + key,
@@ -187,7 +193,7 @@ std::vector<MissedCall> MissedNotCalledBack(Store& store, const Span& span,
                                             int64_t callback_seconds) {
   Connection& db = ConnectionOf(store);
   std::vector<Value> params;
-  std::string where = SpanWhere(span, &params, ScanWhole(db, Dialect(db), span)) + kMissed;
+  std::string where = SpanWhere(span, &params) + kMissed;
   params.emplace_back(callback_seconds);
   where += NotCalledBack(Dialect(db), params.size());
   std::vector<MissedCall> rows;
@@ -207,33 +213,30 @@ std::vector<MissedCall> MissedNotCalledBack(Store& store, const Span& span,
 std::vector<ChannelSlot> ChannelsInUse(Store& store, const Span& span) {
   Connection& db = ConnectionOf(store);
   const Dialect d(db);
-  std::vector<Value> params;
-  const std::string where = SpanWhere(span, &params, ScanWhole(db, d, span));
   const std::string length = "coalesce(c.ring, 0) + coalesce(c.duration, 0)";
-  // Events at one second are summed first: a line freed and taken again at
-  // once is one line in use, and a level counts only whole seconds.
-  const std::string sql =
-      "WITH held AS (SELECT " + d.Epoch("c.start") + " AS t, " + length + " AS len FROM calls c" +
-      where + " AND c.trunk IS NOT NULL AND length(c.start) >= 16 AND " + length +
-      " > 0), ev AS (SELECT t, 1 AS d FROM held UNION ALL SELECT t + len, -1 FROM held),"
-      " net AS (SELECT t, sum(d) AS d FROM ev GROUP BY t),"
-      " run AS (SELECT t, d, sum(d) OVER (ORDER BY t ROWS UNBOUNDED PRECEDING) AS level"
-      " FROM net) SELECT t / 1800, max(level), sum(d), min(t) FROM run GROUP BY t / 1800"
-      " ORDER BY 1";
-  std::vector<ChannelSlot> slots;
-  int64_t level = 0;  // calls in progress at the start of the slot at hand
-  db.Run(sql, params, [&](const ResultRow& r) {
-    // The level carried in holds at the slot's start unless a call starts
-    // or ends at that very second.
-    const bool carried = r.Int(3) > r.Int(0) * 1800;
-    slots.push_back({r.Int(0), std::max(carried ? level : 0, r.Int(1)), r.Int(2)});
-    level += r.Int(2);
-  });
-  return slots;
+  // Each day's calls in order of their start, read from calls_trunk_held
+  // alone (no sort), into one sweep: the database sorting every start and
+  // end of a year would cost many times the read.
+  LineSweep sweep;
+  Span day = span;
+  for (int64_t n = DayOf(span.from), last = DayOf(span.to_next); n < last; ++n) {
+    day.from = DayText(n);
+    day.to_next = DayText(n + 1);
+    std::vector<Value> params;
+    db.Run("SELECT c.start, " + length + " FROM calls c" + SpanWhere(day, &params) +
+               " AND c.trunk IS NOT NULL AND length(c.start) >= 16 AND " + length +
+               " > 0 ORDER BY c.start" + (d.pg ? " NULLS FIRST" : ""),
+           params, [&](const ResultRow& r) {
+             const int64_t second = SecondsOf(r.Text(0));
+             if (second >= 0) sweep.Add(second, r.Int(1));
+           });
+  }
+  return sweep.Finish();
 }
 
 std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group) {
   Connection& db = ConnectionOf(store);
+  if (auto summed = CostsFromDays(db, span, group)) return std::move(*summed);
   const Dialect d(db);
   std::string key = "coalesce(c.extension, '')", day = "''", extra;
   if (group == CostGroup::kTrunk) {

@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "call_pricing.h"
+#include "day_summaries.h"
 #include "sql_store.h"
 
 namespace velqua_store {
@@ -164,6 +165,7 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
     if (static_cast<int64_t>(read) < batch) break;
   }
   db_->Run("DELETE FROM rating_progress WHERE run = $1", {run});
+  RefreshDaySummaries(*db_);  // the days priced again, summed again now
   return result;
 }
 

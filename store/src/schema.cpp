@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "day_summaries.h"
 #include "sql.h"
 #include "velqua/records/names.h"
 
@@ -194,17 +195,27 @@ LEFT JOIN call_attributes a ON a.value = c.attribute
 )";
 
 // The indexes of the queries people run: by time, by extension or trunk
-// over time, by number dialled, by account code (most calls have none).
-constexpr const char* kQueryIndexNames[] = {"calls_start",        "calls_extension_start",
-                                            "calls_trunk_start",  "calls_dialled",
-                                            "calls_account_code", nullptr};
+// over time, by number dialled, by account code (most calls have none); and
+// those of the reports that read calls one by one, each holding every
+// column its report reads so that a month is read from the index alone:
+// the missed calls (a few in a hundred), the outgoing calls by number (a
+// missed call's call back), and the time each call holds a trunk line.
+constexpr const char* kQueryIndexNames[] = {
+    "calls_start",        "calls_extension_start", "calls_trunk_start", "calls_dialled",
+    "calls_account_code", "calls_missed_start",    "calls_trunk_held",  nullptr};
 constexpr const char* kQueryIndexes = R"(
 CREATE INDEX IF NOT EXISTS calls_start ON calls (start{first});
 CREATE INDEX IF NOT EXISTS calls_extension_start ON calls (extension, start{first});
 CREATE INDEX IF NOT EXISTS calls_trunk_start ON calls (trunk, start{first});
 CREATE INDEX IF NOT EXISTS calls_dialled ON calls (dialled);
 CREATE INDEX IF NOT EXISTS calls_account_code ON calls (account_code)
-  WHERE account_code IS NOT NULL
+  WHERE account_code IS NOT NULL;
+CREATE INDEX IF NOT EXISTS calls_missed_start ON calls (start{first}, extension, ring, dialled,
+  switch_id, type, attribute) WHERE type = 1 AND attribute = 4;
+CREATE INDEX IF NOT EXISTS calls_trunk_held ON calls (start{first}, ring, duration, switch_id, trunk)
+  WHERE trunk IS NOT NULL;
+CREATE INDEX IF NOT EXISTS calls_callback ON calls (dialled, start{first}, switch_id, type)
+  WHERE type IN (2, 5)
 )";
 
 std::string Replace(std::string sql, std::string_view key, std::string_view value) {
@@ -258,6 +269,9 @@ void Apply(Connection& db, int version) {
     db.Script(ForEngine(IsPostgres(db), kVersion6));
   } else if (version == 7) {
     KeyPricesByCall(db);
+  } else if (version == 8) {
+    // Version 8: the calls summed per switch and day, for reports.
+    AddDaySummaries(db);
   }
 }
 
@@ -274,7 +288,7 @@ int StoredVersion(Connection& db, bool pg) {
 
 }  // namespace
 
-std::string QueryIndexes() { return ForEngine(false, kQueryIndexes); }
+std::string QueryIndexes(bool postgres) { return ForEngine(postgres, kQueryIndexes); }
 
 const char* const* QueryIndexNames() { return kQueryIndexNames; }
 

@@ -10,7 +10,7 @@ namespace velqua_store {
 class Connection;
 
 // The schema version this program writes and reads.
-constexpr int kSchemaVersion = 7;
+constexpr int kSchemaVersion = 8;
 
 // Brings the schema of an open database up to kSchemaVersion in one
 // transaction (SQLite: PRAGMA user_version; PostgreSQL:
@@ -24,10 +24,11 @@ void Migrate(Connection& db, const std::string& name);
 // (costs_by_call.cpp).
 void KeyPricesByCall(Connection& db);
 
-// SQLite's indexes for the queries, as "CREATE INDEX IF NOT EXISTS"
-// statements (a bulk load drops them and builds them again at its end), and
-// their names (ending with nullptr).
-std::string QueryIndexes();
+// The indexes for the queries, as "CREATE INDEX IF NOT EXISTS" statements
+// (SQLite's bulk load drops them and builds them again at its end; a
+// schema step that adds one builds those missing), and their names (ending
+// with nullptr).
+std::string QueryIndexes(bool postgres = false);
 const char* const* QueryIndexNames();
 
 }  // namespace velqua_store

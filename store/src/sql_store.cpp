@@ -4,6 +4,7 @@
 #include <limits>
 #include <unordered_set>
 
+#include "day_summaries.h"
 #include "schema.h"
 
 namespace velqua_store {
@@ -152,7 +153,10 @@ void SqlStore::AddEvent(const Source& source, const Event& event) {
 
 void SqlStore::BeginBulk(int64_t records) { db_->BeginBulk(CountCalls(""), records); }
 
-void SqlStore::EndBulk() { db_->EndBulk(); }
+void SqlStore::EndBulk() {
+  db_->EndBulk();
+  RefreshDaySummaries(*db_);  // a load's days are summed once, at its end
+}
 
 const Zone& SqlStore::ZoneOf(int64_t switch_id) {
   auto found = zones_.find(switch_id);

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 
+#include "day_summaries.h"
 #include "sql_store.h"
 
 namespace velqua_store {
@@ -315,7 +316,10 @@ RewriteResult SqlStore::Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records, bool dry_run) {
   const int64_t switch_id = SwitchId(switch_name);
   if (!dry_run) {
-    return Transaction([&] { return RewriteOnce(switch_id, switch_name, records); });
+    RewriteResult result =
+        Transaction([&] { return RewriteOnce(switch_id, switch_name, records); });
+    RefreshDaySummaries(*db_);
+    return result;
   }
   // The same work, rolled back: what would change is counted exactly as a
   // real run counts it, moves between the tables included.

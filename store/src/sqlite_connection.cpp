@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <memory>
@@ -192,7 +193,7 @@ class SqliteConnection : public Connection {
     const int lock = TakeBulkLock();
     if (lock < 0) return;
     Script(QueryIndexes());
-    ::close(lock);
+    ReleaseBulkLock(lock);
   }
 
   // Building an index once from all its rows (a sort) costs a fraction of
@@ -211,21 +212,38 @@ class SqliteConnection : public Connection {
   void EndBulk() override {
     if (bulk_lock_ < 0) return;
     Script(QueryIndexes() + ";" + kCache);
-    ::close(bulk_lock_);
+    ReleaseBulkLock(bulk_lock_);
     bulk_lock_ = -1;
   }
 
  private:
   // The bulk lock, taken without waiting; -1 when another process holds it
-  // (or the lock file cannot be made: then no bulk load either).
+  // (or the lock file cannot be made: then no bulk load either). The file
+  // lives only while its lock is held: a lock taken on a file its holder
+  // has just removed is no lock, and is taken again on the file now there.
   int TakeBulkLock() const {
-    const int fd = ::open(bulk_lock_path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
-    if (fd < 0) return -1;
-    if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+    for (int tries = 0; tries < 8; ++tries) {
+      const int fd = ::open(bulk_lock_path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0644);
+      if (fd < 0) return -1;
+      if (::flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        ::close(fd);
+        return -1;
+      }
+      struct stat held {
+      }, named{};
+      if (::fstat(fd, &held) == 0 && ::stat(bulk_lock_path_.c_str(), &named) == 0 &&
+          held.st_ino == named.st_ino && held.st_dev == named.st_dev) {
+        return fd;
+      }
       ::close(fd);
-      return -1;
     }
-    return fd;
+    return -1;
+  }
+  // Removes the lock's file while still holding it, then lets it go, so
+  // that no empty file stays beside the database.
+  void ReleaseBulkLock(int fd) const {
+    ::unlink(bulk_lock_path_.c_str());
+    ::close(fd);
   }
 
   void WriteCost(const CostRow& r) {

@@ -312,7 +312,10 @@ TEST_P(CostsByCallTest, PricesKeyedByPositionReadTheSameOnceKeyedByTheirCall) {
     labels = Count(*store, "SELECT count(*) FROM cost_labels");
   }
   ASSERT_GT(labels, 5);
-  velqua_store_testing::Downgrade(GetParam(), url, velqua_store_testing::kPricesAsVersion6, 6);
+  velqua_store_testing::Downgrade(GetParam(), url,
+                                  velqua_store_testing::WithoutDaySummaries(GetParam()) +
+                                      velqua_store_testing::kPricesAsVersion6,
+                                  6);
   auto store = OpenStore(url);
   EXPECT_EQ(Readings(*store), before);
   EXPECT_EQ(Count(*store, "SELECT count(*) FROM cost_labels"), labels);

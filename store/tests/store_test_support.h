@@ -125,6 +125,23 @@ constexpr const char* kPricesAsVersion6 =
     "DROP TABLE call_costs; DROP TABLE cost_labels; "
     "ALTER TABLE call_costs_6 RENAME TO call_costs;";
 
+// What takes the day summaries away, for a store of an older version.
+inline std::string WithoutDaySummaries(Engine engine) {
+  if (engine == Engine::kPostgres) {
+    return "DROP TABLE call_days; DROP TABLE call_days_stale; "
+           "DROP FUNCTION calls_mark_days() CASCADE; DROP FUNCTION call_costs_mark_days() "
+           "CASCADE; ";
+  }
+  std::string sql =
+      "DROP TABLE call_days; DROP TABLE call_days_stale; DROP TRIGGER calls_mark_update_old; ";
+  for (const char* table : {"calls", "call_costs"}) {
+    for (const char* event : {"insert", "update", "delete"}) {
+      sql += std::string("DROP TRIGGER ") + table + "_mark_" + event + "; ";
+    }
+  }
+  return sql;
+}
+
 // The record as received at `utc`.
 inline velqua_store::Record At(const std::string& utc, velqua_store::Record r) {
   r.received_utc = utc;

@@ -24,6 +24,7 @@ struct Request {
   std::string of;                        // compare: the kind compared (default extensions)
   int64_t top = 20;                      // destinations: how many are listed
   std::string by = "cost";               // destinations: ranked by cost, minutes or calls
+  bool from_calls = false;               // sum the calls, not the store's day summaries
 };
 
 // The kinds, in the order they are listed to users.

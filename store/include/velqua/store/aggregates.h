@@ -28,6 +28,9 @@ struct Span {
   // When set, only the calls of these extensions on these days (the
   // members of a department over time); an empty list lets no call in.
   std::optional<std::vector<ExtensionDays>> extensions = std::nullopt;
+  // Read the calls themselves, never the store's day summaries (slower; the
+  // two agree: this checks that they do).
+  bool from_calls = false;
 };
 
 // What the calls are grouped by; the key's text in CallCounts::key.

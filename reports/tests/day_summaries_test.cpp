@@ -1,0 +1,293 @@
+// The store's day summaries never disagree with its calls: every report,
+// read from the summaries, is the same CSV as the report summed from the
+// calls themselves, after each way the calls and their prices change (a
+// load in batches, a capture's calls one at a time, retranslation, pricing
+// again with a new tariff, a purge) and after a store of the schema before
+// the summaries gains them. On SQLite and on PostgreSQL.
+#include <gtest/gtest.h>
+#include <libpq-fe.h>
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+#include "generated_month.h"
+#include "pg_test_server.h"
+#include "velqua/rating/directory.h"
+#include "velqua/reports/kinds.h"
+#include "velqua/reports/output.h"
+
+namespace velqua_reports_testing {
+namespace {
+
+constexpr const char* kTariff = R"(name = "Office line"
+currency = "EUR"
+decimals = 2
+mode = "start"
+
+[[band]]
+name = "any"
+days = "mon-sun"
+
+[rate.national]
+all = { per_minute = "{national}", first = 60, increment = 60 }
+
+[rate.mobile]
+all = { per_minute = "0.305", first = 60, increment = 60 }
+
+[[destination]]
+name = "Spain fixed"
+class = "national"
+prefixes = ["+340912"]
+
+[[destination]]
+name = "Spain mobile"
+class = "mobile"
+prefixes = ["+340612"]
+)";
+
+constexpr const char* kPlan = R"([[tariff]]
+switch = "hq"
+from = 2026-01-01
+file = "office.toml"
+rewrite = { "" = "+34" }
+)";
+
+// 203 moves from Support to Sales in the middle of March.
+constexpr const char* kPeople =
+    "extension,person,department,cost_centre,from\n"
+    "201,Ana,Sales,CC-1,\n202,Ben,Sales,CC-1,\n203,Carla,Support,CC-2,\n"
+    "203,Carla,Sales,CC-1,2026-03-16\n205,Dan,Support,CC-2,\n";
+
+// Runs SQL on the store's database behind its back (a test's tampering);
+// false when it fails.
+bool RunSql(bool postgres, const std::string& url, const std::string& sql) {
+  if (!postgres) {
+    sqlite3* db = nullptr;
+    bool ok = sqlite3_open(url.c_str(), &db) == SQLITE_OK &&
+              sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    sqlite3_close(db);
+    return ok;
+  }
+  PGconn* db = PQconnectdb(url.c_str());
+  PGresult* r = PQexec(db, sql.c_str());
+  const bool ok = PQresultStatus(r) == PGRES_COMMAND_OK || PQresultStatus(r) == PGRES_TUPLES_OK;
+  PQclear(r);
+  PQfinish(db);
+  return ok;
+}
+
+std::string Csv(const velqua_reports::Report& report) {
+  char* data = nullptr;
+  size_t size = 0;
+  std::FILE* out = open_memstream(&data, &size);
+  velqua_reports::WriteCsv(report, out);
+  std::fclose(out);
+  std::string text(data, size);
+  std::free(data);
+  return text;
+}
+
+class DaySummariesTest : public ::testing::TestWithParam<bool> {
+ protected:
+  DaySummariesTest()
+      : dir_(velqua_store_testing::TempDir(
+            std::string("days-") + (GetParam() ? "pg-" : "sqlite-") +
+            ::testing::UnitTest::GetInstance()->current_test_info()->name())),
+        url_(GetParam() ? velqua_store_testing::PgTestServer::Shared().NewDatabase()
+                        : dir_ + "/calls.db") {
+    PutTariff("0.10");
+    std::ofstream(dir_ + "/plan.toml") << kPlan;
+    store_ = velqua_store::OpenStore(url_);
+    store_->PutSwitch({"hq", "", "", ""});
+    store_->PutRatingPlan(dir_ + "/plan.toml");
+    store_->PutDirectory(velqua_rating::ReadDirectory(kPeople, "people.csv"));
+    calls_ = GenerateMonth(1500, 26);
+    for (size_t i = 0; i < calls_.size(); ++i) {
+      GenCall& c = calls_[i];
+      if (!c.number.empty() && i % 3 == 0) c.number[1] = '6';  // a mobile
+      if (c.type == 2 && i % 5 == 0) c.account = i % 2 == 0 ? "77" : "88";
+    }
+  }
+
+  void PutTariff(const std::string& national) {
+    std::string text = kTariff;
+    text.replace(text.find("{national}"), 10, national);
+    std::ofstream(dir_ + "/office.toml") << text;
+  }
+
+  ~DaySummariesTest() override {
+    store_.reset();
+    std::filesystem::remove_all(dir_);
+  }
+
+  // Every kind over the month and over a few days inside it, for every
+  // department and none: the same CSV from the summaries as from the calls.
+  // Returns how many reports were compared.
+  int ExpectSameAsFromCalls() {
+    int compared = 0;
+    for (const std::string& kind : velqua_reports::KindNames()) {
+      for (const auto& [from, to] :
+           {std::pair{"2026-03-01", "2026-03-31"}, std::pair{"2026-03-10", "2026-03-17"}}) {
+        for (const char* department : {"", "Sales", "Support"}) {
+          SCOPED_TRACE(kind + " " + from + " " + department);
+          velqua_reports::Request r;
+          r.kind = kind;
+          r.from = from;
+          r.to = to;
+          r.department = department;
+          r.lines = 4;
+          const std::string summed = Csv(velqua_reports::BuildReport(*store_, r));
+          r.from_calls = true;
+          EXPECT_EQ(summed, Csv(velqua_reports::BuildReport(*store_, r)));
+          ++compared;
+        }
+      }
+    }
+    return compared;
+  }
+
+  std::string dir_, url_;
+  std::unique_ptr<velqua_store::Store> store_;
+  std::vector<GenCall> calls_;
+};
+
+TEST_P(DaySummariesTest, ReportsFromSummariesMatchTheCallsThroughEveryChange) {
+  {
+    SCOPED_TRACE("a load in batches");
+    WriteCalls(*store_, "hq", calls_);
+    EXPECT_GT(ExpectSameAsFromCalls(), 40);
+  }
+  {
+    SCOPED_TRACE("a capture's calls one at a time, on old days and a new one");
+    const velqua_store::Source source = store_->OpenSource("hq", "capture", "capture");
+    for (int64_t i = 0; i < 12; ++i) {
+      GenCall c = calls_[static_cast<size_t>(i * 97)];
+      c.start += i == 0 ? 40 * 86400 : 600;  // the first in April
+      store_->Write(source, {RecordOf(c, i)}, std::nullopt);
+    }
+    ExpectSameAsFromCalls();
+  }
+  {
+    SCOPED_TRACE("retranslation moves calls to other days, extensions and lengths");
+    std::vector<velqua_store::Retranslated> changed;
+    for (const velqua_store::StoredRecord& s : store_->ReadStored("hq", true, 0, 400)) {
+      if (s.id % 7 != 0 || s.source_id != 1) continue;
+      GenCall c = calls_[static_cast<size_t>(s.position)];
+      c.start += 86400 + 3600;
+      c.extension = c.extension == "203" ? "205" : "203";
+      c.duration += 61;
+      changed.push_back({s, RecordOf(c, s.position).row});
+    }
+    ASSERT_FALSE(changed.empty());
+    EXPECT_GT(store_->Rewrite("hq", changed).updated, 0);
+    ExpectSameAsFromCalls();
+  }
+  {
+    SCOPED_TRACE("priced again with a new tariff");
+    PutTariff("0.125");
+    store_->PutRatingPlan(dir_ + "/plan.toml");
+    velqua_store::RatePeriod all;
+    EXPECT_GT(store_->Rate(all).priced, 0);
+    ExpectSameAsFromCalls();
+  }
+  {
+    SCOPED_TRACE("a purge of the first days");
+    EXPECT_GT(store_->Purge({"2026-03-05", ""}, false).calls, 0);
+    ExpectSameAsFromCalls();
+  }
+}
+
+TEST_P(DaySummariesTest, ReportsReadTheSummaries) {
+  WriteCalls(*store_, "hq", calls_);
+  velqua_reports::Request r;
+  r.kind = "extensions";
+  r.from = "2026-03-01";
+  r.to = "2026-03-31";
+  const std::string before = Csv(velqua_reports::BuildReport(*store_, r));
+  // A summed row changed behind the store's back shows in the report (and
+  // not in the report from the calls): the report read the summaries.
+  ASSERT_TRUE(RunSql(GetParam(), url_,
+                     "UPDATE call_days SET calls = calls + 1000 WHERE kind = 'e' AND day = "
+                     "'2026-03-10' AND item = '201'"));
+  EXPECT_NE(Csv(velqua_reports::BuildReport(*store_, r)), before);
+  r.from_calls = true;
+  EXPECT_EQ(Csv(velqua_reports::BuildReport(*store_, r)), before);
+}
+
+TEST_P(DaySummariesTest, AStoreFromBeforeTheSummariesSumsItsCallsWhenOpened) {
+  WriteCalls(*store_, "hq", calls_);
+  store_.reset();
+  const bool pg = GetParam();
+  const std::string drop =
+      pg ? "DROP TABLE call_days; DROP TABLE call_days_stale; "
+           "DROP FUNCTION calls_mark_days() CASCADE; DROP FUNCTION call_costs_mark_days() CASCADE; "
+           "DELETE FROM schema_migrations WHERE version = (SELECT max(version) FROM "
+           "schema_migrations);"
+         : "DROP TRIGGER calls_mark_insert; DROP TRIGGER calls_mark_update; "
+           "DROP TRIGGER calls_mark_update_old; "
+           "DROP TRIGGER calls_mark_delete; DROP TRIGGER call_costs_mark_insert; "
+           "DROP TRIGGER call_costs_mark_update; DROP TRIGGER call_costs_mark_delete; "
+           "DROP TABLE call_days; DROP TABLE call_days_stale;";
+  ASSERT_TRUE(RunSql(pg, url_, drop));
+  if (!pg) {
+    // The version before, from the version stored.
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);
+    int version = 0;
+    sqlite3_exec(
+        db, "PRAGMA user_version",
+        [](void* v, int, char** text, char**) {
+          *static_cast<int*>(v) = std::atoi(text[0]);
+          return 0;
+        },
+        &version, nullptr);
+    sqlite3_close(db);
+    ASSERT_TRUE(RunSql(pg, url_, "PRAGMA user_version = " + std::to_string(version - 1)));
+  }
+  store_ = velqua_store::OpenStore(url_);
+  EXPECT_GT(ExpectSameAsFromCalls(), 40);
+  // And kept from then on.
+  const velqua_store::Source source = store_->OpenSource("hq", "capture", "capture");
+  store_->Write(source, {RecordOf(calls_[5], 0)}, std::nullopt);
+  ExpectSameAsFromCalls();
+}
+
+// A user who may only read the store's tables (a reporting login; opening
+// a store needs CREATE on its schema, for the versions' table) cannot sum
+// the days noted since the last write: the report is read from the calls,
+// and is the same.
+TEST_P(DaySummariesTest, AReaderWhoMayNotWriteGetsTheSameReportFromTheCalls) {
+  if (!GetParam()) GTEST_SKIP() << "SQLite has no users";
+  WriteCalls(*store_, "hq", calls_);
+  const velqua_store::Source source = store_->OpenSource("hq", "capture", "capture");
+  store_->Write(source, {RecordOf(calls_[7], 0)}, std::nullopt);  // a day noted
+  ASSERT_TRUE(RunSql(true, url_,
+                     "CREATE ROLE report_reader LOGIN; "
+                     "GRANT CREATE ON SCHEMA public TO report_reader; "
+                     "GRANT SELECT ON ALL TABLES IN SCHEMA public TO report_reader"));
+  std::string reader_url = url_;
+  reader_url.replace(reader_url.find("postgres@"), 9, "report_reader@");
+  auto reader = velqua_store::OpenStore(reader_url);
+  velqua_reports::Request r;
+  r.kind = "extensions";
+  r.from = "2026-03-01";
+  r.to = "2026-03-31";
+  const std::string read = Csv(velqua_reports::BuildReport(*reader, r));
+  r.from_calls = true;
+  EXPECT_EQ(read, Csv(velqua_reports::BuildReport(*store_, r)));
+  reader.reset();
+  RunSql(true, url_,
+         "REVOKE ALL ON ALL TABLES IN SCHEMA public FROM report_reader; "
+         "REVOKE ALL ON SCHEMA public FROM report_reader; "
+         "DROP ROLE report_reader");
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, DaySummariesTest, ::testing::Values(false, true),
+                         [](const auto& p) { return p.param ? "Postgres" : "Sqlite"; });
+
+}  // namespace
+}  // namespace velqua_reports_testing
