@@ -141,9 +141,9 @@ TEST(CaptureCrash, ABacklogLoadedInBulkSurvivesAKill) {
                   "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = "
                   "\"smdr.log\"\n");
   const std::vector<std::string> records = GenerateRecords(dir + "/smdr.log", 40000);
-  const std::vector<std::string> indexes = {"calls_account_code", "calls_dialled",
-                                            "calls_extension_start", "calls_start",
-                                            "calls_trunk_start"};
+  const std::vector<std::string> indexes = {
+      "calls_account_code", "calls_callback", "calls_dialled",    "calls_extension_start",
+      "calls_missed_start", "calls_start",    "calls_trunk_held", "calls_trunk_start"};
   auto service = StartService(config, dir);
   const std::chrono::seconds generous(60);
   ASSERT_TRUE(WaitFor(

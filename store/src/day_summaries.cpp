@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -37,8 +38,7 @@ CREATE TABLE call_days (
 ){without_rowid};
 CREATE TABLE call_days_stale (
   switch_id BIGINT NOT NULL,
-  day {text} NOT NULL,
-  PRIMARY KEY (switch_id, day)
+  day {text} NOT NULL{stale_key}
 ){without_rowid}
 )";
 
@@ -75,19 +75,25 @@ std::string SqliteTriggers() {
 }
 
 // PostgreSQL marks once per statement, from the rows it changed (a COPY of
-// a bulk load included).
+// a bulk load included). Its marks have no unique key: an import writes
+// through two connections and commits their batches in order, and a key
+// would make one batch wait on the other's uncommitted mark of the same
+// day for ever. A day may then be marked twice; the refresher takes each
+// day once.
 constexpr const char* kPostgresTriggers = R"(
 CREATE FUNCTION calls_mark_days() RETURNS trigger LANGUAGE plpgsql AS $body$
 BEGIN
   IF TG_OP <> 'DELETE' THEN
     INSERT INTO call_days_stale (switch_id, day)
-      SELECT DISTINCT switch_id, substr(start, 1, 10) FROM new_rows WHERE start IS NOT NULL
-      ON CONFLICT DO NOTHING;
+      SELECT DISTINCT switch_id, substr(start, 1, 10) FROM new_rows n
+      WHERE start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s
+        WHERE s.switch_id = n.switch_id AND s.day = substr(n.start, 1, 10));
   END IF;
   IF TG_OP <> 'INSERT' THEN
     INSERT INTO call_days_stale (switch_id, day)
-      SELECT DISTINCT switch_id, substr(start, 1, 10) FROM old_rows WHERE start IS NOT NULL
-      ON CONFLICT DO NOTHING;
+      SELECT DISTINCT switch_id, substr(start, 1, 10) FROM old_rows o
+      WHERE start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s
+        WHERE s.switch_id = o.switch_id AND s.day = substr(o.start, 1, 10));
   END IF;
   RETURN NULL;
 END
@@ -98,12 +104,14 @@ BEGIN
     INSERT INTO call_days_stale (switch_id, day)
       SELECT DISTINCT c.switch_id, substr(c.start, 1, 10) FROM new_rows k
       JOIN calls c ON c.id = k.call_id
-      WHERE c.start IS NOT NULL ON CONFLICT DO NOTHING;
+      WHERE c.start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s
+        WHERE s.switch_id = c.switch_id AND s.day = substr(c.start, 1, 10));
   ELSE
     INSERT INTO call_days_stale (switch_id, day)
       SELECT DISTINCT c.switch_id, substr(c.start, 1, 10) FROM old_rows k
       JOIN calls c ON c.id = k.call_id
-      WHERE c.start IS NOT NULL ON CONFLICT DO NOTHING;
+      WHERE c.start IS NOT NULL AND NOT EXISTS (SELECT 1 FROM call_days_stale s
+        WHERE s.switch_id = c.switch_id AND s.day = substr(c.start, 1, 10));
   END IF;
   RETURN NULL;
 END
@@ -126,7 +134,8 @@ CREATE TRIGGER call_costs_mark_delete AFTER DELETE ON call_costs
 std::string WithTypes(bool pg, std::string sql) {
   const std::pair<std::string, std::string> keys[] = {
       {"{text}", pg ? "TEXT COLLATE \"C\"" : "TEXT"},
-      {"{without_rowid}", pg ? "" : " WITHOUT ROWID"}};
+      {"{without_rowid}", pg ? "" : " WITHOUT ROWID"},
+      {"{stale_key}", pg ? "" : ",\n  PRIMARY KEY (switch_id, day)"}};
   for (const auto& [key, value] : keys) {
     for (size_t at = sql.find(key); at != std::string::npos; at = sql.find(key, at)) {
       sql.replace(at, key.size(), value);
@@ -232,9 +241,9 @@ void RefreshDaySummaries(Connection& db) {
     // One refresher at a time; a writer's mark made while this one runs
     // stays for the next (the marks are taken before the calls are read).
     if (pg) db.Run("SELECT pg_advisory_xact_lock(7263522)");
-    std::vector<std::pair<int64_t, std::string>> days;
+    std::set<std::pair<int64_t, std::string>> days;
     db.Run("DELETE FROM call_days_stale RETURNING switch_id, day", {},
-           [&](const ResultRow& r) { days.emplace_back(r.Int(0), r.Text(1)); });
+           [&](const ResultRow& r) { days.emplace(r.Int(0), r.Text(1)); });
     if (days.size() > kWholeAfter) {
       SumAll(db);
       return;

@@ -201,8 +201,9 @@ LEFT JOIN call_attributes a ON a.value = c.attribute
 // the missed calls (a few in a hundred), the outgoing calls by number (a
 // missed call's call back), and the time each call holds a trunk line.
 constexpr const char* kQueryIndexNames[] = {
-    "calls_start",        "calls_extension_start", "calls_trunk_start", "calls_dialled",
-    "calls_account_code", "calls_missed_start",    "calls_trunk_held",  nullptr};
+    "calls_start",      "calls_extension_start", "calls_trunk_start",
+    "calls_dialled",    "calls_account_code",    "calls_missed_start",
+    "calls_trunk_held", "calls_callback",        nullptr};
 constexpr const char* kQueryIndexes = R"(
 CREATE INDEX IF NOT EXISTS calls_start ON calls (start{first});
 CREATE INDEX IF NOT EXISTS calls_extension_start ON calls (extension, start{first});
