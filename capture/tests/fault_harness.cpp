@@ -93,16 +93,6 @@ std::string HarnessConfig(const Options& o, const std::string& dir, const std::s
 
 namespace {
 
-int64_t SumOfDropped(const std::string& log) {
-  int64_t sum = 0;
-  for (size_t at = 0; (at = log.find(" re-sent records dropped", at)) != std::string::npos; ++at) {
-    size_t start = at;
-    while (start > 0 && std::isdigit(static_cast<unsigned char>(log[start - 1]))) --start;
-    sum += std::stoll(log.substr(start, at - start));
-  }
-  return sum;
-}
-
 // Where a kill strikes.
 enum class Strike { kAnyMoment, kAfterReconnection, kInResentPart };
 const char* const kStrikeNames[] = {"any moment", "after a reconnection", "in the re-sent part"};

@@ -1,6 +1,7 @@
 #include "service_support.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <fstream>
 
@@ -88,6 +89,16 @@ bool WaitForRecords(const std::string& store, size_t count) {
         }
       },
       std::chrono::seconds(60));
+}
+
+int64_t SumOfDropped(const std::string& log) {
+  int64_t sum = 0;
+  for (size_t at = 0; (at = log.find(" re-sent records dropped", at)) != std::string::npos; ++at) {
+    size_t start = at;
+    while (start > 0 && std::isdigit(static_cast<unsigned char>(log[start - 1]))) --start;
+    if (start < at) sum += std::stoll(log.substr(start, at - start));
+  }
+  return sum;
 }
 
 }  // namespace velqua_capture_test

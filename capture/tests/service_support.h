@@ -40,4 +40,8 @@ std::vector<std::string> StoredUnrecognised(const std::string& store);
 // false if they do not come.
 bool WaitForRecords(const std::string& store, size_t count);
 
+// The re-sent records a service log says it dropped, over all its lines:
+// the service logs its drops as they come, in one line or in several.
+int64_t SumOfDropped(const std::string& log);
+
 }  // namespace velqua_capture_test
