@@ -272,24 +272,8 @@ std::vector<CostCounts> CostsBy(Store& store, const Span& span, CostGroup group)
              " FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id"
              " LEFT JOIN cost_labels l ON l.id = k.label" +
              where + " GROUP BY 1, 2, 3, 4",
-         params, [&](const ResultRow& r) {
-           CostCounts c;
-           c.key = r.Text(0);
-           c.day = r.Text(1);
-           c.cost = {r.Text(2), static_cast<int32_t>(r.Int(3)), r.Int(6)};
-           c.calls = r.Int(4);
-           c.seconds = r.Int(5);
-           c.unpriced = r.Int(7);
-           c.outgoing = r.Int(8);
-           c.incoming = r.Int(9);
-           c.internal = r.Int(10);
-           c.unanswered = r.Int(11);
-           rows.push_back(std::move(c));
-         });
-  std::sort(rows.begin(), rows.end(), [](const CostCounts& a, const CostCounts& b) {
-    return std::tie(a.key, a.day, a.cost.currency, a.cost.decimals) <
-           std::tie(b.key, b.day, b.cost.currency, b.cost.decimals);
-  });
+         params, [&](const ResultRow& r) { rows.push_back(CostCountsOf(r)); });
+  SortCostCounts(rows);
   return rows;
 }
 

@@ -132,25 +132,31 @@ std::optional<std::vector<CostCounts>> CostsFromDays(Connection& db, const Span&
   db.Run("SELECT d.item, " + day + ", d.currency, d.decimals, sum(d.calls), sum(d.seconds), " +
              "sum(d.cost), sum(d.unpriced), sum(d.outgoing), sum(d.incoming), sum(d.internal), " +
              "sum(d.unanswered) FROM call_days d" + *where + " GROUP BY 1, 2, 3, 4",
-         params, [&](const ResultRow& r) {
-           CostCounts c;
-           c.key = r.Text(0);
-           c.day = r.Text(1);
-           c.cost = {r.Text(2), static_cast<int32_t>(r.Int(3)), r.Int(6)};
-           c.calls = r.Int(4);
-           c.seconds = r.Int(5);
-           c.unpriced = r.Int(7);
-           c.outgoing = r.Int(8);
-           c.incoming = r.Int(9);
-           c.internal = r.Int(10);
-           c.unanswered = r.Int(11);
-           rows.push_back(std::move(c));
-         });
+         params, [&](const ResultRow& r) { rows.push_back(CostCountsOf(r)); });
+  SortCostCounts(rows);
+  return rows;
+}
+
+CostCounts CostCountsOf(const ResultRow& r) {
+  CostCounts c;
+  c.key = r.Text(0);
+  c.day = r.Text(1);
+  c.cost = {r.Text(2), static_cast<int32_t>(r.Int(3)), r.Int(6)};
+  c.calls = r.Int(4);
+  c.seconds = r.Int(5);
+  c.unpriced = r.Int(7);
+  c.outgoing = r.Int(8);
+  c.incoming = r.Int(9);
+  c.internal = r.Int(10);
+  c.unanswered = r.Int(11);
+  return c;
+}
+
+void SortCostCounts(std::vector<CostCounts>& rows) {
   std::sort(rows.begin(), rows.end(), [](const CostCounts& a, const CostCounts& b) {
     return std::tie(a.key, a.day, a.cost.currency, a.cost.decimals) <
            std::tie(b.key, b.day, b.cost.currency, b.cost.decimals);
   });
-  return rows;
 }
 
 }  // namespace velqua_store

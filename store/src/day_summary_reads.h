@@ -19,4 +19,10 @@ std::optional<std::vector<CallCounts>> CountCallsFromDays(Connection& db, const 
 std::optional<std::vector<CostCounts>> CostsFromDays(Connection& db, const Span& span,
                                                      CostGroup group);
 
+// A row of key, day, currency, decimals, calls, seconds, cost, unpriced,
+// outgoing, incoming, internal, unanswered, as both roads select it; and
+// the order both return their rows in.
+CostCounts CostCountsOf(const ResultRow& r);
+void SortCostCounts(std::vector<CostCounts>& rows);
+
 }  // namespace velqua_store
