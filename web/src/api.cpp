@@ -1,5 +1,7 @@
 #include "api.h"
 
+#include <ctime>
+
 #include "auth.h"
 #include "server_state.h"
 #include "store_pool.h"
@@ -135,6 +137,15 @@ void Api::Put(const std::string& pattern, Access access, ApiHandler handler) {
 
 void Api::Delete(const std::string& pattern, Access access, ApiHandler handler) {
   server_.Delete(pattern, Wrap(true, access, std::move(handler)));
+}
+
+std::string Today() {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  localtime_r(&now, &local);
+  char text[16];
+  std::strftime(text, sizeof text, "%Y-%m-%d", &local);
+  return text;
 }
 
 }  // namespace velqua_web

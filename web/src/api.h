@@ -44,6 +44,10 @@ std::string QueryParam(const httplib::Request& http, const std::string& name,
 int64_t QueryInt(const httplib::Request& http, const std::string& name, int64_t fallback,
                  int64_t low, int64_t high);
 
+// The server's local date today, YYYY-MM-DD: the default day and period of
+// the pages that ask for none.
+std::string Today();
+
 // One request as a handler sees it.
 struct ApiRequest {
   const httplib::Request& http;

@@ -32,16 +32,6 @@ std::string Text(const date::year_month_day& day) {
   return text;
 }
 
-// The server's local date today.
-std::string Today() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[16];
-  std::strftime(text, sizeof text, "%Y-%m-%d", &local);
-  return text;
-}
-
 nlohmann::json Totals(velqua_store::Store& store, const velqua_store::Span& span) {
   int64_t calls = 0, seconds = 0, unanswered = 0;
   for (const auto& c : velqua_store::CountCallsBy(store, span, velqua_store::CallGroup::kDay)) {

@@ -22,15 +22,6 @@
 namespace velqua_web {
 namespace {
 
-std::string Today() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char text[16];
-  std::strftime(text, sizeof text, "%Y-%m-%d", &local);
-  return text;
-}
-
 struct Download {
   const char* format;
   velqua_reports::Form form;
