@@ -1,6 +1,7 @@
 // A CGRateS tariff plan imported: the TOML it gives loads and prices calls
 // as the plan would; what cannot be carried over is refused by name.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -27,7 +28,11 @@ int64_t CostOf(const velqua_rating::Tariff& t, const char* number, int day, int 
   return priced.cost;
 }
 
-std::string Scratch() { return std::filesystem::temp_directory_path() / "velqua-cgrates-test"; }
+// Per process: the tests run as processes side by side, each its own copy.
+std::string Scratch() {
+  return std::filesystem::temp_directory_path() /
+         ("velqua-cgrates-test-" + std::to_string(::getpid()));
+}
 
 // A copy of the test plan with `from` replaced by `to` in `file`.
 std::string PlanWith(const char* file, const std::string& from, const std::string& to) {
