@@ -5,8 +5,11 @@
 namespace velqua_capture {
 namespace {
 
+// How long, in whole minutes, or in seconds under a minute (a limit of a
+// few seconds would otherwise read "silent for 0 minutes").
 std::string Minutes(int64_t micros) {
-  const int64_t minutes = micros / 60000000;
+  const int64_t minutes = micros / 60000000, seconds = micros / 1000000;
+  if (minutes == 0) return seconds == 1 ? "1 second" : std::to_string(seconds) + " seconds";
   return minutes == 1 ? "1 minute" : std::to_string(minutes) + " minutes";
 }
 

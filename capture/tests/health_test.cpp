@@ -145,6 +145,16 @@ TEST(CaptureHealth, LevelAndProblemForEachState) {
   }
 }
 
+// A silence under a minute is told in seconds, not as "0 minutes".
+TEST(CaptureHealth, AShortSilenceIsToldInSeconds) {
+  ServiceSettings settings = Settings();
+  settings.switches[1].sources[0].silence = std::chrono::seconds(5);
+  const HealthReport report = AssessHealth(
+      Running({Stream("lan", true, 60, 1), Stream("ipo/10.1.0.7", true, 600, 42)}), settings, kNow);
+  EXPECT_EQ(report.problems,
+            std::vector<std::string>{"ipo: silent for 42 seconds (since 2026-01-19T08:59:18Z)"});
+}
+
 // A monitoring user (NRPE) may not signal the service's process, which runs
 // as another user, but must see it running all the same.
 TEST(CaptureHealth, AServiceOfAnotherUserIsSeenRunning) {
