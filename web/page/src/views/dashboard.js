@@ -34,8 +34,10 @@ function hours(list) {
 
 function list(title, rows, columns) {
   return h('section', { class: 'card', 'aria-label': title }, h('h2', {}, title),
-    rows.length ? h('table', { class: 'grid' }, h('tbody', {}, rows.map((r) =>
-      h('tr', {}, columns.map(([key, num]) => h('td', { class: num ? 'num' : '' }, String(r[key] ?? '')))))))
+    rows.length ? h('table', { class: 'grid' },
+      h('thead', {}, h('tr', {}, columns.map(([, num, label]) => h('th', { class: num ? 'num' : '' }, label)))),
+      h('tbody', {}, rows.map((r) =>
+        h('tr', {}, columns.map(([key, num]) => h('td', { class: num ? 'num' : '' }, String(r[key] ?? '')))))))
       : h('p', { class: 'muted' }, 'None.'));
 }
 
@@ -60,10 +62,13 @@ export default {
         const cost = (r) => ({ ...r, money: `${r.cost} ${r.currency}` });
         fill(body, card(`Day ${d.day}`, d.today), card(`Month ${d.day.slice(0, 7)}`, d.month),
           hours(d.hours),
-          list('Top extensions (month)', d.top_extensions, [['extension'], ['calls', true], ['minutes', true]]),
-          list('Top destinations (month)', d.top_destinations.map(cost), [['key'], ['calls', true], ['money', true]]),
+          list('Top extensions (month)', d.top_extensions,
+            [['extension', false, 'Extension'], ['calls', true, 'Calls'], ['minutes', true, 'Minutes']]),
+          list('Top destinations (month)',
+            d.top_destinations.map((r) => cost({ ...r, key: r.key || '(no destination)' })),
+            [['key', false, 'Destination'], ['calls', true, 'Calls'], ['money', true, 'Cost']]),
           list('Cost per department (month)', d.departments.map((r) => cost({ ...r, key: r.key || '(none)' })),
-            [['key'], ['calls', true], ['money', true]]),
+            [['key', false, 'Department'], ['calls', true, 'Calls'], ['money', true, 'Cost']]),
           h('section', { class: 'card', 'aria-label': 'Trunk channels' }, h('h2', {}, 'Trunk channels'),
             h('div', { class: 'stats' },
               h('div', { class: 'stat' }, h('span', { class: 'label' }, 'In use at the last call'),
