@@ -17,24 +17,6 @@ Connection& ConnectionOf(Store& store) {
   return sql->connection();
 }
 
-const char* SortColumn(CallSort sort) {
-  switch (sort) {
-    case CallSort::kDuration:
-      return "c.duration";
-    case CallSort::kExtension:
-      return "c.extension";
-    case CallSort::kDialled:
-      return "c.dialled";
-    case CallSort::kTrunk:
-      return "c.trunk";
-    case CallSort::kCost:
-      return "CAST(k.cost AS NUMERIC)";
-    case CallSort::kStart:
-      break;
-  }
-  return "c.start";
-}
-
 // The directory's department of a call's extension as in force on its
 // start (the same rule as the listing's).
 const char* kDepartment =
@@ -53,26 +35,6 @@ int64_t Micro(const std::string& text) {
 }
 
 }  // namespace
-
-CallPage SearchCalls(Store& store, const CallQuery& q) {
-  std::vector<Value> params;
-  const std::string order = q.descending ? " DESC" : " ASC";
-  const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = CallSelectFrom() + CallWhere(q.filter, &params) + " ORDER BY " +
-                    SortColumn(q.sort) + order + nulls + ", c.id" + order;
-  params.emplace_back(q.limit + 1);
-  sql += " LIMIT $" + std::to_string(params.size());
-  params.emplace_back(q.offset);
-  sql += " OFFSET $" + std::to_string(params.size());
-  CallPage page;
-  ConnectionOf(store).Run(sql, params,
-                          [&](const ResultRow& r) { page.calls.push_back(ReadCall(r)); });
-  if (static_cast<int64_t>(page.calls.size()) > q.limit) {
-    page.more = true;
-    page.calls.pop_back();
-  }
-  return page;
-}
 
 std::optional<StoredCall> CallById(Store& store, int64_t id) {
   std::optional<StoredCall> found;

@@ -123,4 +123,9 @@ StoredCall ReadCall(const ResultRow& row);
 // to `params` (sql_store_read.cpp).
 std::string CallWhere(const CallFilter& filter, std::vector<Value>* params);
 
+// The condition over `directory d` that an extension's entry meets the
+// filter's person and department, as CallWhere matches them; its
+// parameters appended to `params` (sql_store_read.cpp).
+std::string DirectoryEntryMatch(const CallFilter& filter, std::vector<Value>* params);
+
 }  // namespace velqua_store

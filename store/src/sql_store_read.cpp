@@ -437,4 +437,17 @@ std::string CallWhere(const CallFilter& filter, std::vector<Value>* params) {
   return Where(filter, params);
 }
 
+std::string DirectoryEntryMatch(const CallFilter& filter, std::vector<Value>* params) {
+  std::string sql = "1 = 1";
+  if (!filter.person.empty()) {
+    params->push_back("%" + LikeEscaped(Lowercase(filter.person)) + "%");
+    sql += " AND lower(d.person) LIKE $" + std::to_string(params->size()) + " ESCAPE '!'";
+  }
+  if (!filter.department.empty()) {
+    params->push_back(filter.department);
+    sql += " AND d.department = $" + std::to_string(params->size());
+  }
+  return sql;
+}
+
 }  // namespace velqua_store

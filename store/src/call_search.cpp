@@ -1,0 +1,186 @@
+// A page of calls for the web page's search. A search by person or
+// department first reads the directory: the extensions whose entry matched
+// and the days it was in force. Each such extension and period is then a
+// range of the index on the extension and start, read only as far as the
+// page needs, instead of looking up every call's directory entry.
+#include <algorithm>
+#include <map>
+
+#include "sql_store.h"
+#include "velqua/store/browse.h"
+
+namespace velqua_store {
+namespace {
+
+Connection& ConnectionOf(Store& store) {
+  auto* sql = dynamic_cast<SqlStore*>(&store);
+  if (sql == nullptr) throw StoreError("database '" + store.name() + "': no SQL engine");
+  return sql->connection();
+}
+
+const char* SortColumn(CallSort sort) {
+  switch (sort) {
+    case CallSort::kDuration:
+      return "c.duration";
+    case CallSort::kExtension:
+      return "c.extension";
+    case CallSort::kDialled:
+      return "c.dialled";
+    case CallSort::kTrunk:
+      return "c.trunk";
+    case CallSort::kCost:
+      return "CAST(k.cost AS NUMERIC)";
+    case CallSort::kStart:
+      break;
+  }
+  return "c.start";
+}
+
+// Beyond this many extension periods the search asks the directory per call
+// instead: one query may join only so many parts.
+constexpr size_t kMostPeriods = 200;
+
+// The calls of an extension whose directory entry matched: from the day
+// `from` ("" = before its first dated entry, calls without a start too) up
+// to the day before `to_next` ("" = still in force).
+struct Period {
+  std::string extension, from, to_next;
+};
+
+// The periods in which each extension's entry in force (the latest from
+// day not after the call's day, else the undated one) meets the filter.
+std::vector<Period> MatchingPeriods(Connection& db, const CallFilter& filter) {
+  std::vector<Value> params;
+  const std::string match = DirectoryEntryMatch(filter, &params);
+  std::map<std::string, std::vector<std::pair<std::string, bool>>> entries;
+  db.Run("SELECT d.entry_key, d.from_day, CASE WHEN " + match +
+             " THEN 1 ELSE 0 END FROM directory d WHERE d.kind = 'extension' AND d.entry_key IN "
+             "(SELECT d.entry_key FROM directory d WHERE d.kind = 'extension' AND " +
+             match + ")",
+         params,
+         [&](const ResultRow& r) { entries[r.Text(0)].emplace_back(r.Text(1), r.Int(2) != 0); });
+  std::vector<Period> periods;
+  for (auto& [extension, days] : entries) {
+    std::sort(days.begin(), days.end());
+    for (size_t i = 0; i < days.size(); ++i) {
+      if (!days[i].second) continue;
+      const std::string to_next = i + 1 < days.size() ? days[i + 1].first : "";
+      if (!periods.empty() && periods.back().extension == extension &&
+          periods.back().to_next == days[i].first) {
+        periods.back().to_next = to_next;  // the same match, a day later
+      } else {
+        periods.push_back({extension, days[i].first, to_next});
+      }
+    }
+  }
+  return periods;
+}
+
+// The WHERE condition of a period over `calls c`. A call without a start
+// falls under the undated entry alone.
+std::string PeriodCondition(const Period& p, bool without_start, std::vector<Value>* params) {
+  const auto next = [params](const std::string& value) {
+    params->push_back(value);
+    return "$" + std::to_string(params->size());
+  };
+  std::string sql = "c.extension = " + next(p.extension);
+  if (without_start) return sql + " AND c.start IS NULL";
+  if (!p.from.empty()) sql += " AND c.start >= " + next(p.from);
+  if (!p.to_next.empty()) sql += " AND c.start < " + next(p.to_next);
+  return sql;
+}
+
+// The ids of the page's calls, in the page's order: each period's first
+// calls in that order through the index, then the best of them.
+std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
+                                      const std::vector<Period>& periods) {
+  CallFilter rest = q.filter;
+  rest.person.clear();
+  rest.department.clear();
+  const std::string order = q.descending ? " DESC" : " ASC";
+  const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
+  const std::string sort = SortColumn(q.sort);
+  const std::string wanted = std::to_string(q.offset + q.limit + 1);
+  std::vector<Value> params;
+  std::string parts;
+  const auto add = [&](const Period& p, bool without_start) {
+    const std::string where = CallWhere(rest, &params);
+    parts +=
+        std::string(parts.empty() ? "" : " UNION ALL ") + "SELECT * FROM (SELECT c.id AS id, " +
+        sort + " AS sort_key FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id" + where +
+        " AND " + PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order + nulls +
+        ", c.id" + order + " LIMIT " + wanted + ") AS p" + std::to_string(params.size());
+  };
+  for (const Period& p : periods) {
+    add(p, false);
+    if (p.from.empty() && !p.to_next.empty()) add(p, true);
+  }
+  params.emplace_back(q.limit + 1);
+  std::string sql = "SELECT u.id FROM (" + parts + ") AS u ORDER BY u.sort_key" + order + nulls +
+                    ", u.id" + order + " LIMIT $" + std::to_string(params.size());
+  params.emplace_back(q.offset);
+  sql += " OFFSET $" + std::to_string(params.size());
+  std::vector<int64_t> ids;
+  db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
+  return ids;
+}
+
+// The calls of these ids, in their order.
+std::vector<StoredCall> CallsOfIds(Connection& db, const std::vector<int64_t>& ids) {
+  if (ids.empty()) return {};
+  std::vector<Value> params;
+  std::string list;
+  for (int64_t id : ids) {
+    params.emplace_back(id);
+    list += (list.empty() ? "$" : ", $") + std::to_string(params.size());
+  }
+  std::map<int64_t, StoredCall> by_id;
+  db.Run(CallSelectFrom() + " WHERE c.id IN (" + list + ")", params, [&](const ResultRow& r) {
+    StoredCall call = ReadCall(r);
+    const int64_t id = call.id;
+    by_id.emplace(id, std::move(call));
+  });
+  std::vector<StoredCall> calls;
+  for (int64_t id : ids) calls.push_back(std::move(by_id.at(id)));
+  return calls;
+}
+
+// The page in one query, each call's directory entry looked up as it is met.
+std::vector<StoredCall> PageByScan(Connection& db, const CallQuery& q) {
+  std::vector<Value> params;
+  const std::string order = q.descending ? " DESC" : " ASC";
+  const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
+  std::string sql = CallSelectFrom() + CallWhere(q.filter, &params) + " ORDER BY " +
+                    SortColumn(q.sort) + order + nulls + ", c.id" + order;
+  params.emplace_back(q.limit + 1);
+  sql += " LIMIT $" + std::to_string(params.size());
+  params.emplace_back(q.offset);
+  sql += " OFFSET $" + std::to_string(params.size());
+  std::vector<StoredCall> calls;
+  db.Run(sql, params, [&](const ResultRow& r) { calls.push_back(ReadCall(r)); });
+  return calls;
+}
+
+}  // namespace
+
+CallPage SearchCalls(Store& store, const CallQuery& q) {
+  Connection& db = ConnectionOf(store);
+  CallPage page;
+  if (q.filter.person.empty() && q.filter.department.empty()) {
+    page.calls = PageByScan(db, q);
+  } else {
+    const std::vector<Period> periods = MatchingPeriods(db, q.filter);
+    if (periods.size() > kMostPeriods) {
+      page.calls = PageByScan(db, q);
+    } else if (!periods.empty()) {
+      page.calls = CallsOfIds(db, PageIdsByPeriods(db, q, periods));
+    }
+  }
+  if (static_cast<int64_t>(page.calls.size()) > q.limit) {
+    page.more = true;
+    page.calls.pop_back();
+  }
+  return page;
+}
+
+}  // namespace velqua_store
