@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <map>
 
 #include "call_query.h"
 #include "web_test_support.h"
@@ -192,6 +193,39 @@ TEST_P(CallsSearchTest, ADepartmentOfHundredsOfExtensionsIsSearchedToo) {
   EXPECT_EQ(Found("department=Big"), Expected([](const StoredCall& c) {
               return c.extension == "201" || c.extension == "1249";
             }));
+}
+
+// The dashboard's month of costs by department (as in force on each call's
+// day), by destination and in all, against the calls' own prices.
+TEST_P(CallsSearchTest, DashboardCostsAreTheSumsOfTheMonthsPrices) {
+  Fill();
+  const nlohmann::json d = client_->Json("/api/dashboard?day=2026-03-10");
+  using Sums = std::map<std::pair<std::string, std::string>, std::pair<int64_t, int64_t>>;
+  Sums departments, destinations, all;
+  for (const StoredCall& c : calls_) {
+    if (!c.cost || !c.currency || c.currency->empty()) continue;
+    for (auto [sums, key] :
+         {std::pair{&departments, c.department.value_or("")},
+          std::pair{&destinations, c.destination.value_or("")}, std::pair{&all, std::string()}}) {
+      auto& [calls, millionths] = (*sums)[{key, *c.currency}];
+      ++calls;
+      millionths += Millionths(c);
+    }
+  }
+  ASSERT_GE(departments.size(), 2u) << "the store does not hold the case";
+  const auto read = [](const nlohmann::json& list, bool keyed) {
+    Sums sums;
+    for (const auto& row : list) {
+      auto& sum = sums[{keyed ? row["key"].get<std::string>() : "", row["currency"]}];
+      sum = {keyed ? row["calls"].get<int64_t>() : 0,
+             *velqua_web::MillionthsOf(row["cost"].get<std::string>())};
+    }
+    return sums;
+  };
+  EXPECT_EQ(read(d["departments"], true), departments);
+  EXPECT_EQ(read(d["top_destinations"], true), destinations);
+  for (auto& [key, sum] : all) sum.first = 0;
+  EXPECT_EQ(read(d["month"]["cost"], false), all);
 }
 
 TEST_P(CallsSearchTest, AMalformedAmountIsRefusedAndTheSpreadsheetIsOne) {

@@ -60,7 +60,9 @@ Arrivals ArrivedAfter(Store& store, const ArrivalMark& mark, int64_t limit);
 
 // Priced calls of a span grouped by what `by` names, with their summed cost
 // as exact decimal text (per currency: a group whose calls are priced in
-// two currencies is two rows). Dearest first.
+// two currencies is two rows). Dearest first. Calls kept at 0 without a
+// currency (no tariff priced them) and, by destination, calls without one
+// are left out. Read from the day summaries unless span.from_calls.
 enum class CostKey { kDepartment, kDestination, kExtension, kAll };  // kAll: key ""
 struct CostTotal {
   std::string key;  // "" for calls without one
