@@ -44,6 +44,27 @@ const Download& DownloadOf(const std::string& format) {
   throw ApiError(400, "parameter 'format': use json, csv, pdf, xlsx or svg");
 }
 
+// A message of the reports layer, which names its command-line options, in
+// the Reports page's own words: the labels of its fields.
+std::string InPageTerms(std::string text) {
+  static const std::pair<std::string, std::string> kFields[] = {
+      {"--callback-window", "Called back within"},
+      {"--itemised", "One extension, call by call"},
+      {"--department", "Department"},
+      {"--lines", "Lines you have"},
+      {"--from", "From"},
+      {"--top", "How many"},
+      {"--to", "To"},
+      {"--of", "Compared"},
+      {"--by", "Ranked by"}};
+  for (const auto& [option, label] : kFields) {
+    for (size_t at = text.find(option); at != std::string::npos; at = text.find(option, at)) {
+      text.replace(at, option.size(), label);
+    }
+  }
+  return text;
+}
+
 velqua_reports::Request RequestOf(const ApiRequest& r, const std::string& kind) {
   velqua_reports::Request q;
   q.kind = kind;
@@ -60,10 +81,14 @@ velqua_reports::Request RequestOf(const ApiRequest& r, const std::string& kind) 
   q.by = r.Param("by", q.by);
   q.lines = r.IntParam("lines", 0, 0, 100000);
   q.top = r.IntParam("top", q.top, 1, 1000);
-  if (r.http.has_param("callback")) {
-    q.callback_seconds = velqua_reports::SecondsOf(r.Param("callback"), "callback");
+  try {
+    if (r.http.has_param("callback")) {
+      q.callback_seconds = velqua_reports::SecondsOf(r.Param("callback"), "Called back within");
+    }
+    velqua_reports::CheckRequest(q);
+  } catch (const velqua_records::Failure& e) {
+    throw ApiError(400, InPageTerms(e.what()));
   }
-  velqua_reports::CheckRequest(q);
   return q;
 }
 

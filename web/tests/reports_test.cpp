@@ -101,12 +101,16 @@ TEST_P(ReportsTest, AWrongRequestIsRefusedNamingWhatIsWrong) {
   };
   const Row rows[] = {
       {"/api/reports/bills", "unknown report 'bills'"},
-      {"/api/reports/extensions?from=2026-02-30&to=2026-03-01", "2026-02-30"},
+      {"/api/reports/extensions?from=2026-02-30&to=2026-03-01", "From: "},
+      {"/api/reports/extensions?from=2026-03-01&to=2026-3-31", "To: "},
+      {"/api/reports/extensions?from=2026-03-02&to=2026-03-01", "(From 2026-03-02)"},
+      {"/api/reports/compare?of=bills", "Compared: "},
+      {"/api/reports/trunks?lines=-1", "parameter 'lines'"},
       {"/api/reports/extensions?from=2026-03-01", "give both or neither"},
       {"/api/reports/extensions?format=doc", "parameter 'format'"},
       {"/api/reports/extensions?switch=branch", "branch"},
       {"/api/reports/destinations?top=0", "parameter 'top'"},
-      {"/api/reports/missed?callback=soon", "callback"},
+      {"/api/reports/missed?callback=soon", "Called back within: "},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.query);
@@ -114,6 +118,7 @@ TEST_P(ReportsTest, AWrongRequestIsRefusedNamingWhatIsWrong) {
     ASSERT_TRUE(r);
     EXPECT_EQ(r->status, 400);
     EXPECT_NE(r->body.find(row.says), std::string::npos) << r->body;
+    EXPECT_EQ(r->body.find("--"), std::string::npos) << r->body;
   }
   ApiClient stranger(server_->port());
   EXPECT_EQ(stranger.Send("GET", "/api/reports/extensions")->status, 401);
