@@ -222,6 +222,10 @@ export const checks = [
         await warnings.locator('li.silent', { hasText: 'smdr-log: silent for' }).waitFor({ timeout: 15000 });
         assert.match(await warnings.textContent(), /pbx: never connected/);
         assert.equal(await page.locator('#view-capture [data-health]').textContent(), 'WARNING');
+        // At a desktop's width (1280 px) every column shows without scrolling.
+        const overflow = await page.$$eval('#view-capture .results',
+          (all) => all.map((e) => e.scrollWidth - e.clientWidth));
+        assert.ok(overflow.length > 0 && overflow.every((px) => px <= 0), `overflows by ${overflow} px`);
         await shot('capture');
         await page.setViewportSize({ width: 390, height: 844 });
         await shot('capture-phone');

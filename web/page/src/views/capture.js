@@ -6,7 +6,7 @@ import { api } from '../api.js';
 import { h, fill, failure } from '../dom.js';
 
 const EVERY_MS = 5000;
-const when = (utc) => (utc ? utc.replace('T', ' ').replace('Z', ' UTC') : '–');
+const when = (utc) => (utc ? utc.replace('T', ' ').replace('Z', '') : '–');  // UTC: said in the heading
 const NUMBERS = ['records', 'unrecognised', 'headings', 'resent_dropped', 'reconnections', 'bytes'];
 
 function streamRow(source, s, first) {
@@ -16,7 +16,7 @@ function streamRow(source, s, first) {
     h('td', { class: `state-${s.state.replace(' ', '-')}` }, s.state),
     h('td', {}, when(s.since_utc)), h('td', {}, when(s.last_record_utc)),
     NUMBERS.map((k) => h('td', { class: 'num', 'data-count': k }, s[k])),
-    h('td', {}, s.last_event || ''));
+    h('td', { class: 'event' }, s.last_event || ''));
 }
 
 function sourceRows(source) {
@@ -39,7 +39,7 @@ function warnings(service) {
 }
 
 function serviceSection(service) {
-  const head = ['Source', 'Address', 'State', 'Since', 'Last record', 'Records', 'Unrecognised',
+  const head = ['Source', 'Address', 'State', 'Since (UTC)', 'Last record (UTC)', 'Records', 'Unrecognised',
     'Headings', 'Re-sent dropped', 'Reconnections', 'Bytes', 'Last event'];
   return h('section', { class: `capture health-${service.health.toLowerCase()}`,
     'aria-label': service.config },
