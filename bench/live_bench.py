@@ -24,8 +24,8 @@ import threading
 import time
 
 ROOT = os.path.abspath(os.path.join(os.path.dirname(__file__), ".."))
-CALL_EVENT = re.compile(rb'id: \d+\ndata: \{[^\n]*?"kind":"call"')
-CALL_ID = re.compile(rb'"id":(\d+)')
+# A call's event: its JSON's keys in byte order, "id" before "kind".
+CALL = re.compile(rb'\ndata: \{[^\n]*?"id":(\d+),[^\n]*?"kind":"call"')
 
 
 def free_port():
@@ -52,32 +52,33 @@ class LivePage:
         data = self.sock.recv(1 << 20)
         if not data:
             return False
-        self.raw += data
+        raw = self.raw + data
         if not self.headers_done:
-            end = self.raw.find(b"\r\n\r\n")
+            end = raw.find(b"\r\n\r\n")
             if end < 0:
+                self.raw = raw
                 return True
-            if b" 200 " not in self.raw[:end].split(b"\r\n")[0]:
-                raise RuntimeError(self.raw[:end].decode())
-            self.raw = self.raw[end + 4:]
+            if b" 200 " not in raw[:end].split(b"\r\n")[0]:
+                raise RuntimeError(raw[:end].decode())
+            raw = raw[end + 4:]
             self.headers_done = True
+        parts, at = [self.body], 0
         while True:  # whole chunks: each holds whole events
-            line_end = self.raw.find(b"\r\n")
+            line_end = raw.find(b"\r\n", at)
             if line_end < 0:
                 break
-            size = int(self.raw[:line_end].split(b";")[0], 16)
-            if len(self.raw) < line_end + 2 + size + 2:
+            size = int(raw[at:line_end].split(b";")[0], 16)
+            if len(raw) < line_end + 2 + size + 2:
                 break
-            self.body += self.raw[line_end + 2:line_end + 2 + size]
-            self.raw = self.raw[line_end + 2 + size + 2:]
-        cut = self.body.rfind(b"\n\n")
-        if cut >= 0:
-            events, self.body = self.body[:cut + 2], self.body[cut + 2:]
-            if b"event: lost" in events:
-                raise RuntimeError("a live page fell behind and was told to reload")
-            for event in events.split(b"\n\n"):
-                if CALL_EVENT.match(event):
-                    self.ids.append(int(CALL_ID.search(event).group(1)))
+            parts.append(raw[line_end + 2:line_end + 2 + size])
+            at = line_end + 2 + size + 2
+        self.raw = raw[at:]
+        body = b"".join(parts)
+        cut = body.rfind(b"\n\n")
+        events, self.body = body[:cut + 2], body[cut + 2:]
+        if b"event: lost" in events:
+            raise RuntimeError("a live page fell behind and was told to reload")
+        self.ids.extend(int(i) for i in CALL.findall(events))
         return True
 
 

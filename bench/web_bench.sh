@@ -5,9 +5,11 @@
 # from bench/make_records.py's Hicom records, imported, priced by
 # examples/rating/hicom-plan.toml, and kept under /tmp/velqua-web-bench.
 #
-# Usage: bench/web_bench.sh [--calls N] [--runs K] [--velqua PATH]
+# Usage: bench/web_bench.sh [--calls N] [--runs K] [--velqua PATH] [--db STORE]
 #   N records (default 10,000,000); K timed runs of each request (default 5,
-#   the best kept, after a warming one).
+#   the best kept, after a warming one). --db: an existing store with its
+#   directory instead (bench/reports_bench.sh makes one); the person,
+#   department and extension asked for are its directory's first entry.
 # The time is curl's time to the first byte of the answer on a loopback
 # connection: the server's time, plus a loopback round trip.
 set -euo pipefail
@@ -20,13 +22,14 @@ while [ $# -gt 0 ]; do
     --calls) calls="$2"; shift 2 ;;
     --runs) runs="$2"; shift 2 ;;
     --velqua) velqua="$2"; shift 2 ;;
+    --db) db="$2"; shift 2 ;;
     *) echo "unknown option: $1" >&2; exit 2 ;;
   esac
 done
 velqua=$(realpath "$velqua")
 dir=/tmp/velqua-web-bench
 mkdir -p "$dir"
-db="$dir/calls-$calls.db"
+db="${db:-$dir/calls-$calls.db}"
 if [ ! -f "$db" ]; then
   echo "making $db ($calls records)"
   python3 bench/make_records.py "$calls" > "$dir/records-$calls.txt"
@@ -38,11 +41,17 @@ if [ ! -f "$db" ]; then
 fi
 # A directory of the records' extensions (100 to 499): a person each, ten
 # departments.
-{
-  echo "extension,person,department"
-  for e in $(seq 100 499); do echo "$e,Person $e Weber$((e % 7)),Dept $((e % 10))"; done
-} > "$dir/people.csv"
-"$velqua" directory import --db "$db" "$dir/people.csv" > /dev/null
+if [ "$(sqlite3 "$db" "SELECT count(*) FROM directory")" = 0 ]; then
+  {
+    echo "extension,person,department"
+    for e in $(seq 100 499); do echo "$e,Person $e Weber$((e % 7)),Dept $((e % 10))"; done
+  } > "$dir/people.csv"
+  "$velqua" directory import --db "$db" "$dir/people.csv" > /dev/null
+fi
+first="SELECT entry_key, person, department FROM directory WHERE kind = 'extension'"
+IFS='|' read -r extension person department < <(sqlite3 "$db" "$first ORDER BY entry_key LIMIT 1")
+person=$(echo "${person##* }" | tr 'A-Z' 'a-z')  # the last word: a surname
+department=${department// /%20}
 
 "$velqua" serve --db "$db" --listen 127.0.0.1:0 > "$dir/serve.out" 2>&1 &
 server=$!
@@ -69,11 +78,12 @@ best() {
 best "api/calls?limit=50"
 best "api/calls?limit=50&sort=duration"
 best "api/calls?limit=50&offset=10000"
-best "api/calls?limit=50&extension=201&from=2025-03-01&to=2025-03-31"
+best "api/calls?limit=50&extension=$extension&from=2025-03-01&to=2025-03-31"
 best "api/calls?limit=50&from=2025-03-01&to=2025-03-31&sort=cost"
 best "api/calls?limit=50&number=0301"
-best "api/calls?limit=50&person=weber3"
-best "api/calls?limit=50&department=Dept%204"
+best "api/calls?limit=50&person=$person"
+best "api/calls?limit=50&department=$department"
+best "api/calls?limit=50&department=$department&from=2025-03-01&to=2025-03-31&sort=cost"
 best "api/calls?limit=50&min_cost=1.00"
 day=$(sqlite3 "$db" "SELECT substr(max(start), 1, 10) FROM calls")
 best "api/dashboard?day=$day"
