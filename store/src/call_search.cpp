@@ -125,40 +125,48 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
   return ids;
 }
 
-// The calls of these ids, in their order.
+// The calls of these ids, in their order; asked for a few hundred at a
+// time (an export's hundred thousand would pass the engines' parameter limits).
 std::vector<StoredCall> CallsOfIds(Connection& db, const std::vector<int64_t>& ids) {
-  if (ids.empty()) return {};
-  std::vector<Value> params;
-  std::string list;
-  for (int64_t id : ids) {
-    params.emplace_back(id);
-    list += (list.empty() ? "$" : ", $") + std::to_string(params.size());
-  }
+  constexpr size_t kPerQuery = 500;
   std::map<int64_t, StoredCall> by_id;
-  db.Run(CallSelectFrom() + " WHERE c.id IN (" + list + ")", params, [&](const ResultRow& r) {
-    StoredCall call = ReadCall(r);
-    const int64_t id = call.id;
-    by_id.emplace(id, std::move(call));
-  });
+  for (size_t first = 0; first < ids.size(); first += kPerQuery) {
+    std::vector<Value> params;
+    std::string list;
+    for (size_t i = first; i < ids.size() && i < first + kPerQuery; ++i) {
+      params.emplace_back(ids[i]);
+      list += (list.empty() ? "$" : ", $") + std::to_string(params.size());
+    }
+    db.Run(CallSelectFrom() + " WHERE c.id IN (" + list + ")", params, [&](const ResultRow& r) {
+      StoredCall call = ReadCall(r);
+      const int64_t id = call.id;
+      by_id.emplace(id, std::move(call));
+    });
+  }
   std::vector<StoredCall> calls;
+  calls.reserve(ids.size());
   for (int64_t id : ids) calls.push_back(std::move(by_id.at(id)));
   return calls;
 }
 
-// The page in one query, each call's directory entry looked up as it is met.
-std::vector<StoredCall> PageByScan(Connection& db, const CallQuery& q) {
+// The ids of the page's calls in one query, each call's directory entry
+// looked up as it is met. Only the ids and the order's key are read (and
+// sorted) for the calls passed over: their names and prices are read for
+// the page alone.
+std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
   std::vector<Value> params;
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = CallSelectFrom() + CallWhere(q.filter, &params) + " ORDER BY " +
-                    SortColumn(q.sort) + order + nulls + ", c.id" + order;
+  std::string sql = "SELECT c.id FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id" +
+                    CallWhere(q.filter, &params) + " ORDER BY " + SortColumn(q.sort) + order +
+                    nulls + ", c.id" + order;
   params.emplace_back(q.limit + 1);
   sql += " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
   sql += " OFFSET $" + std::to_string(params.size());
-  std::vector<StoredCall> calls;
-  db.Run(sql, params, [&](const ResultRow& r) { calls.push_back(ReadCall(r)); });
-  return calls;
+  std::vector<int64_t> ids;
+  db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
+  return ids;
 }
 
 }  // namespace
@@ -167,11 +175,11 @@ CallPage SearchCalls(Store& store, const CallQuery& q) {
   Connection& db = ConnectionOf(store);
   CallPage page;
   if (q.filter.person.empty() && q.filter.department.empty()) {
-    page.calls = PageByScan(db, q);
+    page.calls = CallsOfIds(db, PageIdsByScan(db, q));
   } else {
     const std::vector<Period> periods = MatchingPeriods(db, q.filter);
     if (periods.size() > kMostPeriods) {
-      page.calls = PageByScan(db, q);
+      page.calls = CallsOfIds(db, PageIdsByScan(db, q));
     } else if (!periods.empty()) {
       page.calls = CallsOfIds(db, PageIdsByPeriods(db, q, periods));
     }

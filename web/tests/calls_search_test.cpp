@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <map>
+#include <set>
 
 #include "call_query.h"
 #include "web_test_support.h"
@@ -226,6 +228,30 @@ TEST_P(CallsSearchTest, DashboardCostsAreTheSumsOfTheMonthsPrices) {
   EXPECT_EQ(read(d["top_destinations"], true), destinations);
   for (auto& [key, sum] : all) sum.first = 0;
   EXPECT_EQ(read(d["month"]["cost"], false), all);
+}
+
+// A page's calls are read a few hundred at a time: an export of more holds
+// every one, in the page's order.
+TEST_P(CallsSearchTest, AnExportOfThousandsOfCallsHoldsEachInOrder) {
+  std::vector<velqua_store::Record> records;
+  for (int i = 0; i < 1234; ++i) {
+    char start[32];
+    std::snprintf(start, sizeof start, "2026-03-09 %02d:%02d:%02d", i / 3600, i / 60 % 60, i % 60);
+    records.push_back(Call(i + 1, std::to_string(200 + i % 7), start, "01", "0301111"));
+  }
+  store_->Write(NewSource("hicom", "serial"), records, std::nullopt);
+  Start();
+  ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
+  const auto r = client_->Send("GET", "/api/calls/export.csv?sort=start&order=desc");
+  ASSERT_TRUE(r);
+  std::vector<std::string> starts;
+  for (size_t at = r->body.find("\r\n") + 2; at < r->body.size();
+       at = r->body.find("\r\n", at) + 2) {
+    starts.push_back(r->body.substr(at, r->body.find(',', at) - at));
+  }
+  ASSERT_EQ(starts.size(), records.size());
+  EXPECT_TRUE(std::is_sorted(starts.rbegin(), starts.rend()));
+  EXPECT_EQ(std::set<std::string>(starts.begin(), starts.end()).size(), records.size());
 }
 
 TEST_P(CallsSearchTest, AMalformedAmountIsRefusedAndTheSpreadsheetIsOne) {
