@@ -9,7 +9,8 @@
 #   N records (default 10,000,000); K timed runs of each request (default 5,
 #   the best kept, after a warming one). --db: an existing store with its
 #   directory instead (bench/reports_bench.sh makes one); the person,
-#   department and extension asked for are its directory's first entry.
+#   department and extension asked for are its directory's first entry; a
+#   PostgreSQL store by its URL.
 # The time is curl's time to the first byte of the answer on a loopback
 # connection: the server's time, plus a loopback round trip.
 set -euo pipefail
@@ -30,7 +31,9 @@ velqua=$(realpath "$velqua")
 dir=/tmp/velqua-web-bench
 mkdir -p "$dir"
 db="${db:-$dir/calls-$calls.db}"
-if [ ! -f "$db" ]; then
+# A query in the store's own shell (a PostgreSQL store is a URL).
+q() { if [[ "$db" == postgres* ]]; then psql "$db" -Atc "$1"; else sqlite3 "$db" "$1"; fi; }
+if [[ "$db" != postgres* && ! -f "$db" ]]; then
   echo "making $db ($calls records)"
   python3 bench/make_records.py "$calls" > "$dir/records-$calls.txt"
   /usr/bin/time -f "  imported in %e s" "$velqua" import --db "$db" --switch hicom \
@@ -41,7 +44,7 @@ if [ ! -f "$db" ]; then
 fi
 # A directory of the records' extensions (100 to 499): a person each, ten
 # departments.
-if [ "$(sqlite3 "$db" "SELECT count(*) FROM directory")" = 0 ]; then
+if [ "$(q "SELECT count(*) FROM directory")" = 0 ]; then
   {
     echo "extension,person,department"
     for e in $(seq 100 499); do echo "$e,Person $e Weber$((e % 7)),Dept $((e % 10))"; done
@@ -49,7 +52,7 @@ if [ "$(sqlite3 "$db" "SELECT count(*) FROM directory")" = 0 ]; then
   "$velqua" directory import --db "$db" "$dir/people.csv" > /dev/null
 fi
 first="SELECT entry_key, person, department FROM directory WHERE kind = 'extension'"
-IFS='|' read -r extension person department < <(sqlite3 "$db" "$first ORDER BY entry_key LIMIT 1")
+IFS='|' read -r extension person department < <(q "$first ORDER BY entry_key LIMIT 1")
 person=$(echo "${person##* }" | tr 'A-Z' 'a-z')  # the last word: a surname
 department=${department// /%20}
 
@@ -85,5 +88,5 @@ best "api/calls?limit=50&person=$person"
 best "api/calls?limit=50&department=$department"
 best "api/calls?limit=50&department=$department&from=2025-03-01&to=2025-03-31&sort=cost"
 best "api/calls?limit=50&min_cost=1.00"
-day=$(sqlite3 "$db" "SELECT substr(max(start), 1, 10) FROM calls")
+day=$(q "SELECT substr(max(start), 1, 10) FROM calls")
 best "api/dashboard?day=$day"
