@@ -126,10 +126,11 @@ TEST_P(CallsSearchTest, PersonDepartmentAndCostSelectWhatTheStoreSaysOfEachCall)
   }
 }
 
-// A directory search reads its extensions' periods apart and merges them:
-// each page, in each order, is the unfiltered order's calls that the
-// directory picks, and says whether more follow.
-TEST_P(CallsSearchTest, DirectorySearchesPageInEveryOrderAsTheUnfilteredList) {
+// A directory search reads its extensions' periods apart and merges them,
+// a rare number prefix is read through its index: each page, in each order,
+// is the unfiltered order's calls that the filter picks, and says whether
+// more follow.
+TEST_P(CallsSearchTest, NarrowSearchesPageInEveryOrderAsTheUnfilteredList) {
   Fill();
   struct Row {
     std::string filter;
@@ -145,6 +146,8 @@ TEST_P(CallsSearchTest, DirectorySearchesPageInEveryOrderAsTheUnfilteredList) {
       {"department=Finance", [&](const StoredCall& c) { return in(c, "Finance"); }},
       {"department=Finance&min_cost=0",
        [&](const StoredCall& c) { return in(c, "Finance") && c.cost.has_value(); }},
+      {"number=0301",  // through the index on the number
+       [](const StoredCall& c) { return c.dialled && c.dialled->rfind("0301", 0) == 0; }},
       {"person=paul&from=2026-03-10&to=2026-03-10",
        [](const StoredCall& c) { return c.start && c.start->rfind("2026-03-10", 0) == 0; }},
   };
