@@ -150,26 +150,32 @@ std::vector<StoredCall> CallsOfIds(Connection& db, const std::vector<int64_t>& i
   return calls;
 }
 
-// Whether SQLite should read a number prefix's calls through the index on
-// the number and sort them, rather than walk every call in the page's order
-// until a page of them is found: when few calls have it (a page of the rare
-// ones could otherwise mean reading the whole store). PostgreSQL's planner
-// weighs this itself, from its statistics.
-bool ThroughNumberIndex(Connection& db, const CallFilter& filter) {
+// The index SQLite should read a number prefix's calls through ("" = its
+// planner's choice). Few calls have the prefix: the index on the number,
+// then sort them, rather than walk every call in the page's order until a
+// page of them is found. Many have it: walk the calls newest first, rather
+// than sort them all. PostgreSQL's planner weighs this itself, from its
+// statistics.
+std::string NumberRoad(Connection& db, const CallQuery& q) {
   constexpr int64_t kFew = 10000;
-  if (filter.number_prefix.empty() || std::strcmp(db.engine(), "sqlite") != 0) return false;
-  bool indexed = false;
-  db.Run("SELECT 1 FROM sqlite_master WHERE type = 'index' AND name = 'calls_dialled'", {},
-         [&](const ResultRow&) { indexed = true; });
-  if (!indexed) return false;  // a backlog being loaded in bulk
+  const CallFilter& f = q.filter;
+  if (f.number_prefix.empty() || std::strcmp(db.engine(), "sqlite") != 0) return "";
+  int64_t indexes = 0;
+  db.Run(
+      "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name IN "
+      "('calls_dialled', 'calls_start')",
+      {}, [&](const ResultRow& r) { indexes = r.Int(0); });
+  if (indexes != 2) return "";  // a backlog being loaded in bulk
   CallFilter prefix;
-  prefix.number_prefix = filter.number_prefix;
+  prefix.number_prefix = f.number_prefix;
   std::vector<Value> params;
   int64_t count = 0;
   db.Run("SELECT count(*) FROM (SELECT 1 FROM calls c" + CallWhere(prefix, &params) + " LIMIT " +
              std::to_string(kFew + 1) + ") AS n",
          params, [&](const ResultRow& r) { count = r.Int(0); });
-  return count <= kFew;
+  if (count <= kFew) return " INDEXED BY calls_dialled";
+  const bool narrower = !f.extension.empty() || !f.trunk.empty() || !f.account_code.empty();
+  return q.sort == CallSort::kStart && !narrower ? " INDEXED BY calls_start" : "";
 }
 
 // The ids of the page's calls in one query, each call's directory entry
@@ -180,9 +186,7 @@ std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
   std::vector<Value> params;
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  const char* calls =
-      ThroughNumberIndex(db, q.filter) ? "calls c INDEXED BY calls_dialled" : "calls c";
-  std::string sql = std::string("SELECT c.id FROM ") + calls +
+  std::string sql = "SELECT c.id FROM calls c" + NumberRoad(db, q) +
                     " LEFT JOIN call_costs k ON k.call_id = c.id" + CallWhere(q.filter, &params) +
                     " ORDER BY " + SortColumn(q.sort) + order + nulls + ", c.id" + order;
   params.emplace_back(q.limit + 1);
