@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "call_months.h"
 #include "day_summaries.h"
 #include "sql.h"
 #include "velqua/records/names.h"
@@ -273,6 +274,9 @@ void Apply(Connection& db, int version) {
   } else if (version == 8) {
     // Version 8: the calls summed per switch and day, for reports.
     AddDaySummaries(db);
+  } else if (version == 9) {
+    // Version 9: on PostgreSQL, calls kept in a table a month.
+    PartitionCallsByMonth(db);
   }
 }
 
@@ -293,7 +297,7 @@ std::string QueryIndexes(bool postgres) { return ForEngine(postgres, kQueryIndex
 
 const char* const* QueryIndexNames() { return kQueryIndexNames; }
 
-void Migrate(Connection& db, const std::string& name) {
+void Migrate(Connection& db, const std::string& name, int version) {
   const bool pg = IsPostgres(db);
   InTransaction(db, [&] {
     if (pg) {
@@ -309,7 +313,7 @@ void Migrate(Connection& db, const std::string& name) {
                        ", newer than this program's (" + std::to_string(kSchemaVersion) +
                        "): use a newer velqua");
     }
-    for (int v = stored + 1; v <= kSchemaVersion; ++v) {
+    for (int v = stored + 1; v <= version; ++v) {
       Apply(db, v);
       if (pg) {
         db.Run("INSERT INTO schema_migrations (version, applied_utc) VALUES ($1, $2)",
