@@ -56,8 +56,11 @@ class PostgresMonthsTest : public ::testing::Test {
   }
 
   // Every call has its key row, with its id, source, position, switch and
-  // start, and no key row is left without its call.
+  // start, no key row is left without its call, and no price without it.
   void ExpectKeysMatchCalls() {
+    EXPECT_EQ(One("SELECT count(*) FROM call_costs k WHERE NOT EXISTS "
+                  "(SELECT 1 FROM call_keys c WHERE c.call_id = k.call_id)"),
+              "0");
     EXPECT_EQ(One("SELECT count(*) FROM calls c FULL JOIN call_keys k ON k.call_id = c.id "
                   "AND k.source_id = c.source_id AND k.position = c.position "
                   "AND k.switch_id = c.switch_id AND k.start IS NOT DISTINCT FROM c.start "
@@ -183,23 +186,30 @@ TEST_F(PostgresMonthsTest, ACorrectedStartMovesItsCallWithItsPrice) {
   std::unique_ptr<Store> store = OpenStore(url_);
   store->PutSwitch({"hq", "", "", ""});
   const Source source = store->OpenSource("hq", "calls.txt", "file");
-  store->Write(source, {Call(1, "21", "2026-01-15 09:05:00"), Call(2, "22", "2026-01-15 10:00:00")},
+  // The third call, priced, is no longer recognised by the corrected
+  // configuration: it leaves calls with its key and its price.
+  store->Write(source,
+               {Call(1, "21", "2026-01-15 09:05:00"), Call(2, "22", "2026-01-15 10:00:00"),
+                Call(3, "23", "2026-01-16 11:00:00")},
                std::nullopt, nullptr);
   const int64_t moved = IdAt(1);
   db_->Script(
       "INSERT INTO cost_labels (tariff, tariff_version, currency, destination, "
       "destination_class, band) VALUES ('t', '1', 'EUR', 'Madrid', 'national', 'day');"
       "INSERT INTO call_costs (call_id, cost, label) SELECT " +
-      std::to_string(moved) + ", '0.42', max(id) FROM cost_labels");
+      std::to_string(moved) + ", '0.42', max(id) FROM cost_labels;" +
+      "INSERT INTO call_costs (call_id, cost) VALUES (" + std::to_string(IdAt(3)) + ", '0.10')");
   std::vector<Retranslated> batch;
   for (StoredRecord& record : store->ReadStored("hq", true, 0, 10)) {
-    const bool first = record.position == 1;
-    const Record again =
-        first ? Call(1, "21", "2026-02-02 08:00:00") : Call(2, "22", "2026-01-15 10:00:00");
+    const Record again = record.position == 1   ? Call(1, "21", "2026-02-02 08:00:00")
+                         : record.position == 2 ? Call(2, "22", "2026-01-15 10:00:00")
+                                                : velqua_store_testing::Unrecognised(3, "noise");
     batch.push_back({std::move(record), again.row});
   }
   const RewriteResult result = store->Rewrite("hq", batch, false);
   EXPECT_EQ(result.updated, 1);
+  EXPECT_EQ(result.unrecognised, 1);
+  EXPECT_EQ(One("SELECT count(*) FROM call_keys WHERE position = 3"), "0");
   EXPECT_EQ(IdAt(1), moved);
   EXPECT_EQ(TableOf(moved), "calls_2026_02");
   EXPECT_EQ(One("SELECT cost FROM call_costs WHERE call_id = $1", {moved}), "0.42");
