@@ -13,6 +13,7 @@
 #include "engines.h"
 #include "schema.h"
 #include "store_test_support.h"
+#include "velqua/store/aggregates.h"
 
 namespace velqua_store {
 namespace {
@@ -147,6 +148,27 @@ TEST_F(PostgresMonthsTest, AMonthsQueryReadsThatMonthsTableAlone) {
   for (const char* other : {"calls_2026_01", "calls_2026_03", "calls_other"}) {
     EXPECT_EQ(plan.find(other), std::string::npos) << other << " in\n" << plan;
   }
+}
+
+// A missed call's call back is looked for in the months it can reach: the
+// next month's table included, past the window nothing.
+TEST_F(PostgresMonthsTest, ACallBackIsFoundInTheNextMonthsTable) {
+  std::unique_ptr<Store> store = OpenStore(url_);
+  store->PutSwitch({"hq", "", "", ""});
+  const Source source = store->OpenSource("hq", "calls.txt", "file");
+  Record answered_later = Call(1, "21", "2026-01-31 23:00:00", "01", "5550001", "", 1);
+  Record never = Call(2, "21", "2026-01-31 22:00:00", "01", "5550002", "", 1);
+  answered_later.row.attribute = never.row.attribute = 4;  // unanswered
+  store->Write(source,
+               {answered_later, never, Call(3, "22", "2026-02-01 09:00:00", "01", "5550001"),
+                Call(4, "22", "2026-02-01 23:00:01", "01", "5550002")},
+               std::nullopt, nullptr);
+  Span january;
+  january.from = "2026-01-01";
+  january.to_next = "2026-02-01";
+  const std::vector<MissedCall> missed = MissedNotCalledBack(*store, january, 86400);
+  ASSERT_EQ(missed.size(), 1u);
+  EXPECT_EQ(missed[0].number, "5550002");  // called back 25 h later: past the day
 }
 
 // Two writers (two imports, or an import and a capture) meet new months at
