@@ -33,6 +33,17 @@ struct Dialect {
     return pg ? "CAST(extract(epoch FROM CAST(" + column + " AS timestamp)) AS bigint)"
               : "CAST(strftime('%s', " + column + ") AS INTEGER)";
   }
+  // On PostgreSQL, where calls are kept a month a table: `column` no later
+  // than a day past `start` plus $n seconds, as text, so that a lookup reads
+  // the months it can reach and not every later one. Looser than the exact
+  // condition beside it (a start without seconds or time sorts before its
+  // full form), so it never drops a row.
+  std::string StartsBy(const std::string& column, const std::string& start, size_t n) const {
+    if (!pg) return "";
+    return " AND " + column + " <= to_char(CAST(" + start + " AS timestamp) + (CAST($" +
+           std::to_string(n) +
+           " AS bigint) + 86400) * interval '1 second', 'YYYY-MM-DD\"T\"HH24:MI:SS')";
+  }
   std::string Weekday(const std::string& column) const {
     return pg ? "CAST(CAST(extract(dow FROM CAST(" + column + " AS timestamp)) AS integer) AS text)"
               : "strftime('%w', " + column + ")";
@@ -134,7 +145,8 @@ std::string NotCalledBack(const Dialect& d, size_t n) {
   return " AND c.dialled IS NOT NULL AND NOT EXISTS (SELECT 1 FROM calls o"
          " WHERE o.switch_id = c.switch_id AND o.type IN (2, 5) AND o.dialled = c.dialled"
          " AND o.start >= c.start AND " +
-         d.Epoch("o.start") + " <= " + d.Epoch("c.start") + " + $" + std::to_string(n) + ")";
+         d.Epoch("o.start") + " <= " + d.Epoch("c.start") + " + $" + std::to_string(n) +
+         d.StartsBy("o.start", "c.start", n) + ")";
 }
 
 }  // namespace
