@@ -209,7 +209,11 @@ WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>&
     CallValues& v = call ? Slot(calls_, n_calls++) : Slot(unrecognised_, n_unrecognised++);
     v.Fill(source.switch_id, source.id, record, zone);
   }
-  db_->InsertCalls(calls_.data(), n_calls, PriceCalls(source.switch_name, calls_.data(), n_calls));
+  CostRow* costs = PriceCalls(source.switch_name, calls_.data(), n_calls);
+  WriteNotingDays(*db_, n_calls, [&](DayMarks& marks) {
+    for (size_t i = 0; i < n_calls; ++i) marks.Add(source.switch_id, calls_[i].start);
+    db_->InsertCalls(calls_.data(), n_calls, costs);
+  });
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
   if (before_commit) before_commit();
   if (checkpoint) {
