@@ -342,10 +342,24 @@ int64_t SqlStore::LastStoredId(const std::string& switch_name, bool calls) {
   return last;
 }
 
+void SqlStore::AddMonths(int64_t switch_id, const std::vector<Retranslated>& records) {
+  const Zone& zone = ZoneOf(switch_id);
+  size_t n = 0;
+  for (const Retranslated& r : records) {
+    if (!r.row.has_fields) continue;
+    const StoredRecord& old = r.record;
+    Slot(updated_, n++)
+        .Fill(switch_id, old.source_id,
+              Record{old.position, old.raw, old.received_utc, r.row, old.line}, zone);
+  }
+  months_.Add(months_.Missing(updated_.data(), n));
+}
+
 RewriteResult SqlStore::Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records, bool dry_run) {
   const int64_t switch_id = SwitchId(switch_name);
   if (!dry_run) {
+    AddMonths(switch_id, records);
     RewriteResult result =
         Transaction([&] { return RewriteOnce(switch_id, switch_name, records); });
     RefreshDaySummaries(*db_);
