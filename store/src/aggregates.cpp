@@ -145,8 +145,8 @@ std::string NotCalledBack(const Dialect& d, size_t n) {
   return " AND c.dialled IS NOT NULL AND NOT EXISTS (SELECT 1 FROM calls o"
          " WHERE o.switch_id = c.switch_id AND o.type IN (2, 5) AND o.dialled = c.dialled"
          " AND o.start >= c.start AND o.start < " +
-         d.TextAfter("c.start", "CAST(" + window + " AS BIGINT) + 60") + " AND " +
-         d.Epoch("o.start") + " <= " + d.Epoch("c.start") + " + " + window + ")";
+         d.TextAfter("c.start", window + " + 60") + " AND " + d.Epoch("o.start") +
+         " <= " + d.Epoch("c.start") + " + " + window + ")";
 }
 
 }  // namespace
