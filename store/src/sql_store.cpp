@@ -242,7 +242,11 @@ WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>&
     std::vector<std::string> missing = months_.Missing(calls_.data(), n_calls);
     if (!missing.empty()) throw MonthsMissing{std::move(missing)};
   }
-  db_->InsertCalls(calls_.data(), n_calls, PriceCalls(source.switch_name, calls_.data(), n_calls));
+  CostRow* costs = PriceCalls(source.switch_name, calls_.data(), n_calls);
+  WriteNotingDays(*db_, n_calls, [&](DayMarks& marks) {
+    for (size_t i = 0; i < n_calls; ++i) marks.Add(source.switch_id, calls_[i].start);
+    db_->InsertCalls(calls_.data(), n_calls, costs);
+  });
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
   if (before_commit) before_commit();
   if (checkpoint) {
