@@ -97,12 +97,17 @@ TEST(GuessLayout, DelimitedRecords) {
 }
 
 // A few characters before an extension's digits name it (E201, DN201,
-// Ext.201): up to four of them still make the column a column of extensions.
+// Ext.201): up to four of them still make the column a column of extensions,
+// which reaches from the blank after the field before it to its last digit.
 TEST(GuessLayout, ExtensionsWithAMarkOfUpToFourCharacters) {
   const struct {
     const char* prefix;
-    bool extension;
-  } rows[] = {{"", true}, {"E", true}, {"DN", true}, {"Ext.", true}, {"Exten", false}};
+    const char* field;  // "": no calling extension
+  } rows[] = {{"", "extension (in) 16-23"},
+              {"E", "extension (in) 20-23"},
+              {"DN", "extension (in) 19-23"},
+              {"Ext.", "extension (in) 17-23"},
+              {"Exten", ""}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.prefix);
     const std::u16string mark(row.prefix, row.prefix + std::strlen(row.prefix));
@@ -112,11 +117,11 @@ TEST(GuessLayout, ExtensionsWithAMarkOfUpToFourCharacters) {
       lines.push_back(u"03/10/26 08:15 " + pad + mark + digits + u" 0312345678");
     }
     const std::vector<std::string> summary = Summary(GuessLayout(lines));
-    bool extension = false;  // the calling extension, in the column of the marks
+    std::string found;
     for (const std::string& line : summary) {
-      extension = extension || line.rfind("extension (in) ", 0) == 0;
+      if (line.rfind("extension (in) ", 0) == 0) found = line;
     }
-    EXPECT_EQ(extension, row.extension) << ::testing::PrintToString(summary);
+    EXPECT_EQ(found, row.field) << ::testing::PrintToString(summary);
   }
 }
 
