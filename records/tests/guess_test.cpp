@@ -125,6 +125,29 @@ TEST(GuessLayout, ExtensionsWithAMarkOfUpToFourCharacters) {
   }
 }
 
+// Extensions of different lengths printed right-aligned are a right-aligned
+// field however wide the blank after them: it ends at their last digit. Only
+// a run of values all of one length may be taken for left-aligned instead.
+TEST(GuessLayout, ARightAlignedColumnOfDifferentLengthsEndsAtItsLastDigit) {
+  const struct {
+    std::vector<std::u16string> extensions;
+    const char* field;
+  } rows[] = {
+      {{u"  201", u" 3150", u"41235", u"  207"}, "extension (in) 16-20"},
+      // left-aligned, one length: up to the blank before the next field
+      {{u"201  ", u"315  ", u"412  ", u"207  "}, "extension (in) 16-24"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.field);
+    std::vector<std::u16string> lines;
+    for (const std::u16string& extension : row.extensions) {
+      lines.push_back(u"03/10/26 08:15 " + extension + u"     0312345678");
+    }
+    const std::vector<std::string> summary = Summary(GuessLayout(lines));
+    EXPECT_TRUE(Has(summary, row.field)) << ::testing::PrintToString(summary);
+  }
+}
+
 // A delimited field is taken for a count of seconds only when its values can
 // be one: plain numbers of up to six digits without a leading zero, some under
 // a minute, not all 0 or 1, and not a record number going up by one.
