@@ -40,6 +40,8 @@ class SqlStore : public Store {
                  const std::function<void(const StoredCall&)>& each) override;
   void ListUnrecognised(const std::string& switch_name, int64_t limit,
                         const std::function<void(const StoredUnrecognised&)>& each) override;
+  void ListNewestUnrecognised(const std::string& switch_name, int64_t limit,
+                              const std::function<void(const StoredUnrecognised&)>& each) override;
   int64_t CountCalls(const std::string& switch_name) override;
   int64_t CountUnrecognised(const std::string& switch_name) override;
   std::vector<StoredRecord> ReadStored(const std::string& switch_name, bool calls, int64_t after_id,

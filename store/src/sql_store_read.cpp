@@ -183,6 +183,16 @@ std::optional<int64_t> OptionalInt(const ResultRow& r, int column) {
   return r.Int(column);
 }
 
+constexpr const char* kUnrecognisedColumns =
+    "SELECT w.name, s.name, u.position, u.received_utc, u.reason, u.raw, u.line "
+    "FROM unrecognised u "
+    "JOIN switches w ON w.id = u.switch_id JOIN sources s ON s.id = u.source_id";
+
+StoredUnrecognised ReadUnrecognised(const ResultRow& r) {
+  return StoredUnrecognised{
+      r.Text(0), r.Text(1), r.Int(2), r.Text(3), r.Text(4), r.Text(5), r.IsNull(6) ? 0 : r.Int(6)};
+}
+
 }  // namespace
 
 StoredCall ReadCall(const ResultRow& r) {
@@ -250,10 +260,7 @@ void SqlStore::ListCalls(const CallFilter& filter,
 void SqlStore::ListUnrecognised(const std::string& switch_name, int64_t limit,
                                 const std::function<void(const StoredUnrecognised&)>& each) {
   std::vector<Value> params;
-  std::string sql =
-      "SELECT w.name, s.name, u.position, u.received_utc, u.reason, u.raw, u.line "
-      "FROM unrecognised u "
-      "JOIN switches w ON w.id = u.switch_id JOIN sources s ON s.id = u.source_id";
+  std::string sql = kUnrecognisedColumns;
   if (!switch_name.empty()) {
     params.emplace_back(SwitchId(switch_name));
     sql += " WHERE u.switch_id = $1";
@@ -263,10 +270,22 @@ void SqlStore::ListUnrecognised(const std::string& switch_name, int64_t limit,
     params.emplace_back(limit);
     sql += " LIMIT $" + std::to_string(params.size());
   }
-  db_->Run(sql, params, [&](const ResultRow& r) {
-    each(StoredUnrecognised{r.Text(0), r.Text(1), r.Int(2), r.Text(3), r.Text(4), r.Text(5),
-                            r.IsNull(6) ? 0 : r.Int(6)});
-  });
+  db_->Run(sql, params, [&](const ResultRow& r) { each(ReadUnrecognised(r)); });
+}
+
+void SqlStore::ListNewestUnrecognised(const std::string& switch_name, int64_t limit,
+                                      const std::function<void(const StoredUnrecognised&)>& each) {
+  std::vector<Value> params;
+  std::string sql = kUnrecognisedColumns;
+  if (!switch_name.empty()) {
+    params.emplace_back(SwitchId(switch_name));
+    sql += " WHERE u.switch_id = $1";
+  }
+  params.emplace_back(limit);
+  sql += " ORDER BY u.id DESC LIMIT $" + std::to_string(params.size());
+  std::vector<StoredUnrecognised> newest;
+  db_->Run(sql, params, [&](const ResultRow& r) { newest.push_back(ReadUnrecognised(r)); });
+  for (auto it = newest.rbegin(); it != newest.rend(); ++it) each(*it);
 }
 
 int64_t SqlStore::Count(const char* table, const std::string& switch_name) {

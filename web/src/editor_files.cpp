@@ -149,7 +149,7 @@ std::vector<std::string> StoredSamples(velqua_store::Store& store, const std::st
   }
   std::vector<std::string> lines;
   for (const std::string& raw : calls) AppendLines(raw, lines);
-  store.ListUnrecognised(name, last, [&](const velqua_store::StoredUnrecognised& record) {
+  store.ListNewestUnrecognised(name, last, [&](const velqua_store::StoredUnrecognised& record) {
     AppendLines(record.raw, lines);
   });
   return lines;

@@ -176,6 +176,10 @@ TEST_P(EditorApiTest, StoreThenRetranslateCountsTheChangedRows) {
   EXPECT_EQ(first["changed"], 2);
   EXPECT_EQ(first["unrecognised"], 2);
   EXPECT_EQ(store_->CountCalls("hq"), 0);
+  // Samples are the newest records the configuration does not read.
+  const nlohmann::json unread = client_->Json("/api/editor/switches/hq/records?last=1");
+  ASSERT_EQ(unread["records"].size(), 1u);
+  EXPECT_EQ(unread["records"][0], "2026-03-10 11:00:00 202 01 5551234");
   const nlohmann::json again =
       Post("/api/editor/switches/hq/retranslate", nlohmann::json::object());
   EXPECT_EQ(again["changed"], 0);

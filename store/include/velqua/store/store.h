@@ -295,6 +295,13 @@ class Store {
   virtual void ListUnrecognised(const std::string& switch_name, int64_t limit,
                                 const std::function<void(const StoredUnrecognised&)>& each) = 0;
 
+  // The `limit` unrecognised records of a switch ("" = all) stored last, in
+  // the order they were stored: the newest samples of what a configuration
+  // does not read yet.
+  virtual void ListNewestUnrecognised(
+      const std::string& switch_name, int64_t limit,
+      const std::function<void(const StoredUnrecognised&)>& each) = 0;
+
   // The number of calls and of unrecognised records of a switch ("" = all).
   virtual int64_t CountCalls(const std::string& switch_name) = 0;
   virtual int64_t CountUnrecognised(const std::string& switch_name) = 0;
