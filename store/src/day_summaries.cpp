@@ -5,13 +5,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
-#include <map>
 #include <set>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
+#include "day_sums_all.h"
 #include "schema.h"
 #include "sql.h"
 
@@ -67,6 +66,10 @@ std::string SqliteMarkCost(const char* name, const char* event, const char* row)
          "call_days_stale SELECT c.switch_id, substr(c.start, 1, 10)" +
          call + "; END;";
 }
+constexpr const char* kSqliteTriggerNames[] = {"calls_mark_insert",      "calls_mark_update_old",
+                                               "calls_mark_update",      "calls_mark_delete",
+                                               "call_costs_mark_insert", "call_costs_mark_update",
+                                               "call_costs_mark_delete"};
 std::string SqliteTriggers() {
   return SqliteMarkCall("calls_mark_insert", "INSERT", "NEW") +
          SqliteMarkCall("calls_mark_update_old", "UPDATE", "OLD") +
@@ -189,83 +192,16 @@ std::string SumInto(bool pg, const Grouping& g, const std::string& where) {
          " WHERE c.start IS NOT NULL" + where + g.where + " GROUP BY 1, 2, 3, 4, 5, 6, 7";
 }
 
-// A summary row's key and sums, as SumInto groups and sums them.
-using DayKey = std::tuple<char, std::string, int64_t, std::string, std::string, std::string,
-                          int64_t>;  // kind, day, switch, item, class, currency, decimals
-struct DaySums {
-  int64_t calls = 0, seconds = 0, cost = 0, unpriced = 0;
-  int64_t outgoing = 0, incoming = 0, internal = 0, unanswered = 0;
-};
-
-// One call (a row of kEveryCall) added to the sums of the groupings it
-// belongs to, with the same rules as SumInto's SQL.
-void AddCall(const ResultRow& r, std::map<DayKey, DaySums>& sums) {
-  const std::string day = r.Text(0);
-  const int64_t switch_id = r.Int(1);
-  const bool priced = !r.IsNull(12), has_cost = !r.IsNull(13);
-  std::string cost_text = has_cost ? r.Text(13) : std::string();
-  const size_t point = cost_text.find('.');
-  const int64_t decimals =
-      point == std::string::npos ? 0 : static_cast<int64_t>(cost_text.size() - point - 1);
-  if (point != std::string::npos) cost_text.erase(point, 1);
-  const int64_t cost = has_cost && !cost_text.empty() ? std::stoll(cost_text) : 0;
-  const std::string currency = r.IsNull(14) ? std::string() : r.Text(14);
-  const bool has_attribute = !r.IsNull(11), typed = has_attribute && !r.IsNull(10);
-  const int64_t type = typed ? r.Int(10) : 0, attribute = has_attribute ? r.Int(11) : 0;
-  auto add = [&](char kind, const std::string& item, const std::string& cls, bool with_price) {
-    DaySums& s = sums[DayKey{kind, day, switch_id, item, cls, with_price ? currency : "",
-                             with_price ? decimals : 0}];
-    ++s.calls;
-    if (!r.IsNull(9)) s.seconds += r.Int(9);
-    if (with_price) {
-      s.cost += cost;
-      if (priced && !has_cost) ++s.unpriced;
-    }
-    if (has_attribute && attribute == 4) {
-      ++s.unanswered;
-    } else if (!typed) {
-      return;
-    } else if (type == 2 || type == 5) {
-      ++s.outgoing;
-    } else if (type == 1) {
-      ++s.incoming;
-    } else if (type == 3) {
-      ++s.internal;
-    }
-  };
-  add('e', r.Text(2), "", true);
-  if (!r.IsNull(3)) add('t', r.Text(3), "", true);
-  if (!r.IsNull(4)) add('a', r.Text(4), "", true);
-  if (!r.IsNull(5) && !r.Text(5).empty()) add('d', r.Text(5), r.Text(6), true);
-  if (r.Int(8) >= 16) add('h', r.Text(7), "", false);
-}
-
-constexpr const char* kEveryCall =
-    "SELECT substr(c.start, 1, 10), c.switch_id, coalesce(c.extension, ''), c.trunk, "
-    "c.account_code, l.destination, l.destination_class, substr(c.start, 12, 2), "
-    "length(c.start), c.duration, c.type, c.attribute, k.call_id, k.cost, l.currency "
-    "FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id "
-    "LEFT JOIN cost_labels l ON l.id = k.label WHERE c.start IS NOT NULL";
-
 // Sums every call again. SQLite reads the calls once and sums them here:
 // five grouped passes in the engine cost several times one read. PostgreSQL
 // groups in the server, so that a large store is not sent over whole.
 void SumAll(Connection& db) {
-  db.Run("DELETE FROM call_days");
-  if (IsPostgres(db)) {
-    for (const Grouping& g : kGroupings) db.Run(SumInto(true, g, ""));
+  if (!IsPostgres(db)) {
+    SumEveryCall(db);
     return;
   }
-  std::map<DayKey, DaySums> sums;
-  db.Run(kEveryCall, {}, [&](const ResultRow& r) { AddCall(r, sums); });
-  for (const auto& [key, s] : sums) {
-    const auto& [kind, day, switch_id, item, cls, currency, decimals] = key;
-    db.Run(
-        "INSERT INTO call_days VALUES ($1, $2, $3, $4, $5, $6, $7, $8, $9, $10, $11, $12, "
-        "$13, $14, $15)",
-        {std::string(1, kind), day, switch_id, item, cls, currency, decimals, s.calls, s.seconds,
-         s.cost, s.unpriced, s.outgoing, s.incoming, s.internal, s.unanswered});
-  }
+  db.Run("DELETE FROM call_days");
+  for (const Grouping& g : kGroupings) db.Run(SumInto(true, g, ""));
 }
 
 std::string NextDay(const std::string& day) {
@@ -299,7 +235,37 @@ void SumDay(Connection& db, int64_t switch_id, const std::string& day) {
 // read of each day through the index on the start.
 constexpr size_t kWholeAfter = 60;
 
+// Below this many rows a batch leaves its marks to the triggers: lifting
+// them means dropping and making seven triggers, and every statement of the
+// connection prepared again.
+constexpr size_t kRowsToLift = 256;
+
 }  // namespace
+
+void DayMarks::Add(int64_t switch_id, std::string_view start) {
+  if (start.empty()) return;
+  const std::string_view day = start.substr(0, 10);
+  if (switch_id == last_.first && day == last_.second) return;
+  last_.first = switch_id;
+  last_.second.assign(day);
+  days_.insert(last_);
+}
+
+void WriteNotingDays(Connection& db, size_t rows, const std::function<void(DayMarks&)>& write) {
+  DayMarks marks;
+  if (IsPostgres(db) || rows < kRowsToLift) {
+    write(marks);
+    return;
+  }
+  std::string drop;
+  for (const char* name : kSqliteTriggerNames) drop += std::string("DROP TRIGGER ") + name + ";";
+  db.Script(drop);
+  write(marks);
+  for (const auto& [switch_id, day] : marks.days()) {
+    db.Run("INSERT INTO call_days_stale VALUES ($1, $2) ON CONFLICT DO NOTHING", {switch_id, day});
+  }
+  db.Script(SqliteTriggers());
+}
 
 void AddDaySummaries(Connection& db) {
   const bool pg = IsPostgres(db);

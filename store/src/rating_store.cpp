@@ -113,8 +113,8 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
   std::vector<Value> params{int64_t{0}};
   const int64_t batch = period.batch > 0 ? period.batch : 20000;
   const std::string sql =
-      "SELECT c.id, w.name, c.type, c.attribute, c.start, c.duration, c.dialled, c.trunk "
-      "FROM calls c JOIN switches w ON w.id = c.switch_id" +
+      "SELECT c.id, w.name, c.type, c.attribute, c.start, c.duration, c.dialled, c.trunk, "
+      "c.switch_id FROM calls c JOIN switches w ON w.id = c.switch_id" +
       CallWhere(filter, &params) + " AND c.id > $1 ORDER BY c.id LIMIT " + std::to_string(batch);
   const std::string run =
       period.from + '|' + period.to + '|' + period.switch_name + '|' + plan_stamp_;
@@ -127,8 +127,10 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
   int64_t total = 0;
   std::string switch_name, start, dialled, trunk;
   std::vector<LabelKey> keys;
+  DayMarks days;  // those of the batch read
   for (;;) {
     params[0] = Value(last);
+    days = DayMarks();
     size_t read = 0;
     db_->Run(sql, params, [&](const ResultRow& r) {
       last = r.Int(0);
@@ -144,6 +146,7 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
                                     &trunk};
       if (read == costs_.size()) costs_.emplace_back();
       if (read == keys.size()) keys.emplace_back();
+      days.Add(r.Int(8), start);
       CostRow& cost = costs_[read];
       PriceStored(*rater_, switch_name, stored, cost, keys[read]);
       cost.call_id = last;
@@ -154,7 +157,10 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
     if (read == 0) break;
     Transaction([&] {
       for (size_t i = 0; i < read; ++i) costs_[i].label = labels_.Id(*db_, keys[i]);
-      db_->UpsertCosts(costs_.data(), read);
+      WriteNotingDays(*db_, read, [&](DayMarks& marks) {
+        marks = std::move(days);
+        db_->UpsertCosts(costs_.data(), read);
+      });
       db_->Run(
           "INSERT INTO rating_progress (run, last_id) VALUES ($1, $2) "
           "ON CONFLICT (run) DO UPDATE SET last_id = excluded.last_id",

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "call_months.h"
 #include "day_summaries.h"
 #include "sql.h"
 #include "velqua/records/names.h"
@@ -273,6 +274,9 @@ void Apply(Connection& db, int version) {
   } else if (version == 8) {
     // Version 8: the calls summed per switch and day, for reports.
     AddDaySummaries(db);
+  } else if (version == 9) {
+    // Version 9: on PostgreSQL, calls kept in a table a month.
+    PartitionCallsByMonth(db);
   }
 }
 
@@ -293,8 +297,39 @@ std::string QueryIndexes(bool postgres) { return ForEngine(postgres, kQueryIndex
 
 const char* const* QueryIndexNames() { return kQueryIndexNames; }
 
-void Migrate(Connection& db, const std::string& name) {
+namespace {
+
+void RefuseNewer(int stored, const std::string& name) {
+  if (stored > kSchemaVersion) {
+    throw StoreError("database '" + name + "' has schema version " + std::to_string(stored) +
+                     ", newer than this program's (" + std::to_string(kSchemaVersion) +
+                     "): use a newer velqua");
+  }
+}
+
+// The version stored, read without a lock or a write; -1 when the store
+// has no schema yet.
+int VersionSeen(Connection& db, bool pg) {
+  if (pg) {
+    bool versioned = false;
+    db.Run(
+        "SELECT 1 FROM pg_tables WHERE tablename = 'schema_migrations' AND schemaname = "
+        "current_schema()",
+        {}, [&](const ResultRow&) { versioned = true; });
+    if (!versioned) return -1;
+  }
+  return StoredVersion(db, pg);
+}
+
+}  // namespace
+
+void Migrate(Connection& db, const std::string& name, int version) {
   const bool pg = IsPostgres(db);
+  // A store at this version (the usual case) is opened without a write, so
+  // that a user who may only read it opens it too.
+  const int seen = VersionSeen(db, pg);
+  RefuseNewer(seen, name);
+  if (seen == version) return;
   InTransaction(db, [&] {
     if (pg) {
       // One site migrates; the others wait here and then find it done.
@@ -304,12 +339,8 @@ void Migrate(Connection& db, const std::string& name) {
           "applied_utc TEXT NOT NULL)");
     }
     const int stored = StoredVersion(db, pg);
-    if (stored > kSchemaVersion) {
-      throw StoreError("database '" + name + "' has schema version " + std::to_string(stored) +
-                       ", newer than this program's (" + std::to_string(kSchemaVersion) +
-                       "): use a newer velqua");
-    }
-    for (int v = stored + 1; v <= kSchemaVersion; ++v) {
+    RefuseNewer(stored, name);
+    for (int v = stored + 1; v <= version; ++v) {
       Apply(db, v);
       if (pg) {
         db.Run("INSERT INTO schema_migrations (version, applied_utc) VALUES ($1, $2)",

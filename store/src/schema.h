@@ -10,14 +10,15 @@ namespace velqua_store {
 class Connection;
 
 // The schema version this program writes and reads.
-constexpr int kSchemaVersion = 8;
+constexpr int kSchemaVersion = 9;
 
-// Brings the schema of an open database up to kSchemaVersion in one
+// Brings the schema of an open database up to kSchemaVersion (or to
+// `version`, below it: a store as an older program left it) in one
 // transaction (SQLite: PRAGMA user_version; PostgreSQL:
 // the schema_migrations table, under a lock so that two sites opening the
 // same database at once migrate it once). Throws StoreError when the
 // database's schema is newer than this program's.
-void Migrate(Connection& db, const std::string& name);
+void Migrate(Connection& db, const std::string& name, int version = kSchemaVersion);
 
 // The step to version 7: prices keyed by their call's id, the texts they
 // share kept once in cost_labels, the prices stored before carried over

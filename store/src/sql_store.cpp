@@ -1,6 +1,7 @@
 #include "sql_store.h"
 
 #include <algorithm>
+#include <cstring>
 #include <limits>
 #include <unordered_set>
 
@@ -13,12 +14,21 @@ namespace {
 // Tries of a batch that met another writer's copy of the same records.
 constexpr int kWriteTries = 3;
 
+// Thrown inside a batch's transaction: these months need their tables.
+struct MonthsMissing {
+  std::vector<std::string> months;
+};
+
 }  // namespace
 
 SqlStore::SqlStore(std::unique_ptr<Connection> db, const std::string& name)
-    : Store(name), db_(std::move(db)) {
+    : Store(name), db_(std::move(db)), months_(*db_) {
   Migrate(*db_, name);
   db_->Repair();
+}
+
+const char* SqlStore::Keys() const {
+  return std::strcmp(db_->engine(), "postgresql") == 0 ? "call_keys" : "calls";
 }
 
 SwitchInfo SqlStore::PutSwitch(const SwitchInfo& info) {
@@ -107,9 +117,17 @@ void SqlStore::RenameSource(const Source& source, const std::string& new_name) {
 WriteResult SqlStore::Write(const Source& source, const std::vector<Record>& records,
                             std::optional<int64_t> checkpoint,
                             const std::function<void()>& before_commit) {
+  // A month added by another writer meanwhile is used; one that cannot be
+  // added at once leaves its calls in calls_other for now.
+  bool any_month = false;
   for (int attempt = 1;; ++attempt) {
     try {
-      return Transaction([&] { return WriteOnce(source, records, checkpoint, before_commit); });
+      return Transaction(
+          [&] { return WriteOnce(source, records, checkpoint, before_commit, any_month); });
+    } catch (const MonthsMissing& missing) {
+      months_.Add(missing.months);
+      any_month = true;
+      --attempt;
     } catch (const UniqueViolation&) {
       if (attempt == kWriteTries) throw;  // the other writer's copies are seen on the next try
     }
@@ -128,14 +146,25 @@ std::vector<RawRecord> SqlStore::RecentRecords(const Source& source, int64_t lim
                                                const std::string& since_utc) {
   const int64_t n = limit > 0 ? limit : std::numeric_limits<int64_t>::max();
   std::vector<RawRecord> records;
-  // Each table gives its own latest first, so neither is read past the limit.
+  // Each table gives its own latest first, so neither is read past the
+  // limit. PostgreSQL finds a source's calls through their keys (its calls
+  // are kept by month, not by source).
+  const std::string latest_calls =
+      std::strcmp(Keys(), "call_keys") == 0
+          ? "SELECT c.position, c.raw, c.received_utc FROM call_keys k JOIN calls c "
+            "ON c.id = k.call_id WHERE k.source_id = $1 AND c.received_utc >= $2 "
+            "ORDER BY k.position DESC LIMIT $3"
+          : "SELECT position, raw, received_utc FROM calls WHERE source_id = $1 "
+            "AND received_utc >= $2 ORDER BY position DESC LIMIT $3";
   db_->Run(
       "SELECT position, raw, received_utc FROM ("
-      "SELECT * FROM (SELECT position, raw, received_utc FROM calls WHERE source_id = $1 "
-      "AND received_utc >= $2 ORDER BY position DESC LIMIT $3) AS c UNION ALL "
-      "SELECT * FROM (SELECT position, raw, received_utc FROM unrecognised WHERE source_id = $1 "
-      "AND received_utc >= $2 ORDER BY position DESC LIMIT $3) AS u) AS r "
-      "ORDER BY position DESC LIMIT $3",
+      "SELECT * FROM (" +
+          latest_calls +
+          ") AS c UNION ALL "
+          "SELECT * FROM (SELECT position, raw, received_utc FROM unrecognised WHERE source_id = "
+          "$1 "
+          "AND received_utc >= $2 ORDER BY position DESC LIMIT $3) AS u) AS r "
+          "ORDER BY position DESC LIMIT $3",
       {source.id, since_utc, n}, [&](const ResultRow& r) {
         records.push_back(RawRecord{r.Int(0), r.Text(1), r.Text(2)});
       });
@@ -174,12 +203,12 @@ std::vector<bool> SqlStore::Skipped(const Source& source, const std::vector<Reco
       std::minmax_element(records.begin(), records.end(),
                           [](const Record& a, const Record& b) { return a.position < b.position; });
   std::vector<int64_t> stored;
-  db_->Run(
-      "SELECT position FROM calls WHERE source_id = $1 AND position BETWEEN $2 AND $3 "
-      "UNION ALL SELECT position FROM unrecognised WHERE source_id = $1 "
-      "AND position BETWEEN $2 AND $3",
-      {source.id, low->position, high->position},
-      [&](const ResultRow& r) { stored.push_back(r.Int(0)); });
+  db_->Run(std::string("SELECT position FROM ") + Keys() +
+               " WHERE source_id = $1 AND position BETWEEN $2 AND $3 "
+               "UNION ALL SELECT position FROM unrecognised WHERE source_id = $1 "
+               "AND position BETWEEN $2 AND $3",
+           {source.id, low->position, high->position},
+           [&](const ResultRow& r) { stored.push_back(r.Int(0)); });
   // The usual batch, new records in the order of their positions, needs no
   // set: no position can repeat.
   bool increasing = true;
@@ -194,7 +223,7 @@ std::vector<bool> SqlStore::Skipped(const Source& source, const std::vector<Reco
 
 WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>& records,
                                 std::optional<int64_t> checkpoint,
-                                const std::function<void()>& before_commit) {
+                                const std::function<void()>& before_commit, bool any_month) {
   const std::vector<bool> skip = Skipped(source, records);
   const Zone& zone = ZoneOf(source.switch_id);
   WriteResult result;
@@ -209,7 +238,15 @@ WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>&
     CallValues& v = call ? Slot(calls_, n_calls++) : Slot(unrecognised_, n_unrecognised++);
     v.Fill(source.switch_id, source.id, record, zone);
   }
-  db_->InsertCalls(calls_.data(), n_calls, PriceCalls(source.switch_name, calls_.data(), n_calls));
+  if (!any_month) {
+    std::vector<std::string> missing = months_.Missing(calls_.data(), n_calls);
+    if (!missing.empty()) throw MonthsMissing{std::move(missing)};
+  }
+  CostRow* costs = PriceCalls(source.switch_name, calls_.data(), n_calls);
+  WriteNotingDays(*db_, n_calls, [&](DayMarks& marks) {
+    for (size_t i = 0; i < n_calls; ++i) marks.Add(source.switch_id, calls_[i].start);
+    db_->InsertCalls(calls_.data(), n_calls, costs);
+  });
   db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
   if (before_commit) before_commit();
   if (checkpoint) {

@@ -10,6 +10,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "call_months.h"
 #include "call_pricing.h"
 #include "sql.h"
 #include "values.h"
@@ -61,14 +62,21 @@ class SqlStore : public Store {
   Connection& connection() { return *db_; }
 
  private:
+  // Throws MonthsMissing, unless `any_month`, when a call's month has no
+  // table yet (call_months.h): the caller adds it outside the transaction.
   WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,
                         std::optional<int64_t> checkpoint,
-                        const std::function<void()>& before_commit);
+                        const std::function<void()>& before_commit, bool any_month);
+  // Adds the months' tables that the starts of retranslated records need.
+  void AddMonths(int64_t switch_id, const std::vector<Retranslated>& records);
   // Which records of a batch to skip: those whose position the source has
   // already, and the repeats of a position within the batch.
   std::vector<bool> Skipped(const Source& source, const std::vector<Record>& records);
   RewriteResult RewriteOnce(int64_t switch_id, const std::string& switch_name,
                             const std::vector<Retranslated>& records);
+  // The table of the calls' sources and positions: call_keys on
+  // PostgreSQL (its calls are kept by month), calls itself on SQLite.
+  const char* Keys() const;
   int64_t Count(const char* table, const std::string& switch_name);
   int64_t SwitchId(const std::string& switch_name);
   const Zone& ZoneOf(int64_t switch_id);
@@ -106,6 +114,7 @@ class SqlStore : public Store {
   }
 
   std::unique_ptr<Connection> db_;
+  CallMonths months_;
   std::map<int64_t, Zone> zones_;  // by switch id
   std::vector<CallValues> calls_, unrecognised_, updated_;
   std::unique_ptr<velqua_rating::RatingPlan> plan_;

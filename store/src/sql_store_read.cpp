@@ -28,6 +28,17 @@ std::string StoredSignature(const ResultRow& row, int first) {
   return s;
 }
 
+// The start in a stored signature (its third column).
+std::string_view StoredStart(std::string_view signature) {
+  size_t at = 0;
+  for (int column = 0; column < 2 && at != std::string_view::npos; ++column) {
+    at = signature.find('\x1f', at);
+    if (at != std::string_view::npos) ++at;
+  }
+  if (at == std::string_view::npos) return {};
+  return signature.substr(at, signature.find('\x1f', at) - at);
+}
+
 // The same string from a translation about to be stored.
 std::string Signature(const CallValues& v) {
   std::string s;
@@ -331,10 +342,24 @@ int64_t SqlStore::LastStoredId(const std::string& switch_name, bool calls) {
   return last;
 }
 
+void SqlStore::AddMonths(int64_t switch_id, const std::vector<Retranslated>& records) {
+  const Zone& zone = ZoneOf(switch_id);
+  size_t n = 0;
+  for (const Retranslated& r : records) {
+    if (!r.row.has_fields) continue;
+    const StoredRecord& old = r.record;
+    Slot(updated_, n++)
+        .Fill(switch_id, old.source_id,
+              Record{old.position, old.raw, old.received_utc, r.row, old.line}, zone);
+  }
+  months_.Add(months_.Missing(updated_.data(), n));
+}
+
 RewriteResult SqlStore::Rewrite(const std::string& switch_name,
                                 const std::vector<Retranslated>& records, bool dry_run) {
   const int64_t switch_id = SwitchId(switch_name);
   if (!dry_run) {
+    AddMonths(switch_id, records);
     RewriteResult result =
         Transaction([&] { return RewriteOnce(switch_id, switch_name, records); });
     RefreshDaySummaries(*db_);
@@ -397,58 +422,66 @@ RewriteResult SqlStore::RewriteOnce(int64_t switch_id, const std::string& switch
   // records (a corrected start can move a call to another band, a corrected
   // number to another destination).
   size_t n_calls = 0, n_unrecognised = 0, n_updated = 0;
-  for (const Retranslated& r : records) {
-    const StoredRecord& old = r.record;
-    CallValues& v = Slot(updated_, n_updated);
-    v.Fill(switch_id, old.source_id,
-           Record{old.position, old.raw, old.received_utc, r.row, old.line}, zone);
-    const bool call = r.row.has_fields;
-    if (call == old.is_call && old.stored == (call ? Signature(v) : v.reason)) {
-      ++result.unchanged;
-    } else if (call && old.is_call) {
-      std::vector<Value> params{old.id, v.type, v.attribute, Value::TextOrNull(v.start),
-                                Value::TextOrNull(v.start_utc)};
-      for (int64_t n : {v.duration, v.ring}) params.push_back(n < 0 ? Value() : Value(n));
-      for (const std::string& text : v.texts) params.push_back(Value::TextOrNull(text));
-      params.emplace_back(int64_t{v.extension_random});
-      params.push_back(Value::TextOrNull(v.ended));
-      params.push_back(Value::TextOrNull(v.ended_utc));
-      params.emplace_back(int64_t{v.date_received});
-      params.push_back(Value::TextOrNull(v.switch_charge));
-      params.push_back(Value::TextOrNull(v.extras));
-      CountChanged(old.stored, Signature(v), &result.changed);
-      if (updated_ids_.size() <= n_updated) updated_ids_.resize(n_updated + 1);
-      updated_ids_[n_updated] = old.id;
-      db_->Run(
-          "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, duration = $6, "
-          "ring = $7, dialled = $8, extension = $9, trunk = $10, receiving_extension = $11, "
-          "receiving_trunk = $12, account_code = $13, extension_random = $14, ended = $15, "
-          "ended_utc = $16, date_received = $17, switch_charge = $18, extras = $19 WHERE id = $1",
-          params);
-      ++n_updated;
-      ++result.updated;
-    } else if (!call && !old.is_call) {
-      db_->Run("UPDATE unrecognised SET reason = $2 WHERE id = $1", {old.id, v.reason});
-      ++result.updated;
-    } else {
-      // The record changes table: it leaves the old one here and joins the
-      // new one below, in the same transaction.
-      db_->Run(old.is_call ? "DELETE FROM calls WHERE id = $1"
-                           : "DELETE FROM unrecognised WHERE id = $1",
-               {old.id});
-      if (old.is_call) {  // no longer a call: no longer priced
-        db_->Run("DELETE FROM call_costs WHERE call_id = $1", {old.id});
+  WriteNotingDays(*db_, records.size(), [&](DayMarks& marks) {
+    for (const Retranslated& r : records) {
+      const StoredRecord& old = r.record;
+      CallValues& v = Slot(updated_, n_updated);
+      v.Fill(switch_id, old.source_id,
+             Record{old.position, old.raw, old.received_utc, r.row, old.line}, zone);
+      const bool call = r.row.has_fields;
+      if (call == old.is_call && old.stored == (call ? Signature(v) : v.reason)) {
+        ++result.unchanged;
+        continue;
       }
-      Slot(call ? calls_ : unrecognised_, call ? n_calls++ : n_unrecognised++) = v;
-      ++(call ? result.recognised : result.unrecognised);
+      // A call changed, moved or gone: its day before and after.
+      if (old.is_call) marks.Add(switch_id, StoredStart(old.stored));
+      if (call) marks.Add(switch_id, v.start);
+      if (call && old.is_call) {
+        std::vector<Value> params{old.id, v.type, v.attribute, Value::TextOrNull(v.start),
+                                  Value::TextOrNull(v.start_utc)};
+        for (int64_t n : {v.duration, v.ring}) params.push_back(n < 0 ? Value() : Value(n));
+        for (const std::string& text : v.texts) params.push_back(Value::TextOrNull(text));
+        params.emplace_back(int64_t{v.extension_random});
+        params.push_back(Value::TextOrNull(v.ended));
+        params.push_back(Value::TextOrNull(v.ended_utc));
+        params.emplace_back(int64_t{v.date_received});
+        params.push_back(Value::TextOrNull(v.switch_charge));
+        params.push_back(Value::TextOrNull(v.extras));
+        CountChanged(old.stored, Signature(v), &result.changed);
+        if (updated_ids_.size() <= n_updated) updated_ids_.resize(n_updated + 1);
+        updated_ids_[n_updated] = old.id;
+        db_->Run(
+            "UPDATE calls SET type = $2, attribute = $3, start = $4, start_utc = $5, "
+            "duration = $6, ring = $7, dialled = $8, extension = $9, trunk = $10, "
+            "receiving_extension = $11, receiving_trunk = $12, account_code = $13, "
+            "extension_random = $14, ended = $15, ended_utc = $16, date_received = $17, "
+            "switch_charge = $18, extras = $19 WHERE id = $1",
+            params);
+        ++n_updated;
+        ++result.updated;
+      } else if (!call && !old.is_call) {
+        db_->Run("UPDATE unrecognised SET reason = $2 WHERE id = $1", {old.id, v.reason});
+        ++result.updated;
+      } else {
+        // The record changes table: it leaves the old one here and joins the
+        // new one below, in the same transaction.
+        db_->Run(old.is_call ? "DELETE FROM calls WHERE id = $1"
+                             : "DELETE FROM unrecognised WHERE id = $1",
+                 {old.id});
+        if (old.is_call) {  // no longer a call: no longer priced
+          db_->Run("DELETE FROM call_costs WHERE call_id = $1", {old.id});
+        }
+        Slot(call ? calls_ : unrecognised_, call ? n_calls++ : n_unrecognised++) = v;
+        ++(call ? result.recognised : result.unrecognised);
+      }
     }
-  }
-  db_->InsertCalls(calls_.data(), n_calls, PriceCalls(switch_name, calls_.data(), n_calls));
-  db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
-  if (CostRow* costs = PriceCalls(switch_name, updated_.data(), n_updated)) {
-    for (size_t i = 0; i < n_updated; ++i) costs[i].call_id = updated_ids_[i];
-    db_->UpsertCosts(costs, n_updated);
-  }
+    db_->InsertCalls(calls_.data(), n_calls, PriceCalls(switch_name, calls_.data(), n_calls));
+    db_->InsertUnrecognised(unrecognised_.data(), n_unrecognised);
+    if (CostRow* costs = PriceCalls(switch_name, updated_.data(), n_updated)) {
+      for (size_t i = 0; i < n_updated; ++i) costs[i].call_id = updated_ids_[i];
+      db_->UpsertCosts(costs, n_updated);
+    }
+  });
   return result;
 }
 

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "call_pricing.h"
 #include "engines.h"
@@ -104,11 +105,9 @@ class SqliteConnection : public Connection {
 
   int64_t Run(std::string_view sql, const std::vector<Value>& params, const RowFn& row) override {
     sqlite3_stmt* stmt = Prepare(sql);
+    const std::vector<int>& at = ParameterIndexes(stmt, params.size());
     for (size_t i = 0; i < params.size(); ++i) {
-      const std::string key = "$" + std::to_string(i + 1);
-      const int at = sqlite3_bind_parameter_index(stmt, key.c_str());
-      if (at == 0) continue;  // a parameter the statement does not use
-      Bind(stmt, at, params[i]);
+      if (at[i] != 0) Bind(stmt, at[i], params[i]);  // 0: a parameter the statement does not use
     }
     Step(stmt, row);
     return sqlite3_changes64(db_);
@@ -274,6 +273,16 @@ class SqliteConnection : public Connection {
     return stmt;
   }
 
+  // Where "$1" ... "$n" are bound in a statement (0: not used), looked up
+  // by name once a statement rather than at every run.
+  const std::vector<int>& ParameterIndexes(sqlite3_stmt* stmt, size_t n) {
+    std::vector<int>& at = parameter_indexes_[stmt];
+    for (size_t i = at.size(); i < n; ++i) {
+      at.push_back(sqlite3_bind_parameter_index(stmt, ("$" + std::to_string(i + 1)).c_str()));
+    }
+    return at;
+  }
+
   // Runs a bound statement to its end and resets it for the next use.
   void Step(sqlite3_stmt* stmt, const RowFn& row) {
     int rc;
@@ -326,6 +335,7 @@ class SqliteConnection : public Connection {
   int bulk_lock_ = -1;
   sqlite3* db_ = nullptr;
   std::unordered_map<std::string, Statement> statements_;
+  std::unordered_map<sqlite3_stmt*, std::vector<int>> parameter_indexes_;
   sqlite3_stmt* costs_ = nullptr;  // the upsert of one price, held in statements_
 };
 

@@ -13,10 +13,13 @@ velqua_warnings(velqua_store_testing)
 
 add_executable(velqua_store_tests
   ${CMAKE_CURRENT_LIST_DIR}/cost_labels_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/day_marks_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/import_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/month_partitions_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/purge_days_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/rating_roads_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/record_extras_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/report_reads_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/retranslate_pricing_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/store_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/values_test.cpp)

@@ -31,9 +31,11 @@ endif()
 
 # What an administrator runs on a site: the capture service's health and
 # metrics against a running service, purge on both engines, file modes,
-# --mask-digits (real child processes, an emulated switch, PostgreSQL).
+# --mask-digits, reports and the web page for a role that may only read
+# (real child processes, an emulated switch, PostgreSQL).
 if(TARGET velqua_store_testing AND TARGET velqua_capture)
   add_executable(test_cli_operations ${CMAKE_CURRENT_LIST_DIR}/operations_test.cpp
+                 ${CMAKE_CURRENT_LIST_DIR}/read_only_role_test.cpp
                  ${PROJECT_SOURCE_DIR}/capture/tests/capture_test.cpp)
   target_link_libraries(test_cli_operations PRIVATE velqua_store_testing PkgConfig::VELQUA_HTTPLIB
                         SQLite::SQLite3 GTest::gtest_main)
