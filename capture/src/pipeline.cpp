@@ -173,10 +173,7 @@ void Pipeline::Apply(const ServiceSettings& settings) {
       log_.Error("switch " + sw.name + ": " + e.what());
       continue;
     }
-    state->framing = sw.framing;
-    const velqua_records::RecordForm& form = state->config.form;
-    state->framing.nul_ends_record = sw.framing.nul_ends_record || form.nul_ends_record;
-    state->framing.strip_bit7 = sw.framing.strip_bit7 || form.seven_bit;
+    state->framing = velqua_records::FramingFor(state->config.form, sw.framing);
     switches[sw.name] = std::move(state);
   }
   switches_.swap(switches);  // the old ones go at the end of this function

@@ -160,6 +160,34 @@ TEST(Settings, MistakesAreNamedByFileLineAndKey) {
   }
 }
 
+// A switch's or a source's name is 1 to 64 letters, digits, '-', '_' or '.':
+// it names files in the spool folder and labels in the metrics.
+TEST(Settings, NamesOfOneTo64SafeCharacters) {
+  const struct {
+    std::string name;
+    bool accepted;
+  } rows[] = {{"a", true},
+              {std::string(64, 'x'), true},
+              {std::string(65, 'x'), false},
+              {"pbx-2_b.c", true},
+              {"a b", false},
+              {"a:b", false},
+              {"caf\xc3\xa9", false}};
+  for (const auto& row : rows) {
+    for (const char* at : {"name = \"kx-tda\"", "name = \"log\""}) {
+      SCOPED_TRACE(row.name + " as " + at);
+      std::string text = Config();
+      const std::string from = at;
+      text.replace(text.find(from), from.size(), "name = \"" + row.name + "\"");
+      if (row.accepted) {
+        EXPECT_NO_THROW(ParseSettings(text, kFile));
+      } else {
+        EXPECT_THROW(ParseSettings(text, kFile), SettingsError);
+      }
+    }
+  }
+}
+
 TEST(Settings, EveryBundledExampleLoads) {
   for (const auto& e : std::filesystem::directory_iterator(kExamples + "/capture")) {
     if (e.path().extension() != ".toml") continue;

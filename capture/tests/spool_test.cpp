@@ -236,6 +236,34 @@ TEST(Spool, ReleaseDeletesOnlyWhollyPassedSegments) {
   EXPECT_EQ(ListSegments(dir).size(), 1u);
 }
 
+// A segment takes records until it holds its size: the record that brings
+// it to its size exactly is its last, and the next starts a new segment.
+TEST(Spool, ASegmentThatHoldsItsSizeTakesNoMoreRecords) {
+  const auto header = static_cast<int64_t>(spool_format::kSegmentHeaderSize);
+  const auto record =
+      static_cast<int64_t>(spool_format::kRecordPrefixSize + spool_format::kFixedBodySize + 3 +
+                           5);  // source "pbx", bytes "chunk"
+  const struct {
+    int64_t size;
+    size_t segments;  // after three records
+  } rows[] = {{header + record - 1, 3},
+              {header + record, 3},
+              {header + record + 1, 2},
+              {header + 2 * record, 2},
+              {header + 2 * record + 1, 1}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.size);
+    const std::string dir = velqua_capture_test::TempDir("spool-size");
+    {
+      SpoolWriter writer(dir, FsyncPolicy::kNever, [](const std::string&) {});
+      writer.set_segment_bytes(row.size);
+      for (int i = 0; i < 3; ++i) writer.Append(SpoolKind::kData, "pbx", i, "chunk");
+    }
+    EXPECT_EQ(ListSegments(dir).size(), row.segments);
+    EXPECT_EQ(Summary(ReadAll(dir, 0)), "1:pbx:0:chunk 1:pbx:1:chunk 1:pbx:2:chunk ");
+  }
+}
+
 // A disk that refuses writes (here a file-size limit) leaves the segment
 // ending with its last whole record; once there is room again the same
 // append goes through and nothing in between is damaged.

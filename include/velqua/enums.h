@@ -5,6 +5,8 @@
 // 32-bit, so any 32-bit value (in the enumeration or not) can be stored by a
 // cast: the setters never validate, and each reader says what an unknown
 // value does.
+//
+// Generated from scripts/enums/enums.txt by scripts/enums/generate.py.
 #pragma once
 
 #include <cstdint>

@@ -3,7 +3,9 @@
  * plain integers and hosts compare them by value). The functions of
  * velqua_c.h take and give them as int32_t, so that any 32-bit value can be
  * stored, as in C++. C++ hosts use velqua/enums.h instead, which velqua_c.h
- * includes for them. */
+ * includes for them.
+ *
+ * Generated from scripts/enums/enums.txt by scripts/enums/generate.py. */
 #pragma once
 
 #ifndef __cplusplus

@@ -2,6 +2,7 @@
 
 #include "glob.h"
 #include "velqua/records/common.h"
+#include "velqua/records/record_form.h"
 
 namespace velqua_records {
 namespace {
@@ -48,6 +49,12 @@ size_t WholeRecordsSize(std::string_view bytes, RecordEnd end) {
       break;
   }
   return at == std::string_view::npos ? 0 : at + 1;
+}
+
+FramingSettings FramingFor(const RecordForm& form, FramingSettings settings) {
+  settings.nul_ends_record = settings.nul_ends_record || form.nul_ends_record;
+  settings.strip_bit7 = settings.strip_bit7 || form.seven_bit;
+  return settings;
 }
 
 bool MatchesHeading(std::string_view pattern, std::string_view text) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "velqua/records/common.h"
+#include "velqua/records/record_form.h"
 
 namespace velqua_records {
 namespace {
@@ -157,6 +158,40 @@ TEST(Framer, PatternsThatMatchNothingOrEverythingAreRefused) {
     FramingSettings settings;
     settings.page_headings = {"ok*", bad};
     EXPECT_THROW(Framer framer(settings), Failure);
+  }
+}
+
+// What a switch's record form needs of the line is added to the service's
+// framing, never taken from it: either side asking for a NUL record end or
+// for bit 7 cleared is enough, and the rest is the service's.
+TEST(Framer, TheRecordFormAddsItsNeedsToTheServicesFraming) {
+  using namespace std::string_literals;
+  const std::string input = "a\0b\x8D"s + "c\r";  // 0x8D: a CR with its parity bit set
+  const struct {
+    const char* name;
+    bool form_nul, form_seven_bit, service_nul, service_bit7;
+    std::string expected;
+  } rows[] = {
+      {"neither", false, false, false, false, "100:a\0b\x8D"s + "c"},
+      {"the form's NUL", true, false, false, false, "100:a | 102:b\x8D"s + "c"},
+      {"the form's 7 bits", false, true, false, false, "100:a\0b | 104:c"s},
+      {"the service's own", false, false, true, true, "100:a | 102:b | 104:c"},
+      {"both ask", true, true, true, true, "100:a | 102:b | 104:c"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.name);
+    RecordForm form;
+    form.nul_ends_record = row.form_nul;
+    form.seven_bit = row.form_seven_bit;
+    FramingSettings service;
+    service.end = RecordEnd::kCr;
+    service.page_headings = {"zzz*"};
+    service.nul_ends_record = row.service_nul;
+    service.strip_bit7 = row.service_bit7;
+    const FramingSettings framing = FramingFor(form, service);
+    EXPECT_EQ(framing.end, RecordEnd::kCr);
+    EXPECT_EQ(framing.page_headings, service.page_headings);
+    EXPECT_EQ(Frame(framing, input, 0, true), row.expected);
   }
 }
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -91,6 +93,90 @@ TEST(GuessLayout, DelimitedRecords) {
   }
   for (const GuessedField& field : guess.fields) {
     EXPECT_NE(field.pos, 1) << DatumWords(field.datum);  // the record number
+  }
+}
+
+// A few characters before an extension's digits name it (E201, DN201,
+// Ext.201): up to four of them still make the column a column of extensions,
+// which reaches from the blank after the field before it to its last digit.
+TEST(GuessLayout, ExtensionsWithAMarkOfUpToFourCharacters) {
+  const struct {
+    const char* prefix;
+    const char* field;  // "": no calling extension
+  } rows[] = {{"", "extension (in) 16-23"},
+              {"E", "extension (in) 20-23"},
+              {"DN", "extension (in) 19-23"},
+              {"Ext.", "extension (in) 17-23"},
+              {"Exten", ""}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.prefix);
+    const std::u16string mark(row.prefix, row.prefix + std::strlen(row.prefix));
+    const std::u16string pad(5 - mark.size(), u' ');
+    std::vector<std::u16string> lines;
+    for (const char16_t* digits : {u"201", u"315", u"207", u"412"}) {
+      lines.push_back(u"03/10/26 08:15 " + pad + mark + digits + u" 0312345678");
+    }
+    const std::vector<std::string> summary = Summary(GuessLayout(lines));
+    std::string found;
+    for (const std::string& line : summary) {
+      if (line.rfind("extension (in) ", 0) == 0) found = line;
+    }
+    EXPECT_EQ(found, row.field) << ::testing::PrintToString(summary);
+  }
+}
+
+// Extensions of different lengths printed right-aligned are a right-aligned
+// field however wide the blank after them: it ends at their last digit. Only
+// a run of values all of one length may be taken for left-aligned instead.
+TEST(GuessLayout, ARightAlignedColumnOfDifferentLengthsEndsAtItsLastDigit) {
+  const struct {
+    std::vector<std::u16string> extensions;
+    const char* field;
+  } rows[] = {
+      {{u"  201", u" 3150", u"41235", u"  207"}, "extension (in) 16-20"},
+      // left-aligned, one length: up to the blank before the next field
+      {{u"201  ", u"315  ", u"412  ", u"207  "}, "extension (in) 16-24"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.field);
+    std::vector<std::u16string> lines;
+    for (const std::u16string& extension : row.extensions) {
+      lines.push_back(u"03/10/26 08:15 " + extension + u"     0312345678");
+    }
+    const std::vector<std::string> summary = Summary(GuessLayout(lines));
+    EXPECT_TRUE(Has(summary, row.field)) << ::testing::PrintToString(summary);
+  }
+}
+
+// A delimited field is taken for a count of seconds only when its values can
+// be one: plain numbers of up to six digits without a leading zero, some under
+// a minute, not all 0 or 1, and not a record number going up by one.
+TEST(GuessLayout, CountsOfSecondsOnlyWhereTheValuesCanBeOne) {
+  const struct {
+    const char* what;
+    std::vector<std::u16string> values;
+    bool seconds;
+  } rows[] = {
+      {"talk times", {u"132", u"170", u"25", u"7530"}, true},
+      {"six digits", {u"132", u"170", u"25", u"999999"}, true},
+      {"seven digits", {u"132", u"170", u"25", u"1000000"}, false},
+      {"a leading zero", {u"132", u"0170", u"25", u"7530"}, false},
+      {"a lone zero", {u"132", u"0", u"25", u"7530"}, true},
+      {"none under a minute", {u"132", u"170", u"60", u"7530"}, false},
+      {"0 and 1 only", {u"0", u"1", u"1", u"0"}, false},
+      {"a record number", {u"41", u"42", u"43", u"44"}, false},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.what);
+    std::vector<std::u16string> lines;
+    for (size_t i = 0; i < row.values.size(); ++i) {
+      lines.push_back(u"20" + std::u16string(1, static_cast<char16_t>(u'1' + i)) +
+                      u",0312345678,2026-03-10 08:15:02," + row.values[i]);
+    }
+    const Guess guess = GuessLayout(lines);
+    ASSERT_TRUE(guess.form.delimited);
+    ASSERT_EQ(guess.form.fields.fields.size(), 4u);
+    EXPECT_EQ(guess.form.fields.fields[3].seconds, row.seconds);
   }
 }
 

@@ -31,18 +31,23 @@ std::string_view Desentrecomilla(std::string_view s) {
   return s;
 }
 
-// Splits text into lines at "\n"; a "\r" before it belongs to the line end.
+// The line of `todo` that starts at `i`, and `i` moved past its end. Lines
+// end at "\n"; a "\r" before it belongs to the line end, a "\r" anywhere
+// else to the line. Text after the last "\n" is a line; nothing after it is
+// none.
+std::string_view SiguienteLinea(std::string_view todo, size_t& i) {
+  size_t fin = todo.find('\n', i);
+  if (fin == std::string_view::npos) fin = todo.size();
+  std::string_view linea = todo.substr(i, fin - i);
+  if (!linea.empty() && linea.back() == '\r') linea.remove_suffix(1);
+  i = fin + 1;
+  return linea;
+}
+
 std::vector<std::string_view> Lineas(std::string_view todo) {
   std::vector<std::string_view> lineas;
   size_t i = 0;
-  while (i < todo.size()) {
-    size_t fin = todo.find('\n', i);
-    if (fin == std::string_view::npos) fin = todo.size();
-    std::string_view linea = todo.substr(i, fin - i);
-    if (!linea.empty() && linea.back() == '\r') linea.remove_suffix(1);
-    lineas.push_back(linea);
-    i = fin + 1;
-  }
+  while (i < todo.size()) lineas.push_back(SiguienteLinea(todo, i));
   return lineas;
 }
 
@@ -149,11 +154,7 @@ PerfilIni::PerfilIni(std::string cadContenido) : contenido_(std::move(cadConteni
   std::string_view todo(contenido_);
   size_t i = 0;
   while (i < todo.size()) {  // line by line, without a vector of all lines
-    size_t fin = todo.find('\n', i);
-    if (fin == std::string_view::npos) fin = todo.size();
-    std::string_view linea = todo.substr(i, fin - i);
-    i = fin + 1;
-    if (!linea.empty() && linea.back() == '\r') linea.remove_suffix(1);
+    const std::string_view linea = SiguienteLinea(todo, i);
     std::string_view nombre;
     std::string_view valor;
     if (NombreSeccion(linea, nombre)) {

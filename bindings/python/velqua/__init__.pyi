@@ -168,6 +168,7 @@ def read_calls(
     errors: Optional[_Path] = None,
 ) -> pandas.DataFrame: ...
 
+# Generated from scripts/enums/enums.txt by scripts/enums/generate.py.
 class emVersionConfiguracion(IntEnum):
     emNoVersion = 0
     emVersionActual = 1

@@ -59,6 +59,15 @@ struct FramingSettings {
   std::vector<std::string> page_headings;
 };
 
+struct RecordForm;
+
+// The framing of a switch's line: `settings` as the service was told, with
+// what the switch's record form needs before any record is framed: a form
+// whose records end at a NUL ends them there on the line too, and a 7-bit
+// form clears bit 7 first, so that a CR sent with its parity bit set still
+// ends a record. The form's page headings are matched after decoding, not here.
+FramingSettings FramingFor(const RecordForm& form, FramingSettings settings);
+
 // Splits the bytes of one connection into records. Empty records (a blank
 // line, two NULs in a row, a record of control bytes only) carry nothing and
 // are not given. A record never grows past kMaxRecord bytes: the excess

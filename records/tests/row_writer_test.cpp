@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-#include "cli_common.h"
 #include "velqua/records/clock.h"
+#include "velqua/records/common.h"
 #include "velqua/records/row_writer.h"
 
-namespace velqua_cli {
+namespace velqua_records {
 namespace {
 
 std::string Render(RowFormat format, const std::vector<Row>& rows) {
@@ -270,4 +270,4 @@ TEST(RowWriter, TypeAndAttributeNamesAreEnglishWords) {
 }
 
 }  // namespace
-}  // namespace velqua_cli
+}  // namespace velqua_records
