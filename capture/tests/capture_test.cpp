@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -58,8 +59,13 @@ std::string ReadFile(const std::string& path) {
 Child::Child(const std::vector<std::string>& args, const std::string& stderr_file) {
   int fds[2];
   if (::pipe(fds) != 0) throw std::runtime_error("pipe");
+  const pid_t parent = ::getpid();
   pid_ = ::fork();
   if (pid_ == 0) {
+    // A test killed (a timeout's SIGKILL) takes its children with it: an
+    // orphan would hold the test's output open and its runner would wait.
+    ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (::getppid() != parent) ::_exit(127);
     ::dup2(fds[1], 1);
     if (!stderr_file.empty()) {
       const int err = ::open(stderr_file.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0644);
