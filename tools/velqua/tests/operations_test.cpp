@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "capture_test.h"
+#include "program_run.h"
 #include "store_test_support.h"
 
 namespace velqua_cli {
@@ -31,28 +32,7 @@ using velqua_store_testing::Engine;
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples";
 
-struct Result {
-  int status = -1;
-  std::string out, err;
-  std::string FirstLine() const { return out.substr(0, out.find('\n')); }
-};
-
-// Runs the program with `args`; its exit status, standard output and error.
-Result Velqua(const std::vector<std::string>& args) {
-  static int serial = 0;
-  const std::string err_file = TempDir("ops-stderr") + "/" + std::to_string(++serial);
-  std::string command = "'" VELQUA_PROGRAM "'";
-  for (const std::string& a : args) command += " '" + a + "'";
-  command += " 2>'" + err_file + "'";
-  Result r;
-  std::FILE* pipe = ::popen(command.c_str(), "r");
-  char buffer[4096];
-  for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) r.out.append(buffer, n);
-  const int status = ::pclose(pipe);
-  r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  r.err = velqua_capture_test::ReadFile(err_file);
-  return r;
-}
+using Result = ProgramRun;
 
 std::string WriteFile(const std::string& path, const std::string& text) {
   std::ofstream(path, std::ios::binary) << text;

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "capture_test.h"
+#include "program_run.h"
 #include "store_test_support.h"
 
 namespace velqua_cli {
@@ -21,27 +22,7 @@ namespace {
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples";
 
-struct Outcome {
-  int status = -1;
-  std::string out, err;
-};
-
-Outcome Velqua(const std::vector<std::string>& args) {
-  static int serial = 0;
-  const std::string err_file =
-      velqua_capture_test::TempDir("read-only-stderr") + "/" + std::to_string(++serial);
-  std::string command = "'" VELQUA_PROGRAM "'";
-  for (const std::string& a : args) command += " '" + a + "'";
-  command += " 2>'" + err_file + "'";
-  Outcome r;
-  std::FILE* pipe = ::popen(command.c_str(), "r");
-  char buffer[4096];
-  for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) r.out.append(buffer, n);
-  const int status = ::pclose(pipe);
-  r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  r.err = velqua_capture_test::ReadFile(err_file);
-  return r;
-}
+using Outcome = ProgramRun;
 
 // Runs SQL as the server's superuser; the first column of the first row.
 std::string Sql(const std::string& url, const std::string& sql) {

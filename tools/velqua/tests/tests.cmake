@@ -36,6 +36,7 @@ endif()
 if(TARGET velqua_store_testing AND TARGET velqua_capture)
   add_executable(test_cli_operations ${CMAKE_CURRENT_LIST_DIR}/operations_test.cpp
                  ${CMAKE_CURRENT_LIST_DIR}/read_only_role_test.cpp
+                 ${CMAKE_CURRENT_LIST_DIR}/program_run.cpp
                  ${PROJECT_SOURCE_DIR}/capture/tests/capture_test.cpp)
   target_link_libraries(test_cli_operations PRIVATE velqua_store_testing PkgConfig::VELQUA_HTTPLIB
                         SQLite::SQLite3 GTest::gtest_main)
