@@ -52,6 +52,9 @@ class CallMonths {
   // later call; its calls wait in calls_other meanwhile.
   void Add(const std::vector<std::string>& months);
 
+  // Whether calls are kept in a table a month (PostgreSQL).
+  bool by_month() const { return postgres_; }
+
  private:
   void ReadCatalog();
 

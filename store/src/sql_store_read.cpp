@@ -343,6 +343,7 @@ int64_t SqlStore::LastStoredId(const std::string& switch_name, bool calls) {
 }
 
 void SqlStore::AddMonths(int64_t switch_id, const std::vector<Retranslated>& records) {
+  if (!months_.by_month()) return;
   const Zone& zone = ZoneOf(switch_id);
   size_t n = 0;
   for (const Retranslated& r : records) {
