@@ -55,3 +55,22 @@ export function address(path, params) {
   }
   return url.pathname + url.search;
 }
+
+// Runs a view's requests so that only the answer to the latest one counts: a
+// slow answer to an older search or day must never replace a newer one on the
+// screen. Resolves to { answer } for the latest request, to null for any other
+// (and swallows an older request's failure the same way).
+export function latestOnly() {
+  let asked = 0;
+  return async (request) => {
+    const mine = ++asked;
+    let answer;
+    try {
+      answer = await request;
+    } catch (error) {
+      if (mine !== asked) return null;
+      throw error;
+    }
+    return mine === asked ? { answer } : null;
+  };
+}

@@ -39,6 +39,11 @@ function millionths(text) {
   return text.startsWith('-') ? -value : value;
 }
 
+// Waits until the calls page shows the answer to its latest search.
+function settled(page) {
+  return page.waitForSelector('#view-calls .results[aria-busy=false]');
+}
+
 // Imports one new Hicom call dialling `number`; when this returns it is stored.
 function storeOneCall(velqua, db, source, number) {
   const file = join(tmpdir(), `velqua-live-${number}.txt`);
@@ -104,8 +109,9 @@ export const checks = [
       await page.click('nav a[href="#/calls"]');
       await page.fill('#f-number', number.slice(0, 7));
       await page.click('#view-calls form button[type=submit]');
-      await page.waitForSelector(`#view-calls tbody td:text("${number}")`);
+      await settled(page);
       assert.equal(await page.locator('#view-calls tbody tr').count(), 1);
+      await page.waitForSelector(`#view-calls tbody td:text("${number}")`);
       const [download] = await Promise.all([page.waitForEvent('download'), page.click('#export-csv')]);
       const csv = readFileSync(await download.path(), 'utf8');
       assert.equal(csv.trim().split('\n').length, 2, csv);
@@ -114,6 +120,31 @@ export const checks = [
       await page.waitForSelector('#view-calls pre.raw');
       assert.ok((await page.textContent('#view-calls pre.raw')).includes(number));
       await shot('call');
+    },
+  },
+  {
+    // The list the page asks for on opening may answer after a search the
+    // user typed meanwhile; the search's answer is what stays on the screen.
+    name: 'a-slow-older-answer-never-replaces-a-newer-search',
+    async run({ page, db, login, velqua }) {
+      await login('vic');
+      const extension = storedCallRows(velqua, db).find((c) => c.extension).extension;
+      let held = 0;
+      await page.route((url) => url.pathname === '/api/calls' && !url.searchParams.has('extension'),
+        async (route) => {
+          held++;
+          await new Promise((done) => setTimeout(done, 1500));
+          await route.continue();
+        });
+      await page.click('nav a[href="#/calls"]');
+      await page.fill('#f-extension', extension);
+      await page.click('#view-calls form button[type=submit]');
+      await page.waitForTimeout(2000);
+      await settled(page);
+      assert.equal(held, 1, 'the opening list was not asked for before the search');
+      const shown = await page.locator('#view-calls tbody tr td:nth-child(4)').allTextContents();
+      assert.ok(shown.length > 0);
+      assert.deepEqual([...new Set(shown)], [extension]);
     },
   },
   {

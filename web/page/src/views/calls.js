@@ -1,6 +1,6 @@
 // Calls: search the store's calls, sort, page through them, export what is
 // shown as CSV or XLSX, and open a call's raw record and how it was read and priced.
-import { api, address } from '../api.js';
+import { api, address, latestOnly } from '../api.js';
 import { h, fill, failure, duration, costCell } from '../dom.js';
 
 const PAGE = 50;
@@ -82,12 +82,16 @@ export default {
         h('td', {}, c.person || ''), h('td', {}, c.dialled || ''), h('td', {}, c.trunk || ''),
         h('td', { class: 'num' }, duration(c.duration)),
         costCell(c)))));
+    const newest = latestOnly();
     async function search() {
       const p = params();
       exportLink.setAttribute('href', address('/api/calls/export.csv', p));
       sheetLink.setAttribute('href', address('/api/calls/export.xlsx', p));
+      results.setAttribute('aria-busy', 'true');
       try {
-        const page = await api.get('/api/calls', { ...p, offset, limit: PAGE });
+        const latest = await newest(api.get('/api/calls', { ...p, offset, limit: PAGE }));
+        if (!latest) return;
+        const page = latest.answer;
         fill(results, page.calls.length ? table(page.calls) : h('p', {}, 'No call matches.'));
         fill(pager,
           h('button', { type: 'button', class: 'secondary', disabled: offset === 0,
@@ -99,6 +103,7 @@ export default {
         fill(results, failure(error));
         fill(pager);
       }
+      results.setAttribute('aria-busy', 'false');
     }
     inputs.type = h('select', { id: 'f-type', name: 'type' }, TYPES.map((t) => h('option', { value: t }, t || 'any')));
     const form = h('form', { class: 'filters', onsubmit: (e) => { e.preventDefault(); offset = 0; search(); } },

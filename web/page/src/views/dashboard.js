@@ -1,7 +1,7 @@
 // Dashboard: a day and its month at a glance: calls, minutes, cost,
 // unanswered; calls per hour; top extensions and destinations; cost per
 // department; trunk channels in use.
-import { api } from '../api.js';
+import { api, latestOnly } from '../api.js';
 import { h, fill, failure } from '../dom.js';
 
 const money = (list) => (list.length ? list.map((c) => `${c.cost} ${c.currency}`).join(' + ') : '0');
@@ -49,12 +49,17 @@ export default {
     const day = h('input', { id: 'd-day', type: 'date' });
     const note = h('p', { class: 'muted' });
     const body = h('div', { class: 'cards' });
+    const newest = latestOnly();
     const load = async (first) => {
       try {
-        let d = await api.get('/api/dashboard', { day: day.value });
+        let got = await newest(api.get('/api/dashboard', { day: day.value }));
+        if (!got) return;
+        let d = got.answer;
         if (first && d.today.calls === 0 && d.latest_day && d.latest_day !== d.day) {
           fill(note, `No calls on ${d.day}: showing ${d.latest_day}, the latest day with calls.`);
-          d = await api.get('/api/dashboard', { day: d.latest_day });
+          got = await newest(api.get('/api/dashboard', { day: d.latest_day }));
+          if (!got) return;
+          d = got.answer;
         } else {
           fill(note);
         }

@@ -1,7 +1,7 @@
 // Reports: every kind `velqua report` writes, for a period (the previous
 // month unless chosen), shown here as its tables and chart, and downloaded
 // as PDF, spreadsheet or CSV: the same numbers in every form.
-import { api, address } from '../api.js';
+import { api, address, latestOnly } from '../api.js';
 import { h, fill, failure, duration } from '../dom.js';
 
 // The options of one kind, shown when it is chosen: [key, label, type, kind].
@@ -59,6 +59,7 @@ export default {
       return p;
     };
     const showOptions = () => extra.forEach((o) => { o.label.hidden = o.of !== kind.value; });
+    const newest = latestOnly();
     async function show() {
       const p = params();
       const path = `/api/reports/${kind.value}`;
@@ -67,7 +68,9 @@ export default {
         href: address(path, { ...p, format }) }, label)));
       fill(shown, h('p', { class: 'muted' }, 'Building the report…'));
       try {
-        const report = await api.get(path, p);
+        const latest = await newest(api.get(path, p));
+        if (!latest) return;
+        const report = latest.answer;
         fill(shown, h('h2', { class: 'report-title' }, report.title),
           h('p', { class: 'muted' }, `${report.from} to ${report.to}; ${report.switches.join(', ') || 'no switch'}`),
           report.notes.map((n) => h('p', {}, n)),
