@@ -26,6 +26,7 @@ import selectors
 import socket
 import sqlite3
 import subprocess
+import sys
 import tempfile
 import threading
 import time
@@ -42,8 +43,9 @@ def free_port():
 
 
 class LivePage:
-    """One /api/live stream, its chunked body decoded as it arrives; the ids
-    of the calls it was sent, in order."""
+    """One /api/live stream (a body that ends with the connection, or
+    chunked), decoded as it arrives or once capture is done; the ids of the
+    calls it was sent, in order, and whether it was told to reload."""
 
     def __init__(self, port, cookie, keep_raw):
         self.sock = socket.create_connection(("127.0.0.1", port))
@@ -52,6 +54,7 @@ class LivePage:
         self.sock.setblocking(False)
         self.raw = b""
         self.headers_done = False
+        self.chunked = False
         self.body = b""
         self.ids = []
         self.lost = False
@@ -78,26 +81,24 @@ class LivePage:
             end = raw.find(b"\r\n\r\n")
             if end < 0:
                 self.raw = raw
-                return True
-            if b" 200 " not in raw[:end].split(b"\r\n")[0]:
+                return
+            head = raw[:end].split(b"\r\n")
+            if b" 200 " not in head[0]:
                 raise RuntimeError(raw[:end].decode())
+            self.chunked = b"transfer-encoding: chunked" in (h.lower() for h in head)
             raw = raw[end + 4:]
             self.headers_done = True
-        parts, at = [self.body], 0
-        while True:  # whole chunks: each holds whole events
-            line_end = raw.find(b"\r\n", at)
-            if line_end < 0:
-                break
-            size = int(raw[at:line_end].split(b";")[0], 16)
-            if len(raw) < line_end + 2 + size + 2:
-                break
-            parts.append(raw[line_end + 2:line_end + 2 + size])
-            at = line_end + 2 + size + 2
-        self.raw = raw[at:]
-        body = b"".join(parts)
+        if self.chunked:
+            body = self.body + self.dechunk(raw)
+        else:
+            self.raw, body = b"", self.body + raw
         cut = body.rfind(b"\n\n")
+        if cut < 0:
+            self.body = body
+            return
         events, self.body = body[:cut + 2], body[cut + 2:]
-        self.lost = self.lost or b"event: lost" in events  # fell behind: told to reload
+        if not self.lost and b"event: lost" in events:  # fell behind: told to reload
+            self.lost = len(self.ids) + 1
         self.ids.extend(int(i) for i in CALL.findall(events))
 
 
@@ -197,6 +198,8 @@ def run(args, work, count, clients, label):
                 page.decode_kept()
         complete = sum(1 for p in pages if p.ids == ids)
         cpu["lost"] = sum(1 for p in pages if p.lost)
+        if cpu["lost"]:
+            print("lost at", sorted(p.lost for p in pages if p.lost)[:5], file=sys.stderr)
         server.terminate()
         server.wait()
     service.terminate()

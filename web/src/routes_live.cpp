@@ -3,6 +3,9 @@
 // reconnects (EventSource sends Last-Event-ID) gets what it missed. A page
 // wakes once a look of the feed finds something and sends all it has not
 // sent in one write, from the text the feed framed once for every page.
+// The stream is a body that ends when the connection does, not a chunked
+// one: the HTTP library copies each chunk twice before writing it, and at
+// 50 pages those copies were a fifth of the server's work.
 #include "api.h"
 #include "routes.h"
 #include "server_state.h"
@@ -39,16 +42,17 @@ void RegisterLiveRoutes(Api& api) {
     LiveFeed& feed = *state.live;
     int64_t last = LastEventId(r.http.get_header_value("Last-Event-ID"), feed.Latest());
     r.response.set_header("X-Accel-Buffering", "no");  // a proxy passes each event at once
-    r.response.set_chunked_content_provider("text/event-stream",
-                                            [&feed, last](size_t, httplib::DataSink& sink) mutable {
-                                              const LiveFeed::Pending p = feed.After(last, kWaitMs);
-                                              if (feed.stopping()) {
-                                                sink.done();
-                                                return false;
-                                              }
-                                              last = p.last;
-                                              return SendPending(sink, p);
-                                            });
+    r.response.set_header("Connection", "close");      // the stream ends when the connection does
+    r.response.set_content_provider("text/event-stream",
+                                    [&feed, last](size_t, httplib::DataSink& sink) mutable {
+                                      const LiveFeed::Pending p = feed.After(last, kWaitMs);
+                                      if (feed.stopping()) {
+                                        sink.done();
+                                        return false;
+                                      }
+                                      last = p.last;
+                                      return SendPending(sink, p);
+                                    });
   });
 }
 
