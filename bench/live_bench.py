@@ -97,9 +97,25 @@ class LivePage:
             self.body = body
             return
         events, self.body = body[:cut + 2], body[cut + 2:]
-        if not self.lost and b"event: lost" in events:  # fell behind: told to reload
-            self.lost = len(self.ids) + 1
+        at = events.find(b"event: lost")  # fell behind: told to reload
+        if not self.lost and at >= 0:
+            self.lost = len(self.ids) + len(CALL.findall(events[:at])) + 1  # the call it lost
         self.ids.extend(int(i) for i in CALL.findall(events))
+
+    def dechunk(self, raw):
+        """The body in the whole chunks of `raw`; the rest is kept."""
+        parts, at = [], 0
+        while True:
+            line_end = raw.find(b"\r\n", at)
+            if line_end < 0:
+                break
+            size = int(raw[at:line_end].split(b";")[0], 16)
+            if len(raw) < line_end + 2 + size + 2:
+                break
+            parts.append(raw[line_end + 2:line_end + 2 + size])
+            at = line_end + 2 + size + 2
+        self.raw = raw[at:]
+        return b"".join(parts)
 
 
 def listen(pages, stop, nice):
@@ -199,7 +215,8 @@ def run(args, work, count, clients, label):
         complete = sum(1 for p in pages if p.ids == ids)
         cpu["lost"] = sum(1 for p in pages if p.lost)
         if cpu["lost"]:
-            print("lost at", sorted(p.lost for p in pages if p.lost)[:5], file=sys.stderr)
+            print("told to reload at calls", sorted(p.lost for p in pages if p.lost)[:5],
+                  file=sys.stderr)
         server.terminate()
         server.wait()
     service.terminate()

@@ -23,7 +23,9 @@ namespace velqua_web {
 
 class LiveFeed {
  public:
-  static constexpr size_t kKeptEvents = 2000;
+  // Events kept for pages that are behind: 10 seconds at 2,000 calls a
+  // second, about 12 MB however many pages there are.
+  static constexpr size_t kKeptEvents = 20000;
 
   // Starts watching the store at `url` from what it holds now, keeping at
   // least `kept` events for pages that are behind.
