@@ -112,8 +112,9 @@ void LiveFeed::Watch() {
       auto block = std::make_shared<Block>();
       block->first = Latest() + 1;  // only this thread numbers events
       for (const auto& c : a.calls) Frame(*block, CallJson(c), "call");
-      for (const auto& u : a.unrecognised)
+      for (const auto& u : a.unrecognised) {
         Frame(*block, UnrecognisedJson(u.record), "unrecognised");
+      }
       const bool full = a.calls.size() == static_cast<size_t>(kBatch) ||
                         a.unrecognised.size() == static_cast<size_t>(kBatch);
       if (Add(std::move(block)) && full) continue;
