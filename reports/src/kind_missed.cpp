@@ -71,7 +71,8 @@ void BuildMissed(velqua_store::Store& store, const Request& request, Report& rep
                DurationColumn("ring")},
               {},
               {},
-              std::make_shared<RowFile>()};
+              std::make_shared<RowFile>(),
+              true};  // a list to search: a PDF shows its first rows
   NotCalledBack by_extension_never, by_hour_never;
   Row row(4);
   velqua_store::ForEachMissedNotCalledBack(

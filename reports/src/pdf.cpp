@@ -18,8 +18,9 @@ namespace {
 constexpr double kWidth = 595.28, kHeight = 841.89;  // A4 in points
 constexpr double kMargin = 42, kFooter = 28;
 constexpr double kBodyFont = 8.5, kChartHeight = 250;
-// The rows of a long list (one kept on disk, as long as its period) a PDF
-// shows: some 40 pages, what a reader reads; the other forms list them all.
+// The rows of a long list cut in print (one kept on disk, as long as its
+// period) a PDF shows: some 40 pages, what a reader reads; the other forms
+// list them all.
 constexpr int64_t kListed = 2000;
 
 bool IsNumeric(ColumnType type) {
@@ -138,12 +139,12 @@ class Pages {
     y_ += 16;
   }
 
-  // The rows of `t` the PDF shows: its rows, and the first kListed of
-  // those kept on disk.
+  // The rows of `t` the PDF shows: every row, or of a list cut in print,
+  // its rows and the first kListed of those kept on disk.
   static void ForEachShown(const Table& t, const std::function<void(const Row&)>& visit) {
     int64_t n = 0;
     ForEachRow(t, [&](const Row& row) {
-      if (n++ < static_cast<int64_t>(t.rows.size()) + kListed) visit(row);
+      if (!t.cut_in_print || n++ < static_cast<int64_t>(t.rows.size()) + kListed) visit(row);
     });
   }
 

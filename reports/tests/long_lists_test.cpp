@@ -24,9 +24,10 @@ using velqua_reports::Row;
 using velqua_reports::RowFile;
 
 // The sample report with all but its first `kept` rows moved to disk.
-Report OnDisk(int rows, size_t kept) {
+Report OnDisk(int rows, size_t kept, bool cut_in_print = false) {
   Report r = SampleReport(rows);
   velqua_reports::Table& t = r.tables.at(0);
+  t.cut_in_print = cut_in_print;
   t.more = std::make_shared<RowFile>();
   for (size_t i = kept; i < t.rows.size(); ++i) t.more->Append(t.rows[i]);
   t.rows.resize(kept);
@@ -112,18 +113,21 @@ TEST(LongLists, TheSpreadsheetHoldsEveryRowOnDisk) {
 TEST(LongLists, ThePdfShowsTheFirstRowsOfALongListAndHowManyMore) {
   const struct {
     int rows;
+    bool cut;
     const char* shown_last;
     const char* hidden_first;  // "" = every row shown
     const char* more;
   } cases[] = {
-      {2000, "ext, 2199", "", ""},
-      {2150, "ext, 2199", "ext, 2200", "150 more rows not shown here"},
+      {2000, true, "ext, 2199", "", ""},
+      {2150, true, "ext, 2199", "ext, 2200", "150 more rows not shown here"},
+      {2150, false, "ext, 2349", "", ""},  // a bill: every row
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.rows);
-    const std::string dir = Dir() + "/" + std::to_string(c.rows);
+    SCOPED_TRACE(std::to_string(c.rows) + (c.cut ? " cut" : ""));
+    const std::string dir = Dir() + "/" + std::to_string(c.rows) + (c.cut ? "cut" : "");
     std::filesystem::create_directories(dir);
-    velqua_reports::WriteReport(OnDisk(c.rows, 0), velqua_reports::Form::kPdf, dir + "/r.pdf");
+    velqua_reports::WriteReport(OnDisk(c.rows, 0, c.cut), velqua_reports::Form::kPdf,
+                                dir + "/r.pdf");
     const std::string text = RunCommand("pdftotext -layout '" + dir + "/r.pdf' -");
     EXPECT_NE(text.find(c.shown_last), std::string::npos);
     EXPECT_NE(text.find("12345.67"), std::string::npos) << "the total";

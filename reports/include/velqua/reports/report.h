@@ -76,6 +76,10 @@ struct Table {
   std::optional<Row> total;
   // Rows after `rows`, kept on disk: a list that grows with the period.
   std::shared_ptr<RowFile> more = nullptr;
+  // A list to search rather than to read through (the missed calls never
+  // called back): a PDF shows the first 2,000 rows of `more` and says how
+  // many more there are. Otherwise (an itemised bill) it shows them all.
+  bool cut_in_print = false;
 };
 
 // Every row of a table, `rows` then `more`'s, and how many there are.
