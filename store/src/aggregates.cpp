@@ -197,7 +197,7 @@ std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGrou
   };
   std::map<std::string, Group> groups;
   std::string read_key;
-  db.Run("SELECT " + key + ", c.ring FROM calls c" + where, params, [&](const ResultRow& r) {
+  db.Stream("SELECT " + key + ", c.ring FROM calls c" + where, params, [&](const ResultRow& r) {
     r.TextInto(0, read_key);
     auto found = groups.find(read_key);
     if (found == groups.end()) found = groups.emplace(read_key, Group()).first;
@@ -238,7 +238,7 @@ void ForEachMissedNotCalledBack(Store& store, const Span& span, int64_t callback
   // The engine orders them (its sort spills to disk when it must), so that
   // none is held here: the columns compare by their bytes on both engines.
   MissedCall call;
-  db.Run(
+  db.Stream(
       "SELECT c.start, coalesce(c.extension, ''), c.dialled, coalesce(c.ring, -1)"
       " FROM calls c" +
           where + " ORDER BY 1, 2, 3",
@@ -282,16 +282,16 @@ std::vector<ChannelSlot> ChannelsInUse(Store& store, const Span& span) {
     part.to_next = DayText(next);
     n = next;
     std::vector<Value> params;
-    db.Run("SELECT c.start, " + length + " FROM calls c" + SpanWhere(part, &params) +
-               " AND c.trunk IS NOT NULL" + shaped + " ORDER BY c.start" +
-               (d.pg ? " NULLS FIRST" : ""),
-           params, [&](const ResultRow& r) {
-             const int64_t held = r.Int(1);
-             if (held <= 0) return;
-             r.TextInto(0, start);
-             const int64_t second = start.size() >= 16 ? SecondsOf(start) : -1;
-             if (second >= 0) sweep.Add(second, held);
-           });
+    db.Stream("SELECT c.start, " + length + " FROM calls c" + SpanWhere(part, &params) +
+                  " AND c.trunk IS NOT NULL" + shaped + " ORDER BY c.start" +
+                  (d.pg ? " NULLS FIRST" : ""),
+              params, [&](const ResultRow& r) {
+                const int64_t held = r.Int(1);
+                if (held <= 0) return;
+                r.TextInto(0, start);
+                const int64_t second = start.size() >= 16 ? SecondsOf(start) : -1;
+                if (second >= 0) sweep.Add(second, held);
+              });
   }
   return sweep.Finish();
 }
