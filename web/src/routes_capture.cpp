@@ -25,9 +25,9 @@ bool Connected(const nlohmann::json& source) {
   return false;
 }
 
-// Adds "sources": {total, connected, silent} and words the summary's count
-// of a running service with them ("2 of 4 sources connected, 1 of them
-// silent longer than its limit").
+// Adds "sources": {total, connected, silent}, the counts the service's
+// summary words ("2 of 4 sources connected, 1 of them silent longer than
+// its limit").
 void CountSources(nlohmann::json& service) {
   int total = 0, connected = 0, silent = 0;
   const bool running = service.value("running", false);
@@ -40,21 +40,6 @@ void CountSources(nlohmann::json& service) {
     }
   }
   service["sources"] = {{"total", total}, {"connected", connected}, {"silent", silent}};
-  std::string summary = service.value("summary", "");
-  const std::string up = " sources up";
-  const size_t count = summary.rfind("; ");
-  if (count == std::string::npos || summary.size() < up.size() ||
-      summary.compare(summary.size() - up.size(), up.size(), up) != 0) {
-    return;  // not running, or not answering: said as it is
-  }
-  summary.resize(count);
-  summary +=
-      "; " + std::to_string(connected) + " of " + std::to_string(total) + " sources connected";
-  if (silent > 0) {
-    summary += ", " + std::to_string(silent) + " of them silent longer than " +
-               (silent == 1 ? "its limit" : "their limits");
-  }
-  service["summary"] = summary;
 }
 
 }  // namespace
