@@ -88,5 +88,16 @@ best "api/calls?limit=50&person=$person"
 best "api/calls?limit=50&department=$department"
 best "api/calls?limit=50&department=$department&from=2025-03-01&to=2025-03-31&sort=cost"
 best "api/calls?limit=50&min_cost=1.00"
+# Every other order, both ways: the calls without the key (no trunk, no
+# price) come first in ascending order.
+best "api/calls?limit=50&sort=duration&order=asc&offset=10000"
+best "api/calls?limit=50&sort=cost"
+best "api/calls?limit=50&sort=cost&order=asc"
+best "api/calls?limit=50&extension=$extension&sort=cost"
+best "api/calls?limit=50&sort=extension&order=asc"
+best "api/calls?limit=50&sort=trunk&order=asc"
+best "api/calls?limit=50&sort=trunk"
+best "api/calls?limit=50&sort=number"
+best "api/calls?limit=50&from=2025-03-01&to=2025-03-31&sort=duration&order=asc"
 day=$(q "SELECT substr(max(start), 1, 10) FROM calls")
 best "api/dashboard?day=$day"
