@@ -40,18 +40,48 @@ END
 )";
 
 // PostgreSQL: once per statement, from the rows it changed (a COPY of
-// prices included).
+// prices included). A call is found in its month's table alone, through
+// its start kept in call_keys (by the id alone, every month's index would
+// be searched). The keys' own trigger then writes a key row only when the
+// call's switch or start changed: setting a call's price key changes
+// neither.
 constexpr const char* kPostgresTriggers = R"(
+CREATE OR REPLACE FUNCTION calls_keep_keys() RETURNS trigger LANGUAGE plpgsql AS $body$
+BEGIN
+  IF TG_OP = 'INSERT' THEN
+    INSERT INTO call_keys (source_id, position, call_id, switch_id, start)
+      SELECT source_id, position, id, switch_id, start FROM new_rows;
+  ELSIF TG_OP = 'DELETE' THEN
+    DELETE FROM call_keys k USING old_rows o WHERE k.call_id = o.id;
+  ELSE
+    IF EXISTS (SELECT 1 FROM new_rows n WHERE NOT EXISTS (SELECT 1 FROM call_keys k
+        WHERE k.call_id = n.id AND k.source_id = n.source_id AND k.position = n.position)) THEN
+      RAISE EXCEPTION 'a stored call keeps its id, source and position'
+        USING ERRCODE = 'integrity_constraint_violation';
+    END IF;
+    UPDATE call_keys k SET switch_id = n.switch_id, start = n.start FROM new_rows n
+      WHERE k.call_id = n.id AND (k.switch_id <> n.switch_id OR k.start IS DISTINCT FROM n.start);
+  END IF;
+  RETURN NULL;
+END
+$body$;
 CREATE FUNCTION call_costs_keep_order() RETURNS trigger LANGUAGE plpgsql AS $body$
 BEGIN
   IF TG_OP <> 'INSERT' THEN
-    UPDATE calls c SET cost_order = NULL FROM old_rows o
-      WHERE c.id = o.call_id AND c.cost_order IS NOT NULL
+    UPDATE calls c SET cost_order = NULL FROM old_rows o JOIN call_keys ck ON ck.call_id = o.call_id
+      WHERE c.id = o.call_id AND (c.start = ck.start OR (c.start IS NULL AND ck.start IS NULL))
+        AND c.cost_order IS NOT NULL
         AND NOT EXISTS (SELECT 1 FROM call_costs k WHERE k.call_id = o.call_id);
   END IF;
   IF TG_OP <> 'DELETE' THEN
     UPDATE calls c SET cost_order = CAST(n.cost AS NUMERIC) FROM new_rows n
-      WHERE c.id = n.call_id AND c.cost_order IS DISTINCT FROM CAST(n.cost AS NUMERIC);
+      JOIN call_keys ck ON ck.call_id = n.call_id
+      WHERE c.id = n.call_id AND c.start = ck.start
+        AND c.cost_order IS DISTINCT FROM CAST(n.cost AS NUMERIC);
+    UPDATE calls c SET cost_order = CAST(n.cost AS NUMERIC) FROM new_rows n
+      JOIN call_keys ck ON ck.call_id = n.call_id
+      WHERE c.id = n.call_id AND c.start IS NULL AND ck.start IS NULL
+        AND c.cost_order IS DISTINCT FROM CAST(n.cost AS NUMERIC);
   END IF;
   RETURN NULL;
 END

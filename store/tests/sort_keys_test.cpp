@@ -142,6 +142,16 @@ TEST_P(SortKeysTest, TheKeyFollowsEveryWriteOfAPrice) {
     EXPECT_EQ(OutOfStep(), "0");
     EXPECT_EQ(Rows("SELECT count(cost_order) FROM calls"), std::to_string(step.keyed));
   }
+  // A call without a start (kept apart from the months' tables on
+  // PostgreSQL) takes its key as well.
+  Record undated = Call(5, "25", "2026-03-09 10:00:00", "01", "0301111");
+  undated.row.printed = 0;
+  store->Write(source, {undated}, std::nullopt);
+  db_->Run(
+      "INSERT INTO call_costs (call_id, cost) SELECT id, '0.5' FROM calls WHERE start IS NULL "
+      "ON CONFLICT (call_id) DO UPDATE SET cost = excluded.cost");
+  EXPECT_EQ(OutOfStep(), "0");
+  EXPECT_EQ(Rows("SELECT CAST(cost_order AS TEXT) FROM calls WHERE start IS NULL"), "0.5");
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, SortKeysTest,
