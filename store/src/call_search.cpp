@@ -254,16 +254,16 @@ std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
   return ids;
 }
 
-// The page of a directory search in an order other than the start's, when
-// its extensions' periods hold many calls: one walk through the order's
-// index, each entry checked against the periods, rather than each period's
-// calls sorted apart (empty when the periods hold few calls, on SQLite; on
-// PostgreSQL, whose planner weighs the two roads itself, always one query).
+// The page of a directory search as one walk through the order's index,
+// each entry checked against the extensions' periods, rather than each
+// period's calls read apart and merged. On SQLite, in an order other than
+// the start's and when the periods hold many calls (empty otherwise). On
+// PostgreSQL always: its planner weighs the roads itself, and one query
+// over the months' tables is planned once rather than once a period.
 std::optional<std::vector<int64_t>> PageIdsByPeriodsInOrder(Connection& db, const CallQuery& q,
                                                             const std::vector<Period>& periods) {
-  if (q.sort == CallSort::kStart) return std::nullopt;
   const bool postgres = std::strcmp(db.engine(), "postgresql") == 0;
-  if (!postgres && !IndexesReady(db, q.sort)) return std::nullopt;
+  if (!postgres && (q.sort == CallSort::kStart || !IndexesReady(db, q.sort))) return std::nullopt;
   CallFilter rest = q.filter;
   rest.person.clear();
   rest.department.clear();
