@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # The web page's answers on a large SQLite store, as the server times them:
 # a page of calls (newest first, one extension's month, a deep page, by
-# person, department and cost) and the dashboard. The store is made once
-# from bench/make_records.py's Hicom records, imported, priced by
-# examples/rating/hicom-plan.toml, and kept under /tmp/velqua-web-bench.
+# person, department and cost, in every order both ways) and the
+# dashboard. The store is made once from bench/make_records.py's Hicom
+# records, imported, priced by examples/rating/hicom-plan.toml, and kept
+# under /tmp/velqua-web-bench.
 #
 # Usage: bench/web_bench.sh [--calls N] [--runs K] [--velqua PATH] [--db STORE]
 #   N records (default 10,000,000); K timed runs of each request (default 5,
