@@ -38,6 +38,33 @@ const char* SortColumn(CallSort sort) {
   return "c.start";
 }
 
+// An amount in millionths as decimal text ("-1.250000").
+std::string Decimal(int64_t millionths) {
+  const uint64_t size =
+      millionths < 0 ? 0 - static_cast<uint64_t>(millionths) : static_cast<uint64_t>(millionths);
+  std::string fraction = std::to_string(size % 1000000);
+  fraction.insert(0, 6 - fraction.size(), '0');
+  return (millionths < 0 ? "-" : "") + std::to_string(size / 1000000) + "." + fraction;
+}
+
+// The filter and, in the cost's order, its cost bounds also on the key the
+// order's index holds, a millionth wider (the exact comparison stays in the
+// filter): a page of calls above an amount, cheapest first, then starts at
+// the amount in the index rather than walking every cheaper call.
+std::string WhereFor(const CallQuery& q, const CallFilter& filter, std::vector<Value>* params) {
+  std::string sql = CallWhere(filter, params);
+  if (q.sort != CallSort::kCost) return sql;
+  if (filter.min_cost) {
+    params->push_back(Decimal(*filter.min_cost - 1));
+    sql += " AND c.cost_order >= $" + std::to_string(params->size());
+  }
+  if (filter.max_cost) {
+    params->push_back(Decimal(*filter.max_cost + 1));
+    sql += " AND c.cost_order <= $" + std::to_string(params->size());
+  }
+  return sql;
+}
+
 // Beyond this many extension periods the search asks the directory per call
 // instead: one query may join only so many parts.
 constexpr size_t kMostPeriods = 200;
@@ -106,7 +133,7 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
   std::vector<Value> params;
   std::string parts;
   const auto add = [&](const Period& p, bool without_start) {
-    const std::string where = CallWhere(rest, &params);
+    const std::string where = WhereFor(q, rest, &params);
     parts +=
         std::string(parts.empty() ? "" : " UNION ALL ") + "SELECT * FROM (SELECT c.id AS id, " +
         sort + " AS sort_key FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id" + where +
@@ -243,7 +270,7 @@ std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
   std::string sql = "SELECT c.id FROM calls c" + Road(db, q) +
-                    " LEFT JOIN call_costs k ON k.call_id = c.id" + CallWhere(q.filter, &params) +
+                    " LEFT JOIN call_costs k ON k.call_id = c.id" + WhereFor(q, q.filter, &params) +
                     " ORDER BY " + SortColumn(q.sort) + order + nulls + ", c.id" + order;
   params.emplace_back(q.limit + 1);
   sql += " LIMIT $" + std::to_string(params.size());
@@ -284,7 +311,7 @@ std::optional<std::vector<int64_t>> PageIdsByPeriodsInOrder(Connection& db, cons
     if (Few(db, where, params)) return std::nullopt;
     params.clear();
   }
-  where = CallWhere(rest, &params);
+  where = WhereFor(q, rest, &params);
   where += in_periods(&params);
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";

@@ -25,16 +25,16 @@ bool IsPostgres(const Connection& db) { return std::strcmp(db.engine(), "postgre
 // SQLite: a row at a time. The condition skips the update when the key is
 // already right (a call inserted with its price, a price written again).
 constexpr const char* kSqliteTriggers = R"(
-CREATE TRIGGER call_costs_order_insert AFTER INSERT ON call_costs BEGIN
+CREATE TRIGGER IF NOT EXISTS call_costs_order_insert AFTER INSERT ON call_costs BEGIN
   UPDATE calls SET cost_order = CAST(NEW.cost AS NUMERIC)
   WHERE id = NEW.call_id AND cost_order IS NOT CAST(NEW.cost AS NUMERIC);
 END;
-CREATE TRIGGER call_costs_order_update AFTER UPDATE ON call_costs BEGIN
+CREATE TRIGGER IF NOT EXISTS call_costs_order_update AFTER UPDATE ON call_costs BEGIN
   UPDATE calls SET cost_order = NULL WHERE id = OLD.call_id AND OLD.call_id <> NEW.call_id;
   UPDATE calls SET cost_order = CAST(NEW.cost AS NUMERIC)
   WHERE id = NEW.call_id AND cost_order IS NOT CAST(NEW.cost AS NUMERIC);
 END;
-CREATE TRIGGER call_costs_order_delete AFTER DELETE ON call_costs BEGIN
+CREATE TRIGGER IF NOT EXISTS call_costs_order_delete AFTER DELETE ON call_costs BEGIN
   UPDATE calls SET cost_order = NULL WHERE id = OLD.call_id AND cost_order IS NOT NULL;
 END
 )";
@@ -65,7 +65,7 @@ BEGIN
   RETURN NULL;
 END
 $body$;
-CREATE FUNCTION call_costs_keep_order() RETURNS trigger LANGUAGE plpgsql AS $body$
+CREATE OR REPLACE FUNCTION call_costs_keep_order() RETURNS trigger LANGUAGE plpgsql AS $body$
 BEGIN
   IF TG_OP <> 'INSERT' THEN
     UPDATE calls c SET cost_order = NULL FROM old_rows o JOIN call_keys ck ON ck.call_id = o.call_id
@@ -86,6 +86,9 @@ BEGIN
   RETURN NULL;
 END
 $body$;
+DROP TRIGGER IF EXISTS call_costs_order_insert ON call_costs;
+DROP TRIGGER IF EXISTS call_costs_order_update ON call_costs;
+DROP TRIGGER IF EXISTS call_costs_order_delete ON call_costs;
 CREATE TRIGGER call_costs_order_insert AFTER INSERT ON call_costs
   REFERENCING NEW TABLE AS new_rows FOR EACH STATEMENT EXECUTE FUNCTION call_costs_keep_order();
 CREATE TRIGGER call_costs_order_update AFTER UPDATE ON call_costs
@@ -95,28 +98,50 @@ CREATE TRIGGER call_costs_order_delete AFTER DELETE ON call_costs
   REFERENCING OLD TABLE AS old_rows FOR EACH STATEMENT EXECUTE FUNCTION call_costs_keep_order()
 )";
 
+bool Exists(Connection& db, const std::string& sql) {
+  bool found = false;
+  db.Run(sql, {}, [&](const ResultRow& r) { found = r.Int(0) > 0; });
+  return found;
+}
+
 // The calls' keys from the prices stored before the step. Setting them
 // changes no day's sums, so the days' marks are left as they were (the
 // calls' update triggers would otherwise mark every day stale).
 void FillCostOrder(Connection& db, bool pg) {
-  db.Script(
-      "CREATE TEMPORARY TABLE call_days_stale_kept AS SELECT * FROM call_days_stale;" +
-      std::string(pg ? "UPDATE calls c SET cost_order = CAST(k.cost AS NUMERIC) FROM call_costs k "
-                       "WHERE k.call_id = c.id AND k.cost IS NOT NULL;"
-                     : "UPDATE calls SET cost_order = (SELECT CAST(k.cost AS NUMERIC) FROM "
-                       "call_costs k WHERE k.call_id = calls.id) WHERE id IN (SELECT call_id "
-                       "FROM call_costs WHERE cost IS NOT NULL);") +
-      "DELETE FROM call_days_stale;"
-      "INSERT INTO call_days_stale SELECT * FROM call_days_stale_kept;"
-      "DROP TABLE call_days_stale_kept");
+  const bool marks =
+      Exists(db, pg ? "SELECT count(*) FROM pg_tables WHERE tablename = 'call_days_stale' AND "
+                      "schemaname = current_schema()"
+                    : "SELECT count(*) FROM sqlite_master WHERE name = 'call_days_stale'");
+  if (marks) {
+    db.Script("CREATE TEMPORARY TABLE call_days_stale_kept AS SELECT * FROM call_days_stale");
+  }
+  db.Script(pg ? "UPDATE calls c SET cost_order = CAST(k.cost AS NUMERIC) FROM call_costs k "
+                 "WHERE k.call_id = c.id AND k.cost IS NOT NULL"
+               : "UPDATE calls SET cost_order = (SELECT CAST(k.cost AS NUMERIC) FROM "
+                 "call_costs k WHERE k.call_id = calls.id) WHERE id IN (SELECT call_id "
+                 "FROM call_costs WHERE cost IS NOT NULL)");
+  if (marks) {
+    db.Script(
+        "DELETE FROM call_days_stale;"
+        "INSERT INTO call_days_stale SELECT * FROM call_days_stale_kept;"
+        "DROP TABLE call_days_stale_kept");
+  }
 }
 
 }  // namespace
 
+// The step can be taken again (a store whose version was set back): what
+// it finds made is left, and made again when missing.
 void AddSortKeys(Connection& db) {
   const bool pg = IsPostgres(db);
-  db.Script("ALTER TABLE calls ADD COLUMN cost_order NUMERIC");
-  FillCostOrder(db, pg);
+  const bool made = Exists(
+      db, pg ? "SELECT count(*) FROM information_schema.columns WHERE table_name = 'calls' AND "
+               "column_name = 'cost_order' AND table_schema = current_schema()"
+             : "SELECT count(*) FROM pragma_table_info('calls') WHERE name = 'cost_order'");
+  if (!made) {
+    db.Script("ALTER TABLE calls ADD COLUMN cost_order NUMERIC");
+    FillCostOrder(db, pg);
+  }
   db.Script(pg ? kPostgresTriggers : kSqliteTriggers);
   db.Script(SortIndexes(pg));
 }
