@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # The web page's answers on a large SQLite store, as the server times them:
 # a page of calls (newest first, one extension's month, a deep page, by
-# person, department and cost) and the dashboard. The store is made once
-# from bench/make_records.py's Hicom records, imported, priced by
-# examples/rating/hicom-plan.toml, and kept under /tmp/velqua-web-bench.
+# person, department and cost, in every order both ways) and the
+# dashboard. The store is made once from bench/make_records.py's Hicom
+# records, imported, priced by examples/rating/hicom-plan.toml, and kept
+# under /tmp/velqua-web-bench.
 #
 # Usage: bench/web_bench.sh [--calls N] [--runs K] [--velqua PATH] [--db STORE]
 #   N records (default 10,000,000); K timed runs of each request (default 5,
@@ -88,5 +89,16 @@ best "api/calls?limit=50&person=$person"
 best "api/calls?limit=50&department=$department"
 best "api/calls?limit=50&department=$department&from=2025-03-01&to=2025-03-31&sort=cost"
 best "api/calls?limit=50&min_cost=1.00"
+# Every other order, both ways: the calls without the key (no trunk, no
+# price) come first in ascending order.
+best "api/calls?limit=50&sort=duration&order=asc&offset=10000"
+best "api/calls?limit=50&sort=cost"
+best "api/calls?limit=50&sort=cost&order=asc"
+best "api/calls?limit=50&extension=$extension&sort=cost"
+best "api/calls?limit=50&sort=extension&order=asc"
+best "api/calls?limit=50&sort=trunk&order=asc"
+best "api/calls?limit=50&sort=trunk"
+best "api/calls?limit=50&sort=number"
+best "api/calls?limit=50&from=2025-03-01&to=2025-03-31&sort=duration&order=asc"
 day=$(q "SELECT substr(max(start), 1, 10) FROM calls")
 best "api/dashboard?day=$day"

@@ -138,8 +138,10 @@ TEST(CaptureCrash, ABacklogLoadedInBulkSurvivesAKill) {
                   "\"smdr.log\"\n");
   const std::vector<std::string> records = GenerateRecords(dir + "/smdr.log", 40000);
   const std::vector<std::string> indexes = {
-      "calls_account_code", "calls_callback", "calls_dialled",    "calls_extension_start",
-      "calls_missed_start", "calls_start",    "calls_trunk_held", "calls_trunk_start"};
+      "calls_account_code",    "calls_callback",     "calls_cost",
+      "calls_dialled",         "calls_duration",     "calls_extension",
+      "calls_extension_start", "calls_missed_start", "calls_start",
+      "calls_trunk",           "calls_trunk_held",   "calls_trunk_start"};
   auto service = StartService(config, dir);
   const std::chrono::seconds generous(60);
   ASSERT_TRUE(WaitFor(

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <optional>
 
 #include "sql_store.h"
 #include "velqua/store/browse.h"
@@ -30,11 +31,38 @@ const char* SortColumn(CallSort sort) {
     case CallSort::kTrunk:
       return "c.trunk";
     case CallSort::kCost:
-      return "CAST(k.cost AS NUMERIC)";
+      return "c.cost_order";  // the price as a number, kept beside the call
     case CallSort::kStart:
       break;
   }
   return "c.start";
+}
+
+// An amount in millionths as decimal text ("-1.250000").
+std::string Decimal(int64_t millionths) {
+  const uint64_t size =
+      millionths < 0 ? 0 - static_cast<uint64_t>(millionths) : static_cast<uint64_t>(millionths);
+  std::string fraction = std::to_string(size % 1000000);
+  fraction.insert(0, 6 - fraction.size(), '0');
+  return (millionths < 0 ? "-" : "") + std::to_string(size / 1000000) + "." + fraction;
+}
+
+// The filter and, in the cost's order, its cost bounds also on the key the
+// order's index holds, a millionth wider (the exact comparison stays in the
+// filter): a page of calls above an amount, cheapest first, then starts at
+// the amount in the index rather than walking every cheaper call.
+std::string WhereFor(const CallQuery& q, const CallFilter& filter, std::vector<Value>* params) {
+  std::string sql = CallWhere(filter, params);
+  if (q.sort != CallSort::kCost) return sql;
+  if (filter.min_cost) {
+    params->push_back(Decimal(*filter.min_cost - 1));
+    sql += " AND c.cost_order >= $" + std::to_string(params->size());
+  }
+  if (filter.max_cost) {
+    params->push_back(Decimal(*filter.max_cost + 1));
+    sql += " AND c.cost_order <= $" + std::to_string(params->size());
+  }
+  return sql;
 }
 
 // Beyond this many extension periods the search asks the directory per call
@@ -105,7 +133,7 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
   std::vector<Value> params;
   std::string parts;
   const auto add = [&](const Period& p, bool without_start) {
-    const std::string where = CallWhere(rest, &params);
+    const std::string where = WhereFor(q, rest, &params);
     parts +=
         std::string(parts.empty() ? "" : " UNION ALL ") + "SELECT * FROM (SELECT c.id AS id, " +
         sort + " AS sort_key FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id" + where +
@@ -150,32 +178,87 @@ std::vector<StoredCall> CallsOfIds(Connection& db, const std::vector<int64_t>& i
   return calls;
 }
 
-// The index SQLite should read a number prefix's calls through ("" = its
-// planner's choice). Few calls have the prefix: the index on the number,
-// then sort them, rather than walk every call in the page's order until a
-// page of them is found. Many have it: walk the calls newest first, rather
-// than sort them all. PostgreSQL's planner weighs this itself, from its
-// statistics.
-std::string NumberRoad(Connection& db, const CallQuery& q) {
-  constexpr int64_t kFew = 10000;
-  const CallFilter& f = q.filter;
-  if (f.number_prefix.empty() || std::strcmp(db.engine(), "sqlite") != 0) return "";
+constexpr int64_t kFew = 10000;
+
+// Whether the calls that `where` picks are kFew or fewer (counted no further).
+bool Few(Connection& db, const std::string& where, const std::vector<Value>& params) {
+  int64_t count = 0;
+  db.Run("SELECT count(*) FROM (SELECT 1 FROM calls c" + where + " LIMIT " +
+             std::to_string(kFew + 1) + ") AS n",
+         params, [&](const ResultRow& r) { count = r.Int(0); });
+  return count <= kFew;
+}
+
+// The index listing the calls in the page's order, by its name.
+const char* SortIndex(CallSort sort) {
+  switch (sort) {
+    case CallSort::kDuration:
+      return "calls_duration";
+    case CallSort::kExtension:
+      return "calls_extension";
+    case CallSort::kDialled:
+      return "calls_dialled";
+    case CallSort::kTrunk:
+      return "calls_trunk";
+    case CallSort::kCost:
+      return "calls_cost";
+    case CallSort::kStart:
+      break;
+  }
+  return "calls_start";
+}
+
+// Whether the search's indexes are there (a backlog being loaded in bulk
+// drops them until its end), on SQLite.
+bool IndexesReady(Connection& db, CallSort sort) {
+  if (std::strcmp(db.engine(), "sqlite") != 0) return false;
   int64_t indexes = 0;
   db.Run(
       "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name IN "
-      "('calls_dialled', 'calls_start')",
-      {}, [&](const ResultRow& r) { indexes = r.Int(0); });
-  if (indexes != 2) return "";  // a backlog being loaded in bulk
-  CallFilter prefix;
-  prefix.number_prefix = f.number_prefix;
+      "('calls_dialled', 'calls_start', $1)",
+      {std::string(SortIndex(sort))}, [&](const ResultRow& r) { indexes = r.Int(0); });
+  return indexes == (sort == CallSort::kStart || sort == CallSort::kDialled ? 2 : 3);
+}
+
+// The filter as the calls' own columns narrow it: the directory and the
+// price are left to the query that reads the page.
+CallFilter CallColumnsOf(const CallFilter& f) {
+  CallFilter columns = f;
+  columns.person.clear();
+  columns.department.clear();
+  columns.min_cost.reset();
+  columns.max_cost.reset();
+  columns.unpriced = false;
+  return columns;
+}
+
+// The index SQLite should read the page through ("" = its planner's
+// choice; it keeps no statistics of how many calls a filter picks).
+// A number prefix few calls have: the index on the number, then sort them.
+// Otherwise, in an order other than the start's: few calls picked by the
+// filters are found through their own index and sorted; many are walked in
+// the page's order through the order's index until the page is full (with
+// more than kFew picked, a page of 50 is a few thousand entries away even
+// in ten million calls). In the start's order, a prefix many calls have is
+// found walking the calls newest first. PostgreSQL's planner weighs all
+// this itself, from its statistics.
+std::string Road(Connection& db, const CallQuery& q) {
+  const CallFilter& f = q.filter;
+  if (!IndexesReady(db, q.sort)) return "";
+  if (!f.number_prefix.empty()) {
+    CallFilter prefix;
+    prefix.number_prefix = f.number_prefix;
+    std::vector<Value> params;
+    const std::string where = CallWhere(prefix, &params);
+    if (Few(db, where, params)) return " INDEXED BY calls_dialled";
+  }
+  if (q.sort == CallSort::kStart) {
+    const bool narrower = !f.extension.empty() || !f.trunk.empty() || !f.account_code.empty();
+    return !f.number_prefix.empty() && !narrower ? " INDEXED BY calls_start" : "";
+  }
   std::vector<Value> params;
-  int64_t count = 0;
-  db.Run("SELECT count(*) FROM (SELECT 1 FROM calls c" + CallWhere(prefix, &params) + " LIMIT " +
-             std::to_string(kFew + 1) + ") AS n",
-         params, [&](const ResultRow& r) { count = r.Int(0); });
-  if (count <= kFew) return " INDEXED BY calls_dialled";
-  const bool narrower = !f.extension.empty() || !f.trunk.empty() || !f.account_code.empty();
-  return q.sort == CallSort::kStart && !narrower ? " INDEXED BY calls_start" : "";
+  const std::string where = CallWhere(CallColumnsOf(f), &params);
+  return Few(db, where, params) ? "" : std::string(" INDEXED BY ") + SortIndex(q.sort);
 }
 
 // The ids of the page's calls in one query, each call's directory entry
@@ -186,9 +269,56 @@ std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
   std::vector<Value> params;
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = "SELECT c.id FROM calls c" + NumberRoad(db, q) +
-                    " LEFT JOIN call_costs k ON k.call_id = c.id" + CallWhere(q.filter, &params) +
+  std::string sql = "SELECT c.id FROM calls c" + Road(db, q) +
+                    " LEFT JOIN call_costs k ON k.call_id = c.id" + WhereFor(q, q.filter, &params) +
                     " ORDER BY " + SortColumn(q.sort) + order + nulls + ", c.id" + order;
+  params.emplace_back(q.limit + 1);
+  sql += " LIMIT $" + std::to_string(params.size());
+  params.emplace_back(q.offset);
+  sql += " OFFSET $" + std::to_string(params.size());
+  std::vector<int64_t> ids;
+  db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
+  return ids;
+}
+
+// The page of a directory search as one walk through the order's index,
+// each entry checked against the extensions' periods, rather than each
+// period's calls read apart and merged. On SQLite, in an order other than
+// the start's and when the periods hold many calls (empty otherwise). On
+// PostgreSQL always: its planner weighs the roads itself, and one query
+// over the months' tables is planned once rather than once a period.
+std::optional<std::vector<int64_t>> PageIdsByPeriodsInOrder(Connection& db, const CallQuery& q,
+                                                            const std::vector<Period>& periods) {
+  const bool postgres = std::strcmp(db.engine(), "postgresql") == 0;
+  if (!postgres && (q.sort == CallSort::kStart || !IndexesReady(db, q.sort))) return std::nullopt;
+  CallFilter rest = q.filter;
+  rest.person.clear();
+  rest.department.clear();
+  const auto in_periods = [&](std::vector<Value>* params) {
+    std::string any;
+    for (const Period& p : periods) {
+      any += (any.empty() ? "(" : " OR (") + PeriodCondition(p, false, params) + ")";
+      if (p.from.empty() && !p.to_next.empty()) {
+        any += " OR (" + PeriodCondition(p, true, params) + ")";
+      }
+    }
+    return " AND (" + any + ")";
+  };
+  std::vector<Value> params;
+  std::string where;
+  if (!postgres) {
+    where = CallWhere(CallColumnsOf(rest), &params) + in_periods(&params);
+    if (Few(db, where, params)) return std::nullopt;
+    params.clear();
+  }
+  where = WhereFor(q, rest, &params);
+  where += in_periods(&params);
+  const std::string order = q.descending ? " DESC" : " ASC";
+  const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
+  std::string sql = std::string("SELECT c.id FROM calls c") +
+                    (postgres ? "" : std::string(" INDEXED BY ") + SortIndex(q.sort)) +
+                    " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " ORDER BY " +
+                    SortColumn(q.sort) + order + nulls + ", c.id" + order;
   params.emplace_back(q.limit + 1);
   sql += " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
@@ -210,7 +340,8 @@ CallPage SearchCalls(Store& store, const CallQuery& q) {
     if (periods.size() > kMostPeriods) {
       page.calls = CallsOfIds(db, PageIdsByScan(db, q));
     } else if (!periods.empty()) {
-      page.calls = CallsOfIds(db, PageIdsByPeriods(db, q, periods));
+      std::optional<std::vector<int64_t>> ids = PageIdsByPeriodsInOrder(db, q, periods);
+      page.calls = CallsOfIds(db, ids ? *ids : PageIdsByPeriods(db, q, periods));
     }
   }
   if (static_cast<int64_t>(page.calls.size()) > q.limit) {

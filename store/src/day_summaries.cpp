@@ -272,7 +272,7 @@ void AddDaySummaries(Connection& db) {
   db.Script(WithTypes(pg, kTables));
   db.Script(pg ? std::string(kPostgresTriggers) : SqliteTriggers());
   SumAll(db);
-  db.Script(QueryIndexes(pg));  // those of the reports that still read calls
+  db.Script(BaseQueryIndexes(pg));  // those of the reports that still read calls
 }
 
 void RefreshDaySummaries(Connection& db) {

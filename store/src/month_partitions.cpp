@@ -184,7 +184,7 @@ void PartitionCallsByMonth(Connection& db) {
   for (const auto& [name, query] : views) {
     db.Script("CREATE VIEW \"" + name + "\" AS " + query);
   }
-  db.Script("CREATE INDEX calls_id ON calls (id);" + QueryIndexes(true));
+  db.Script("CREATE INDEX calls_id ON calls (id);" + BaseQueryIndexes(true));
 }
 
 }  // namespace velqua_store

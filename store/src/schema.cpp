@@ -201,10 +201,13 @@ LEFT JOIN call_attributes a ON a.value = c.attribute
 // column its report reads so that a month is read from the index alone:
 // the missed calls (a few in a hundred), the outgoing calls by number (a
 // missed call's call back), and the time each call holds a trunk line.
-constexpr const char* kQueryIndexNames[] = {
-    "calls_start",      "calls_extension_start", "calls_trunk_start",
-    "calls_dialled",    "calls_account_code",    "calls_missed_start",
-    "calls_trunk_held", "calls_callback",        nullptr};
+constexpr const char* kQueryIndexNames[] = {"calls_start",        "calls_extension_start",
+                                            "calls_trunk_start",  "calls_dialled",
+                                            "calls_account_code", "calls_missed_start",
+                                            "calls_trunk_held",   "calls_callback",
+                                            "calls_duration",     "calls_cost",
+                                            "calls_extension",    "calls_trunk",
+                                            "calls_dialled_id",   nullptr};
 constexpr const char* kQueryIndexes = R"(
 CREATE INDEX IF NOT EXISTS calls_start ON calls (start{first});
 CREATE INDEX IF NOT EXISTS calls_extension_start ON calls (extension, start{first});
@@ -218,6 +221,20 @@ CREATE INDEX IF NOT EXISTS calls_trunk_held ON calls (start{first}, ring, durati
   WHERE trunk IS NOT NULL;
 CREATE INDEX IF NOT EXISTS calls_callback ON calls (dialled, start{first}, switch_id, type)
   WHERE type IN (2, 5)
+)";
+
+// The indexes of the search's orders (version 10): each lists the calls in
+// a page's order, the key and then the call's id, those without the key
+// first, so that a page in either direction is the index read forwards or
+// backwards. SQLite keeps the row id in every index entry: the key alone
+// gives that order, and the start beside it lets a period's filter be
+// checked in the index. PostgreSQL is given the id, and a period is one
+// month's table or a few.
+constexpr const char* kSortIndexes = R"(
+CREATE INDEX IF NOT EXISTS calls_duration ON calls (duration{first}{id}{start});
+CREATE INDEX IF NOT EXISTS calls_cost ON calls (cost_order{first}{id}{start});
+CREATE INDEX IF NOT EXISTS calls_extension ON calls (extension{first}{id});
+CREATE INDEX IF NOT EXISTS calls_trunk ON calls (trunk{first}{id}){dialled}
 )";
 
 std::string Replace(std::string sql, std::string_view key, std::string_view value) {
@@ -254,7 +271,7 @@ void FillLookups(Connection& db) {
 void Apply(Connection& db, int version) {
   if (version == 1) {
     db.Script(ForEngine(IsPostgres(db), kVersion1));
-    db.Script(ForEngine(IsPostgres(db), kQueryIndexes));
+    db.Script(BaseQueryIndexes(IsPostgres(db)));
     FillLookups(db);
   } else if (version == 2) {
     // In SQLite the costs are their key's B-tree alone, not a table and an
@@ -277,6 +294,10 @@ void Apply(Connection& db, int version) {
   } else if (version == 9) {
     // Version 9: on PostgreSQL, calls kept in a table a month.
     PartitionCallsByMonth(db);
+  } else if (version == 10) {
+    // Version 10: the indexes of the search's orders, and the price's key
+    // beside each call.
+    AddSortKeys(db);
   }
 }
 
@@ -293,7 +314,21 @@ int StoredVersion(Connection& db, bool pg) {
 
 }  // namespace
 
-std::string QueryIndexes(bool postgres) { return ForEngine(postgres, kQueryIndexes); }
+std::string BaseQueryIndexes(bool postgres) { return ForEngine(postgres, kQueryIndexes); }
+
+std::string SortIndexes(bool postgres) {
+  std::string sql = Replace(ForEngine(postgres, kSortIndexes), "{id}", postgres ? ", id" : "");
+  sql = Replace(sql, "{start}", postgres ? "" : ", id, start");
+  // SQLite's index on the number is in its order already.
+  return Replace(sql, "{dialled}",
+                 postgres ? ";\nCREATE INDEX IF NOT EXISTS calls_dialled_id ON calls (dialled "
+                            "NULLS FIRST, id)"
+                          : "");
+}
+
+std::string QueryIndexes(bool postgres) {
+  return BaseQueryIndexes(postgres) + ";\n" + SortIndexes(postgres);
+}
 
 const char* const* QueryIndexNames() { return kQueryIndexNames; }
 

@@ -10,7 +10,7 @@ namespace velqua_store {
 class Connection;
 
 // The schema version this program writes and reads.
-constexpr int kSchemaVersion = 9;
+constexpr int kSchemaVersion = 10;
 
 // Brings the schema of an open database up to kSchemaVersion (or to
 // `version`, below it: a store as an older program left it) in one
@@ -31,5 +31,15 @@ void KeyPricesByCall(Connection& db);
 // with nullptr).
 std::string QueryIndexes(bool postgres = false);
 const char* const* QueryIndexNames();
+
+// The indexes as steps before version 10 made them, and those version 10
+// adds for the search's orders.
+std::string BaseQueryIndexes(bool postgres);
+std::string SortIndexes(bool postgres);
+
+// The step to version 10: calls.cost_order, the price's sort key, kept by
+// triggers on call_costs, and the indexes of the search's orders
+// (sort_keys.cpp).
+void AddSortKeys(Connection& db);
 
 }  // namespace velqua_store

@@ -134,8 +134,9 @@ class SqliteConnection : public Connection {
         "INSERT INTO calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
         "start, start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
         "receiving_trunk, account_code, extension_random, ended, ended_utc, date_received, "
-        "switch_charge, extras, line) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+        "switch_charge, extras, line, cost_order) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
+        "CAST(? AS NUMERIC))");
     for (const CallValues* v = rows; v != rows + n; ++v) {
       BindCommon(stmt, *v);
       sqlite3_bind_int(stmt, 6, v->type);
@@ -152,6 +153,12 @@ class SqliteConnection : public Connection {
       BindText(stmt, 22, v->switch_charge);
       BindText(stmt, 23, v->extras);
       BindCount(stmt, 24, v->line);
+      // The price's sort key is written with the call (the triggers on
+      // call_costs then leave the row as it is).
+      static const std::string kUnpriced;
+      const CostRow* priced = costs != nullptr ? &costs[v - rows] : nullptr;
+      BindText(stmt, 25,
+               priced != nullptr && priced->kept && priced->cost ? *priced->cost : kUnpriced);
       Step(stmt, nullptr);
       if (costs == nullptr) continue;
       // The call's id is its row id: its price is appended right after it.

@@ -125,15 +125,32 @@ constexpr const char* kPricesAsVersion6 =
     "DROP TABLE call_costs; DROP TABLE cost_labels; "
     "ALTER TABLE call_costs_6 RENAME TO call_costs;";
 
-// What takes the day summaries away, for a store of an older version.
+// What takes the search's sort keys away (the price's key beside each
+// call, its triggers and the orders' indexes), for a store of version 9.
+inline std::string WithoutSortKeys(Engine engine) {
+  if (engine == Engine::kPostgres) {
+    return "DROP FUNCTION call_costs_keep_order() CASCADE; DROP INDEX calls_duration, "
+           "calls_cost, calls_extension, calls_trunk, calls_dialled_id; "
+           "ALTER TABLE calls DROP COLUMN cost_order; ";
+  }
+  return "DROP TRIGGER call_costs_order_insert; DROP TRIGGER call_costs_order_update; "
+         "DROP TRIGGER call_costs_order_delete; DROP INDEX calls_duration; DROP INDEX calls_cost; "
+         "DROP INDEX calls_extension; DROP INDEX calls_trunk; "
+         "ALTER TABLE calls DROP COLUMN cost_order; ";
+}
+
+// What takes the day summaries away (and what later versions added), for a
+// store of an older version.
 inline std::string WithoutDaySummaries(Engine engine) {
   if (engine == Engine::kPostgres) {
-    return "DROP TABLE call_days; DROP TABLE call_days_stale; "
+    return WithoutSortKeys(engine) +
+           "DROP TABLE call_days; DROP TABLE call_days_stale; "
            "DROP FUNCTION calls_mark_days() CASCADE; DROP FUNCTION call_costs_mark_days() "
            "CASCADE; ";
   }
-  std::string sql =
-      "DROP TABLE call_days; DROP TABLE call_days_stale; DROP TRIGGER calls_mark_update_old; ";
+  std::string sql = WithoutSortKeys(engine) +
+                    "DROP TABLE call_days; DROP TABLE call_days_stale; DROP TRIGGER "
+                    "calls_mark_update_old; ";
   for (const char* table : {"calls", "call_costs"}) {
     for (const char* event : {"insert", "update", "delete"}) {
       sql += std::string("DROP TRIGGER ") + table + "_mark_" + event + "; ";

@@ -21,6 +21,7 @@ add_executable(velqua_store_tests
   ${CMAKE_CURRENT_LIST_DIR}/record_extras_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/report_reads_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/retranslate_pricing_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/sort_keys_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/store_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/stream_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/values_test.cpp)

@@ -8,6 +8,7 @@ find_package(OpenSSL REQUIRED)  # the TLS test makes its certificate
 add_executable(velqua_web_tests
   ${CMAKE_CURRENT_LIST_DIR}/api_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/calls_search_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/calls_sort_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/config_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/editor_api_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/live_feed_test.cpp

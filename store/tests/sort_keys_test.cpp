@@ -1,0 +1,162 @@
+// The price's sort key kept beside each call (calls.cost_order): the step
+// from version 9 fills it from the prices stored before, keeping every row,
+// id and price and the days' marks as they were; afterwards it follows
+// every way a price is written, changed or removed. On both engines.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "engines.h"
+#include "schema.h"
+#include "store_test_support.h"
+
+namespace velqua_store {
+namespace {
+
+using velqua_store_testing::Call;
+using velqua_store_testing::Engine;
+
+class SortKeysTest : public ::testing::TestWithParam<Engine> {
+ protected:
+  SortKeysTest() : url_(velqua_store_testing::NewStoreUrl(GetParam())) { Connect(); }
+  ~SortKeysTest() override {
+    db_.reset();
+    if (GetParam() == Engine::kSqlite) {
+      std::filesystem::remove_all(std::filesystem::path(url_).parent_path());
+    }
+  }
+
+  void Connect() {
+    db_ = GetParam() == Engine::kSqlite ? ConnectSqlite(url_, url_) : ConnectPostgres(url_, url_);
+  }
+
+  // The first column of each row, joined by ';'.
+  std::string Rows(const std::string& sql) {
+    std::string text;
+    db_->Run(sql, {}, [&](const ResultRow& r) {
+      text += (text.empty() ? "" : ";") + (r.IsNull(0) ? std::string("NULL") : r.Text(0));
+    });
+    return text;
+  }
+
+  // The calls whose key is not their price as a number (or NULL without one).
+  std::string OutOfStep() {
+    const char* distinct = GetParam() == Engine::kSqlite ? "IS NOT" : "IS DISTINCT FROM";
+    return Rows(std::string("SELECT count(*) FROM calls c LEFT JOIN call_costs k ON k.call_id = "
+                            "c.id WHERE c.cost_order ") +
+                distinct + " CAST(k.cost AS NUMERIC)");
+  }
+
+  std::string url_;
+  std::unique_ptr<Connection> db_;
+};
+
+TEST_P(SortKeysTest, TheStepFromVersionNineKeepsEveryRowAndFillsTheKeys) {
+  Migrate(*db_, url_, 9);
+  // Five calls: two of equal price, one priced "10" (a number above "9.5"
+  // that sorts below it as text), one whose price could not be found, one
+  // never priced; and the days summed but one, marked stale before the step.
+  db_->Script(
+      "INSERT INTO switches (name, updated_utc) VALUES ('hq', '2026-03-10T00:00:00Z');"
+      "INSERT INTO sources (switch_id, name, kind) SELECT id, 'calls.txt', 'file' "
+      "FROM switches;"
+      "INSERT INTO calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
+      "start, duration, extension) VALUES "
+      "(1, 1, 1, 'r', 'raw 1', 2, 0, '2026-01-15T09:05:00', 60, '21'),"
+      "(1, 1, 2, 'r', 'raw 2', 2, 0, '2026-01-15T10:00:00', 61, '22'),"
+      "(1, 1, 3, 'r', 'raw 3', 2, 0, '2026-02-01T08:00:00', 62, '21'),"
+      "(1, 1, 4, 'r', 'raw 4', 2, 0, NULL, 63, '23'),"
+      "(1, 1, 5, 'r', 'raw 5', 2, 0, '2026-02-02T08:00:00', 64, '24');"
+      "INSERT INTO call_costs (call_id, cost, reason) SELECT id, CASE position WHEN 1 THEN '9.5' "
+      "WHEN 2 THEN '10' WHEN 3 THEN '9.50' END, CASE position WHEN 4 THEN 'no tariff' ELSE '' "
+      "END FROM calls WHERE position <> 5;"
+      "DELETE FROM call_days_stale; INSERT INTO call_days_stale (switch_id, day) VALUES (1, "
+      "'2025-12-31')");
+  const std::string kCalls =
+      "SELECT CAST(id AS TEXT) || '|' || CAST(position AS TEXT) || '|' || coalesce(start, '-') "
+      "|| '|' || raw || '|' || CAST(duration AS TEXT) || '|' || extension FROM calls ORDER BY id";
+  const std::string kCosts =
+      "SELECT CAST(call_id AS TEXT) || '=' || coalesce(cost, '-') || '/' || reason "
+      "FROM call_costs ORDER BY call_id";
+  const std::string kMarks =
+      "SELECT CAST(switch_id AS TEXT) || ' ' || day FROM call_days_stale ORDER BY day";
+  const std::string calls = Rows(kCalls), costs = Rows(kCosts), marks = Rows(kMarks);
+  ASSERT_EQ(std::count(calls.begin(), calls.end(), ';'), 4);
+  db_.reset();
+
+  std::unique_ptr<Store> store = OpenStore(url_);  // the step, as a user meets it
+  Connect();
+  EXPECT_EQ(Rows(GetParam() == Engine::kSqlite ? "PRAGMA user_version"
+                                               : "SELECT max(version) FROM schema_migrations"),
+            std::to_string(kSchemaVersion));
+  EXPECT_EQ(Rows(kCalls), calls);
+  EXPECT_EQ(Rows(kCosts), costs);
+  EXPECT_EQ(Rows(kMarks), marks);
+  EXPECT_EQ(OutOfStep(), "0");
+  // The calls in the key's order, unpriced first, ties by id: as numbers.
+  EXPECT_EQ(Rows("SELECT position FROM calls ORDER BY cost_order NULLS FIRST, id"), "4;5;1;3;2");
+}
+
+// Every road a price takes into the store, and out of it, moves the key.
+TEST_P(SortKeysTest, TheKeyFollowsEveryWriteOfAPrice) {
+  Migrate(*db_, url_);
+  std::unique_ptr<Store> store = OpenStore(url_);
+  store->PutSwitch({"hicom", "", "", ""});
+  const Source source = store->OpenSource("hicom", "calls.txt", "capture");
+  store->Write(source, {Call(1, "21", "2026-03-09 09:00:00", "01", "0301111")}, std::nullopt);
+  store->PutRatingPlan(VELQUA_SOURCE_DIR "/examples/rating/hicom-plan.toml");
+  struct Step {
+    const char* what;
+    std::function<void()> write;
+    int keyed;  // calls with a key
+  };
+  const Step steps[] = {
+      {"a call stored before any plan has no key", [] {}, 0},
+      {"calls priced as they are stored (one to a number no tariff has)",
+       [&] {
+         store->Write(source,
+                      {Call(2, "22", "2026-03-09 09:10:00", "01", "0301111"),
+                       Call(3, "23", "2026-03-09 09:20:00", "01", "00999123"),
+                       Call(4, "24", "2026-03-09 09:30:00", "01", "0049891111")},
+                      std::nullopt);
+       },
+       2},
+      {"pricing the stored calls again", [&] { store->Rate({}); }, 3},
+      {"a price changed", [&] { db_->Run("UPDATE call_costs SET cost = '0.001'"); }, 4},
+      {"a price taken away",
+       [&] {
+         db_->Run(
+             "DELETE FROM call_costs WHERE call_id = (SELECT id FROM calls WHERE position "
+             "= 2)");
+       },
+       3},
+      {"a price set to none", [&] { db_->Run("UPDATE call_costs SET cost = NULL"); }, 0},
+  };
+  for (const Step& step : steps) {
+    SCOPED_TRACE(step.what);
+    step.write();
+    EXPECT_EQ(OutOfStep(), "0");
+    EXPECT_EQ(Rows("SELECT count(cost_order) FROM calls"), std::to_string(step.keyed));
+  }
+  // A call without a start (kept apart from the months' tables on
+  // PostgreSQL) takes its key as well.
+  Record undated = Call(5, "25", "2026-03-09 10:00:00", "01", "0301111");
+  undated.row.printed = 0;
+  store->Write(source, {undated}, std::nullopt);
+  db_->Run(
+      "INSERT INTO call_costs (call_id, cost) SELECT id, '0.5' FROM calls WHERE start IS NULL "
+      "ON CONFLICT (call_id) DO UPDATE SET cost = excluded.cost");
+  EXPECT_EQ(OutOfStep(), "0");
+  EXPECT_EQ(Rows("SELECT CAST(cost_order AS TEXT) FROM calls WHERE start IS NULL"), "0.5");
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, SortKeysTest,
+                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+                         velqua_store_testing::EngineName);
+
+}  // namespace
+}  // namespace velqua_store
