@@ -265,7 +265,8 @@ void SqlStore::ListCalls(const CallFilter& filter,
     params.emplace_back(filter.limit);
     sql += " LIMIT $" + std::to_string(params.size());
   }
-  db_->Run(sql, params, [&](const ResultRow& r) { each(ReadCall(r)); });
+  // Handed over as read (a listing may be every call of the store).
+  db_->Stream(sql, params, [&](const ResultRow& r) { each(ReadCall(r)); });
 }
 
 void SqlStore::ListUnrecognised(const std::string& switch_name, int64_t limit,

@@ -285,8 +285,9 @@ class Store {
 
   // The calls the filter lets through, by start (those without a start
   // date first), then switch, source and position; `each` is called for
-  // every one in order. Throws velqua_records::Failure for a malformed
-  // date in the filter.
+  // every one in order, as it is read (none held: memory stays the same
+  // however many), so `each` must not use the store itself. Throws
+  // velqua_records::Failure for a malformed date in the filter.
   virtual void ListCalls(const CallFilter& filter,
                          const std::function<void(const StoredCall&)>& each) = 0;
 
