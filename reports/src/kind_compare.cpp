@@ -203,7 +203,7 @@ Table Aligned(const Table& t, const std::vector<Column>& columns) {
     return out;
   };
   Table a{t.name, columns, {}, {}};
-  for (const auto& row : t.rows) a.rows.push_back(row_of(row));
+  ForEachRow(t, [&](const Row& row) { a.rows.push_back(row_of(row)); });
   if (t.total) a.total = row_of(*t.total);
   return a;
 }

@@ -2,6 +2,7 @@
 // call of one extension (the page an employee or a hotel guest is handed).
 #include <algorithm>
 #include <map>
+#include <memory>
 
 #include "costs.h"
 #include "directory_view.h"
@@ -76,23 +77,44 @@ void BuildItemised(velqua_store::Store& store, const Request& request, Report& r
   filter.to = request.to;
   filter.switch_name = request.switch_name;
   filter.extension = request.itemised;
-  std::vector<velqua_store::StoredCall> calls;
+  // A year of a busy extension is many calls: each goes to disk as it is
+  // read (start, type, number, destination, trunk, ring, duration, cost,
+  // currency), and is made a row of the bill once the columns are known
+  // (the destinations and currencies seen).
+  const auto text = [](const std::optional<std::string>& s) { return Cell::Text(s.value_or("")); };
+  const auto number = [](const std::optional<int64_t>& n) {
+    return n ? Cell::Number(*n) : Cell::Empty();
+  };
+  RowFile read;
+  Row call(9);
   Amounts sum;
-  int64_t seconds = 0;
+  int64_t seconds = 0, unpriced = 0;
+  bool destinations = false;  // the destination once calls are priced; before, always empty
   store.ListCalls(filter, [&](const velqua_store::StoredCall& c) {
     seconds += c.duration.value_or(0);
-    if (c.cost && c.currency) {
+    const bool priced = c.cost && c.currency;
+    if (priced) {
       const size_t point = c.cost->find('.');
       const int32_t decimals =
           point == std::string::npos ? 0 : static_cast<int32_t>(c.cost->size() - point - 1);
       AddMoney(sum, {*c.currency, decimals, UnitsOf(*c.cost, decimals)});
     }
-    calls.push_back(c);
+    if (c.cost_reason && !c.cost) ++unpriced;
+    destinations = destinations || c.destination.has_value();
+    std::string type = velqua_records::CallTypeWord(c.type);
+    if (c.attribute == 4) type += ", unanswered";
+    call = {text(c.start),
+            Cell::Text(type),
+            text(c.dialled),
+            text(c.destination),
+            text(c.trunk),
+            number(c.ring),
+            number(c.duration),
+            priced ? Cell::Text(*c.cost) : Cell::Empty(),
+            priced ? Cell::Text(*c.currency) : Cell::Empty()};
+    read.Append(call);
   });
   const Currencies currencies = CurrenciesOf({&sum});
-  // The destination once calls are priced; before, it is always empty.
-  const bool destinations =
-      std::any_of(calls.begin(), calls.end(), [](const auto& c) { return c.destination; });
   std::vector<Column> columns{{"start", ColumnType::kDateTime, ""},
                               TextColumn("type"),
                               TextColumn("number"),
@@ -102,32 +124,23 @@ void BuildItemised(velqua_store::Store& store, const Request& request, Report& r
                               DurationColumn("duration")};
   if (!destinations) columns.erase(columns.begin() + 3);
   for (Column& c : CostColumns(currencies)) columns.push_back(std::move(c));
-  Table t{"Calls", std::move(columns), {}, {}};
-  const auto text = [](const std::optional<std::string>& s) { return Cell::Text(s.value_or("")); };
-  const auto number = [](const std::optional<int64_t>& n) {
-    return n ? Cell::Number(*n) : Cell::Empty();
-  };
-  int64_t unpriced = 0;
-  for (const velqua_store::StoredCall& c : calls) {
-    std::string type = velqua_records::CallTypeWord(c.type);
-    if (c.attribute == 4) type += ", unanswered";
-    std::vector<Cell> row{text(c.start), Cell::Text(type), text(c.dialled),   text(c.destination),
-                          text(c.trunk), number(c.ring),   number(c.duration)};
+  Table t{"Calls", std::move(columns), {}, {}, std::make_shared<RowFile>()};
+  Row row;
+  read.ForEach([&](const Row& c) {
+    row.assign(c.begin(), c.begin() + 7);
     if (!destinations) row.erase(row.begin() + 3);
     for (const auto& [currency, decimals] : currencies) {
-      const bool priced = c.cost && c.currency && *c.currency == currency;
+      const bool priced = !c[8].empty && c[8].text == currency;
       row.push_back(
-          priced ? Cell::Text(velqua_rating::FormatUnits(UnitsOf(*c.cost, decimals), decimals))
+          priced ? Cell::Text(velqua_rating::FormatUnits(UnitsOf(c[7].text, decimals), decimals))
                  : Cell::Empty());
     }
-    if (c.cost_reason && !c.cost) ++unpriced;
-    t.rows.push_back(std::move(row));
-  }
-  std::vector<Cell> total{
-      Cell::Text("total"),  Cell::Text(std::to_string(t.rows.size()) + " calls"),
-      Cell::Text(""),       Cell::Text(""),
-      Cell::Text(""),       Cell::Empty(),
-      Cell::Number(seconds)};
+    t.more->Append(row);
+  });
+  std::vector<Cell> total{Cell::Text("total"),  Cell::Text(std::to_string(read.size()) + " calls"),
+                          Cell::Text(""),       Cell::Text(""),
+                          Cell::Text(""),       Cell::Empty(),
+                          Cell::Number(seconds)};
   if (!destinations) total.erase(total.begin() + 3);
   for (Cell& cell : CostCells(currencies, sum)) total.push_back(std::move(cell));
   t.total = std::move(total);

@@ -2,6 +2,7 @@
 // time, and those never called back.
 #include <cstdio>
 #include <map>
+#include <memory>
 
 #include "kinds_internal.h"
 #include "period.h"
@@ -61,14 +62,30 @@ void BuildMissed(velqua_store::Store& store, const Request& request, Report& rep
   const int64_t window = request.callback_seconds;
   report.notes.push_back("Called back: an outgoing call to the same number within " +
                          WindowText(window) + " of the missed call");
-  const std::vector<velqua_store::MissedCall> never_called =
-      velqua_store::MissedNotCalledBack(store, span, window);
+  // The list of calls never called back grows with the period: it goes
+  // to disk as it is read, counted by extension and hour on the way.
+  Table never{"Missed calls never called back",
+              {{"start", ColumnType::kDateTime, ""},
+               TextColumn("extension"),
+               TextColumn("number"),
+               DurationColumn("ring")},
+              {},
+              {},
+              std::make_shared<RowFile>(),
+              true};  // a list to search: a PDF shows its first rows
   NotCalledBack by_extension_never, by_hour_never;
-  for (const velqua_store::MissedCall& m : never_called) {
-    ++by_extension_never[m.extension];
-    ++by_hour_never[m.start.substr(11, 2)];
-  }
-  const auto total_never = static_cast<int64_t>(never_called.size());
+  Row row(4);
+  velqua_store::ForEachMissedNotCalledBack(
+      store, span, window, [&](const velqua_store::MissedCall& m) {
+        ++by_extension_never[m.extension];
+        ++by_hour_never[m.start.substr(11, 2)];
+        row[0] = Cell::Text(m.start);
+        row[1] = Cell::Text(m.extension);
+        row[2] = Cell::Text(m.number);
+        row[3] = m.ring < 0 ? Cell::Empty() : Cell::Number(m.ring);
+        never.more->Append(row);
+      });
+  const int64_t total_never = never.more->size();
 
   const auto by_extension = velqua_store::CountMissedBy(store, span, CallGroup::kExtension);
   Table extensions{"Missed calls by extension", MissedColumns("extension"), {}, {}};
@@ -100,17 +117,6 @@ void BuildMissed(velqua_store::Store& store, const Request& request, Report& rep
   per_hour.total = MissedTotal(by_hour, total_never);
   report.tables.push_back(std::move(per_hour));
 
-  Table never{"Missed calls never called back",
-              {{"start", ColumnType::kDateTime, ""},
-               TextColumn("extension"),
-               TextColumn("number"),
-               DurationColumn("ring")},
-              {},
-              {}};
-  for (const velqua_store::MissedCall& m : never_called) {
-    never.rows.push_back({Cell::Text(m.start), Cell::Text(m.extension), Cell::Text(m.number),
-                          m.ring < 0 ? Cell::Empty() : Cell::Number(m.ring)});
-  }
   report.tables.push_back(std::move(never));
   report.charts.push_back(std::move(chart));
 }

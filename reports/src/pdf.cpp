@@ -2,7 +2,8 @@
 // title, the period, the switches and the notes, then the charts; tables
 // follow, breaking across pages with their name and headings repeated.
 // Every page has a footer with the report's title and "page n of N": the
-// pages are laid out twice, once to count them and once to draw them.
+// pages are laid out twice, once to count them and once to draw them. A
+// list kept on disk shows its first rows and says how many more there are.
 #include <cairo-pdf.h>
 
 #include <algorithm>
@@ -17,6 +18,10 @@ namespace {
 constexpr double kWidth = 595.28, kHeight = 841.89;  // A4 in points
 constexpr double kMargin = 42, kFooter = 28;
 constexpr double kBodyFont = 8.5, kChartHeight = 250;
+// The rows of a long list cut in print (one kept on disk, as long as its
+// period) a PDF shows: some 40 pages, what a reader reads; the other forms
+// list them all.
+constexpr int64_t kListed = 2000;
 
 bool IsNumeric(ColumnType type) {
   return type == ColumnType::kInteger || type == ColumnType::kDuration ||
@@ -85,7 +90,7 @@ class Pages {
       }
     };
     for (size_t i = 0; i < w.size(); ++i) w[i] = TextWidth(cr_, t.columns[i].heading);
-    for (const auto& row : t.rows) measure(row);
+    ForEachShown(t, measure);
     if (t.total) measure(*t.total);
     double sum = 0;
     for (double& x : w) sum += (x += 12);
@@ -102,13 +107,25 @@ class Pages {
     const double row = font * 1.55;
     Need(row * 4 + 20);
     Heading(t, w, font, false);
-    for (size_t r = 0; r < t.rows.size(); ++r) {
+    size_t r = 0;
+    ForEachShown(t, [&](const Row& cells) {
       if (y_ + row > kHeight - kMargin - kFooter) {
         NewPage();
         Heading(t, w, font, true);
       }
-      if (r % 2 == 1) Band(row, 0.95);
-      Cells(t, t.rows[r], w, font, false);
+      if (r++ % 2 == 1) Band(row, 0.95);
+      Cells(t, cells, w, font, false);
+    });
+    const int64_t hidden = RowCount(t) - static_cast<int64_t>(r);
+    if (hidden > 0) {
+      Need(row);
+      cairo_set_source_rgb(cr_, 0.13, 0.13, 0.13);
+      UseFont(cr_, font, true);
+      Line(std::to_string(hidden) +
+               " more rows not shown here: the CSV, JSON and spreadsheet "
+               "forms list them all",
+           kMargin + 6, y_ + row * 0.5 + font * 0.35);
+      y_ += row;
     }
     if (t.total) {
       Need(row);
@@ -120,6 +137,15 @@ class Pages {
       Cells(t, *t.total, w, font, true);
     }
     y_ += 16;
+  }
+
+  // The rows of `t` the PDF shows: every row, or of a list cut in print,
+  // its rows and the first kListed of those kept on disk.
+  static void ForEachShown(const Table& t, const std::function<void(const Row&)>& visit) {
+    int64_t n = 0;
+    ForEachRow(t, [&](const Row& row) {
+      if (!t.cut_in_print || n++ < static_cast<int64_t>(t.rows.size()) + kListed) visit(row);
+    });
   }
 
   void Heading(const Table& t, const std::vector<double>& w, double font, bool continued) {

@@ -89,20 +89,24 @@ void JsonCell(const Column& c, const Cell& cell, std::string& out) {
   }
 }
 
-void JsonRows(const Table& t, const std::vector<std::vector<Cell>>& rows, std::string& out) {
+void JsonRow(const Table& t, const Row& row, std::string& out) {
   out += '[';
-  for (size_t r = 0; r < rows.size(); ++r) {
-    out += r > 0 ? ",[" : "[";
-    for (size_t i = 0; i < t.columns.size(); ++i) {
-      if (i > 0) out += ',';
-      JsonCell(t.columns[i], rows[r][i], out);
-    }
-    out += ']';
+  for (size_t i = 0; i < t.columns.size(); ++i) {
+    if (i > 0) out += ',';
+    JsonCell(t.columns[i], row[i], out);
   }
   out += ']';
 }
 
-void JsonTable(const Table& t, std::string& out) {
+// What is written is held until it is a block's worth, then passed on: a
+// long table goes out as it is read, never held whole.
+void PutBlock(std::string& text, std::FILE* out) {
+  if (text.size() < (1u << 16)) return;
+  Put(text, out);
+  text.clear();
+}
+
+void JsonTable(const Table& t, std::string& out, std::FILE* file) {
   out += "{\"name\":";
   JsonString(t.name, out);
   out += ",\"columns\":[";
@@ -116,13 +120,17 @@ void JsonTable(const Table& t, std::string& out) {
     }
     out += '}';
   }
-  out += "],\"rows\":";
-  JsonRows(t, t.rows, out);
-  out += ",\"total\":";
+  out += "],\"rows\":[";
+  bool first = true;
+  ForEachRow(t, [&](const Row& row) {
+    if (!first) out += ',';
+    first = false;
+    JsonRow(t, row, out);
+    PutBlock(out, file);
+  });
+  out += "],\"total\":";
   if (t.total) {
-    std::string total;
-    JsonRows(t, {*t.total}, total);
-    out += total.substr(1, total.size() - 2);
+    JsonRow(t, *t.total, out);
   } else {
     out += "null";
   }
@@ -152,7 +160,10 @@ void WriteTable(const Report& report, std::FILE* out) {
       right.push_back(IsNumeric(c.type));
     }
     velqua_records::AlignedTable aligned(heads, right);
-    for (const auto& row : t.rows) aligned.Add(Texts(t, row, true), &text);
+    ForEachRow(t, [&](const Row& row) {
+      aligned.Add(Texts(t, row, true), &text);
+      PutBlock(text, out);
+    });
     if (t.total) aligned.Add(Texts(t, *t.total, true), &text);
     aligned.Finish(&text);
   }
@@ -170,7 +181,10 @@ void WriteCsv(const Report& report, std::FILE* out) {
       heads.push_back(c.currency.empty() ? c.heading : c.heading + " (" + c.currency + ")");
     }
     CsvRow(heads, text);
-    for (const auto& row : t.rows) CsvRow(CsvTexts(t, row), text);
+    ForEachRow(t, [&](const Row& row) {
+      CsvRow(CsvTexts(t, row), text);
+      PutBlock(text, out);
+    });
     if (t.total) CsvRow(CsvTexts(t, *t.total), text);
   }
   Put(text, out);
@@ -188,7 +202,7 @@ void WriteJson(const Report& report, std::FILE* out) {
   text += ",\"tables\":[";
   for (size_t i = 0; i < report.tables.size(); ++i) {
     if (i > 0) text += ',';
-    JsonTable(report.tables[i], text);
+    JsonTable(report.tables[i], text, out);
   }
   text += "]}\n";
   Put(text, out);

@@ -2,7 +2,8 @@
 // a spreadsheet user expects: counts as numbers, durations as times of day
 // shown [h]:mm:ss (a day is 1), money as numbers shown with its currency,
 // days and times as dates. Sheets are named after their tables, cut to the
-// 31 characters a sheet name may have and made unique.
+// 31 characters a sheet name may have and made unique. A table longer than
+// a sheet's 1,048,576 rows is cut there, with a last row saying so.
 #include <xlsxwriter.h>
 
 #include <algorithm>
@@ -59,7 +60,7 @@ std::string MoneyFormat(const Table& t, size_t column) {
       decimals = std::max(decimals, row[column].text.size() - point - 1);
     }
   };
-  for (const auto& row : t.rows) measure(row);
+  ForEachRow(t, measure);
   if (t.total) measure(*t.total);
   return "#,##0" + (decimals > 0 ? "." + std::string(decimals, '0') : "") + " \"" +
          t.columns[column].currency + "\"";
@@ -106,14 +107,28 @@ void WriteSheet(lxw_workbook* wb, const Table& t, const std::string& name, const
     worksheet_set_column(ws, col, col, c.type == ColumnType::kDateTime ? 18 : 14, nullptr);
   }
   worksheet_freeze_panes(ws, 1, 0);
+  // A sheet holds LXW_ROW_MAX rows: the heading, the rows that fit, and a
+  // last row saying how many did not (the total is then left out, as the
+  // rows above it would not add up to it).
+  const int64_t room = LXW_ROW_MAX - 2;
+  const bool cut = RowCount(t) > room;
   lxw_row_t r = 1;
-  for (const auto& row : t.rows) {
+  int64_t left_out = 0;
+  ForEachRow(t, [&](const Row& row) {
+    if (cut && r > static_cast<lxw_row_t>(room - 1)) {
+      ++left_out;
+      return;
+    }
     for (size_t i = 0; i < row.size(); ++i) {
       WriteCell(ws, r, static_cast<lxw_col_t>(i), t.columns[i], row[i], money[i], f);
     }
     ++r;
-  }
-  if (t.total) {
+  });
+  if (cut) {
+    const std::string note = std::to_string(left_out) +
+                             " more rows than a sheet holds: the CSV and JSON forms list them all";
+    worksheet_write_string(ws, r, 0, note.c_str(), f.bold);
+  } else if (t.total) {
     for (size_t i = 0; i < t.total->size(); ++i) {
       WriteCell(ws, r, static_cast<lxw_col_t>(i), t.columns[i], (*t.total)[i], money[i], f);
     }
@@ -123,7 +138,12 @@ void WriteSheet(lxw_workbook* wb, const Table& t, const std::string& name, const
 }  // namespace
 
 void WriteXlsx(const Report& report, const std::string& path) {
-  lxw_workbook* wb = workbook_new(path.c_str());
+  // Rows go to the file as they are written (in order, as they are here),
+  // not held until the workbook is closed: memory stays the same however
+  // long a table.
+  lxw_workbook_options options{};
+  options.constant_memory = LXW_TRUE;
+  lxw_workbook* wb = workbook_new_opt(path.c_str(), &options);
   if (wb == nullptr) throw velqua_records::Failure("cannot write '" + path + "'");
   Formats f{workbook_add_format(wb), workbook_add_format(wb), workbook_add_format(wb),
             workbook_add_format(wb)};

@@ -139,7 +139,8 @@ Request Kind(const std::string& kind) {
 // A table's rows (and total, last) as the text of the given columns.
 std::vector<std::vector<std::string>> Rows(const Table& t, const std::vector<size_t>& columns) {
   std::vector<std::vector<std::string>> rows;
-  std::vector<std::vector<velqua_reports::Cell>> all = t.rows;
+  std::vector<velqua_reports::Row> all;
+  velqua_reports::ForEachRow(t, [&](const velqua_reports::Row& row) { all.push_back(row); });
   if (t.total) all.push_back(*t.total);
   for (const auto& row : all) {
     std::vector<std::string> texts;

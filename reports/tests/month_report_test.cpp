@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <map>
 #include <memory>
 
 #include "generated_month.h"
@@ -164,8 +165,21 @@ TEST_P(MonthReportTest, MissedCallsTheirRingAndThoseNeverCalledBack) {
       EXPECT_EQ(row[4].number, m.not_called_back);
       never += m.not_called_back;
     }
-    EXPECT_EQ(static_cast<int64_t>(TableNamed(r, "Missed calls never called back").rows.size()),
-              never);
+    EXPECT_EQ(velqua_reports::RowCount(TableNamed(r, "Missed calls never called back")), never);
+  }
+  // The list, read back from where it is kept: in order of start, then
+  // extension, then number, and as many per extension as counted.
+  std::map<std::string, int64_t> listed;
+  std::vector<std::string> order;
+  velqua_reports::ForEachRow(
+      TableNamed(r, "Missed calls never called back"), [&](const velqua_reports::Row& row) {
+        ++listed[row[1].text];
+        order.push_back(row[0].text + '\n' + row[1].text + '\n' + row[2].text);
+      });
+  EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+  for (const auto& [extension, m] : expected_.missed_by_extension) {
+    SCOPED_TRACE("listed for " + extension);
+    EXPECT_EQ(listed[extension], m.not_called_back);
   }
 }
 

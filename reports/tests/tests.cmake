@@ -11,6 +11,7 @@ add_executable(velqua_reports_tests
   ${CMAKE_CURRENT_LIST_DIR}/day_summaries_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/forms_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/generated_month.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/long_lists_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/mail_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/month_report_test.cpp)
 target_link_libraries(velqua_reports_tests PRIVATE velqua_reports velqua_store_testing

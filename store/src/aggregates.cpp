@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <map>
-#include <tuple>
 
 #include "day_summary_reads.h"
 #include "line_sweep.h"
@@ -55,6 +55,13 @@ int64_t DayOf(const std::string& text) {
   unsigned m = 0, d = 0;
   if (std::sscanf(text.c_str(), "%d-%u-%u", &y, &m, &d) != 3) return 0;
   return date::sys_days{date::year{y} / date::month{m} / date::day{d}}.time_since_epoch().count();
+}
+
+// The first day of the month after that of a day since 1970.
+int64_t NextMonth(int64_t day) {
+  const date::year_month_day ymd{date::sys_days{date::days{day}}};
+  const date::year_month next = date::year_month{ymd.year(), ymd.month()} + date::months{1};
+  return date::sys_days{next / date::day{1}}.time_since_epoch().count();
 }
 
 // "YYYY-MM-DD" of a day since 1970.
@@ -181,60 +188,74 @@ std::vector<MissedCounts> CountMissedBy(Store& store, const Span& span, CallGrou
       SpanWhere(span, &params) + extra + kMissed;  // calls_missed_start holds them
   // One read of the missed calls (a few in a hundred), grouped here: the
   // engine grouping them and ranking their ring times by window took a
-  // sort each, ten times the read for a year.
+  // sort each, ten times the read for a year. A group's ring times are
+  // kept as how many calls rang each number of seconds, so that memory
+  // follows the ring times that occur, not the calls of the period.
   struct Group {
     MissedCounts counts;
-    std::vector<int64_t> rings;
+    std::map<int64_t, int64_t> rings;  // seconds -> calls
   };
   std::map<std::string, Group> groups;
   std::string read_key;
-  db.Run("SELECT " + key + ", c.ring FROM calls c" + where, params, [&](const ResultRow& r) {
+  db.Stream("SELECT " + key + ", c.ring FROM calls c" + where, params, [&](const ResultRow& r) {
     r.TextInto(0, read_key);
     auto found = groups.find(read_key);
     if (found == groups.end()) found = groups.emplace(read_key, Group()).first;
     Group& g = found->second;
     ++g.counts.missed;
     if (r.IsNull(1)) return;
-    g.rings.push_back(r.Int(1));
+    ++g.rings[r.Int(1)];
+    ++g.counts.ring_calls;
     g.counts.ring_seconds += r.Int(1);
   });
-  std::map<std::string, MissedCounts> by_key;
-  for (auto& [name, g] : groups) {
-    MissedCounts& m = by_key[name];
-    m = g.counts;
-    m.key = name;
-    m.ring_calls = static_cast<int64_t>(g.rings.size());
-    if (g.rings.empty()) continue;
-    // The 90th percentile by nearest rank: the ring time at rank ceil(0.9 n).
-    const size_t rank = (9 * g.rings.size() + 9) / 10 - 1;
-    std::nth_element(g.rings.begin(), g.rings.begin() + static_cast<std::ptrdiff_t>(rank),
-                     g.rings.end());
-    m.ring_p90 = g.rings[rank];
-  }
   std::vector<MissedCounts> rows;
-  for (auto& [k, m] : by_key) rows.push_back(std::move(m));
+  for (auto& [name, g] : groups) {
+    MissedCounts m = g.counts;
+    m.key = name;
+    // The 90th percentile by nearest rank: the ring time at rank ceil(0.9 n).
+    const int64_t rank = (9 * m.ring_calls + 9) / 10;
+    int64_t seen = 0;
+    for (const auto& [seconds, calls] : g.rings) {
+      seen += calls;
+      if (seen >= rank) {
+        m.ring_p90 = seconds;
+        break;
+      }
+    }
+    rows.push_back(std::move(m));
+  }
   SortByKey(&rows);
   return rows;
 }
 
-std::vector<MissedCall> MissedNotCalledBack(Store& store, const Span& span,
-                                            int64_t callback_seconds) {
+void ForEachMissedNotCalledBack(Store& store, const Span& span, int64_t callback_seconds,
+                                const std::function<void(const MissedCall&)>& visit) {
   Connection& db = ConnectionOf(store);
   std::vector<Value> params;
   std::string where = SpanWhere(span, &params) + kMissed;
   params.emplace_back(callback_seconds);
   where += NotCalledBack(Dialect(db), params.size());
-  std::vector<MissedCall> rows;
-  db.Run(
+  // The engine orders them (its sort spills to disk when it must), so that
+  // none is held here: the columns compare by their bytes on both engines.
+  MissedCall call;
+  db.Stream(
       "SELECT c.start, coalesce(c.extension, ''), c.dialled, coalesce(c.ring, -1)"
       " FROM calls c" +
-          where,
+          where + " ORDER BY 1, 2, 3",
       params, [&](const ResultRow& r) {
-        rows.push_back({r.Text(0), r.Text(1), r.Text(2), r.Int(3)});
+        r.TextInto(0, call.start);
+        r.TextInto(1, call.extension);
+        r.TextInto(2, call.number);
+        call.ring = r.Int(3);
+        visit(call);
       });
-  std::sort(rows.begin(), rows.end(), [](const MissedCall& a, const MissedCall& b) {
-    return std::tie(a.start, a.extension, a.number) < std::tie(b.start, b.extension, b.number);
-  });
+}
+
+std::vector<MissedCall> MissedNotCalledBack(Store& store, const Span& span,
+                                            int64_t callback_seconds) {
+  std::vector<MissedCall> rows;
+  ForEachMissedNotCalledBack(store, span, callback_seconds,
+                             [&](const MissedCall& m) { rows.push_back(m); });
   return rows;
 }
 
@@ -242,24 +263,35 @@ std::vector<ChannelSlot> ChannelsInUse(Store& store, const Span& span) {
   Connection& db = ConnectionOf(store);
   const Dialect d(db);
   const std::string length = "coalesce(c.ring, 0) + coalesce(c.duration, 0)";
-  // Each day's calls in order of their start, read from calls_trunk_held
-  // alone (no sort), into one sweep: the database sorting every start and
-  // end of a year would cost many times the read.
+  // The calls in order of their start, read from calls_trunk_held alone (no
+  // sort), into one sweep: the database sorting every start and end of a
+  // year would cost many times the read. SQLite is asked a day at a time
+  // (a short range keeps its planner on that index). PostgreSQL is asked a
+  // month at a time, each query one month's table, planned once a month:
+  // and without the tests of the start's shape and the call's length,
+  // which the program makes instead, since its planner cannot estimate
+  // them and, guessing few calls, sorted a month's table rather than read
+  // its index in order.
+  const std::string shaped = d.pg ? "" : " AND length(c.start) >= 16 AND " + length + " > 0";
   LineSweep sweep;
   std::string start;
-  Span day = span;
-  for (int64_t n = DayOf(span.from), last = DayOf(span.to_next); n < last; ++n) {
-    day.from = DayText(n);
-    day.to_next = DayText(n + 1);
+  Span part = span;
+  for (int64_t n = DayOf(span.from), last = DayOf(span.to_next); n < last;) {
+    const int64_t next = std::min(last, d.pg ? NextMonth(n) : n + 1);
+    part.from = DayText(n);
+    part.to_next = DayText(next);
+    n = next;
     std::vector<Value> params;
-    db.Run("SELECT c.start, " + length + " FROM calls c" + SpanWhere(day, &params) +
-               " AND c.trunk IS NOT NULL AND length(c.start) >= 16 AND " + length +
-               " > 0 ORDER BY c.start" + (d.pg ? " NULLS FIRST" : ""),
-           params, [&](const ResultRow& r) {
-             r.TextInto(0, start);
-             const int64_t second = SecondsOf(start);
-             if (second >= 0) sweep.Add(second, r.Int(1));
-           });
+    db.Stream("SELECT c.start, " + length + " FROM calls c" + SpanWhere(part, &params) +
+                  " AND c.trunk IS NOT NULL" + shaped + " ORDER BY c.start" +
+                  (d.pg ? " NULLS FIRST" : ""),
+              params, [&](const ResultRow& r) {
+                const int64_t held = r.Int(1);
+                if (held <= 0) return;
+                r.TextInto(0, start);
+                const int64_t second = start.size() >= 16 ? SecondsOf(start) : -1;
+                if (second >= 0) sweep.Add(second, held);
+              });
   }
   return sweep.Finish();
 }

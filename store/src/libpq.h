@@ -15,7 +15,8 @@ namespace velqua_store {
   X(PQclear) X(PQcmdTuples) X(PQconnectdb) X(PQerrorMessage) X(PQexec) X(PQexecParams)     \
   X(PQfinish) X(PQgetResult) X(PQgetisnull) X(PQgetlength) X(PQgetvalue) X(PQntuples)      \
   X(PQputCopyData) X(PQputCopyEnd) X(PQresultErrorField) X(PQresultStatus)                 \
-  X(PQsetNoticeProcessor) X(PQstatus) X(PQtransactionStatus)
+  X(PQsetNoticeProcessor) X(PQstatus) X(PQtransactionStatus) X(PQsendQueryParams)         \
+  X(PQsetSingleRowMode)
 // clang-format on
 
 // The functions the store calls, by their libpq names.

@@ -3,6 +3,7 @@
 // made again by the next transaction.
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -112,6 +113,41 @@ class PgConnection : public Connection {
     }
     const char* changed = pq_.PQcmdTuples(result.get());
     return *changed == '\0' ? 0 : std::strtoll(changed, nullptr, 10);
+  }
+
+  // libpq's single-row mode: a result for each row, then the last one,
+  // empty, that ends them. Every result is read even after a failure, so
+  // that the connection is left idle.
+  void Stream(std::string_view sql, const std::vector<Value>& params, const RowFn& row) override {
+    EnsureConnected();
+    std::vector<std::string> texts(params.size());
+    std::vector<const char*> values(params.size(), nullptr);
+    for (size_t i = 0; i < params.size(); ++i) {
+      if (params[i].kind == Value::kNull) continue;
+      texts[i] = params[i].kind == Value::kInt ? std::to_string(params[i].number) : params[i].text;
+      values[i] = texts[i].c_str();
+    }
+    if (pq_.PQsendQueryParams(conn_, std::string(sql).c_str(), static_cast<int>(params.size()),
+                              nullptr, values.data(), nullptr, nullptr, 0) == 0) {
+      Result failed(nullptr, ResultFree{pq_.PQclear});
+      Check(failed.get());
+    }
+    pq_.PQsetSingleRowMode(conn_);
+    std::exception_ptr thrown;
+    while (PGresult* next = pq_.PQgetResult(conn_)) {
+      Result result(next, ResultFree{pq_.PQclear});
+      if (thrown) continue;
+      try {
+        if (pq_.PQresultStatus(next) == PGRES_SINGLE_TUPLE) {
+          if (row) row(PgRow(pq_, next, 0));
+        } else {
+          Check(next);
+        }
+      } catch (...) {
+        thrown = std::current_exception();
+      }
+    }
+    if (thrown) std::rethrow_exception(thrown);
   }
 
   void Script(const std::string& sql) override {

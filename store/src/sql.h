@@ -63,6 +63,14 @@ class Connection {
   // rows it changed. Throws StoreError, ConnectionLost or UniqueViolation.
   virtual int64_t Run(std::string_view sql, const std::vector<Value>& params = {},
                       const RowFn& row = nullptr) = 0;
+  // As Run, for a query whose rows may be many (a year's calls): each row
+  // is handed to `row` as the engine sends it, none held before, so that
+  // memory stays the same however many there are. `row` must not use this
+  // connection; after a failure, or an exception thrown by `row`, the
+  // connection is ready for the next statement.
+  virtual void Stream(std::string_view sql, const std::vector<Value>& params, const RowFn& row) {
+    Run(sql, params, row);
+  }
   // Runs statements separated by ';' (no parameters).
   virtual void Script(const std::string& sql) = 0;
 

@@ -22,6 +22,7 @@ add_executable(velqua_store_tests
   ${CMAKE_CURRENT_LIST_DIR}/report_reads_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/retranslate_pricing_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/store_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/stream_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/values_test.cpp)
 target_link_libraries(velqua_store_tests PRIVATE velqua_store_testing SQLite::SQLite3
                       GTest::gtest_main)

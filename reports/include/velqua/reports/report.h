@@ -5,6 +5,9 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -37,13 +40,51 @@ struct Cell {
   static Cell Empty() { return {"", 0, true}; }
 };
 
+using Row = std::vector<Cell>;
+
+// Rows kept in an unnamed temporary file rather than in memory: a list as
+// long as its period (a year's missed calls). Written once, then read back
+// in order as often as a form needs, so that a report's memory stays the
+// same however long the list. The file is gone when the last copy of the
+// table holding it is.
+class RowFile {
+ public:
+  // In $TMPDIR, else /tmp. Throws velqua_records::Failure when no file can
+  // be made there.
+  RowFile();
+  ~RowFile();
+  RowFile(const RowFile&) = delete;
+  RowFile& operator=(const RowFile&) = delete;
+
+  // Throws velqua_records::Failure when the file cannot be written (a full
+  // disk): a report is never written with rows missing.
+  void Append(const Row& row);
+  int64_t size() const { return rows_; }
+  // Each row in the order appended; `visit`'s row is valid during its call.
+  void ForEach(const std::function<void(const Row&)>& visit) const;
+
+ private:
+  std::FILE* file_ = nullptr;
+  int64_t rows_ = 0;
+};
+
 struct Table {
   std::string name;  // "Trunks": a heading, a sheet's name, a CSV section
   std::vector<Column> columns;
-  std::vector<std::vector<Cell>> rows;
+  std::vector<Row> rows;
   // A last row of totals, shown apart (bold, ruled) where the form allows.
-  std::optional<std::vector<Cell>> total;
+  std::optional<Row> total;
+  // Rows after `rows`, kept on disk: a list that grows with the period.
+  std::shared_ptr<RowFile> more = nullptr;
+  // A list to search rather than to read through (the missed calls never
+  // called back): a PDF shows the first 2,000 rows of `more` and says how
+  // many more there are. Otherwise (an itemised bill) it shows them all.
+  bool cut_in_print = false;
 };
+
+// Every row of a table, `rows` then `more`'s, and how many there are.
+void ForEachRow(const Table& table, const std::function<void(const Row&)>& visit);
+int64_t RowCount(const Table& table);
 
 // A chart drawn from numbers of the report. kLine and kArea: one value per
 // label on the horizontal axis; kArea also draws `limit` as a line across

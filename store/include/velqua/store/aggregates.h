@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -77,9 +78,14 @@ struct MissedCall {
 };
 
 // Every missed call of the span with a caller's number that was never
-// called back, by start, then extension.
+// called back, by start, then extension, then number (each by its bytes).
 std::vector<MissedCall> MissedNotCalledBack(Store& store, const Span& span,
                                             int64_t callback_seconds);
+// The same calls handed one at a time to `visit`, in the same order, none
+// kept: memory stays the same however many there are. The call handed is
+// valid during the call of `visit` only.
+void ForEachMissedNotCalledBack(Store& store, const Span& span, int64_t callback_seconds,
+                                const std::function<void(const MissedCall&)>& visit);
 
 // Trunk lines in use, by half hour. A call holds its trunk from its start
 // for its ring time and duration; calls on a trunk with a printed time and
