@@ -5,6 +5,7 @@
 #include "velqua/entorno.h"
 #include "velqua/enums.h"
 #include "velqua/error.h"
+#include "velqua/lineas.h"
 #include "velqua/superficie.h"
 #include "velqua/superficie_grabadora.h"
 #include "velqua/texto.h"

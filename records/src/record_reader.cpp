@@ -9,8 +9,8 @@
 #include <cstring>
 #include <utility>
 
+#include "velqua/lineas.h"
 #include "velqua/records/common.h"
-#include "velqua/records/line_cutter.h"
 
 namespace velqua_records {
 
@@ -139,7 +139,7 @@ bool LineReader::Next(std::string_view* line) {
     }
     const char* start = buffer_.data() + begin_;
     const size_t avail = end_ - begin_;
-    const size_t i = LineEnd(std::string_view(start, avail));
+    const size_t i = velqua::FinDeLinea(std::string_view(start, avail));
     if (!any) line_offset_ = buffer_offset_ + static_cast<int64_t>(begin_);
     any = true;
     if (i == avail) {

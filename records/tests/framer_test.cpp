@@ -128,30 +128,6 @@ TEST(Framer, PageHeadingsAreMarkedNotDropped) {
       "315H:\x0cSTN  CO  DATE  ====");
 }
 
-TEST(Framer, HeadingPatternsMatchWholeRecords) {
-  const struct {
-    const char* pattern;
-    std::string text;
-    bool matches;
-  } rows[] = {
-      {"*Date*Time*", "  Date     Time    Ext", true},
-      {"Date*", "  Date     Time", false},  // the whole record, not a part
-      {"*====", "STN  CO ====", true},
-      {"*====", "STN  CO ==== ", false},
-      {"?0*", "10/19/26", true},
-      {"?0*", "0/19/26", false},
-      {"a*b*c", "aXbYbZc", true},
-      {"a*b*c", "aXbYbZ", false},
-      {"date*", "Date", false},  // letter case exact
-      {"**x", "x", true},
-      {"*a*a*a*a*a*b", std::string(2000, 'a'), false},  // no runaway backtracking
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(std::string(row.pattern) + " / " + row.text.substr(0, 30));
-    EXPECT_EQ(MatchesHeading(row.pattern, row.text), row.matches);
-  }
-}
-
 TEST(Framer, PatternsThatMatchNothingOrEverythingAreRefused) {
   for (const std::string& bad : {std::string(), std::string("***"), std::string(256, 'x')}) {
     SCOPED_TRACE(bad.substr(0, 10));

@@ -5,12 +5,14 @@
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "platform/mayusculas.h"
 #include "platform/reloj.h"
 #include "translator/motor_traductor.h"
 #include "translator/texto_traductor.h"
+#include "velqua/lineas.h"
 #include "velqua/texto.h"
 
 namespace velqua {
@@ -27,51 +29,6 @@ std::u16string MarcaDeTiempo(const FechaHora& f) {
                 static_cast<int>(f.intHora), static_cast<int>(f.intMinuto),
                 static_cast<int>(f.intSegundo));
   return cad + DesdeAnsi(cifras);
-}
-
-// The bytes of a file one at a time, read a block at a time, so that a list
-// larger than memory is read line by line. A read error counts as the end
-// of the file.
-class LectorBytes {
- public:
-  explicit LectorBytes(std::unique_ptr<LectorArchivo> lector) : lector_(std::move(lector)) {}
-  bool Abierto() const { return lector_ != nullptr; }
-  // The next byte (0 to 255), or EOF.
-  int Lee() {
-    if (pos_ == fin_ && !Llena()) return EOF;
-    return static_cast<unsigned char>(bloque_[pos_++]);
-  }
-  // Gives back the byte the last Lee returned.
-  void Devuelve() { --pos_; }
-
- private:
-  bool Llena() {
-    fin_ = lector_->Lee(bloque_, sizeof bloque_);
-    pos_ = 0;
-    return fin_ > 0;
-  }
-
-  std::unique_ptr<LectorArchivo> lector_;
-  char bloque_[4096];
-  std::size_t pos_ = 0;
-  std::size_t fin_ = 0;
-};
-
-// Reads one line ending in CR LF, a lone CR or a lone LF (doc/translator.md);
-// false at the end of the file.
-bool LeeLinea(LectorBytes& in, std::string& linea) {
-  linea.clear();
-  int c = in.Lee();
-  if (c == EOF) return false;
-  while (c != EOF && c != '\r' && c != '\n') {
-    linea.push_back(static_cast<char>(c));
-    c = in.Lee();
-  }
-  if (c == '\r') {
-    const int siguiente = in.Lee();
-    if (siguiente != '\n' && siguiente != EOF) in.Devuelve();
-  }
-  return true;
 }
 
 // Round half to even, whatever the floating-point rounding mode.
@@ -100,26 +57,42 @@ void MotorTraductor::RegistraLlamadaError() {
   }
 }
 
+// One line of the extension list, "code;extension" or "code,extension": the
+// extension, blanks trimmed, into cadDato when the code matches cadCodigo
+// (case aside). Empty lines and lines without a code are passed over.
+void MotorTraductor::BuscaEnLineaDeLista(std::string_view bytes, const std::u16string& cadCodigo) {
+  if (bytes.empty()) return;
+  const std::u16string linea = DesdeAnsi(bytes);
+  std::size_t p = linea.find(u';');
+  if (p == std::u16string::npos) p = linea.find(u',');
+  if (p == std::u16string::npos || p == 0) return;
+  const std::u16string_view vista(linea);
+  if (plataforma::IgualesSinMayusculas(traductor::SinBlancos(vista.substr(0, p)), cadCodigo)) {
+    cadDato.assign(traductor::SinBlancos(vista.substr(p + 1)));
+  }
+}
+
 void MotorTraductor::BuscaExtensionKXTDA(const std::u16string& cadCodigo) {
   cadDato.clear();
   if (!cadArchListaExtensiones.empty()) {
     try {
       // Only a regular file is read: a FIFO or a device (/dev/zero, a
       // terminal) could block or never end; it counts as no list.
-      LectorBytes in(udtEntorno->AbreLectura(cadArchListaExtensiones));
-      std::string bytes;
-      while (in.Abierto() && cadDato.empty() && LeeLinea(in, bytes)) {
-        if (bytes.empty()) continue;
-        const std::u16string linea = DesdeAnsi(bytes);
-        std::size_t p = linea.find(u';');
-        if (p == std::u16string::npos) p = linea.find(u',');
-        if (p == std::u16string::npos || p == 0) continue;
-        const std::u16string_view vista(linea);
-        if (plataforma::IgualesSinMayusculas(traductor::SinBlancos(vista.substr(0, p)),
-                                             cadCodigo)) {
-          cadDato.assign(traductor::SinBlancos(vista.substr(p + 1)));
-        }
+      // Read a block at a time, so that a list larger than memory is read
+      // line by line; the first line whose code matches ends the search.
+      const std::unique_ptr<LectorArchivo> lector =
+          udtEntorno->AbreLectura(cadArchListaExtensiones);
+      const auto linea = [&](std::string_view bytes, int64_t) {
+        if (cadDato.empty()) BuscaEnLineaDeLista(bytes, cadCodigo);
+      };
+      CortadorLineas cortador;
+      char bloque[4096];
+      while (lector != nullptr && cadDato.empty()) {
+        const std::size_t n = lector->Lee(bloque, sizeof bloque);
+        if (n == 0) break;
+        cortador.Alimenta(std::string_view(bloque, n), linea);
       }
+      cortador.Termina(linea);
     } catch (const std::exception&) {
       cadDato.clear();  // an unreadable list counts as no list
     }

@@ -108,6 +108,7 @@ class MotorTraductor {
   void CodigoCuentaKXTDA();
   // Log and extension list (archivos_traductor.cpp)
   void BuscaExtensionKXTDA(const std::u16string& cadCodigo);
+  void BuscaEnLineaDeLista(std::string_view bytes, const std::u16string& cadCodigo);
   void RegistraLlamadaError();
   double NumeroAleatorio();
 

@@ -17,38 +17,19 @@
 namespace velqua_store {
 namespace {
 
+using velqua_store_testing::EditedHicom;
 using velqua_store_testing::Engine;
+using velqua_store_testing::ReadFile;
 using velqua_store_testing::StoreTest;
+using velqua_store_testing::WriteFile;
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples/";
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-void WriteFile(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
 
 // The first `n` lines (CR LF ended) of a text.
 std::string FirstLines(const std::string& text, int n) {
   size_t end = 0;
   for (int i = 0; i < n; ++i) end = text.find('\n', end) + 1;
   return text.substr(0, end);
-}
-
-// The hicom example's configuration with `from` replaced by `to`, in a file.
-std::string EditedHicom(const std::string& dir, const std::string& name, const std::string& from,
-                        const std::string& to) {
-  std::string json = ReadFile(kExamples + "hicom/hicom.json");
-  const size_t at = json.find(from);
-  if (at != std::string::npos) json.replace(at, from.size(), to);
-  const std::string path = dir + "/" + name + ".json";
-  WriteFile(path, json);
-  return path;
 }
 
 ImportSettings Settings(const std::string& switch_name, const std::string& config) {
@@ -161,11 +142,12 @@ TEST_P(ImportTest, RetranslationRewritesOnlyWhatChanges) {
   // Without the mark of a plain incoming call: six of the seven incoming calls
   // are not recognised (the seventh is a forwarded one, with its own mark).
   const std::string no_incoming = EditedHicom(
-      dir_, "no-incoming", "\"emDatoCteIdentEntrante\": {\"pos\": 79, \"text\": \"1\"},", "");
+      dir_, "no-incoming", {{"\"emDatoCteIdentEntrante\": {\"pos\": 79, \"text\": \"1\"},", ""}});
   // Outgoing numbers cut to five digits: six of the seven are longer.
   const std::string short_numbers =
-      EditedHicom(dir_, "short", "\"emParamTelefonoSaliente\": {\"pos\": 45, \"size\": 20",
-                  "\"emParamTelefonoSaliente\": {\"pos\": 45, \"size\": 5");
+      EditedHicom(dir_, "short",
+                  {{"\"emParamTelefonoSaliente\": {\"pos\": 45, \"size\": 20",
+                    "\"emParamTelefonoSaliente\": {\"pos\": 45, \"size\": 5"}});
   Importer(*store_, Settings("hicom", no_incoming)).Import({kExamples + "hicom/records.txt"});
   ASSERT_EQ(store_->CountCalls("hicom"), 8);
   struct Step {
@@ -274,7 +256,7 @@ TEST_P(ImportTest, TheExtensionListIsKeptWithTheSwitch) {
 // configuration that says so, they carry the true start, and the end beside it.
 TEST_P(ImportTest, RetranslationGivesStoredCallsTheirTrueStart) {
   const std::string as_start =
-      EditedHicom(dir_, "as-start", "\"time\": \"end\"", "\"time\": \"start\"");
+      EditedHicom(dir_, "as-start", {{"\"time\": \"end\"", "\"time\": \"start\""}});
   Importer(*store_, Settings("hicom", as_start)).Import({kExamples + "hicom/records.txt"});
   const auto first = [&] {
     StoredCall call;
@@ -302,8 +284,9 @@ TEST_P(ImportTest, ADryRunWritesNothingAndAnEditedConfigurationIsNoted) {
   const std::string records = kExamples + "hicom/records.txt";
   EXPECT_TRUE(Importer(*store_, Settings("hicom", config)).Import({records}).notes.empty());
   const std::string one_digit =
-      EditedHicom(dir_, "one-digit", "\"emParamDuracionSegundos\": {\"pos\": 42, \"size\": 2",
-                  "\"emParamDuracionSegundos\": {\"pos\": 42, \"size\": 1");
+      EditedHicom(dir_, "one-digit",
+                  {{"\"emParamDuracionSegundos\": {\"pos\": 42, \"size\": 2",
+                    "\"emParamDuracionSegundos\": {\"pos\": 42, \"size\": 1"}});
   const RewriteResult dry = Retranslate(*store_, "hicom", one_digit, "", false, true);
   EXPECT_GT(dry.updated, 0);
   EXPECT_EQ(dry.changed.at("duration"), dry.updated);
@@ -346,7 +329,7 @@ std::string ExportAll(const std::string& url, const std::string& dir) {
     const std::string no_incoming = "\"emDatoCteIdentEntrante\": {\"pos\": 79, \"text\": \"1\"},";
     ImportSettings s =
         Settings(e.name, *e.config != '\0' ? examples + e.config
-                                           : EditedHicom(dir, "no-incoming", no_incoming, ""));
+                                           : EditedHicom(dir, "no-incoming", {{no_incoming, ""}}));
     s.time_zone = "America/New_York";
     s.source = std::string(e.name) + "/records.txt";  // the same on every machine
     if (*e.extensions != '\0') s.extensions = examples + e.extensions;

@@ -17,6 +17,7 @@ namespace {
 
 using velqua_store_testing::Engine;
 using velqua_store_testing::StoreTest;
+using velqua_store_testing::WriteFile;
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples/";
 
@@ -42,11 +43,6 @@ class = "national"
 rate = "long"
 prefixes = ["1"]
 )";
-
-std::string Write(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-  return path;
-}
 
 // The calls of the store in one output form.
 std::string Listed(Store& store, const char* format) {
@@ -92,9 +88,9 @@ TEST_P(RecordExtrasTest, TheSwitchChargeIsKeptBesideThePrice) {
 
 TEST_P(RecordExtrasTest, CallsWithoutADateArePricedOnTheDayReceived) {
   const std::string dir = velqua_store_testing::TempDir(velqua_store_testing::Name() + "-files");
-  Write(dir + "/us.toml", kTariff);
+  WriteFile(dir + "/us.toml", kTariff);
   store_->PutRatingPlan(
-      Write(dir + "/plan.toml", "[[tariff]]\nswitch = \"definity\"\nfile = \"us.toml\"\n"));
+      WriteFile(dir + "/plan.toml", "[[tariff]]\nswitch = \"definity\"\nfile = \"us.toml\"\n"));
   ImportSettings s;
   s.switch_name = "definity";
   s.config = kExamples + "definity/definity.json";

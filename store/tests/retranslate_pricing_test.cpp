@@ -16,8 +16,10 @@
 namespace velqua_store {
 namespace {
 
+using velqua_store_testing::EditedHicom;
 using velqua_store_testing::Engine;
 using velqua_store_testing::StoreTest;
+using velqua_store_testing::WriteFile;
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples/";
 
@@ -33,35 +35,11 @@ const char* const kRecords =
     // incoming
     "09.03.26 12:30:00   1     24 00:05 00:01:00 0301234567                        1\r\n";
 
-std::string Read(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-std::string Write(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-  return path;
-}
-
 class RetranslatePricingTest : public StoreTest {
  protected:
   RetranslatePricingTest()
       : dir_(velqua_store_testing::TempDir(velqua_store_testing::Name() + "-files")) {}
   ~RetranslatePricingTest() override { std::filesystem::remove_all(dir_); }
-
-  // The hicom example's configuration with each `from` replaced by its `to`.
-  std::string Hicom(const std::string& name,
-                    const std::vector<std::pair<std::string, std::string>>& edits) {
-    std::string json = Read(kExamples + "hicom/hicom.json");
-    for (const auto& [from, to] : edits) {
-      const size_t at = json.find(from);
-      EXPECT_NE(at, std::string::npos) << from;
-      if (at != std::string::npos) json.replace(at, from.size(), to);
-    }
-    return Write(dir_ + "/" + name + ".json", json);
-  }
 
   // Each call's start, number and price; and how many prices are stored.
   std::vector<std::string> Prices() {
@@ -82,21 +60,21 @@ class RetranslatePricingTest : public StoreTest {
 
 TEST_P(RetranslatePricingTest, WhatChangesIsPricedAgain) {
   const std::string plan =
-      Write(dir_ + "/plan.toml", "[[tariff]]\nswitch = \"berlin\"\nfile = \"" + kExamples +
-                                     "rating/office-de.toml\"\n"
-                                     "rewrite = { \"00\" = \"+\", \"0\" = "
-                                     "\"+49\" }\n");
+      WriteFile(dir_ + "/plan.toml", "[[tariff]]\nswitch = \"berlin\"\nfile = \"" + kExamples +
+                                         "rating/office-de.toml\"\n"
+                                         "rewrite = { \"00\" = \"+\", \"0\" = "
+                                         "\"+49\" }\n");
   store_->PutRatingPlan(plan);
   const std::pair<std::string, std::string> time_as_start = {"\"time\": \"end\"",
                                                              "\"time\": \"start\""};
   const std::pair<std::string, std::string> no_incoming_mark = {
       "\"emDatoCteIdentEntrante\": {\"pos\": 79, \"text\": \"1\"},", ""};
-  const std::string no_incoming = Hicom("no-incoming", {no_incoming_mark});
+  const std::string no_incoming = EditedHicom(dir_, "no-incoming", {no_incoming_mark});
   ImportSettings settings;
   settings.switch_name = "berlin";
-  settings.config = Hicom("wrong", {time_as_start, no_incoming_mark});
+  settings.config = EditedHicom(dir_, "wrong", {time_as_start, no_incoming_mark});
   settings.year = 2026;
-  Importer(*store_, settings).Import({Write(dir_ + "/records.txt", kRecords)});
+  Importer(*store_, settings).Import({WriteFile(dir_ + "/records.txt", kRecords)});
   // The printed time taken as the start: the first call by day (0.05 +
   // 60 s x 0.029/60 = 0.079), the second at night (0.05 + 60 s x 0.015/60
   // = 0.065, half up); the incoming record not a call.

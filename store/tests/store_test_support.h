@@ -9,8 +9,12 @@
 #include <sqlite3.h>
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "pg_test_server.h"
 #include "velqua/records/common.h"
@@ -163,6 +167,33 @@ inline std::string WithoutDaySummaries(Engine engine) {
 inline velqua_store::Record At(const std::string& utc, velqua_store::Record r) {
   r.received_utc = utc;
   return r;
+}
+
+// A file's bytes ("" when it cannot be read).
+inline std::string ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// Writes `text` as the whole of a file; its path back.
+inline std::string WriteFile(const std::string& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text;
+  return path;
+}
+
+// The bundled hicom configuration with each `from` replaced by its `to`,
+// written as `dir`/`name`.json; its path back.
+inline std::string EditedHicom(const std::string& dir, const std::string& name,
+                               const std::vector<std::pair<std::string, std::string>>& edits) {
+  std::string json = ReadFile(VELQUA_SOURCE_DIR "/examples/hicom/hicom.json");
+  for (const auto& [from, to] : edits) {
+    const size_t at = json.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    if (at != std::string::npos) json.replace(at, from.size(), to);
+  }
+  return WriteFile(dir + "/" + name + ".json", json);
 }
 
 }  // namespace velqua_store_testing

@@ -64,14 +64,14 @@ void Road::Write(std::string_view bytes, std::vector<Row>* rows) {
   Start();
   collector_->rows = rows;
   Block block{*translation_};
-  cutter_.Feed(bytes, [this](std::string_view line, int64_t at) { Line(line, at); });
+  cutter_.Alimenta(bytes, [this](std::string_view line, int64_t at) { Line(line, at); });
 }
 
 void Road::Finish(std::vector<Row>* rows) {
   Start();
   collector_->rows = rows;
   Block block{*translation_};
-  cutter_.Finish([this](std::string_view line, int64_t at) { Line(line, at); });
+  cutter_.Termina([this](std::string_view line, int64_t at) { Line(line, at); });
   translation_->Finish();
 }
 

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "velqua/cfg_conmut.h"
+#include "velqua/lineas.h"
 #include "velqua/records/call_row.h"
-#include "velqua/records/line_cutter.h"
 #include "velqua/records/translation.h"
 
 namespace velqua_bindings {
@@ -61,7 +61,7 @@ class Road {
   Settings settings_;
   std::unique_ptr<Collector> collector_;
   std::unique_ptr<velqua_records::Translation> translation_;  // from the first bytes on
-  velqua_records::LineCutter cutter_;
+  velqua::CortadorLineas cutter_;
 };
 
 }  // namespace velqua_bindings

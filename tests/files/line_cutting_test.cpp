@@ -1,14 +1,14 @@
-// The line cutter gives the same lines and offsets however the bytes are cut
+// The line cutter (CortadorLineas) gives the same lines and offsets however the bytes are cut
 // into pieces: CR LF, LF and a lone CR each end one line, a CR LF split
 // between pieces included, and the last line needs no end.
-#include "velqua/records/line_cutter.h"
+#include "velqua/lineas.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
 
-namespace velqua_records {
+namespace velqua {
 namespace {
 
 // "text@offset" for every line, the input fed in pieces of `piece` bytes.
@@ -17,11 +17,11 @@ std::vector<std::string> Cut(const std::string& input, size_t piece) {
   const auto keep = [&](std::string_view line, int64_t at) {
     out.push_back(std::string(line) + "@" + std::to_string(at));
   };
-  LineCutter cutter;
+  CortadorLineas cutter;
   for (size_t at = 0; at < input.size(); at += piece) {
-    cutter.Feed(std::string_view(input).substr(at, piece), keep);
+    cutter.Alimenta(std::string_view(input).substr(at, piece), keep);
   }
-  cutter.Finish(keep);
+  cutter.Termina(keep);
   return out;
 }
 
@@ -57,9 +57,9 @@ TEST(LineCutter, LineEndFindsTheFirstCrOrLf) {
   } rows[] = {{"abc", 3}, {"a\nb\r", 1}, {"ab\r\n", 2}, {"\n", 0}, {"a\rb\n", 1}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.bytes);
-    EXPECT_EQ(LineEnd(row.bytes), row.end);
+    EXPECT_EQ(FinDeLinea(row.bytes), row.end);
   }
 }
 
 }  // namespace
-}  // namespace velqua_records
+}  // namespace velqua
