@@ -1,5 +1,6 @@
 #include "velqua/capture/health.h"
 
+#include <algorithm>
 #include <map>
 
 namespace velqua_capture {
@@ -85,21 +86,27 @@ HealthReport AssessHealth(const ServiceState& state, const ServiceSettings& sett
   }
   std::map<std::string, std::vector<const StreamStatus*>> by_source;
   for (const StreamStatus& s : state.streams) by_source[s.source].push_back(&s);
-  int sources = 0, up = 0;
+  int sources = 0, connected = 0, silent = 0;
   for (const SwitchSettings& sw : settings.switches) {
     for (const SourceSettings& source : sw.sources) {
       ++sources;
-      const std::string problem =
-          StreamsProblem(by_source[source.name], SilenceMicros(source), now_us);
-      if (problem.empty()) {
-        ++up;
-      } else {
-        report.problems.push_back(source.name + ": " + problem);
-      }
+      const std::vector<const StreamStatus*>& streams = by_source[source.name];
+      const std::string problem = StreamsProblem(streams, SilenceMicros(source), now_us);
+      const bool linked = std::any_of(streams.begin(), streams.end(),
+                                      [](const StreamStatus* s) { return s->connected; });
+      connected += linked ? 1 : 0;
+      if (problem.empty()) continue;
+      silent += linked ? 1 : 0;
+      report.problems.push_back(source.name + ": " + problem);
+      report.level = Health::kWarning;
     }
   }
-  report.summary += "; " + std::to_string(up) + " of " + std::to_string(sources) + " sources up";
-  if (up < sources) report.level = Health::kWarning;
+  report.summary +=
+      "; " + std::to_string(connected) + " of " + std::to_string(sources) + " sources connected";
+  if (silent > 0) {
+    report.summary += ", " + std::to_string(silent) + " of them silent longer than " +
+                      (silent == 1 ? "its limit" : "their limits");
+  }
   return report;
 }
 

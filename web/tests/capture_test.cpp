@@ -87,8 +87,12 @@ TEST_P(CaptureTest, EachSourceShowsItsStateCountsAndWhyItIsNotUp) {
   const nlohmann::json& service = status["services"][0];
   EXPECT_EQ(service["health"], "WARNING");
   EXPECT_TRUE(service["running"].get<bool>());
-  EXPECT_NE(service["summary"].get<std::string>().find("1 of 4 sources up"), std::string::npos)
+  // The silent source is connected: up, and warned of on its own.
+  EXPECT_NE(service["summary"].get<std::string>().find(
+                "; 2 of 4 sources connected, 1 of them silent longer than its limit"),
+            std::string::npos)
       << service["summary"];
+  EXPECT_EQ(service["sources"], nlohmann::json({{"total", 4}, {"connected", 2}, {"silent", 1}}));
   const nlohmann::json& sources = service["switches"][0]["sources"];
   ASSERT_EQ(sources.size(), 4u);
   struct Row {
@@ -131,6 +135,9 @@ TEST_P(CaptureTest, AStoppedServiceOrABadConfigurationIsSaidSoAndTheOthersStillS
   ASSERT_EQ(services.size(), 2u);
   EXPECT_EQ(services[0]["health"], "CRITICAL");
   EXPECT_FALSE(services[0]["running"].get<bool>());
+  // Its last status said two sources were connected: none is, now.
+  EXPECT_EQ(services[0]["sources"]["connected"], 0);
+  EXPECT_EQ(services[0]["summary"].get<std::string>().rfind("not running: ", 0), 0u);
   for (const auto& source : services[0]["switches"][0]["sources"]) {
     SCOPED_TRACE(source["name"].get<std::string>());
     EXPECT_EQ(source["problem"], "service not running");

@@ -11,6 +11,7 @@ add_executable(velqua_web_tests
   ${CMAKE_CURRENT_LIST_DIR}/calls_sort_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/config_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/editor_api_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/live_feed_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/directory_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/pages_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/tls_test.cpp

@@ -78,7 +78,7 @@ TEST(Operations, CaptureStatusAndMetricsFollowTheService) {
   })) << r.out;
   EXPECT_EQ(r.FirstLine().rfind("OK: running, pid " + std::to_string(service.pid()), 0), 0u)
       << r.out;
-  EXPECT_NE(r.FirstLine().find("; 1 of 1 sources up"), std::string::npos) << r.out;
+  EXPECT_NE(r.FirstLine().find("; 1 of 1 sources connected"), std::string::npos) << r.out;
 
   httplib::Client scraper("127.0.0.1", metrics_port);
   const std::string labels = "{stream=\"lan\",source=\"lan\",switch=\"kx\"} ";
@@ -101,7 +101,7 @@ TEST(Operations, CaptureStatusAndMetricsFollowTheService) {
   EXPECT_TRUE(WaitFor([&] {
     return (r = Velqua({"capture", "status", "--config", config})).status == 1;
   })) << r.out;
-  EXPECT_NE(r.FirstLine().find("; 0 of 1 sources up"), std::string::npos) << r.out;
+  EXPECT_NE(r.FirstLine().find("; 0 of 1 sources connected"), std::string::npos) << r.out;
   EXPECT_NE(r.out.find("\n  lan: disconnected since "), std::string::npos) << r.out;
   const httplib::Result after = scraper.Get("/metrics");
   ASSERT_TRUE(after);

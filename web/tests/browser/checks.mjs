@@ -253,6 +253,13 @@ export const checks = [
         await warnings.locator('li.silent', { hasText: 'smdr-log: silent for' }).waitFor({ timeout: 15000 });
         assert.match(await warnings.textContent(), /pbx: never connected/);
         assert.equal(await page.locator('#view-capture [data-health]').textContent(), 'WARNING');
+        // Connected though silent: counted as up, its silence warned of on its own.
+        assert.match(await page.locator('#view-capture .summary').textContent(),
+          /; 1 of 2 sources connected, 1 of them silent longer than its limit$/);
+        // Every time on the page in UTC, and said to be.
+        assert.match(await page.locator('#view-capture [role=status]').textContent(),
+          /^Read \d{4}-\d\d-\d\d \d\d:\d\d:\d\d UTC;/);
+        assert.doesNotMatch(await page.locator('#view-capture').textContent(), /\d\dZ\b|T\d\d:/);
         // At a desktop's width (1280 px) every column shows without scrolling.
         const overflow = await page.$$eval('#view-capture .results',
           (all) => all.map((e) => e.scrollWidth - e.clientWidth));

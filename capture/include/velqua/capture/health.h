@@ -20,7 +20,8 @@ const char* HealthWord(Health health);
 
 struct HealthReport {
   Health level = Health::kOk;
-  std::string summary;                // "running, pid 812 since ...; 2 of 2 sources up"
+  std::string
+      summary;  // "running, pid 812 since ...; 2 of 2 sources connected, 1 of them silent ..."
   std::vector<std::string> problems;  // one line per source that is not up
 };
 
@@ -34,6 +35,8 @@ constexpr int64_t kStatusStaleMicros = 10 * 1000000;
 // longer than its silence_warning; else OK. A source is up when one of its
 // streams (a listening source has one per switch address) is connected and
 // has sent something within its silence_warning, or connected within it.
+// The summary counts the sources connected and, of those, the ones silent
+// longer than their silence_warning: a silent source is connected, not down.
 HealthReport AssessHealth(const ServiceState& state, const ServiceSettings& settings,
                           int64_t now_us);
 

@@ -1,12 +1,17 @@
 // Capture: each capture service the server was told of (`velqua serve
 // --capture FILE`), its switches and sources as `velqua capture status`
 // reads them, with a warning on a source that is down or has been silent
-// longer than its silence limit. Read again every 5 seconds.
+// longer than its silence limit. Read again every 5 seconds. A connected
+// source counts as up even when silent past its limit (the server's summary
+// says so; the silence has its own warning). Every time on the page is UTC,
+// as `velqua capture status` prints them, and says so.
 import { api } from '../api.js';
 import { h, fill, failure } from '../dom.js';
 
 const EVERY_MS = 5000;
 const when = (utc) => (utc ? utc.replace('T', ' ').replace('Z', '') : '–');  // UTC: said in the heading
+// "2026-03-10T12:30:00Z" in a server's text, as the tables show times.
+const utcText = (text) => text.replace(/(\d{4}-\d\d-\d\d)T(\d\d:\d\d:\d\d)Z/g, '$1 $2 UTC');
 const NUMBERS = ['records', 'unrecognised', 'headings', 'resent_dropped', 'reconnections', 'bytes'];
 
 function streamRow(source, s, first) {
@@ -32,7 +37,7 @@ function warnings(service) {
       const s = source.silence_s;
       const limit = source.silent ? ` (its limit is ${s < 120 ? `${s} s` : `${Math.round(s / 60)} min`})` : '';
       list.push(h('li', { class: source.silent ? 'silent' : '' },
-        `${sw.name} / ${source.name}: ${source.problem}${limit}`));
+        `${sw.name} / ${source.name}: ${utcText(source.problem)}${limit}`));
     }
   }
   return list.length ? h('ul', { class: 'warnings', role: 'alert' }, list) : null;
@@ -44,7 +49,8 @@ function serviceSection(service) {
   return h('section', { class: `capture health-${service.health.toLowerCase()}`,
     'aria-label': service.config },
   h('h2', {}, service.config),
-  h('p', {}, h('strong', { 'data-health': service.health }, service.health), ': ', service.summary),
+  h('p', {}, h('strong', { 'data-health': service.health }, service.health), ': ',
+    h('span', { class: 'summary' }, utcText(service.summary))),
   warnings(service),
   service.switches.map((sw) => h('div', { class: 'results' },
     h('h3', {}, `Switch ${sw.name}`),
@@ -66,7 +72,7 @@ export default {
           h('code', {}, 'capture'), ' in serve.toml).'));
       }
       fill(root, h('p', { class: 'muted', role: 'status' },
-        `Read ${new Date().toLocaleTimeString()}; read again every ${EVERY_MS / 1000} s.`),
+        `Read ${when(new Date().toISOString().slice(0, 19))} UTC; read again every ${EVERY_MS / 1000} s.`),
       status.services.map(serviceSection));
     }).catch((error) => fill(root, failure(error)));
     load();

@@ -1,6 +1,6 @@
 // Live: calls and unrecognised records as they are stored, newest on top.
 // Rows are added above a table of fixed row height, so nothing the reader
-// looks at jumps; at most 200 are kept.
+// looks at jumps; at most 200 are kept, and drawn at most once a frame.
 import { api } from '../api.js';
 import { h, fill, failure, duration, costCell } from '../dom.js';
 
@@ -27,9 +27,21 @@ export default {
   render(root) {
     const state = h('p', { class: 'muted', role: 'status' }, 'Connecting…');
     const body = h('tbody', { 'aria-live': 'polite' });
-    const add = (e) => {
-      body.prepend(row(e));
+    // Events are put on screen once a frame, together: at thousands of
+    // calls a second the page draws the newest 200 once rather than
+    // adding and dropping a row per call.
+    let pending = [];
+    let frame = 0;
+    const draw = () => {
+      frame = 0;
+      body.prepend(...pending.reverse().map(row));
+      pending = [];
       while (body.children.length > KEEP) body.lastChild.remove();
+    };
+    const add = (e) => {
+      pending.push(e);
+      if (pending.length > KEEP) pending.splice(0, pending.length - KEEP);
+      if (!frame) frame = requestAnimationFrame(draw);
     };
     fill(root, state, h('div', { class: 'results' }, h('table', { class: 'grid live' },
       h('thead', {}, h('tr', {}, ['Start', 'Switch', 'Type', 'Extension', 'Number', 'Duration',
@@ -43,6 +55,9 @@ export default {
     source.onerror = () => fill(state, 'Connection lost: reconnecting…');
     source.onmessage = (m) => add(JSON.parse(m.data));
     source.addEventListener('lost', () => fill(state, 'Some calls were missed: reload to see them all.'));
-    return () => source.close();
+    return () => {
+      source.close();
+      cancelAnimationFrame(frame);
+    };
   },
 };
