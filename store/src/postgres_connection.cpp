@@ -87,6 +87,22 @@ void AppendCommon(std::string& out, const CallValues& v) {
   AppendCopyText(out, v.raw);
 }
 
+// The parameters as libpq takes them: text, a null pointer for NULL.
+struct ParamTexts {
+  explicit ParamTexts(const std::vector<Value>& params)
+      : texts(params.size()), values(params.size(), nullptr) {
+    for (size_t i = 0; i < params.size(); ++i) {
+      if (params[i].kind == Value::kNull) continue;
+      texts[i] = params[i].kind == Value::kInt ? std::to_string(params[i].number) : params[i].text;
+      values[i] = texts[i].c_str();
+    }
+  }
+  ParamTexts(const ParamTexts&) = delete;  // values point into texts
+  ParamTexts& operator=(const ParamTexts&) = delete;
+  std::vector<std::string> texts;
+  std::vector<const char*> values;
+};
+
 class PgConnection : public Connection {
  public:
   PgConnection(const std::string& url, const std::string& name)
@@ -97,15 +113,9 @@ class PgConnection : public Connection {
 
   int64_t Run(std::string_view sql, const std::vector<Value>& params, const RowFn& row) override {
     EnsureConnected();
-    std::vector<std::string> texts(params.size());
-    std::vector<const char*> values(params.size(), nullptr);
-    for (size_t i = 0; i < params.size(); ++i) {
-      if (params[i].kind == Value::kNull) continue;
-      texts[i] = params[i].kind == Value::kInt ? std::to_string(params[i].number) : params[i].text;
-      values[i] = texts[i].c_str();
-    }
+    const ParamTexts texts(params);
     Result result(pq_.PQexecParams(conn_, std::string(sql).c_str(), static_cast<int>(params.size()),
-                                   nullptr, values.data(), nullptr, nullptr, 0),
+                                   nullptr, texts.values.data(), nullptr, nullptr, 0),
                   ResultFree{pq_.PQclear});
     Check(result.get());
     if (row && pq_.PQresultStatus(result.get()) == PGRES_TUPLES_OK) {
@@ -120,15 +130,9 @@ class PgConnection : public Connection {
   // that the connection is left idle.
   void Stream(std::string_view sql, const std::vector<Value>& params, const RowFn& row) override {
     EnsureConnected();
-    std::vector<std::string> texts(params.size());
-    std::vector<const char*> values(params.size(), nullptr);
-    for (size_t i = 0; i < params.size(); ++i) {
-      if (params[i].kind == Value::kNull) continue;
-      texts[i] = params[i].kind == Value::kInt ? std::to_string(params[i].number) : params[i].text;
-      values[i] = texts[i].c_str();
-    }
+    const ParamTexts texts(params);
     if (pq_.PQsendQueryParams(conn_, std::string(sql).c_str(), static_cast<int>(params.size()),
-                              nullptr, values.data(), nullptr, nullptr, 0) == 0) {
+                              nullptr, texts.values.data(), nullptr, nullptr, 0) == 0) {
       Result failed(nullptr, ResultFree{pq_.PQclear});
       Check(failed.get());
     }
