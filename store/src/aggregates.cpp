@@ -18,12 +18,6 @@
 namespace velqua_store {
 namespace {
 
-Connection& ConnectionOf(Store& store) {
-  auto* sql = dynamic_cast<SqlStore*>(&store);
-  if (sql == nullptr) throw StoreError("database '" + store.name() + "': no SQL engine");
-  return sql->connection();
-}
-
 struct Dialect {
   bool pg = false;
   explicit Dialect(Connection& db) : pg(std::string(db.engine()) == "postgresql") {}

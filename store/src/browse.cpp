@@ -4,15 +4,6 @@
 #include "sql_store.h"
 
 namespace velqua_store {
-namespace {
-
-Connection& ConnectionOf(Store& store) {
-  auto* sql = dynamic_cast<SqlStore*>(&store);
-  if (sql == nullptr) throw StoreError("database '" + store.name() + "': no SQL engine");
-  return sql->connection();
-}
-
-}  // namespace
 
 std::optional<StoredCall> CallById(Store& store, int64_t id) {
   std::optional<StoredCall> found;

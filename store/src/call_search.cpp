@@ -14,12 +14,6 @@
 namespace velqua_store {
 namespace {
 
-Connection& ConnectionOf(Store& store) {
-  auto* sql = dynamic_cast<SqlStore*>(&store);
-  if (sql == nullptr) throw StoreError("database '" + store.name() + "': no SQL engine");
-  return sql->connection();
-}
-
 const char* SortColumn(CallSort sort) {
   switch (sort) {
     case CallSort::kDuration:
@@ -261,17 +255,17 @@ std::string Road(Connection& db, const CallQuery& q) {
   return Few(db, where, params) ? "" : std::string(" INDEXED BY ") + SortIndex(q.sort);
 }
 
-// The ids of the page's calls in one query, each call's directory entry
-// looked up as it is met. Only the ids and the order's key are read (and
-// sorted) for the calls passed over: their names and prices are read for
-// the page alone.
-std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
-  std::vector<Value> params;
+// The ids of the page's calls: those `where` lets through, read by `road`
+// (an INDEXED BY, or nothing), in the page's order (ties by id, the calls
+// without the key first going up), one more than the page to tell whether
+// another follows.
+std::vector<int64_t> OrderedPage(Connection& db, const CallQuery& q, const std::string& road,
+                                 const std::string& where, std::vector<Value> params) {
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = "SELECT c.id FROM calls c" + Road(db, q) +
-                    " LEFT JOIN call_costs k ON k.call_id = c.id" + WhereFor(q, q.filter, &params) +
-                    " ORDER BY " + SortColumn(q.sort) + order + nulls + ", c.id" + order;
+  std::string sql = "SELECT c.id FROM calls c" + road +
+                    " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " ORDER BY " +
+                    SortColumn(q.sort) + order + nulls + ", c.id" + order;
   params.emplace_back(q.limit + 1);
   sql += " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
@@ -279,6 +273,16 @@ std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
   std::vector<int64_t> ids;
   db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
   return ids;
+}
+
+// The ids of the page's calls in one query, each call's directory entry
+// looked up as it is met. Only the ids and the order's key are read (and
+// sorted) for the calls passed over: their names and prices are read for
+// the page alone.
+std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
+  std::vector<Value> params;
+  const std::string where = WhereFor(q, q.filter, &params);
+  return OrderedPage(db, q, Road(db, q), where, std::move(params));
 }
 
 // The page of a directory search as one walk through the order's index,
@@ -313,19 +317,8 @@ std::optional<std::vector<int64_t>> PageIdsByPeriodsInOrder(Connection& db, cons
   }
   where = WhereFor(q, rest, &params);
   where += in_periods(&params);
-  const std::string order = q.descending ? " DESC" : " ASC";
-  const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = std::string("SELECT c.id FROM calls c") +
-                    (postgres ? "" : std::string(" INDEXED BY ") + SortIndex(q.sort)) +
-                    " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " ORDER BY " +
-                    SortColumn(q.sort) + order + nulls + ", c.id" + order;
-  params.emplace_back(q.limit + 1);
-  sql += " LIMIT $" + std::to_string(params.size());
-  params.emplace_back(q.offset);
-  sql += " OFFSET $" + std::to_string(params.size());
-  std::vector<int64_t> ids;
-  db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
-  return ids;
+  return OrderedPage(db, q, postgres ? "" : std::string(" INDEXED BY ") + SortIndex(q.sort), where,
+                     std::move(params));
 }
 
 }  // namespace

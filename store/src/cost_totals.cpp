@@ -12,12 +12,6 @@
 namespace velqua_store {
 namespace {
 
-Connection& ConnectionOf(Store& store) {
-  auto* sql = dynamic_cast<SqlStore*>(&store);
-  if (sql == nullptr) throw StoreError("database '" + store.name() + "': no SQL engine");
-  return sql->connection();
-}
-
 // Each extension's departments over time: the entry in force on a day is
 // the one of the latest from day not after it, else the undated one.
 class Departments {

@@ -257,4 +257,10 @@ WriteResult SqlStore::WriteOnce(const Source& source, const std::vector<Record>&
   return result;
 }
 
+Connection& ConnectionOf(Store& store) {
+  auto* sql = dynamic_cast<SqlStore*>(&store);
+  if (sql == nullptr) throw StoreError("database '" + store.name() + "': no SQL engine");
+  return sql->connection();
+}
+
 }  // namespace velqua_store

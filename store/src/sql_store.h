@@ -125,6 +125,10 @@ class SqlStore : public Store {
   std::vector<int64_t> updated_ids_;  // the ids of the calls in updated_
 };
 
+// The SQL connection behind `store`, for the reads written in SQL; throws
+// StoreError for a store that has none.
+Connection& ConnectionOf(Store& store);
+
 // "SELECT ... FROM calls c ..." of every column ReadCall reads: a call
 // with its source, price and directory names (sql_store_read.cpp).
 std::string CallSelectFrom();

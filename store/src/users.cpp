@@ -5,12 +5,6 @@
 namespace velqua_store {
 namespace {
 
-Connection& ConnectionOf(Store& store) {
-  auto* sql = dynamic_cast<SqlStore*>(&store);
-  if (sql == nullptr) throw StoreError("database '" + store.name() + "': no SQL engine");
-  return sql->connection();
-}
-
 User UserOf(const ResultRow& r) { return {r.Text(0), r.Text(1), r.Text(2), r.Text(3)}; }
 
 }  // namespace
