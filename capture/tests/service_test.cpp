@@ -310,7 +310,8 @@ TEST(CaptureService, ABadConfigurationStartsNothing) {
 }
 
 // SIGHUP: a new source starts, the others keep their connections; a file
-// with a mistake is refused and the running settings kept.
+// with a mistake is refused and the running settings kept; a source taken
+// out of the file stops.
 TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
   const std::string dir = TempDir("reload");
   const int port = FreePort();
@@ -341,6 +342,13 @@ TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
   // The calls, and the two page headings kept as unrecognised records.
   EXPECT_TRUE(WaitForRecords(store, records.size() + kx.size() + 2))
       << ReadFile(dir + "/service.log");
+  // A source no longer in the file stops.
+  WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
+  ::kill(service->pid(), SIGHUP);
+  EXPECT_TRUE(WaitFor([&] {
+    return ReadFile(dir + "/service.log").find("1 source(s) stopped, 0 started") !=
+           std::string::npos;
+  })) << ReadFile(dir + "/service.log");
   EXPECT_EQ(service->Stop(SIGTERM), 0);
   EXPECT_EQ(StoredCalls(store), Joined(records, kx));
   const std::string log = ReadFile(dir + "/service.log");

@@ -129,25 +129,20 @@ TEST(LiveLineReader, FollowedFileSurvivesRotationAndTruncation) {
   EXPECT_EQ(lines, (Lines{"a", "b", "c", "d"}));
 }
 
+// Each header starts a call; lines before the first header form one.
 TEST(CallGatherer, EachHeaderStartsACall) {
   CallGatherer g(u"|");
-  std::u16string call;
-  EXPECT_FALSE(g.Add(u"-------- 1", &call));
-  EXPECT_FALSE(g.Add(u"00:00:00 OUTGOING CALL", &call));
-  ASSERT_TRUE(g.Add(u"-------- 2", &call));
-  EXPECT_EQ(call, u"-------- 1|00:00:00 OUTGOING CALL");
-  EXPECT_FALSE(g.Add(u"00:01:00 CALL RELEASED", &call));
-  ASSERT_TRUE(g.Finish(&call));
-  EXPECT_EQ(call, u"-------- 2|00:01:00 CALL RELEASED");
-  EXPECT_FALSE(g.Finish(&call));
-}
-
-TEST(CallGatherer, LinesBeforeTheFirstHeaderFormACall) {
-  CallGatherer g(u"\r\n");
   std::u16string call;
   EXPECT_FALSE(g.Add(u"garbage", &call));
   ASSERT_TRUE(g.Add(u"  -------- 1", &call));
   EXPECT_EQ(call, u"garbage");
+  EXPECT_FALSE(g.Add(u"00:00:00 OUTGOING CALL", &call));
+  ASSERT_TRUE(g.Add(u"-------- 2", &call));
+  EXPECT_EQ(call, u"  -------- 1|00:00:00 OUTGOING CALL");
+  EXPECT_FALSE(g.Add(u"00:01:00 CALL RELEASED", &call));
+  ASSERT_TRUE(g.Finish(&call));
+  EXPECT_EQ(call, u"-------- 2|00:01:00 CALL RELEASED");
+  EXPECT_FALSE(g.Finish(&call));
 }
 
 TEST(CallGatherer, ACallNeverGrowsPastTheLimit) {

@@ -11,6 +11,7 @@
 
 #include "generated_month.h"
 #include "pg_test_server.h"
+#include "test_support.h"
 #include "velqua/rating/directory.h"
 #include "velqua/records/common.h"
 #include "velqua/reports/kinds.h"
@@ -154,17 +155,6 @@ std::vector<std::vector<std::string>> Rows(const Table& t, const std::vector<siz
   return rows;
 }
 
-std::string CsvOf(const Report& report) {
-  char* data = nullptr;
-  size_t size = 0;
-  std::FILE* out = open_memstream(&data, &size);
-  velqua_reports::WriteCsv(report, out);
-  std::fclose(out);
-  std::string text(data, size);
-  std::free(data);
-  return text;
-}
-
 using Expected = std::vector<std::vector<std::string>>;
 
 class CostReportTest : public ::testing::TestWithParam<bool> {};
@@ -288,8 +278,8 @@ TEST(CostReportEngines, EveryReportIsTheSameCsvFromBothEngines) {
   for (const Request& r : {Kind("extensions"), Kind("departments"), Kind("accounts"),
                            Kind("destinations"), Kind("trunks"), itemised, compare}) {
     SCOPED_TRACE(r.kind + " " + r.of + r.itemised);
-    const std::string sqlite = CsvOf(Build(false, r));
-    EXPECT_EQ(sqlite, CsvOf(Build(true, r)));
+    const std::string sqlite = Text(velqua_reports::WriteCsv, Build(false, r));
+    EXPECT_EQ(sqlite, Text(velqua_reports::WriteCsv, Build(true, r)));
     EXPECT_NE(sqlite.find(" (EUR)"), std::string::npos);
   }
 }

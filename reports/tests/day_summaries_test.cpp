@@ -16,6 +16,7 @@
 
 #include "generated_month.h"
 #include "pg_test_server.h"
+#include "test_support.h"
 #include "velqua/rating/directory.h"
 #include "velqua/reports/kinds.h"
 #include "velqua/reports/output.h"
@@ -80,15 +81,8 @@ bool RunSql(bool postgres, const std::string& url, const std::string& sql) {
   return ok;
 }
 
-std::string Csv(const velqua_reports::Report& report) {
-  char* data = nullptr;
-  size_t size = 0;
-  std::FILE* out = open_memstream(&data, &size);
-  velqua_reports::WriteCsv(report, out);
-  std::fclose(out);
-  std::string text(data, size);
-  std::free(data);
-  return text;
+std::string Csv(velqua_store::Store& store, const velqua_reports::Request& r) {
+  return Text(velqua_reports::WriteCsv, velqua_reports::BuildReport(store, r));
 }
 
 class DaySummariesTest : public ::testing::TestWithParam<bool> {
@@ -140,9 +134,9 @@ class DaySummariesTest : public ::testing::TestWithParam<bool> {
           r.to = to;
           r.department = department;
           r.lines = 4;
-          const std::string summed = Csv(velqua_reports::BuildReport(*store_, r));
+          const std::string summed = Csv(*store_, r);
           r.from_calls = true;
-          EXPECT_EQ(summed, Csv(velqua_reports::BuildReport(*store_, r)));
+          EXPECT_EQ(summed, Csv(*store_, r));
           ++compared;
         }
       }
@@ -207,15 +201,15 @@ TEST_P(DaySummariesTest, ReportsReadTheSummaries) {
   r.kind = "extensions";
   r.from = "2026-03-01";
   r.to = "2026-03-31";
-  const std::string before = Csv(velqua_reports::BuildReport(*store_, r));
+  const std::string before = Csv(*store_, r);
   // A summed row changed behind the store's back shows in the report (and
   // not in the report from the calls): the report read the summaries.
   ASSERT_TRUE(RunSql(GetParam(), url_,
                      "UPDATE call_days SET calls = calls + 1000 WHERE kind = 'e' AND day = "
                      "'2026-03-10' AND item = '201'"));
-  EXPECT_NE(Csv(velqua_reports::BuildReport(*store_, r)), before);
+  EXPECT_NE(Csv(*store_, r), before);
   r.from_calls = true;
-  EXPECT_EQ(Csv(velqua_reports::BuildReport(*store_, r)), before);
+  EXPECT_EQ(Csv(*store_, r), before);
 }
 
 TEST_P(DaySummariesTest, AStoreFromBeforeTheSummariesSumsItsCallsWhenOpened) {
@@ -276,9 +270,9 @@ TEST_P(DaySummariesTest, AReaderWhoMayNotWriteGetsTheSameReportFromTheCalls) {
   r.kind = "extensions";
   r.from = "2026-03-01";
   r.to = "2026-03-31";
-  const std::string read = Csv(velqua_reports::BuildReport(*reader, r));
+  const std::string read = Csv(*reader, r);
   r.from_calls = true;
-  EXPECT_EQ(read, Csv(velqua_reports::BuildReport(*store_, r)));
+  EXPECT_EQ(read, Csv(*store_, r));
   reader.reset();
   RunSql(true, url_,
          "REVOKE ALL ON ALL TABLES IN SCHEMA public FROM report_reader; "

@@ -80,13 +80,6 @@ std::string RunCommand(const std::string& command) {
   return out;
 }
 
-namespace {
-
-std::string Dir() {
-  const ::testing::TestInfo* t = ::testing::UnitTest::GetInstance()->current_test_info();
-  return velqua_store_testing::TempDir(std::string("reports-") + t->name());
-}
-
 std::string Text(void (*write)(const Report&, std::FILE*), const Report& r) {
   char* data = nullptr;
   size_t size = 0;
@@ -96,6 +89,13 @@ std::string Text(void (*write)(const Report&, std::FILE*), const Report& r) {
   std::string text(data, size);
   std::free(data);
   return text;
+}
+
+namespace {
+
+std::string Dir() {
+  const ::testing::TestInfo* t = ::testing::UnitTest::GetInstance()->current_test_info();
+  return velqua_store_testing::TempDir(std::string("reports-") + t->name());
 }
 
 // The share of pixels darker than white in a PGM page (P5, 8 bits).

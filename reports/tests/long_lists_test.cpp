@@ -34,17 +34,6 @@ Report OnDisk(int rows, size_t kept, bool cut_in_print = false) {
   return r;
 }
 
-std::string Text(void (*write)(const Report&, std::FILE*), const Report& r) {
-  char* data = nullptr;
-  size_t size = 0;
-  std::FILE* out = open_memstream(&data, &size);
-  write(r, out);
-  std::fclose(out);
-  std::string text(data, size);
-  std::free(data);
-  return text;
-}
-
 TEST(RowFile, CellsComeBackAsWrittenInOrderAndLaterRowsFollow) {
   const std::vector<Row> rows = {
       {Cell::Text(""), Cell::Empty(), Cell::Number(-1)},

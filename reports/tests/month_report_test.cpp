@@ -11,6 +11,7 @@
 
 #include "generated_month.h"
 #include "pg_test_server.h"
+#include "test_support.h"
 #include "velqua/reports/kinds.h"
 #include "velqua/reports/output.h"
 
@@ -50,17 +51,6 @@ Report Build(bool postgres, const std::string& kind, const std::string& of = "")
   r.lines = 4;
   r.of = of;
   return velqua_reports::BuildReport(StoreOf(postgres), r);
-}
-
-std::string Csv(const Report& report) {
-  char* data = nullptr;
-  size_t size = 0;
-  std::FILE* out = open_memstream(&data, &size);
-  velqua_reports::WriteCsv(report, out);
-  std::fclose(out);
-  std::string text(data, size);
-  std::free(data);
-  return text;
 }
 
 const Table& TableNamed(const Report& r, const std::string& name) {
@@ -202,8 +192,8 @@ TEST_P(MonthReportTest, CompareSetsTheMonthAgainstTheDaysBefore) {
 TEST(MonthReportEngines, EveryReportIsTheSameCsvFromBothEngines) {
   for (const char* kind : {"extensions", "trunks", "missed", "traffic", "compare"}) {
     SCOPED_TRACE(kind);
-    const std::string sqlite = Csv(Build(false, kind));
-    EXPECT_EQ(sqlite, Csv(Build(true, kind)));
+    const std::string sqlite = Text(velqua_reports::WriteCsv, Build(false, kind));
+    EXPECT_EQ(sqlite, Text(velqua_reports::WriteCsv, Build(true, kind)));
     EXPECT_GT(sqlite.size(), 200u);
   }
 }

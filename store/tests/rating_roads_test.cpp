@@ -122,21 +122,36 @@ class CaptureLikeSink : public velqua_records::RowSink {
   std::vector<Record> batch_;
 };
 
+// The Berlin office in `dir`: its tariffs (carrier B's national minute
+// dearer when `dearer`), its plan and a month of its records, and how to
+// import them.
+struct Berlin {
+  Berlin(const std::string& dir, bool dearer) {
+    std::ifstream in(kExamples + "rating/office-de.toml", std::ios::binary);
+    const std::string a((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::string b = a;
+    if (dearer) {
+      b.replace(b.find("per_minute = \"0.0290\""), 21, "per_minute = \"0.0310\"");
+      b.replace(b.find("name = \"Carrier A\""), 18, "name = \"Carrier B\"");
+    }
+    Put(dir + "/a.toml", a);
+    Put(dir + "/b.toml", b);
+    plan = Put(dir + "/plan.toml", kPlan);
+    records = Put(dir + "/month.txt", MonthOfRecords());
+    settings.switch_name = "berlin";
+    settings.config = kExamples + "hicom/hicom.json";
+    settings.year = 2026;
+  }
+  std::string plan, records;
+  ImportSettings settings;
+};
+
 std::vector<std::vector<std::string>> ThreeRoads(const std::string& dir,
                                                  const std::vector<std::string>& urls) {
-  const std::string records = Put(dir + "/month.txt", MonthOfRecords());
-  std::ifstream in_a(kExamples + "rating/office-de.toml", std::ios::binary);
-  const std::string a((std::istreambuf_iterator<char>(in_a)), std::istreambuf_iterator<char>());
-  Put(dir + "/a.toml", a);
-  std::string b = a;
-  b.replace(b.find("per_minute = \"0.0290\""), 21, "per_minute = \"0.0310\"");
-  b.replace(b.find("name = \"Carrier A\""), 18, "name = \"Carrier B\"");
-  Put(dir + "/b.toml", b);
-  const std::string plan = Put(dir + "/plan.toml", kPlan);
-  ImportSettings settings;
-  settings.switch_name = "berlin";
-  settings.config = kExamples + "hicom/hicom.json";
-  settings.year = 2026;
+  Berlin berlin(dir, true);
+  const std::string& records = berlin.records;
+  const std::string& plan = berlin.plan;
+  ImportSettings& settings = berlin.settings;
   settings.batch = 50;
   std::vector<std::vector<std::string>> prices;
   // Import with the plan in place.
@@ -257,27 +272,18 @@ int64_t Count(Store& store, const std::string& sql) {
 // transaction, and every call costs what one writer makes it cost.
 TEST(RatingRoadsPostgres, TwoWritersPriceAMonthAsOneDoes) {
   const std::string dir = velqua_store_testing::TempDir("rating-two-writers");
-  std::ifstream in(kExamples + "rating/office-de.toml", std::ios::binary);
-  const std::string tariff((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  Put(dir + "/a.toml", tariff);
-  Put(dir + "/b.toml", tariff);
-  const std::string plan = Put(dir + "/plan.toml", kPlan);
-  const std::string records = Put(dir + "/month.txt", MonthOfRecords());
-  ImportSettings settings;
-  settings.switch_name = "berlin";
-  settings.config = kExamples + "hicom/hicom.json";
-  settings.year = 2026;
-  settings.batch = 5;  // many batches, each of few calls: labels met at once
+  Berlin berlin(dir, false);
+  berlin.settings.batch = 5;  // many batches, each of few calls: labels met at once
   std::vector<std::vector<std::string>> prices;
   for (const bool two : {false, true}) {
     const std::string url = velqua_store_testing::PgTestServer::Shared().NewDatabase();
     auto store = OpenStore(url);
-    store->PutRatingPlan(plan);
+    store->PutRatingPlan(berlin.plan);
     const auto more = two ? OpenMoreWriters(url) : std::vector<std::unique_ptr<Store>>();
     ASSERT_EQ(more.size(), two ? 1u : 0u);
     std::vector<Store*> writers;
     for (const auto& writer : more) writers.push_back(writer.get());
-    Importer(*store, settings, writers).Import({records});
+    Importer(*store, berlin.settings, writers).Import({berlin.records});
     prices.push_back(Prices(*store));
   }
   ASSERT_EQ(prices[0].size(), 31u * 12u);
@@ -293,21 +299,13 @@ class CostsByCallTest : public ::testing::TestWithParam<velqua_store_testing::En
 TEST_P(CostsByCallTest, PricesKeyedByPositionReadTheSameOnceKeyedByTheirCall) {
   const std::string dir = velqua_store_testing::TempDir(velqua_store_testing::Name());
   const std::string url = velqua_store_testing::NewStoreUrl(GetParam());
-  std::ifstream in(kExamples + "rating/office-de.toml", std::ios::binary);
-  const std::string tariff((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  Put(dir + "/a.toml", tariff);
-  Put(dir + "/b.toml", tariff);
-  const std::string plan = Put(dir + "/plan.toml", kPlan);
-  ImportSettings settings;
-  settings.switch_name = "berlin";
-  settings.config = kExamples + "hicom/hicom.json";
-  settings.year = 2026;
+  const Berlin berlin(dir, false);
   std::vector<std::string> before;
   int64_t labels = 0;
   {
     auto store = OpenStore(url);
-    store->PutRatingPlan(plan);
-    Importer(*store, settings).Import({Put(dir + "/month.txt", MonthOfRecords())});
+    store->PutRatingPlan(berlin.plan);
+    Importer(*store, berlin.settings).Import({berlin.records});
     before = Readings(*store);
     labels = Count(*store, "SELECT count(*) FROM cost_labels");
   }

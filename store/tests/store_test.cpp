@@ -3,8 +3,6 @@
 // come back in order, filters select what they say, and a newer schema is
 // refused.
 #include <gtest/gtest.h>
-#include <libpq-fe.h>
-#include <sqlite3.h>
 
 #include <string>
 #include <vector>
@@ -143,25 +141,17 @@ TEST_P(StoreTest, FiltersSelectWhatTheySay) {
 
 TEST_P(StoreTest, ASchemaNewerThanTheProgramIsRefused) {
   store_.reset();
-  if (GetParam() == Engine::kSqlite) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);
-    const std::string later = "PRAGMA user_version = " + std::to_string(kSchemaVersion + 1);
-    sqlite3_exec(db, later.c_str(), nullptr, nullptr, nullptr);
-    sqlite3_close(db);
-  } else {
-    PGconn* db = PQconnectdb(url_.c_str());
-    const std::string later = "INSERT INTO schema_migrations VALUES (" +
-                              std::to_string(kSchemaVersion + 1) + ", 'later')";
-    PQclear(PQexec(db, later.c_str()));
-    PQfinish(db);
-  }
+  const std::string later = std::to_string(kSchemaVersion + 1);
+  Downgrade(GetParam(), url_,
+            GetParam() == Engine::kSqlite
+                ? ""
+                : "INSERT INTO schema_migrations VALUES (" + later + ", 'later');",
+            kSchemaVersion + 1);
   try {
     OpenStore(url_);
     FAIL() << "opened";
   } catch (const StoreError& e) {
-    EXPECT_EQ(std::string(e.what()), "database '" + url_ + "' has schema version " +
-                                         std::to_string(kSchemaVersion + 1) +
+    EXPECT_EQ(std::string(e.what()), "database '" + url_ + "' has schema version " + later +
                                          ", newer than this program's (" +
                                          std::to_string(kSchemaVersion) + "): use a newer velqua");
   }
@@ -183,18 +173,7 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
       "ALTER TABLE calls DROP COLUMN extras; ALTER TABLE calls DROP COLUMN line; "
       "ALTER TABLE unrecognised DROP COLUMN line; "
       "ALTER TABLE switches DROP COLUMN extension_list;";
-  if (GetParam() == Engine::kSqlite) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(url_.c_str(), &db), SQLITE_OK);
-    sqlite3_exec(db, (std::string(down) + "PRAGMA user_version = 1").c_str(), nullptr, nullptr,
-                 nullptr);
-    sqlite3_close(db);
-  } else {
-    PGconn* db = PQconnectdb(url_.c_str());
-    PQclear(PQexec(
-        db, (std::string(down) + "DELETE FROM schema_migrations WHERE version > 1").c_str()));
-    PQfinish(db);
-  }
+  Downgrade(GetParam(), url_, down, 1);
   store_ = OpenStore(url_);
   EXPECT_EQ(store_->CountCalls("hq"), 1);
   velqua_store::RatePeriod all;
@@ -266,9 +245,6 @@ TEST_P(StoreTest, AnUnknownTimeZoneIsRefused) {
   EXPECT_FALSE(store_->FindSwitch("hq"));
 }
 
-// A server that goes away: the write fails as ConnectionLost (the capture
-// service keeps spooling), nothing of it is stored, and once the server is
-// back the same store object writes the same batch.
 // A bulk load's lock file is there only while a load holds it: opening a
 // store, a load and its end leave nothing beside the database; a second
 // load while one runs adds its rows (one by one) all the same.
@@ -298,6 +274,9 @@ TEST(SqliteBulkLoad, LeavesNoLockFileBehind) {
   std::filesystem::remove_all(dir);
 }
 
+// A server that goes away: the write fails as ConnectionLost (the capture
+// service keeps spooling), nothing of it is stored, and once the server is
+// back the same store object writes the same batch.
 TEST(PostgresConnection, ALostServerIsReportedAndTheStoreReconnects) {
   velqua_store_testing::PgTestServer server;
   const std::string url = server.NewDatabase();

@@ -9,7 +9,6 @@
 namespace velqua_web_testing {
 namespace {
 
-using velqua_store_testing::Call;
 using velqua_store_testing::EngineName;
 
 class ApiTest : public WebTest {};
@@ -121,24 +120,6 @@ TEST_P(ApiTest, OtherAddressThanLoopbackNeedsUsers) {
   }
   velqua_web::AddUser(*store_, "ann", "admin", "secret-password");
   EXPECT_NO_THROW(velqua_web::Server server(options));
-}
-
-TEST_P(ApiTest, CallsListsWhatTheStoreHolds) {
-  const velqua_store::Source source = NewSource("hq", "serial");
-  store_->Write(source,
-                {Call(1, "201", "2026-03-09 10:00:00", "01", "5551234"),
-                 Call(2, "202", "2026-03-10 11:00:00", "02", "5559876")},
-                std::nullopt);
-  Start();
-  ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
-  const nlohmann::json all = client_->Json("/api/calls?order=asc");
-  ASSERT_EQ(all["calls"].size(), 2u);
-  EXPECT_EQ(all["calls"][0]["extension"], "201");
-  const nlohmann::json one = client_->Json("/api/calls?from=2026-03-10&extension=202");
-  ASSERT_EQ(one["calls"].size(), 1u);
-  EXPECT_EQ(one["calls"][0]["dialled"], "5559876");
-  EXPECT_EQ(one["calls"][0]["switch"], "hq");
-  EXPECT_EQ(client_->Json("/api/switches")[0]["calls"], 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, ApiTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),

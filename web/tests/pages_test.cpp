@@ -16,7 +16,8 @@ using velqua_store_testing::Unrecognised;
 
 class PagesTest : public WebTest {
  protected:
-  // Five calls over two days of March 2026 on switch "hq", one unanswered.
+  // Five calls over two days of March 2026 on switch "hq", one unanswered;
+  // the server started and a viewer logged in.
   void Fill() {
     const velqua_store::Source source = NewSource("hq", "serial");
     std::vector<velqua_store::Record> records = {
@@ -29,13 +30,13 @@ class PagesTest : public WebTest {
     records[3].row.duration = 300;
     records[4].row.attribute = 4;  // unanswered
     store_->Write(source, records, std::nullopt);
+    Start();
+    ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
   }
 };
 
 TEST_P(PagesTest, CallsAreSortedAndPagedWithoutLosingOrRepeatingAny) {
   Fill();
-  Start();
-  ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
   struct Row {
     std::string query;
     std::vector<std::string> dialled;  // in the order shown
@@ -64,20 +65,18 @@ TEST_P(PagesTest, CallsAreSortedAndPagedWithoutLosingOrRepeatingAny) {
 
 TEST_P(PagesTest, ACallOpensWithItsRawRecordAndAnUnknownOneIs404) {
   Fill();
-  Start();
-  ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
   const nlohmann::json first = client_->Json("/api/calls?extension=203");
   const int64_t id = first["calls"][0]["id"];
   const nlohmann::json call = client_->Json("/api/calls/" + std::to_string(id));
   EXPECT_EQ(call["raw"], "2026-03-10 10:30:00 203 03 0303333");
   EXPECT_EQ(call["duration"], 300);
+  EXPECT_EQ(call["switch"], "hq");
+  EXPECT_EQ(client_->Json("/api/switches")[0]["calls"], 5);
   EXPECT_EQ(client_->Send("GET", "/api/calls/999999")->status, 404);
 }
 
 TEST_P(PagesTest, ExportHoldsWhatIsShownAsCsv) {
   Fill();
-  Start();
-  ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
   const httplib::Result r =
       client_->Send("GET", "/api/calls/export.csv?from=2026-03-10&sort=start&order=asc");
   ASSERT_TRUE(r);
@@ -96,8 +95,6 @@ TEST_P(PagesTest, ExportHoldsWhatIsShownAsCsv) {
 
 TEST_P(PagesTest, DashboardCountsTheDayAndTheMonth) {
   Fill();
-  Start();
-  ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
   const nlohmann::json d = client_->Json("/api/dashboard?day=2026-03-10");
   EXPECT_EQ(d["latest_day"], "2026-03-10");
   EXPECT_EQ(d["today"]["calls"], 3);
