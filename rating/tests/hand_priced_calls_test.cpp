@@ -1,5 +1,5 @@
 // Calls priced by hand: each row's expected cost is worked out in its
-// comment from the tariff lines of tariffs_for_tests.h (money in EUR; "p"
+// comment from the tariff lines in tests/data/tariffs (money in EUR; "p"
 // peak, "o" off-peak, "w" weekend; s = charged seconds). A row with cost
 // nullptr is unpriced; the reason is what the store keeps with it.
 #include <gtest/gtest.h>
