@@ -16,6 +16,7 @@
 
 #include "generated_month.h"
 #include "pg_test_server.h"
+#include "store_test_support.h"
 #include "test_support.h"
 #include "velqua/rating/directory.h"
 #include "velqua/reports/kinds.h"
@@ -23,32 +24,6 @@
 
 namespace velqua_reports_testing {
 namespace {
-
-constexpr const char* kTariff = R"(name = "Office line"
-currency = "EUR"
-decimals = 2
-mode = "start"
-
-[[band]]
-name = "any"
-days = "mon-sun"
-
-[rate.national]
-all = { per_minute = "{national}", first = 60, increment = 60 }
-
-[rate.mobile]
-all = { per_minute = "0.305", first = 60, increment = 60 }
-
-[[destination]]
-name = "Spain fixed"
-class = "national"
-prefixes = ["+340912"]
-
-[[destination]]
-name = "Spain mobile"
-class = "mobile"
-prefixes = ["+340612"]
-)";
 
 constexpr const char* kPlan = R"([[tariff]]
 switch = "hq"
@@ -107,10 +82,11 @@ class DaySummariesTest : public ::testing::TestWithParam<bool> {
     }
   }
 
+  // The store's tests' one-band tariff, its national minute at `national`.
   void PutTariff(const std::string& national) {
-    std::string text = kTariff;
-    text.replace(text.find("{national}"), 10, national);
-    std::ofstream(dir_ + "/office.toml") << text;
+    std::string text =
+        velqua_store_testing::ReadFile(VELQUA_SOURCE_DIR "/store/tests/data/office-line.toml");
+    std::ofstream(dir_ + "/office.toml") << text.replace(text.find("{price}"), 7, national);
   }
 
   ~DaySummariesTest() override {

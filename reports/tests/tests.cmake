@@ -17,6 +17,7 @@ add_executable(velqua_reports_tests
 target_link_libraries(velqua_reports_tests PRIVATE velqua_reports velqua_store_testing
                       SQLite::SQLite3 GTest::gtest_main)
 target_include_directories(velqua_reports_tests PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/src)
+target_compile_definitions(velqua_reports_tests PRIVATE VELQUA_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 velqua_warnings(velqua_reports_tests)
 add_test(NAME reports COMMAND velqua_reports_tests)
 # fontconfig (under Cairo's text) keeps a few allocations of its own past

@@ -21,31 +21,13 @@ namespace {
 using velqua_store_testing::Engine;
 using velqua_store_testing::StoreTest;
 
-constexpr const char* kTariff = R"(name = "Office line"
-currency = "EUR"
-decimals = 2
-mode = "start"
-
-[[band]]
-name = "any"
-days = "mon-sun"
-
-[rate.national]
-all = { per_minute = "{price}", first = 60, increment = 60 }
-
-[rate.mobile]
-all = { per_minute = "0.305", first = 30, increment = 6 }
-
-[[destination]]
-name = "Spain fixed"
-class = "national"
-prefixes = ["+349"]
-
-[[destination]]
-name = "Spain mobile"
-class = "mobile"
-prefixes = ["+346"]
-)";
+// A one-band tariff of a national minute at `price` (fixed numbers as the
+// store's tests and the reports' generated month print them), and mobiles.
+std::string Tariff(const std::string& price) {
+  std::string text =
+      velqua_store_testing::ReadFile(VELQUA_SOURCE_DIR "/store/tests/data/office-line.toml");
+  return text.replace(text.find("{price}"), 7, price);
+}
 
 // The rows of call_days in key order, one line each.
 std::string SummedRows(Connection& db) {
@@ -93,9 +75,7 @@ class DayMarksTest : public StoreTest {
   ~DayMarksTest() override { std::filesystem::remove_all(dir_); }
 
   void PutPlan(const std::string& price) {
-    std::string tariff = kTariff;
-    tariff.replace(tariff.find("{price}"), 7, price);
-    std::ofstream(dir_ + "/office.toml") << tariff;
+    std::ofstream(dir_ + "/office.toml") << Tariff(price);
     std::ofstream(dir_ + "/plan.toml")
         << "[[tariff]]\nswitch = \"hq\"\nfile = \"office.toml\"\nrewrite = { \"\" = \"+34\" }\n";
     store_->PutRatingPlan(dir_ + "/plan.toml");
