@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "../src/allow_list.h"
@@ -13,51 +15,11 @@ namespace {
 const std::string kExamples = std::string(VELQUA_SOURCE_DIR) + "/examples";
 const std::string kFile = kExamples + "/capture/test.toml";  // relative paths start here
 
-// A valid configuration with one source of each kind.
+// A valid configuration with one source of each kind; the mistakes below
+// name its lines.
 std::string Config() {
-  const std::string lines[] = {
-      "store = \"calls.db\"",                                      // 1
-      "spool = \"/var/spool/velqua\"",                             // 2
-      "fsync = \"interval\"",                                      // 3
-      "[[switch]]",                                                // 4
-      "name = \"kx-tda\"",                                         // 5
-      "config = \"../kx-tda/kx-tda.json\"",                        // 6
-      "extensions = \"../kx-tda/extensions.txt\"",                 // 7
-      "time_zone = \"Europe/Madrid\"",                             // 8
-      "[switch.framing]",                                          // 9
-      "record_end = \"crlf\"",                                     // 10
-      "page_headings = ['*Date*Time*', '--------------------*']",  // 11
-      "idle_flush = \"500ms\"",                                    // 12
-      "[[switch.source]]",                                         // 13
-      "name = \"pbx\"",                                            // 14
-      "kind = \"tcp-connect\"",                                    // 15
-      "host = \"192.0.2.10\"",                                     // 16
-      "port = 2300",                                               // 17
-      "[[switch.source.login]]",                                   // 18
-      "expect = \"login:\"",                                       // 19
-      "send = \"SMDR\\r\\n\"",                                     // 20
-      "[[switch.source]]",                                         // 21
-      "name = \"printer-port\"",                                   // 22
-      "kind = \"serial\"",                                         // 23
-      "device = \"/dev/ttyUSB0\"",                                 // 24
-      "baud = 1200",                                               // 25
-      "data_bits = 7",                                             // 26
-      "parity = \"mark\"",                                         // 27
-      "flow_control = \"xon-xoff\"",                               // 28
-      "[[switch.source]]",                                         // 29
-      "name = \"ipo\"",                                            // 30
-      "kind = \"tcp-listen\"",                                     // 31
-      "port = 5000",                                               // 32
-      "allow = [\"10.1.0.0/16\", \"192.0.2.7\"]",                  // 33
-      "silence_warning = \"2h\"",                                  // 34
-      "[[switch.source]]",                                         // 35
-      "name = \"log\"",                                            // 36
-      "kind = \"file-follow\"",                                    // 37
-      "path = \"smdr.log\"",                                       // 38
-  };
-  std::string text;
-  for (const std::string& line : lines) text += line + "\n";
-  return text;
+  std::ifstream in(VELQUA_SOURCE_DIR "/capture/tests/data/settings.toml", std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
 TEST(Settings, AValidFileGivesEveryValueWithPathsFromItsFolder) {
