@@ -148,6 +148,7 @@ TEST_F(ProfileImport, ValuesOutOfRangeAreSkippedAndNumberedKeysStopAtTheFirstEmp
       {Header("13,10,"), "3.0;M, N;;\r\n;1;"},
       {Header("300,abc,65"), "3.0;M, N;;A;1;"},
       {Header("255,1000, 66,128"), "3.0;M, N;;B€;1;"},  // codes 0 to 254, 3 characters at most
+      {Header("254,"), "3.0;M, N;;þ;1;"},
       {Header("65,0,66,"), "3.0;M, N;;AB;1;"},
       {"[Conmutador]\r\nVersion=3\r\nMarca=" + std::string(60, 'b') +
            "\r\nModelo='quoted'\r\nCaso=1\r\nSeparador=124,\r\n",

@@ -1,6 +1,8 @@
 // The profile-file reader and writer under Importar and Exportar, and what
 // counts as a number in a profile value.
+#include <cstring>
 #include <string>
+#include <tuple>
 
 #include "files/bas_conmuta.h"
 #include "files/files_support.h"
@@ -67,6 +69,15 @@ TEST_F(ProfileReader, PlatformReaderHonoursItsBufferSize) {
   EXPECT_EQ(perfil::GetPrivateProfileStringA("S", "z", nullptr, buf, 4, name.c_str()), 0u);
   EXPECT_STREQ(buf, "");
   EXPECT_EQ(perfil::GetPrivateProfileStringA("S", "k", nullptr, buf, 0, name.c_str()), 0u);
+  // A null section, key or file name copies nothing, not even the default.
+  using Names = std::tuple<const char*, const char*, const char*>;
+  for (const auto& [section, key, file] :
+       {Names{nullptr, "k", name.c_str()}, Names{"S", nullptr, name.c_str()},
+        Names{"S", "k", nullptr}}) {
+    std::memcpy(buf, "xxx", 4);
+    EXPECT_EQ(perfil::GetPrivateProfileStringA(section, key, "default", buf, 4, file), 0u);
+    EXPECT_STREQ(buf, "");
+  }
 }
 
 TEST_F(ProfileReader, AReadSessionSeesAFileChangedOrWrittenMeanwhile) {
