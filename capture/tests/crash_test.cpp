@@ -189,6 +189,17 @@ TEST(CaptureCrash, AFileRotatedOrTruncatedWhileStoppedIsReadToItsEnd) {
          fs::resize_file(dir + "/smdr.log", 0);
        },
        false},
+      // A copy holding only what the last run read: the renamed file is the one
+      // read on.
+      {"renamed, beside a copy made before its last records", "",
+       [](const std::string& dir) {
+         const std::string text = ReadFile(dir + "/smdr.log");
+         size_t read = 0;
+         for (int i = 0; i < 10; ++i) read = text.find("\r\n", read) + 2;
+         std::ofstream(dir + "/smdr.log.0", std::ios::binary) << text.substr(0, read);
+         fs::rename(dir + "/smdr.log", dir + "/smdr.log.1");
+       },
+       false},
       {"renamed and removed", "", [](const std::string& dir) { fs::remove(dir + "/smdr.log"); },
        true},
       {"truncated without a copy", "",

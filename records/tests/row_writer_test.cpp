@@ -213,6 +213,19 @@ TEST(RowWriter, CsvNumbersOutsideTheShortFormsAreWrittenInFull) {
             "7,2,outgoing,2,in-transfer,10000-123--4,00:00:09,9999,0");
 }
 
+// Numbers below 10,000 are written from a table of digit pairs, larger
+// ones in full: each length's edges read as the plain number.
+TEST(RowWriter, CsvDurationsAndRingsAtEveryLengthsEdges) {
+  for (int32_t v : {0, 9, 10, 99, 100, 101, 999, 1000, 9999, 10000}) {
+    SCOPED_TRACE(v);
+    Row row = Sample();
+    row.duration = row.ring = v;
+    const std::string n = std::to_string(v);
+    EXPECT_NE(Render(RowFormat::kCsv, {row}).find("09:05:03," + n + "," + n + ",\"0312"),
+              std::string::npos);
+  }
+}
+
 TEST(RowWriter, JsonlEscapesAndUsesNullForAbsentValues) {
   Row row = Sample();
   row.dialled = u"a\"b\\c\x01";
