@@ -346,7 +346,7 @@ TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
   WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
   ::kill(service->pid(), SIGHUP);
   EXPECT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find("1 source(s) stopped, 0 started") !=
+    return ReadFile(dir + "/service.log").find(": 1 source(s) stopped, 0 started") !=
            std::string::npos;
   })) << ReadFile(dir + "/service.log");
   EXPECT_EQ(service->Stop(SIGTERM), 0);

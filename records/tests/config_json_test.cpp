@@ -93,6 +93,11 @@ TEST(ConfigJson, ErrorsNameTheMemberAtFault) {
             "fields.emParamFechaDia.type: missing");
   EXPECT_EQ(ErrorOf(R"({"fields": {"emParamFechaDia": {"pos": 1, "size": 2, "type": "date"}}})"),
             "fields.emParamFechaDia.type: unknown name \"date\"");
+  // A type by its number: 1 (numeric) to 3 (string).
+  EXPECT_EQ(ErrorOf(R"({"fields": {"emParamFechaDia": {"pos": 1, "size": 2, "type": 3}}})"),
+            "(no error)");
+  EXPECT_EQ(ErrorOf(R"({"fields": {"emParamFechaDia": {"pos": 1, "size": 2, "type": 4}}})"),
+            "fields.emParamFechaDia.type: must be \"numeric\", \"constant\" or \"string\"");
   EXPECT_EQ(ErrorOf(R"({"fields": {"emNoParamDato": {"pos": 1, "size": 2, "type": 1}}})"),
             "fields.emNoParamDato: not a data-field key (emParamFechaDia ... "
             "emParamExtensionTransferida)");
