@@ -32,6 +32,10 @@ const char* SortColumn(CallSort sort) {
   return "c.start";
 }
 
+// The order's tie-break: the call's id, in the price's order as the keys'
+// index holds it.
+const char* TieColumn(CallSort sort) { return sort == CallSort::kCost ? "s.call_id" : "c.id"; }
+
 // An amount in millionths as decimal text ("-1.250000").
 std::string Decimal(int64_t millionths) {
   const uint64_t size =
@@ -159,7 +163,8 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
              "SELECT * FROM (SELECT c.id AS id, " + sort + " AS sort_key" + CallsFrom(q.sort, "") +
              " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " AND " +
              PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order + nulls +
-             ", c.id" + order + " LIMIT " + wanted + ") AS p" + std::to_string(params.size());
+             ", " + TieColumn(q.sort) + order + " LIMIT " + wanted + ") AS p" +
+             std::to_string(params.size());
   };
   for (const Period& p : periods) {
     add(p, false);
@@ -292,7 +297,7 @@ std::vector<int64_t> OrderedPage(Connection& db, const CallQuery& q, const std::
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
   std::string sql = "SELECT c.id" + CallsFrom(q.sort, road) +
                     " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " ORDER BY " +
-                    SortColumn(q.sort) + order + nulls + ", c.id" + order;
+                    SortColumn(q.sort) + order + nulls + ", " + TieColumn(q.sort) + order;
   params.emplace_back(q.limit + 1);
   sql += " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
