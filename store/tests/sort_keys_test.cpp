@@ -198,6 +198,10 @@ TEST_P(SortKeysTest, TheKeysFollowEveryWriteOfAPriceAndOfACall) {
     step.write();
     EXPECT_EQ(OutOfStep(), "0+0");
     EXPECT_EQ(Rows("SELECT count(cost) FROM call_keys"), std::to_string(step.keyed));
+    // Pricing every call builds the price's index again at its end.
+    EXPECT_EQ(Rows(pg ? "SELECT count(*) FROM pg_indexes WHERE indexname = 'call_keys_cost'"
+                      : "SELECT count(*) FROM sqlite_master WHERE name = 'call_keys_cost'"),
+              "1");
   }
   // A call without a start (kept apart from the months' tables on
   // PostgreSQL) takes its keys as well.
