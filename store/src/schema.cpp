@@ -238,8 +238,8 @@ CREATE INDEX IF NOT EXISTS calls_trunk ON calls (trunk{first}{id}){dialled}
 
 // The index of the price's order (version 11), over each call's keys: the
 // price as a number, those without one first, then the call's id (the
-// order's tie-break); on SQLite with the start after them, so that a
-// period's filter is checked in the index.
+// order's tie-break; on SQLite the row id that ends every entry). A period
+// is checked on the keys' own narrow row, not the call's.
 constexpr const char* kKeyIndexes = R"(
 CREATE INDEX IF NOT EXISTS call_keys_cost ON call_keys (cost{first}{rest})
 )";
@@ -326,8 +326,7 @@ int StoredVersion(Connection& db, bool pg) {
 std::string BaseQueryIndexes(bool postgres) { return ForEngine(postgres, kQueryIndexes); }
 
 std::string KeyIndexes(bool postgres) {
-  return Replace(ForEngine(postgres, kKeyIndexes), "{rest}",
-                 postgres ? ", call_id" : ", call_id, start");
+  return Replace(ForEngine(postgres, kKeyIndexes), "{rest}", postgres ? ", call_id" : "");
 }
 
 std::string SortIndexes(bool postgres) {

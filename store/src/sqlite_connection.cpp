@@ -31,6 +31,12 @@ constexpr int kBusyTimeoutMs = 30000;
 constexpr const char* kCache = "PRAGMA cache_size = -65536; PRAGMA wal_autocheckpoint = 1000";
 constexpr const char* kBulkCache = "PRAGMA cache_size = -4096; PRAGMA wal_autocheckpoint = 10000";
 
+// Every price's sort key set from its price, in one pass over the prices.
+// (A call without a price has no key: a price removed clears it.)
+constexpr const char* kKeysFromPrices =
+    "UPDATE call_keys SET cost = n.cost FROM (SELECT call_id, CAST(cost AS NUMERIC) AS cost "
+    "FROM call_costs) AS n WHERE call_keys.call_id = n.call_id AND call_keys.cost IS NOT n.cost";
+
 class SqliteRow : public ResultRow {
  public:
   explicit SqliteRow(sqlite3_stmt* stmt) : stmt_(stmt) {}
@@ -170,7 +176,7 @@ class SqliteConnection : public Connection {
     for (const CostRow* r = rows; r != rows + n; ++r) {
       if (!r->kept) continue;
       WritePrice(*r);
-      WritePriceKey(*r);
+      if (!keys_later_) WritePriceKey(*r);
     }
   }
 
@@ -193,9 +199,15 @@ class SqliteConnection : public Connection {
   // ends). Free, the lock means no load is running: missing indexes are
   // those of a load that died, and are built again (those present are left
   // as they are).
+  // The price's index missing also means its keys may lag their prices
+  // (a bulk pricing that died): they are set again from the prices first.
   void Repair() override {
     const int lock = TakeBulkLock();
     if (lock < 0) return;
+    bool indexed = false;
+    Run("SELECT 1 FROM sqlite_master WHERE type = 'index' AND name = 'call_keys_cost'", {},
+        [&](const ResultRow&) { indexed = true; });
+    if (!indexed) Script(kKeysFromPrices);
     Script(QueryIndexes());
     ReleaseBulkLock(lock);
   }
@@ -216,13 +228,20 @@ class SqliteConnection : public Connection {
   // Pricing a call moves its entry in the index of the price's order, to a
   // place of its own: pricing half the store or more, the index is built
   // once at the end instead, under the bulk lock.
+  // The keys themselves are then set from the prices in one pass at the
+  // end, not a statement a price (until then they follow the prices as they
+  // were: so does the price's order of a search meanwhile).
   void BeginBulkPricing(int64_t stored, int64_t calls) override {
     if (2 * calls < stored || calls == 0 || bulk_lock_ >= 0) return;
     bulk_lock_ = TakeBulkLock();
-    if (bulk_lock_ >= 0) Script("DROP INDEX IF EXISTS call_keys_cost");
+    if (bulk_lock_ < 0) return;
+    Script("DROP INDEX IF EXISTS call_keys_cost");
+    keys_later_ = true;
   }
   void EndBulk() override {
     if (bulk_lock_ < 0) return;
+    if (keys_later_) Script(kKeysFromPrices);
+    keys_later_ = false;
     Script(QueryIndexes() + ";" + kCache);
     ReleaseBulkLock(bulk_lock_);
     bulk_lock_ = -1;
@@ -376,6 +395,7 @@ class SqliteConnection : public Connection {
   sqlite3_stmt* costs_ = nullptr;     // the upsert of one price, held in statements_
   sqlite3_stmt* keys_ = nullptr;      // the update of its sort key, held there too
   sqlite3_stmt* new_keys_ = nullptr;  // the keys of a call stored, held there too
+  bool keys_later_ = false;           // the price keys set at EndBulk
 };
 
 }  // namespace
