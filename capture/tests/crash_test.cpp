@@ -109,13 +109,14 @@ Schema SchemaOf(const std::string& store) {
   sqlite3* db = nullptr;
   if (sqlite3_open_v2(store.c_str(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
     sqlite3_stmt* stmt = nullptr;
-    sqlite3_prepare_v2(db, "SELECT type, name FROM sqlite_master WHERE tbl_name = 'calls'", -1,
-                       &stmt, nullptr);
+    sqlite3_prepare_v2(
+        db, "SELECT type, name FROM sqlite_master WHERE tbl_name IN ('calls', 'call_keys')", -1,
+        &stmt, nullptr);
     while (stmt != nullptr && sqlite3_step(stmt) == SQLITE_ROW) {
       const std::string type = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0));
       const std::string name = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 1));
-      if (type == "table") schema.calls = true;
-      if (type == "index" && name.rfind("calls_", 0) == 0) schema.indexes.push_back(name);
+      if (type == "table" && name == "calls") schema.calls = true;
+      if (type == "index" && name.rfind("call", 0) == 0) schema.indexes.push_back(name);
     }
     sqlite3_finalize(stmt);
   }
@@ -138,10 +139,9 @@ TEST(CaptureCrash, ABacklogLoadedInBulkSurvivesAKill) {
                   "\"smdr.log\"\n");
   const std::vector<std::string> records = GenerateRecords(dir + "/smdr.log", 40000);
   const std::vector<std::string> indexes = {
-      "calls_account_code",    "calls_callback",     "calls_cost",
-      "calls_dialled",         "calls_duration",     "calls_extension",
-      "calls_extension_start", "calls_missed_start", "calls_start",
-      "calls_trunk",           "calls_trunk_held",   "calls_trunk_start"};
+      "call_keys_cost", "calls_account_code", "calls_callback",        "calls_dialled",
+      "calls_duration", "calls_extension",    "calls_extension_start", "calls_missed_start",
+      "calls_start",    "calls_trunk",        "calls_trunk_held",      "calls_trunk_start"};
   auto service = StartService(config, dir);
   const std::chrono::seconds generous(60);
   ASSERT_TRUE(WaitFor(

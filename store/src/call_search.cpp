@@ -25,12 +25,16 @@ const char* SortColumn(CallSort sort) {
     case CallSort::kTrunk:
       return "c.trunk";
     case CallSort::kCost:
-      return "c.cost_order";  // the price as a number, kept beside the call
+      return "s.cost";  // the price as a number, in the call's keys
     case CallSort::kStart:
       break;
   }
   return "c.start";
 }
+
+// The order's tie-break: the call's id, in the price's order as the keys'
+// index holds it.
+const char* TieColumn(CallSort sort) { return sort == CallSort::kCost ? "s.call_id" : "c.id"; }
 
 // An amount in millionths as decimal text ("-1.250000").
 std::string Decimal(int64_t millionths) {
@@ -41,20 +45,47 @@ std::string Decimal(int64_t millionths) {
   return (millionths < 0 ? "-" : "") + std::to_string(size / 1000000) + "." + fraction;
 }
 
-// The filter and, in the cost's order, its cost bounds also on the key the
-// order's index holds, a millionth wider (the exact comparison stays in the
-// filter): a page of calls above an amount, cheapest first, then starts at
-// the amount in the index rather than walking every cheaper call.
+// The calls a page is read from: in the price's order, through the calls'
+// keys (`s`), whose index holds that order; `index` names the index to read
+// through ("" = the planner's choice).
+std::string CallsFrom(CallSort sort, const std::string& index) {
+  const std::string road = index.empty() ? "" : " INDEXED BY " + index;
+  if (sort != CallSort::kCost) return " FROM calls c" + road;
+  if (index == "call_keys_cost")
+    return " FROM call_keys s" + road + " CROSS JOIN calls c ON c.id = s.call_id";
+  return " FROM calls c" + road + " JOIN call_keys s ON s.call_id = c.id";
+}
+
+// The filter's period as conditions on the keys' start.
+std::string OnKeysStart(const CallFilter& filter, std::vector<Value>* params) {
+  CallFilter period;
+  period.from = filter.from;
+  period.to = filter.to;
+  std::string sql = CallWhere(period, params);
+  sql.erase(0, std::strlen(" WHERE 1 = 1"));
+  for (size_t at = sql.find("c.start"); at != std::string::npos; at = sql.find("c.start", at)) {
+    sql[at] = 's';
+  }
+  return sql;
+}
+
+// The filter and, in the cost's order, its period and cost bounds also on
+// the keys the order's index holds, the cost a millionth wider (the exact
+// comparison stays in the filter): a page of calls above an amount,
+// cheapest first, then starts at the amount in the index rather than
+// walking every cheaper call, and calls of other days are passed over in
+// the index.
 std::string WhereFor(const CallQuery& q, const CallFilter& filter, std::vector<Value>* params) {
   std::string sql = CallWhere(filter, params);
   if (q.sort != CallSort::kCost) return sql;
+  sql += OnKeysStart(filter, params);
   if (filter.min_cost) {
     params->push_back(Decimal(*filter.min_cost - 1));
-    sql += " AND c.cost_order >= $" + std::to_string(params->size());
+    sql += " AND s.cost >= $" + std::to_string(params->size());
   }
   if (filter.max_cost) {
     params->push_back(Decimal(*filter.max_cost + 1));
-    sql += " AND c.cost_order <= $" + std::to_string(params->size());
+    sql += " AND s.cost <= $" + std::to_string(params->size());
   }
   return sql;
 }
@@ -128,11 +159,12 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
   std::string parts;
   const auto add = [&](const Period& p, bool without_start) {
     const std::string where = WhereFor(q, rest, &params);
-    parts +=
-        std::string(parts.empty() ? "" : " UNION ALL ") + "SELECT * FROM (SELECT c.id AS id, " +
-        sort + " AS sort_key FROM calls c LEFT JOIN call_costs k ON k.call_id = c.id" + where +
-        " AND " + PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order + nulls +
-        ", c.id" + order + " LIMIT " + wanted + ") AS p" + std::to_string(params.size());
+    parts += std::string(parts.empty() ? "" : " UNION ALL ") +
+             "SELECT * FROM (SELECT c.id AS id, " + sort + " AS sort_key" + CallsFrom(q.sort, "") +
+             " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " AND " +
+             PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order + nulls +
+             ", " + TieColumn(q.sort) + order + " LIMIT " + wanted + ") AS p" +
+             std::to_string(params.size());
   };
   for (const Period& p : periods) {
     add(p, false);
@@ -195,7 +227,7 @@ const char* SortIndex(CallSort sort) {
     case CallSort::kTrunk:
       return "calls_trunk";
     case CallSort::kCost:
-      return "calls_cost";
+      return "call_keys_cost";
     case CallSort::kStart:
       break;
   }
@@ -226,7 +258,7 @@ CallFilter CallColumnsOf(const CallFilter& f) {
   return columns;
 }
 
-// The index SQLite should read the page through ("" = its planner's
+// The index SQLite should read the page through, by its name ("" = its planner's
 // choice; it keeps no statistics of how many calls a filter picks).
 // A number prefix few calls have: the index on the number, then sort them.
 // Otherwise, in an order other than the start's: few calls picked by the
@@ -244,28 +276,28 @@ std::string Road(Connection& db, const CallQuery& q) {
     prefix.number_prefix = f.number_prefix;
     std::vector<Value> params;
     const std::string where = CallWhere(prefix, &params);
-    if (Few(db, where, params)) return " INDEXED BY calls_dialled";
+    if (Few(db, where, params)) return "calls_dialled";
   }
   if (q.sort == CallSort::kStart) {
     const bool narrower = !f.extension.empty() || !f.trunk.empty() || !f.account_code.empty();
-    return !f.number_prefix.empty() && !narrower ? " INDEXED BY calls_start" : "";
+    return !f.number_prefix.empty() && !narrower ? "calls_start" : "";
   }
   std::vector<Value> params;
   const std::string where = CallWhere(CallColumnsOf(f), &params);
-  return Few(db, where, params) ? "" : std::string(" INDEXED BY ") + SortIndex(q.sort);
+  return Few(db, where, params) ? "" : SortIndex(q.sort);
 }
 
-// The ids of the page's calls: those `where` lets through, read by `road`
-// (an INDEXED BY, or nothing), in the page's order (ties by id, the calls
+// The ids of the page's calls: those `where` lets through, read through the
+// index `road` ("" = the planner's choice), in the page's order (ties by id, the calls
 // without the key first going up), one more than the page to tell whether
 // another follows.
 std::vector<int64_t> OrderedPage(Connection& db, const CallQuery& q, const std::string& road,
                                  const std::string& where, std::vector<Value> params) {
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = "SELECT c.id FROM calls c" + road +
+  std::string sql = "SELECT c.id" + CallsFrom(q.sort, road) +
                     " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " ORDER BY " +
-                    SortColumn(q.sort) + order + nulls + ", c.id" + order;
+                    SortColumn(q.sort) + order + nulls + ", " + TieColumn(q.sort) + order;
   params.emplace_back(q.limit + 1);
   sql += " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
@@ -317,8 +349,7 @@ std::optional<std::vector<int64_t>> PageIdsByPeriodsInOrder(Connection& db, cons
   }
   where = WhereFor(q, rest, &params);
   where += in_periods(&params);
-  return OrderedPage(db, q, postgres ? "" : std::string(" INDEXED BY ") + SortIndex(q.sort), where,
-                     std::move(params));
+  return OrderedPage(db, q, postgres ? "" : SortIndex(q.sort), where, std::move(params));
 }
 
 }  // namespace

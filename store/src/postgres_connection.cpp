@@ -187,7 +187,7 @@ class PgConnection : public Connection {
              ? "COPY calls (id, switch_id, source_id, position, received_utc, raw, type, "
                "attribute, start, start_utc, duration, ring, dialled, extension, trunk, "
                "receiving_extension, receiving_trunk, account_code, extension_random, ended, "
-               "ended_utc, date_received, switch_charge, extras, line, cost_order) FROM STDIN"
+               "ended_utc, date_received, switch_charge, extras, line) FROM STDIN"
              : "COPY calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
                "start, start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
                "receiving_trunk, account_code, extension_random, ended, ended_utc, date_received, "
@@ -224,11 +224,6 @@ class PgConnection : public Connection {
            AppendCopyText(out, v.extras);
            out += '\t';
            AppendCopyNumber(out, v.line);
-           if (costs != nullptr) {  // the price's sort key, with the call
-             const CostRow& cost = costs[&v - rows];
-             out += '\t';
-             AppendCopyText(out, cost.kept && cost.cost ? *cost.cost : std::string());
-           }
            out += '\n';
          });
     if (costs == nullptr) return;

@@ -124,6 +124,26 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
     last = r.Int(0);
     result.resumed = true;
   });
+  std::vector<Value> count_params;
+  int64_t calls = 0;
+  db_->Run("SELECT count(*) FROM calls c" + CallWhere(filter, &count_params), count_params,
+           [&](const ResultRow& r) { calls = r.Int(0); });
+  db_->BeginBulkPricing(CountCalls(""), calls);
+  try {
+    PriceBatches(sql, params, batch, run, last, result, progress);
+  } catch (...) {
+    db_->EndBulk();
+    throw;
+  }
+  db_->EndBulk();
+  db_->Run("DELETE FROM rating_progress WHERE run = $1", {run});
+  RefreshDaySummaries(*db_);  // the days priced again, summed again now
+  return result;
+}
+
+void SqlStore::PriceBatches(const std::string& sql, std::vector<Value>& params, int64_t batch,
+                            const std::string& run, int64_t last, RateResult& result,
+                            const std::function<void(int64_t)>& progress) {
   int64_t total = 0;
   std::string switch_name, start, dialled, trunk;
   std::vector<LabelKey> keys;
@@ -170,9 +190,6 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
     if (progress) progress(total);
     if (static_cast<int64_t>(read) < batch) break;
   }
-  db_->Run("DELETE FROM rating_progress WHERE run = $1", {run});
-  RefreshDaySummaries(*db_);  // the days priced again, summed again now
-  return result;
 }
 
 int64_t SqlStore::PutDirectory(const std::vector<velqua_rating::DirectoryEntry>& entries) {

@@ -205,9 +205,9 @@ constexpr const char* kQueryIndexNames[] = {"calls_start",        "calls_extensi
                                             "calls_trunk_start",  "calls_dialled",
                                             "calls_account_code", "calls_missed_start",
                                             "calls_trunk_held",   "calls_callback",
-                                            "calls_duration",     "calls_cost",
-                                            "calls_extension",    "calls_trunk",
-                                            "calls_dialled_id",   nullptr};
+                                            "calls_duration",     "calls_extension",
+                                            "calls_trunk",        "calls_dialled_id",
+                                            "call_keys_cost",     nullptr};
 constexpr const char* kQueryIndexes = R"(
 CREATE INDEX IF NOT EXISTS calls_start ON calls (start{first});
 CREATE INDEX IF NOT EXISTS calls_extension_start ON calls (extension, start{first});
@@ -232,9 +232,16 @@ CREATE INDEX IF NOT EXISTS calls_callback ON calls (dialled, start{first}, switc
 // month's table or a few.
 constexpr const char* kSortIndexes = R"(
 CREATE INDEX IF NOT EXISTS calls_duration ON calls (duration{first}{id}{start});
-CREATE INDEX IF NOT EXISTS calls_cost ON calls (cost_order{first}{id}{start});
 CREATE INDEX IF NOT EXISTS calls_extension ON calls (extension{first}{id});
 CREATE INDEX IF NOT EXISTS calls_trunk ON calls (trunk{first}{id}){dialled}
+)";
+
+// The index of the price's order (version 11), over each call's keys: the
+// price as a number, those without one first, then the call's id (the
+// order's tie-break; on SQLite the row id that ends every entry). A period
+// is checked on the keys' own narrow row, not the call's.
+constexpr const char* kKeyIndexes = R"(
+CREATE INDEX IF NOT EXISTS call_keys_cost ON call_keys (cost{first}{rest})
 )";
 
 std::string Replace(std::string sql, std::string_view key, std::string_view value) {
@@ -295,9 +302,11 @@ void Apply(Connection& db, int version) {
     // Version 9: on PostgreSQL, calls kept in a table a month.
     PartitionCallsByMonth(db);
   } else if (version == 10) {
-    // Version 10: the indexes of the search's orders, and the price's key
-    // beside each call.
+    // Version 10: the indexes of the search's orders.
     AddSortKeys(db);
+  } else if (version == 11) {
+    // Version 11: the price's sort key in each call's keys.
+    AddPriceKeys(db);
   }
 }
 
@@ -316,6 +325,10 @@ int StoredVersion(Connection& db, bool pg) {
 
 std::string BaseQueryIndexes(bool postgres) { return ForEngine(postgres, kQueryIndexes); }
 
+std::string KeyIndexes(bool postgres) {
+  return Replace(ForEngine(postgres, kKeyIndexes), "{rest}", postgres ? ", call_id" : "");
+}
+
 std::string SortIndexes(bool postgres) {
   std::string sql = Replace(ForEngine(postgres, kSortIndexes), "{id}", postgres ? ", id" : "");
   sql = Replace(sql, "{start}", postgres ? "" : ", id, start");
@@ -327,7 +340,7 @@ std::string SortIndexes(bool postgres) {
 }
 
 std::string QueryIndexes(bool postgres) {
-  return BaseQueryIndexes(postgres) + ";\n" + SortIndexes(postgres);
+  return BaseQueryIndexes(postgres) + ";\n" + SortIndexes(postgres) + ";\n" + KeyIndexes(postgres);
 }
 
 const char* const* QueryIndexNames() { return kQueryIndexNames; }

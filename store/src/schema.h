@@ -10,7 +10,7 @@ namespace velqua_store {
 class Connection;
 
 // The schema version this program writes and reads.
-constexpr int kSchemaVersion = 10;
+constexpr int kSchemaVersion = 11;
 
 // Brings the schema of an open database up to kSchemaVersion (or to
 // `version`, below it: a store as an older program left it) in one
@@ -32,14 +32,19 @@ void KeyPricesByCall(Connection& db);
 std::string QueryIndexes(bool postgres = false);
 const char* const* QueryIndexNames();
 
-// The indexes as steps before version 10 made them, and those version 10
-// adds for the search's orders.
+// The indexes as steps before version 10 made them, those version 10 adds
+// for the search's orders, and the one version 11 adds over the calls' keys
+// for the price's order.
 std::string BaseQueryIndexes(bool postgres);
 std::string SortIndexes(bool postgres);
+std::string KeyIndexes(bool postgres);
 
-// The step to version 10: calls.cost_order, the price's sort key, kept by
-// triggers on call_costs, and the indexes of the search's orders
-// (sort_keys.cpp).
+// The step to version 10: the indexes of the search's orders (sort_keys.cpp).
 void AddSortKeys(Connection& db);
+
+// The step to version 11: the price's sort key in call_keys, a narrow row
+// a call, kept apart from the call so that pricing a call rewrites that
+// small row alone (sort_keys.cpp).
+void AddPriceKeys(Connection& db);
 
 }  // namespace velqua_store

@@ -97,6 +97,9 @@ class Connection {
   // begins or ends (SQLite drops its query indexes for a load larger than
   // what is stored, and builds them again at the end).
   virtual void BeginBulk(int64_t /*stored*/, int64_t /*records*/) {}
+  // Pricing `calls` of the `stored` again begins (SQLite drops the index of
+  // the price's order when they are many, and EndBulk builds it again).
+  virtual void BeginBulkPricing(int64_t /*stored*/, int64_t /*calls*/) {}
   virtual void EndBulk() {}
 
   // The schema's flavour of this engine: "sqlite" or "postgresql".

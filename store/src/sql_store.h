@@ -62,6 +62,11 @@ class SqlStore : public Store {
   Connection& connection() { return *db_; }
 
  private:
+  // Rate's batches: the calls `sql` reads after the id `last`, priced and
+  // written a batch a transaction, the run's progress noted with each.
+  void PriceBatches(const std::string& sql, std::vector<Value>& params, int64_t batch,
+                    const std::string& run, int64_t last, RateResult& result,
+                    const std::function<void(int64_t)>& progress);
   // Throws MonthsMissing, unless `any_month`, when a call's month has no
   // table yet (call_months.h): the caller adds it outside the transaction.
   WriteResult WriteOnce(const Source& source, const std::vector<Record>& records,

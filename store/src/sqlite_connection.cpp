@@ -31,6 +31,12 @@ constexpr int kBusyTimeoutMs = 30000;
 constexpr const char* kCache = "PRAGMA cache_size = -65536; PRAGMA wal_autocheckpoint = 1000";
 constexpr const char* kBulkCache = "PRAGMA cache_size = -4096; PRAGMA wal_autocheckpoint = 10000";
 
+// Every price's sort key set from its price, in one pass over the prices.
+// (A call without a price has no key: a price removed clears it.)
+constexpr const char* kKeysFromPrices =
+    "UPDATE call_keys SET cost = n.cost FROM (SELECT call_id, CAST(cost AS NUMERIC) AS cost "
+    "FROM call_costs) AS n WHERE call_keys.call_id = n.call_id AND call_keys.cost IS NOT n.cost";
+
 class SqliteRow : public ResultRow {
  public:
   explicit SqliteRow(sqlite3_stmt* stmt) : stmt_(stmt) {}
@@ -72,7 +78,8 @@ class SqliteConnection : public Connection {
     static const int unused = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
     (void)unused;
     const int rc =
-        sqlite3_open_v2(path.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+        sqlite3_open_v2(path.c_str(), &db_,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
     if (rc != SQLITE_OK) {
       const std::string why = db_ != nullptr ? sqlite3_errmsg(db_) : sqlite3_errstr(rc);
       sqlite3_close(db_);
@@ -134,9 +141,8 @@ class SqliteConnection : public Connection {
         "INSERT INTO calls (switch_id, source_id, position, received_utc, raw, type, attribute, "
         "start, start_utc, duration, ring, dialled, extension, trunk, receiving_extension, "
         "receiving_trunk, account_code, extension_random, ended, ended_utc, date_received, "
-        "switch_charge, extras, line, cost_order) "
-        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, "
-        "CAST(? AS NUMERIC))");
+        "switch_charge, extras, line) "
+        "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
     for (const CallValues* v = rows; v != rows + n; ++v) {
       BindCommon(stmt, *v);
       sqlite3_bind_int(stmt, 6, v->type);
@@ -153,18 +159,14 @@ class SqliteConnection : public Connection {
       BindText(stmt, 22, v->switch_charge);
       BindText(stmt, 23, v->extras);
       BindCount(stmt, 24, v->line);
-      // The price's sort key is written with the call (the triggers on
-      // call_costs then leave the row as it is).
-      static const std::string kUnpriced;
-      const CostRow* priced = costs != nullptr ? &costs[v - rows] : nullptr;
-      BindText(stmt, 25,
-               priced != nullptr && priced->kept && priced->cost ? *priced->cost : kUnpriced);
       Step(stmt, nullptr);
-      if (costs == nullptr) continue;
-      // The call's id is its row id: its price is appended right after it.
-      CostRow& cost = costs[v - rows];
-      cost.call_id = sqlite3_last_insert_rowid(db_);
-      if (cost.kept) WriteCost(cost);
+      // The call's id is its row id: its keys and its price are appended
+      // right after it, the keys with the price's sort key already set.
+      const int64_t id = sqlite3_last_insert_rowid(db_);
+      CostRow* cost = costs != nullptr && costs[v - rows].kept ? &costs[v - rows] : nullptr;
+      if (cost != nullptr) cost->call_id = id;
+      InsertKeys(id, v->start, cost);
+      if (cost != nullptr) WritePrice(*cost);
     }
   }
 
@@ -172,7 +174,9 @@ class SqliteConnection : public Connection {
   // statement of many rows costs time growing with the square of their number.
   void UpsertCosts(const CostRow* rows, size_t n) override {
     for (const CostRow* r = rows; r != rows + n; ++r) {
-      if (r->kept) WriteCost(*r);
+      if (!r->kept) continue;
+      WritePrice(*r);
+      if (!keys_later_) WritePriceKey(*r);
     }
   }
 
@@ -195,9 +199,15 @@ class SqliteConnection : public Connection {
   // ends). Free, the lock means no load is running: missing indexes are
   // those of a load that died, and are built again (those present are left
   // as they are).
+  // The price's index missing also means its keys may lag their prices
+  // (a bulk pricing that died): they are set again from the prices first.
   void Repair() override {
     const int lock = TakeBulkLock();
     if (lock < 0) return;
+    bool indexed = false;
+    Run("SELECT 1 FROM sqlite_master WHERE type = 'index' AND name = 'call_keys_cost'", {},
+        [&](const ResultRow&) { indexed = true; });
+    if (!indexed) Script(kKeysFromPrices);
     Script(QueryIndexes());
     ReleaseBulkLock(lock);
   }
@@ -215,8 +225,23 @@ class SqliteConnection : public Connection {
     }
     Script(drop + kBulkCache);
   }
+  // Pricing a call moves its entry in the index of the price's order, to a
+  // place of its own: pricing half the store or more, the index is built
+  // once at the end instead, under the bulk lock.
+  // The keys themselves are then set from the prices in one pass at the
+  // end, not a statement a price (until then they follow the prices as they
+  // were: so does the price's order of a search meanwhile).
+  void BeginBulkPricing(int64_t stored, int64_t calls) override {
+    if (2 * calls < stored || calls == 0 || bulk_lock_ >= 0) return;
+    bulk_lock_ = TakeBulkLock();
+    if (bulk_lock_ < 0) return;
+    Script("DROP INDEX IF EXISTS call_keys_cost");
+    keys_later_ = true;
+  }
   void EndBulk() override {
     if (bulk_lock_ < 0) return;
+    if (keys_later_) Script(kKeysFromPrices);
+    keys_later_ = false;
     Script(QueryIndexes() + ";" + kCache);
     ReleaseBulkLock(bulk_lock_);
     bulk_lock_ = -1;
@@ -252,13 +277,37 @@ class SqliteConnection : public Connection {
     ::close(fd);
   }
 
-  void WriteCost(const CostRow& r) {
+  void InsertKeys(int64_t call_id, const std::string& start, const CostRow* cost) {
+    if (new_keys_ == nullptr) {
+      new_keys_ =
+          Prepare("INSERT INTO call_keys (call_id, start, cost) VALUES (?, ?, CAST(? AS NUMERIC))");
+    }
+    sqlite3_bind_int64(new_keys_, 1, call_id);
+    BindText(new_keys_, 2, start);
+    if (cost != nullptr && cost->cost) BindText(new_keys_, 3, *cost->cost);
+    Step(new_keys_, nullptr);
+  }
+
+  void WritePrice(const CostRow& r) {
     if (costs_ == nullptr) costs_ = Prepare(UpsertCostsSql(1));
     sqlite3_bind_int64(costs_, 1, r.call_id);
     if (r.cost) BindText(costs_, 2, *r.cost);
     if (r.label > 0) sqlite3_bind_int64(costs_, 3, r.label);
     BindText(costs_, 4, r.reason);
     Step(costs_, nullptr);
+  }
+
+  // The price's sort key, in the call's keys (left as it is when the price
+  // has not changed).
+  void WritePriceKey(const CostRow& r) {
+    if (keys_ == nullptr) {
+      keys_ = Prepare(
+          "UPDATE call_keys SET cost = CAST(?1 AS NUMERIC) WHERE call_id = ?2 AND "
+          "cost IS NOT CAST(?1 AS NUMERIC)");
+    }
+    if (r.cost) BindText(keys_, 1, *r.cost);
+    sqlite3_bind_int64(keys_, 2, r.call_id);
+    Step(keys_, nullptr);
   }
 
   [[noreturn]] void Fail(int rc, const std::string& why) const {
@@ -343,7 +392,10 @@ class SqliteConnection : public Connection {
   sqlite3* db_ = nullptr;
   std::unordered_map<std::string, Statement> statements_;
   std::unordered_map<sqlite3_stmt*, std::vector<int>> parameter_indexes_;
-  sqlite3_stmt* costs_ = nullptr;  // the upsert of one price, held in statements_
+  sqlite3_stmt* costs_ = nullptr;     // the upsert of one price, held in statements_
+  sqlite3_stmt* keys_ = nullptr;      // the update of its sort key, held there too
+  sqlite3_stmt* new_keys_ = nullptr;  // the keys of a call stored, held there too
+  bool keys_later_ = false;           // the price keys set at EndBulk
 };
 
 }  // namespace

@@ -129,18 +129,26 @@ constexpr const char* kPricesAsVersion6 =
     "DROP TABLE call_costs; DROP TABLE cost_labels; "
     "ALTER TABLE call_costs_6 RENAME TO call_costs;";
 
-// What takes the search's sort keys away (the price's key beside each
-// call, its triggers and the orders' indexes), for a store of version 9.
+// What takes the calls' price keys away (their table or column, triggers and
+// index), for a store of version 10.
+inline std::string WithoutPriceKeys(Engine engine) {
+  if (engine == Engine::kPostgres) {
+    return "DROP FUNCTION call_costs_keep_keys() CASCADE; DROP INDEX call_keys_cost; "
+           "ALTER TABLE call_keys DROP COLUMN cost; ";
+  }
+  return "DROP TRIGGER calls_keys_update; DROP TRIGGER calls_keys_delete; "
+         "DROP TRIGGER call_costs_keys_delete; DROP TABLE call_keys; ";
+}
+
+// What takes the search's sort keys away (and the price keys), for a store
+// of version 9.
 inline std::string WithoutSortKeys(Engine engine) {
   if (engine == Engine::kPostgres) {
-    return "DROP FUNCTION call_costs_keep_order() CASCADE; DROP INDEX calls_duration, "
-           "calls_cost, calls_extension, calls_trunk, calls_dialled_id; "
-           "ALTER TABLE calls DROP COLUMN cost_order; ";
+    return WithoutPriceKeys(engine) +
+           "DROP INDEX calls_duration, calls_extension, calls_trunk, calls_dialled_id; ";
   }
-  return "DROP TRIGGER call_costs_order_insert; DROP TRIGGER call_costs_order_update; "
-         "DROP TRIGGER call_costs_order_delete; DROP INDEX calls_duration; DROP INDEX calls_cost; "
-         "DROP INDEX calls_extension; DROP INDEX calls_trunk; "
-         "ALTER TABLE calls DROP COLUMN cost_order; ";
+  return WithoutPriceKeys(engine) +
+         "DROP INDEX calls_duration; DROP INDEX calls_extension; DROP INDEX calls_trunk; ";
 }
 
 // What takes the day summaries away (and what later versions added), for a

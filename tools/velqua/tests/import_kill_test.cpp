@@ -105,8 +105,10 @@ int SqliteIndexes(const std::string& path) {
   sqlite3_open(path.c_str(), &db);
   sqlite3_stmt* stmt = nullptr;
   sqlite3_prepare_v2(
-      db, "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND tbl_name = 'calls'", -1,
-      &stmt, nullptr);
+      db,
+      "SELECT count(*) FROM sqlite_master WHERE type = 'index' AND tbl_name IN ('calls', "
+      "'call_keys')",
+      -1, &stmt, nullptr);
   sqlite3_step(stmt);
   const int n = sqlite3_column_int(stmt, 0);
   sqlite3_finalize(stmt);
