@@ -95,15 +95,16 @@ TEST(Spool, TornTailIsCutAtTheFirstBadRecord) {
     int flip_from_end;     // a byte flipped this far from the end (0: none)
     size_t records_left;   // whole records that survive
     bool logged;
+    const char* stream;  // the stream a cut record names, when its name survives
   };
   const Damage damages[] = {
-      {"clean file", 0, "", 0, 3, false},
-      {"last record cut short", 5, "", 0, 2, true},
-      {"only part of a length", 0, "\x07\x00", 0, 3, true},
-      {"garbage after the last record", 0, std::string(40, '\xAB'), 0, 3, true},
-      {"last record's data damaged", 0, "", 2, 2, true},
+      {"clean file", 0, "", 0, 3, false, ""},
+      {"last record cut short", 5, "", 0, 2, true, "pbx"},
+      {"only part of a length", 0, "\x07\x00", 0, 3, true, ""},
+      {"garbage after the last record", 0, std::string(40, '\xAB'), 0, 3, true, ""},
+      {"last record's data damaged", 0, "", 2, 2, true, "pbx"},
       {"a zero-filled tail (a file extended but never written)", 0, std::string(64, '\0'), 0, 3,
-       true},
+       true, ""},
   };
   for (const Damage& d : damages) {
     SCOPED_TRACE(d.name);
@@ -129,6 +130,7 @@ TEST(Spool, TornTailIsCutAtTheFirstBadRecord) {
     std::string log;
     SpoolWriter writer(dir, FsyncPolicy::kAlways, [&log](const std::string& line) { log += line; });
     EXPECT_EQ(!log.empty(), d.logged) << log;
+    EXPECT_EQ(writer.torn_stream(), d.stream);
     EXPECT_EQ(ReadAll(dir, 0).size(), d.records_left);
     const int64_t next = writer.Append(SpoolKind::kData, "pbx", 9, "after");
     EXPECT_GE(next, end + static_cast<int64_t>(d.appended.size()));
