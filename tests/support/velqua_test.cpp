@@ -51,4 +51,15 @@ void WriteFile(const std::string& path, const std::string& bytes) {
       .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
+std::vector<std::pair<std::string, std::string>> ReadCases(const std::string& name) {
+  std::ifstream in(DataPath(name), std::ios::binary);
+  EXPECT_TRUE(in.good()) << DataPath(name);
+  std::vector<std::pair<std::string, std::string>> cases;
+  for (std::string line; std::getline(in, line);) {
+    if (line.rfind("< ", 0) == 0) cases.emplace_back(line.substr(2), "");
+    if (line.rfind("> ", 0) == 0 && !cases.empty()) cases.back().second = line.substr(2);
+  }
+  return cases;
+}
+
 }  // namespace velqua_test

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "velqua/entorno.h"
@@ -90,6 +91,9 @@ class TempDir {
 std::string ReadFile(const std::string& path);  // empty when unreadable
 void WriteFile(const std::string& path, const std::string& bytes);
 inline std::string DataPath(const std::string& name) { return VELQUA_TEST_DATA "/" + name; }
+// The cases of a data file under tests/data: a "< input" line, then its
+// "> expected" line; "#" lines are comments.
+std::vector<std::pair<std::string, std::string>> ReadCases(const std::string& name);
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool kUnderAsan = true;
