@@ -22,7 +22,6 @@ namespace {
 
 const std::string kKxRecords = kExamples + "/kx-tda/records.txt";
 const std::string kSamsung = kExamples + "/samsung-officeserv";
-const std::string kIpOffice = kExamples + "/ip-office";
 const std::string kHeadings =
     "[switch.framing]\npage_headings = ['*Date*Time*', "
     "'----------------------------------------*', '*===='"
@@ -73,14 +72,6 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
        "\"SMDR\\r\\n\"\n"
        "[[switch.source.login]]\nexpect = \"Password: \"\nsend = \"PCCSMDR\\r\\n\"\n",
        RecordsOf(kKxRecords)},
-      {"one byte at a time",
-       {"panasonic", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--one-byte",
-        "--user", ""},
-       true,
-       kHeadings,
-       "[[switch.source]]\nname = \"lan\"\nkind = \"tcp-connect\"\nhost = \"127.0.0.1\"\n"
-       "port = {port}\n",
-       RecordsOf(kKxRecords)},
       {"Samsung: NUL-ended records and form-feed headings",
        {"samsung", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--page-lines",
         "100"},
@@ -112,12 +103,6 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
        "config = \"" + kSamsung + "/samsung-officeserv.json\"\n",
        "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"{path}\"\n",
        RecordsOf(kSamsung + "/records.txt", {}, true)},
-      {"IP Office: comma-separated records shaped by its configuration",
-       {"ipoffice", "--port", "{port}", "--records", kIpOffice + "/records.txt", "--rate", "0"},
-       false,
-       "config = \"" + kIpOffice + "/ip-office.json\"\n",
-       "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n",
-       RecordsOf(kIpOffice + "/records.txt")},
       {"serial port through a pseudo-terminal",
        {"serial", "--link", "{path}", "--records", kKxRecords, "--rate", "0"},
        true,
@@ -178,12 +163,6 @@ TEST(CaptureService, AnUnreachableSwitchIsNamedByHostAndPort) {
   })) << ReadFile(dir + "/service.log");
   EXPECT_EQ(service->Stop(SIGTERM), 0);
 }
-
-}  // namespace
-}  // namespace velqua_capture_test
-
-namespace velqua_capture_test {
-namespace {
 
 const std::string kListen = "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = ";
 
@@ -354,12 +333,6 @@ TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
   const std::string log = ReadFile(dir + "/service.log");
   EXPECT_EQ(log.find("ipo/127.0.0.1: disconnected: configuration reloaded"), std::string::npos);
 }
-
-}  // namespace
-}  // namespace velqua_capture_test
-
-namespace velqua_capture_test {
-namespace {
 
 // PostgreSQL stopped under a running service and started again: the records
 // wait in the spool meanwhile and are all stored once it is back.

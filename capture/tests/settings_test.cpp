@@ -43,8 +43,6 @@ TEST(Settings, AValidFileGivesEveryValueWithPathsFromItsFolder) {
   EXPECT_EQ(sw.sources[3].path, kExamples + "/capture/smdr.log");
 }
 
-// Each mistake is refused with the file, the line of the key at fault and
-// the key's full name.
 // A bundled switch's name is a configuration here too; a file name is from
 // the settings file's folder.
 TEST(Settings, TheConfigIsABundledNameOrAFile) {
@@ -62,6 +60,8 @@ TEST(Settings, TheConfigIsABundledNameOrAFile) {
   }
 }
 
+// Each mistake is refused with the file, the line of the key at fault and
+// the key's full name.
 TEST(Settings, MistakesAreNamedByFileLineAndKey) {
   const struct {
     const char* from;  // replaced in the valid file by `to`
@@ -82,14 +82,9 @@ TEST(Settings, MistakesAreNamedByFileLineAndKey) {
        "6: switch[0].encoding: \"latin9\" is not one of windows-1252, utf-8"},
       {"time_zone = \"Europe/Madrid\"", "resend_horizon_age = \"forever\"",
        "8: switch[0].resend_horizon_age: must be a duration"},
-      {"send = \"SMDR\\r\\n\"", "timeout = -5",
-       "20: switch[0].source[0].login[0].timeout: must be a duration"},
-      {"record_end = \"crlf\"", "record_end = \"etx\"",
-       "10: switch[0].framing.record_end: must be one of line, cr, lf"},
       {"baud = 1200", "baud = 14400", "25: switch[0].source[1].baud: 14400 is not a standard rate"},
       {"name = \"ipo\"", "name = \"pbx\"",
        "30: switch[0].source[2].name: a second source named \"pbx\""},
-      {"name = \"log\"", "name = \"a/b\"", "36: switch[0].source[3].name: \"a/b\" must be"},
       {"\"192.0.2.7\"", "\"192.0.2.0/33\"",
        "33: switch[0].source[2].allow: \"192.0.2.0/33\" is not"},
       {"../kx-tda/kx-tda.json", "../kx-tda/none.json", "6: switch[0].config: "},
@@ -133,7 +128,6 @@ TEST(Settings, NamesOfOneTo64SafeCharacters) {
               {std::string(65, 'x'), false},
               {"pbx-2_b.c", true},
               {"a b", false},
-              {"a:b", false},
               {"caf\xc3\xa9", false}};
   for (const auto& row : rows) {
     for (const char* at : {"name = \"kx-tda\"", "name = \"log\""}) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -150,29 +149,6 @@ TEST(ConfigEditorTest, BadUploadsAreRefused) {
   EXPECT_THROW(ConfigFromBytes("{\"brand\": 3}", ConfigFormat::kJson), Failure);
   EXPECT_THROW(ConfigFromBytes("not json", ConfigFormat::kJson), Failure);
   EXPECT_ANY_THROW(ConfigFromBytes("short", ConfigFormat::kCfg));
-}
-
-TEST(ConfigEditorTest, GuessedDraftTranslatesItsSamples) {
-  const std::vector<std::string> lines = SampleLines("hicom");
-  const std::string draft = GuessFromSamples(lines, "Acme", "PBX");
-  SwitchConfig config = ConfigFromBytes(draft, ConfigFormat::kJson);
-  EXPECT_EQ(config.cfg->Marca(), u"Acme");
-  const Preview preview = PreviewSamples(config, lines, RowFormat::kCsv, 2026);
-  EXPECT_GT(preview.counts.read - preview.counts.unrecognised, 0);
-}
-
-TEST(ConfigEditorTest, CatalogueListsEveryKey) {
-  const nlohmann::json catalog = nlohmann::json::parse(EditorCatalogJson());
-  EXPECT_EQ(catalog["cases"].size(), 12u);
-  EXPECT_EQ(catalog["fields"].size(), 67u);
-  EXPECT_EQ(catalog["constants"].size(), 28u);
-  EXPECT_EQ(catalog["types"].size(), 3u);
-  for (const char* list : {"cases", "fields", "constants"}) {
-    for (const nlohmann::json& key : catalog[list]) {
-      SCOPED_TRACE(key.dump());
-      EXPECT_FALSE(key["description"].get<std::string>().empty());
-    }
-  }
 }
 
 }  // namespace

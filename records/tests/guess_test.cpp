@@ -303,38 +303,6 @@ TEST(GuessLayout, TheDraftTranslatesItsOwnSamples) {
   EXPECT_EQ(translation.counts().headings, 1);
 }
 
-// Bit 7 as parity (set on about half the bytes) is cleared; a few 8-bit
-// letters in a caller's name are kept.
-TEST(GuessLayout, SevenBitOnlyWhenBitSevenLooksLikeParity) {
-  const std::u16string plain[] = {u"03/10/26 08:15 201 0312345678      00:02:05",
-                                  u"03/10/26 09:01 202 0215550199      00:02:44",
-                                  u"03/10/26 09:30 203 0215550123      00:00:25",
-                                  u"03/10/26 10:00 201 0398765432      00:01:10"};
-  struct Case {
-    const char* what;
-    bool parity;   // set bit 7 on every other byte
-    bool letters;  // put "M\u00fcller \u00c9" in the first line
-    bool seven_bit;
-  } const cases[] = {
-      {"parity", true, false, true},
-      {"8-bit letters", false, true, false},
-      {"plain", false, false, false},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.what);
-    std::vector<std::u16string> lines(std::begin(plain), std::end(plain));
-    if (c.letters) lines[0] += u" M\u00fcller \u00c9";
-    for (std::u16string& line : lines) {
-      for (size_t i = 0; c.parity && i < line.size(); i += 2) {
-        line[i] = static_cast<char16_t>(line[i] | 0x80);
-      }
-    }
-    const Guess guess = GuessLayout(lines);
-    EXPECT_EQ(guess.form.seven_bit, c.seven_bit);
-    EXPECT_FALSE(guess.fields.empty());
-  }
-}
-
 // The guess's thresholds at their edges: records are delimited when at
 // least 3 in 5 share a separator's field count, of 4 fields or more; bit 7
 // is parity when at least one byte in 5 of each line carrying it has it.

@@ -18,16 +18,6 @@ TEST(Names, EveryDataFieldKeyRoundTrips) {
   }
 }
 
-TEST(Names, MembersKeepTheirExactSpelling) {
-  EXPECT_STREQ(EnumNameOf(EnumKind::kParamDato, 2), "emParamFechaDia");
-  EXPECT_STREQ(EnumNameOf(EnumKind::kParamDato, 68), "emParamExtensionTransferida");
-  EXPECT_STREQ(EnumNameOf(EnumKind::kParamDatoConstante, 29), "emDatoCteIdentNoContestada");
-  EXPECT_STREQ(EnumNameOf(EnumKind::kCaso, 4), "emCasoNortelNorstar0x32SMDR6");
-  EXPECT_STREQ(EnumNameOf(EnumKind::kTipoLlamada, 6), "emTradTransferida");
-  EXPECT_STREQ(EnumNameOf(EnumKind::kAtributo, 4), "emATRNoContestada");
-  EXPECT_STREQ(EnumNameOf(EnumKind::kTipoDato, 3), "emValorCadena");
-}
-
 TEST(Names, ValueWithoutMemberHasNoName) {
   EXPECT_EQ(EnumNameOf(EnumKind::kCaso, 13), nullptr);
   EXPECT_EQ(EnumNameOf(EnumKind::kTipoLlamada, -1), nullptr);

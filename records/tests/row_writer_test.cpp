@@ -265,13 +265,5 @@ TEST(RowWriter, EmptyTableStillHasItsHeading) {
   EXPECT_EQ(Render(RowFormat::kTable, {}).substr(0, 3), "#  ");
 }
 
-TEST(RowWriter, TypeAndAttributeNamesAreEnglishWords) {
-  EXPECT_EQ(ShortTypeName(3), "internal");
-  EXPECT_EQ(ShortAttributeName(1), "transfer-start");
-  EXPECT_EQ(ShortAttributeName(4), "unanswered");
-  EXPECT_EQ(ShortTypeName(7), "");
-  EXPECT_EQ(ShortTypeName(-1), "");
-}
-
 }  // namespace
 }  // namespace velqua_records

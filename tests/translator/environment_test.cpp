@@ -66,31 +66,6 @@ TEST(TranslatorEnvironment, DrawsFollowTheEnvironmentsSeed) {
   EXPECT_NE(draws(7), draws(8));
 }
 
-// Two translators on two threads share one configuration, each with its own
-// clock: a record without a date reads each translator's own day, never the
-// other's.
-TEST(TranslatorEnvironment, ThreadsReadTheirOwnClocks) {
-  auto cfg = MakeConfig(emCasoEstandar, u"|");
-  SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
-  SetField(*cfg, emParamDuracionMinutos, 3, 2);
-  SetField(*cfg, emParamDuracionSegundos, 6, 2);
-  std::vector<int> failures(2, 0);
-  std::vector<std::thread> threads;
-  for (int k = 0; k < 2; ++k) {
-    threads.emplace_back([&, k] {
-      const int day = 10 + k;
-      clsTraductor tr(std::make_shared<EntornoFijo>(At(2026, 5, day, 8, 0, 0)));
-      tr.Conmutador(cfg);
-      for (int i = 0; i < 20000; ++i) {
-        tr.LlamadaActual(u"O 01:00");
-        if (tr.Dia() != day || tr.Hora() != Hms(8, 0, 0)) ++failures[static_cast<size_t>(k)];
-      }
-    });
-  }
-  for (std::thread& t : threads) t.join();
-  EXPECT_EQ(failures, std::vector<int>({0, 0}));
-}
-
 // A configuration is only read while translators share it: each thread reads
 // its own fields in its own order, the other's choice of field meanwhile
 // never changing which column a read cuts. The host then finds the keys a

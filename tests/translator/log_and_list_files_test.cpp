@@ -1,7 +1,6 @@
 // The unrecognised-record log, and the KX-TDA account-code extension (cases 10
 // and 11) with its extension list file and random stand-in extension.
 #include <filesystem>
-#include <set>
 #include <string>
 
 #include "translator/translator_support.h"
@@ -163,20 +162,6 @@ TEST_F(AccountCodeExtension, BindingInCases10And11ReseedsTheRandomExtensions) {
   tr_.EstableceEntorno(other.Env());
   tr_.Conmutador(cfg_);
   EXPECT_NE(draws(), first);
-}
-
-TEST_F(AccountCodeExtension, WithoutAListedCodeTheExtensionIsRandom) {
-  EXPECT_TRUE(IsRandomExtension(Lookup("4321")));
-  tr_.ArchivoListaExtensionesKXTDA(u"");
-  EXPECT_TRUE(IsRandomExtension(Lookup("1234")));
-  tr_.ArchivoListaExtensionesKXTDA(dir_.Path16("none.txt"));
-  std::set<std::u16string> seen;
-  for (int i = 0; i < 200; ++i) {
-    const std::u16string ext = Lookup("1234");
-    EXPECT_TRUE(IsRandomExtension(ext)) << AUtf8(ext);
-    seen.insert(ext);
-  }
-  EXPECT_GT(seen.size(), 150u);
 }
 
 }  // namespace
