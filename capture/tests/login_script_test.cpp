@@ -41,16 +41,12 @@ TEST(LoginScript, StepsInOrderLeadingSendsAndNoScript) {
     const char* sent;
     bool done;
   } rows[] = {
-      {"a password prompt before the login prompt waits for it", kPanasonic,
-       "Password: login: ", "SMDR\r\n", false},
-      {"a script that begins by sending",
-       {{"", "HELLO\r\n", Millis(1)}, {"OK", "", Millis(1)}},
-       "OK",
-       "HELLO\r\n",
-       true},
+      // clang-format off
+      {"a password prompt before the login prompt waits for it", kPanasonic, "Password: login: ", "SMDR\r\n", false},
+      {"a script that begins by sending", {{"", "HELLO\r\n", Millis(1)}, {"OK", "", Millis(1)}}, "OK", "HELLO\r\n", true},
       {"no script: done at once", {}, "", "", true},
-      {"expected text split by a long noise", kPanasonic,
-       "log" + std::string(10000, 'x') + "login:", "SMDR\r\n", false},
+      {"expected text split by a long noise", kPanasonic, "log" + std::string(10000, 'x') + "login:", "SMDR\r\n", false},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
@@ -74,23 +70,13 @@ TEST(LoginScript, ARefusalIsNeverTakenForARecord) {
     bool done;
     const char* rest;
   } rows[] = {
-      {"refused after the password",
-       {"login: ", "Password: ", "\r\nLogin incorrect\r\n"},
-       "Login incorrect",
-       false,
-       ""},
-      {"refusal in pieces",
-       {"login: Password: \r\nLogin inc", "orrect"},
-       "Login incorrect",
-       false,
-       ""},
+      // clang-format off
+      {"refused after the password", {"login: ", "Password: ", "\r\nLogin incorrect\r\n"}, "Login incorrect", false, ""},
+      {"refusal in pieces", {"login: Password: \r\nLogin inc", "orrect"}, "Login incorrect", false, ""},
       {"refused before the password", {"login: ", "Invalid user\r\n"}, "Invalid", false, ""},
-      {"a record after the password",
-       {"login: Password: ", "\r\n", "01/19/26 08:02AM 201\r\n"},
-       "",
-       true,
-       " \r\n01/19/26 08:02AM 201\r\n"},
+      {"a record after the password", {"login: Password: ", "\r\n", "01/19/26 08:02AM 201\r\n"}, "", true, " \r\n01/19/26 08:02AM 201\r\n"},
       {"a record not whole yet", {"login: Password: ", "01/19/26 08:02"}, "", false, ""},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);

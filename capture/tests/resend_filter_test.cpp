@@ -19,22 +19,18 @@ TEST(ResendFilter, DropsTheReSentRunAndKeepsEverythingAfterIt) {
     std::vector<std::string> received;
     const char* expected;
   } rows[] = {
-      {"buffer re-sent, then new records",
-       {{"A", 3}, {"B", 2}, {"C", 1}},
-       {"B", "C", "D", "E"},
-       "ddkk"},
+      // clang-format off
+      {"buffer re-sent, then new records", {{"A", 3}, {"B", 2}, {"C", 1}}, {"B", "C", "D", "E"}, "ddkk"},
       {"nothing stored: all kept", {}, {"A", "A"}, "kk"},
       {"a record stored twice drops at most two", {{"A", 2}, {"A", 1}}, {"A", "A", "A"}, "ddk"},
-      {"genuine identical calls after the re-send are kept",
-       {{"A", 1}, {"B", 1}},
-       {"A", "B", "X", "A", "B"},
-       "ddkkk"},
+      {"genuine identical calls after the re-send are kept", {{"A", 1}, {"B", 1}}, {"A", "B", "X", "A", "B"}, "ddkkk"},
       {"identical records of one connection are all kept", {{"Z", 1}}, {"A", "A", "A"}, "kkk"},
       {"the first new record ends the re-sent part", {{"A", 1}, {"B", 1}}, {"A", "N", "B"}, "dkk"},
       {"older than the horizon's age: kept", {{"A", 25}, {"B", 23}}, {"A", "B"}, "kk"},
       {"within the age: dropped", {{"A", 23}, {"B", 22}}, {"B", "A"}, "dd"},
       {"only the newest records count", {{"A", 5}, {"B", 4}, {"C", 3}, {"D", 2}}, {"A", "D"}, "kk"},
       {"the newest three", {{"A", 5}, {"B", 4}, {"C", 3}, {"D", 2}}, {"B", "C", "D", "A"}, "dddk"},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);

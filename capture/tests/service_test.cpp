@@ -62,16 +62,8 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
     std::string switch_toml, source_toml;
     std::vector<std::string> expected;
   } rows[] = {
-      {"Panasonic TCP port with a login, cut every 11 records",
-       {"panasonic", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--cut-every",
-        "11"},
-       true,
-       kHeadings,
-       "[[switch.source]]\nname = \"lan\"\nkind = \"tcp-connect\"\nhost = \"127.0.0.1\"\n"
-       "port = {port}\nretry_min = \"50ms\"\n[[switch.source.login]]\nexpect = \"login: \"\nsend = "
-       "\"SMDR\\r\\n\"\n"
-       "[[switch.source.login]]\nexpect = \"Password: \"\nsend = \"PCCSMDR\\r\\n\"\n",
-       RecordsOf(kKxRecords)},
+      // clang-format off
+      {"Panasonic TCP port with a login, cut every 11 records", {"panasonic", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--cut-every", "11"}, true, kHeadings, "[[switch.source]]\nname = \"lan\"\nkind = \"tcp-connect\"\nhost = \"127.0.0.1\"\n" "port = {port}\nretry_min = \"50ms\"\n[[switch.source.login]]\nexpect = \"login: \"\nsend = " "\"SMDR\\r\\n\"\n" "[[switch.source.login]]\nexpect = \"Password: \"\nsend = \"PCCSMDR\\r\\n\"\n", RecordsOf(kKxRecords)},
       {"Samsung: NUL-ended records and form-feed headings",
        {"samsung", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--page-lines",
         "100"},
@@ -81,40 +73,12 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
        "port = {port}\n",
        Joined(RecordsOf(kKxRecords),  // and the emulator's form-feed heading, stripped
               {"STN  CO  DIAL NUMBER               DATE   TIME  DURATION" + std::string(56, '=')})},
-      {"IP Office pushing, cut every 7 records, re-sending 3",
-       {"ipoffice", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--resend", "3",
-        "--cut-every", "7", "--retry-ms", "50"},
-       false,
-       kHeadings,
-       "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n",
-       RecordsOf(kKxRecords)},
-      {"Norstar multi-line calls pushed, the last one complete when quiet",
-       {"ipoffice", "--port", "{port}", "--records", kExamples + "/norstar/records.txt", "--rate",
-        "0", "--resend", "0"},
-       false,
-       "config = \"" + kExamples +
-           "/norstar/norstar.json\"\n[switch.framing]\n"
-           "idle_flush = \"300ms\"\n",
-       "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n",
-       NorstarCalls()},
-      {"Samsung OfficeServ: its configuration's NUL record ends and page headings",
-       {"file", "-o", "{path}", "--records", kSamsung + "/records.txt", "--rate", "0"},
-       false,
-       "config = \"" + kSamsung + "/samsung-officeserv.json\"\n",
-       "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"{path}\"\n",
-       RecordsOf(kSamsung + "/records.txt", {}, true)},
-      {"serial port through a pseudo-terminal",
-       {"serial", "--link", "{path}", "--records", kKxRecords, "--rate", "0"},
-       true,
-       kHeadings,
-       "[[switch.source]]\nname = \"com1\"\nkind = \"serial\"\ndevice = \"{path}\"\n",
-       RecordsOf(kKxRecords)},
-      {"a followed file",
-       {"file", "-o", "{path}", "--records", kKxRecords, "--rate", "100", "--rotate-every", "20"},
-       false,
-       kHeadings,
-       "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"{path}\"\n",
-       RecordsOf(kKxRecords)},
+      {"IP Office pushing, cut every 7 records, re-sending 3", {"ipoffice", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--resend", "3", "--cut-every", "7", "--retry-ms", "50"}, false, kHeadings, "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n", RecordsOf(kKxRecords)},
+      {"Norstar multi-line calls pushed, the last one complete when quiet", {"ipoffice", "--port", "{port}", "--records", kExamples + "/norstar/records.txt", "--rate", "0", "--resend", "0"}, false, "config = \"" + kExamples + "/norstar/norstar.json\"\n[switch.framing]\n" "idle_flush = \"300ms\"\n", "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n", NorstarCalls()},
+      {"Samsung OfficeServ: its configuration's NUL record ends and page headings", {"file", "-o", "{path}", "--records", kSamsung + "/records.txt", "--rate", "0"}, false, "config = \"" + kSamsung + "/samsung-officeserv.json\"\n", "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"{path}\"\n", RecordsOf(kSamsung + "/records.txt", {}, true)},
+      {"serial port through a pseudo-terminal", {"serial", "--link", "{path}", "--records", kKxRecords, "--rate", "0"}, true, kHeadings, "[[switch.source]]\nname = \"com1\"\nkind = \"serial\"\ndevice = \"{path}\"\n", RecordsOf(kKxRecords)},
+      {"a followed file", {"file", "-o", "{path}", "--records", kKxRecords, "--rate", "100", "--rotate-every", "20"}, false, kHeadings, "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"{path}\"\n", RecordsOf(kKxRecords)},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);

@@ -68,41 +68,30 @@ TEST(Settings, MistakesAreNamedByFileLineAndKey) {
     const char* to;
     const char* expected;  // after "<file>:"
   } rows[] = {
+      // clang-format off
       {"fsync = \"interval\"", "fsync = \"interval\"\nfsync = \"never\"", "4: "},  // TOML's own
-      {"fsync = \"interval\"", "fsink = \"always\"",
-       "3: fsink: not a key of the service's configuration"},
-      {"port = 2300", "port = 2300\nbaud = 9600",
-       "18: switch[0].source[0].baud: not a key of a tcp-connect source"},
+      {"fsync = \"interval\"", "fsink = \"always\"", "3: fsink: not a key of the service's configuration"},
+      {"port = 2300", "port = 2300\nbaud = 9600", "18: switch[0].source[0].baud: not a key of a tcp-connect source"},
       {"baud = 1200", "stop_bits = 3", "25: switch[0].source[1].stop_bits: 3 is outside 1..2"},
-      {"port = 5000", "port = 5000\nbind = \"localhost:80\"",
-       "33: switch[0].source[2].bind: \"localhost:80\" is not an address"},
-      {"idle_flush = \"500ms\"", "strip_bit7 = \"yes\"",
-       "12: switch[0].framing.strip_bit7: must be true or false"},
-      {"name = \"kx-tda\"", "name = \"kx-tda\"\nencoding = \"latin9\"",
-       "6: switch[0].encoding: \"latin9\" is not one of windows-1252, utf-8"},
-      {"time_zone = \"Europe/Madrid\"", "resend_horizon_age = \"forever\"",
-       "8: switch[0].resend_horizon_age: must be a duration"},
+      {"port = 5000", "port = 5000\nbind = \"localhost:80\"", "33: switch[0].source[2].bind: \"localhost:80\" is not an address"},
+      {"idle_flush = \"500ms\"", "strip_bit7 = \"yes\"", "12: switch[0].framing.strip_bit7: must be true or false"},
+      {"name = \"kx-tda\"", "name = \"kx-tda\"\nencoding = \"latin9\"", "6: switch[0].encoding: \"latin9\" is not one of windows-1252, utf-8"},
+      {"time_zone = \"Europe/Madrid\"", "resend_horizon_age = \"forever\"", "8: switch[0].resend_horizon_age: must be a duration"},
       {"baud = 1200", "baud = 14400", "25: switch[0].source[1].baud: 14400 is not a standard rate"},
-      {"name = \"ipo\"", "name = \"pbx\"",
-       "30: switch[0].source[2].name: a second source named \"pbx\""},
-      {"\"192.0.2.7\"", "\"192.0.2.0/33\"",
-       "33: switch[0].source[2].allow: \"192.0.2.0/33\" is not"},
+      {"name = \"ipo\"", "name = \"pbx\"", "30: switch[0].source[2].name: a second source named \"pbx\""},
+      {"\"192.0.2.7\"", "\"192.0.2.0/33\"", "33: switch[0].source[2].allow: \"192.0.2.0/33\" is not"},
       {"../kx-tda/kx-tda.json", "../kx-tda/none.json", "6: switch[0].config: "},
       {"../kx-tda/kx-tda.json", "../kx-tda/records.txt", "6: switch[0].config: "},
       {"../kx-tda/extensions.txt", "none.txt", "7: switch[0].extensions: "},
-      {"Europe/Madrid", "Mars/Olympus",
-       "8: switch[0].time_zone: \"Mars/Olympus\" is not a time zone"},
-      {"'--------------------*'", "'***'",
-       "11: switch[0].framing.page_headings: page heading '***' would match every record"},
+      {"Europe/Madrid", "Mars/Olympus", "8: switch[0].time_zone: \"Mars/Olympus\" is not a time zone"},
+      {"'--------------------*'", "'***'", "11: switch[0].framing.page_headings: page heading '***' would match every record"},
       {"host = \"192.0.2.10\"\n", "", "13: switch[0].source[0].host: missing"},
-      {"kind = \"serial\"", "kind = \"usb\"",
-       "23: switch[0].source[1].kind: \"usb\" is not one of"},
+      {"kind = \"serial\"", "kind = \"usb\"", "23: switch[0].source[1].kind: \"usb\" is not one of"},
       {"[[switch]]", "[switch]", "4: switch: must be [[switch]] tables"},
       // A retry at once would spin on a switch that refuses every connection.
-      {"port = 2300", "port = 2300\nretry_min = \"0ms\"",
-       "13: switch[0].source[0].retry_max: retry_min must be above zero"},
-      {"port = 2300", "port = 2300\nretry_min = \"2s\"\nretry_max = \"1s\"",
-       "19: switch[0].source[0].retry_max: retry_min must be above zero"},
+      {"port = 2300", "port = 2300\nretry_min = \"0ms\"", "13: switch[0].source[0].retry_max: retry_min must be above zero"},
+      {"port = 2300", "port = 2300\nretry_min = \"2s\"\nretry_max = \"1s\"", "19: switch[0].source[0].retry_max: retry_min must be above zero"},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.to);

@@ -96,6 +96,7 @@ TEST(Cgrates, WhatCannotBeCarriedOverIsRefusedByName) {
     const char* refusal;  // the end of the message
   };
   const Case cases[] = {
+      // clang-format off
       {"DestinationRates.csv", "DR_PEAK,DST_LOCAL,RT_LOCAL_PEAK,*middle",
        "DR_PEAK,DST_LOCAL,RT_LOCAL_PEAK,*up",
        "DestinationRates.csv:2: rounding *up cannot be carried over (Velqua rounds half up, "
@@ -106,12 +107,9 @@ TEST(Cgrates, WhatCannotBeCarriedOverIsRefusedByName) {
       {"Timings.csv", "TM_EPIPHANY,2026,1,6,*any", "TM_EPIPHANY,*any,1,6,*any",
        "Timings.csv:5: timing TM_EPIPHANY: recurring months or days cannot be carried over "
        "(Velqua's holidays are dated days; its bands weekly)"},
-      {"DestinationRates.csv", "DR_OFF,DST_UK,RT_UK,*middle,2,0,",
-       "DR_OFF,DST_UK,RT_UK,*middle,2,1.5,",
-       "DestinationRates.csv:9: a maximum cost per call cannot be carried over"},
-      {"RatingPlans.csv", "RP_OFFICE,DR_OFF,TM_WEEKEND,10",
-       "RP_OFFICE,DR_OFF,TM_WEEKEND,10\nRP_HOTEL,DR_OFF,TM_WEEKEND,10",
-       "RatingPlans.csv: 2 rating plans: name the one to import"},
+      {"DestinationRates.csv", "DR_OFF,DST_UK,RT_UK,*middle,2,0,", "DR_OFF,DST_UK,RT_UK,*middle,2,1.5,", "DestinationRates.csv:9: a maximum cost per call cannot be carried over"},
+      {"RatingPlans.csv", "RP_OFFICE,DR_OFF,TM_WEEKEND,10", "RP_OFFICE,DR_OFF,TM_WEEKEND,10\nRP_HOTEL,DR_OFF,TM_WEEKEND,10", "RatingPlans.csv: 2 rating plans: name the one to import"},
+      // clang-format on
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.file);
@@ -130,6 +128,7 @@ TEST(Cgrates, WeightsCompareExactly) {
     const char* cost;         // or the refusal's end
   };
   const Case cases[] = {
+      // clang-format off
       {"9007199254740993", "9007199254740992", "0.10"},  // 2^53 + 1: one double
       {"9007199254740992", "9007199254740993", "0.08"},
       {"0.30000000000000001", "0.3", "0.10"},  // one double
@@ -137,15 +136,12 @@ TEST(Cgrates, WeightsCompareExactly) {
       {"-1", "-2", "0.10"},
       {"-0.5", "0", "0.08"},
       {"+007.25", "7.2500001", "0.08"},
-      {"10.50", "10.5",
-       "DestinationRates.csv:6: destination DST_LOCAL has two rates of the same weight in timing "
-       "TM_PEAK"},
-      {"-0", "0.000",
-       "DestinationRates.csv:6: destination DST_LOCAL has two rates of the same weight in timing "
-       "TM_PEAK"},
+      {"10.50", "10.5", "DestinationRates.csv:6: destination DST_LOCAL has two rates of the same weight in timing " "TM_PEAK"},
+      {"-0", "0.000", "DestinationRates.csv:6: destination DST_LOCAL has two rates of the same weight in timing " "TM_PEAK"},
       {"1e3", "10", "RatingPlans.csv:2: weight '1e3' is not a decimal number"},
       {"10", "ten", "RatingPlans.csv:3: weight 'ten' is not a decimal number"},
       {"10", ".", "RatingPlans.csv:3: weight '.' is not a decimal number"},
+      // clang-format on
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.peak_weight) + " against " + c.off_weight);

@@ -31,31 +31,27 @@ TEST(PlaceInTime, TheStartIsTheEndLessTheDurationAndTheEndTheStartPlusIt) {
     const char* start;
     const char* end;
   } const cases[] = {
-      {PrintedTime::kEnd, 2026, 3, 10, 10 * 3600 + 5 * 60, 125, kAll, "2026-03-10 10:02:55",
-       "2026-03-10 10:05:00"},
+      // clang-format off
+      {PrintedTime::kEnd, 2026, 3, 10, 10 * 3600 + 5 * 60, 125, kAll, "2026-03-10 10:02:55", "2026-03-10 10:05:00"},
       // back across midnight, a month end, a year end, a leap day
-      {PrintedTime::kEnd, 2026, 3, 11, 60, 3600, kAll, "2026-03-10 23:01:00",
-       "2026-03-11 00:01:00"},
+      {PrintedTime::kEnd, 2026, 3, 11, 60, 3600, kAll, "2026-03-10 23:01:00", "2026-03-11 00:01:00"},
       {PrintedTime::kEnd, 2026, 3, 1, 30, 60, kAll, "2026-02-28 23:59:30", "2026-03-01 00:00:30"},
       {PrintedTime::kEnd, 2024, 3, 1, 30, 60, kAll, "2024-02-29 23:59:30", "2024-03-01 00:00:30"},
       {PrintedTime::kEnd, 2026, 1, 1, 0, 1, kAll, "2025-12-31 23:59:59", "2026-01-01 00:00:00"},
-      {PrintedTime::kEnd, 2026, 5, 3, 3600, 3 * 86400, kAll, "2026-04-30 01:00:00",
-       "2026-05-03 01:00:00"},
+      {PrintedTime::kEnd, 2026, 5, 3, 3600, 3 * 86400, kAll, "2026-04-30 01:00:00", "2026-05-03 01:00:00"},
       // no date printed: the time of day only, modulo one day
       {PrintedTime::kEnd, 2026, 3, 11, 60, 3600, kNoDate, "23:01:00", "00:01:00"},
       // no duration: a printed end is all that is known of the call's time
       {PrintedTime::kEnd, 2026, 3, 11, 60, -1, kAll, "2026-03-11 00:01:00", "2026-03-11 00:01:00"},
       {PrintedTime::kEnd, 2026, 3, 11, 60, 0, kAll, "2026-03-11 00:01:00", "2026-03-11 00:01:00"},
       // a printed start: the end forward across a year end; unknown without a duration
-      {PrintedTime::kStart, 2025, 12, 31, 86399, 2, kAll, "2025-12-31 23:59:59",
-       "2026-01-01 00:00:01"},
-      {PrintedTime::kUnstated, 2026, 2, 28, 86000, 400, kAll, "2026-02-28 23:53:20",
-       "2026-03-01 00:00:00"},
+      {PrintedTime::kStart, 2025, 12, 31, 86399, 2, kAll, "2025-12-31 23:59:59", "2026-01-01 00:00:01"},
+      {PrintedTime::kUnstated, 2026, 2, 28, 86000, 400, kAll, "2026-02-28 23:53:20", "2026-03-01 00:00:00"},
       {PrintedTime::kStart, 2026, 3, 11, 60, -1, kAll, "2026-03-11 00:01:00", "-"},
       {PrintedTime::kStart, 2026, 3, 11, 86000, 400, kNoDate, "23:53:20", "00:00:00"},
       // seconds not printed: :00, whatever the clock filled in
-      {PrintedTime::kEnd, 2026, 3, 11, 8 * 3600 + 2 * 60 + 37, 83, kAll & ~32,
-       "2026-03-11 08:00:37", "2026-03-11 08:02:00"},
+      {PrintedTime::kEnd, 2026, 3, 11, 8 * 3600 + 2 * 60 + 37, 83, kAll & ~32, "2026-03-11 08:00:37", "2026-03-11 08:02:00"},
+      // clang-format on
   };
   for (const Case& c : cases) {
     Row row;

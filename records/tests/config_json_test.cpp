@@ -154,20 +154,16 @@ TEST(ErrorText, EnglishByNumberWithTheFileNamed) {
     std::u16string description;
     const char* text;
   } const cases[] = {
-      {velqua::NumeroErrorObjeto(1505),
-       u"No es posible abrir al archivo de configuración, no se reconoce.\r\n Archivo :/t/x.cfg",
-       "not a configuration file: /t/x.cfg"},
-      {velqua::NumeroErrorObjeto(1504),
-       u"Error de importación en la configuración.\r\nDetalle\r\nx.ini",
-       "the profile file cannot be read as a configuration: x.ini"},
-      {velqua::NumeroErrorObjeto(1205), u"No se permite conectar el PIN #1 del puerto DB25.",
-       "a DB25 pin that cannot be wired"},
-      {velqua::NumeroErrorObjeto(1503), u"Ocurrio un error en los datos al intentar exportar.",
-       "the configuration cannot be written as a profile file"},
+      // clang-format off
+      {velqua::NumeroErrorObjeto(1505), u"No es posible abrir al archivo de configuración, no se reconoce.\r\n Archivo :/t/x.cfg", "not a configuration file: /t/x.cfg"},
+      {velqua::NumeroErrorObjeto(1504), u"Error de importación en la configuración.\r\nDetalle\r\nx.ini", "the profile file cannot be read as a configuration: x.ini"},
+      {velqua::NumeroErrorObjeto(1205), u"No se permite conectar el PIN #1 del puerto DB25.", "a DB25 pin that cannot be wired"},
+      {velqua::NumeroErrorObjeto(1503), u"Ocurrio un error en los datos al intentar exportar.", "the configuration cannot be written as a profile file"},
       {6, u"Desbordamiento", "overflow: a column past 255, or a number too large for the record"},
       {9, u"El subíndice está fuera del intervalo", "index out of range"},
       {velqua::NumeroErrorObjeto(1506), u"Error desconocido.", "unknown library error"},
       {12345, u"?", "library error"},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
@@ -183,13 +179,13 @@ TEST(TerminalText, ControlsAreShownAndUtf8IsChecked) {
     bool keep_layout;
     std::string shown;
   } const cases[] = {
+      // clang-format off
       {"plain 0891", false, "plain 0891"},
       {"\x1b[2J\a", false, "\\x1B[2J\\x07"},
       {"a\tb\r\n", false, "a\\x09b\\x0D\\x0A"},
       {"a\tb\r\n", true, "a\tb\r\n"},
-      {"x\x7f\xc2\x9b"
-       "1m \xc3\xa9",
-       true, "x\\x7F\\u009B1m \xc3\xa9"},
+      {"x\x7f\xc2\x9b" "1m \xc3\xa9", true, "x\\x7F\\u009B1m \xc3\xa9"},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.shown);

@@ -40,31 +40,20 @@ struct Case {
 
 TEST(Framer, RecordEndsAndStrippingInPiecesOfEverySize) {
   const Case cases[] = {
-      {"line ends of every kind", RecordEnd::kLine, false, false, false, "a\r\nb\nc\rd\r\n",
-       "100:a | 103:b | 105:c | 107:d", ""},
-      {"blank lines carry nothing", RecordEnd::kLine, false, false, false, "\r\n\r\na\n\n\rb",
-       "104:a", "108:b"},
-      {"CR only: an LF stays", RecordEnd::kCr, false, false, false, "a\r\nb\r", "100:a | 102:\nb",
-       ""},
-      {"LF only: the CR before it goes", RecordEnd::kLf, false, false, false, "a\r\nb\rc\n",
-       "100:a | 103:b\rc", ""},
-      {"CR LF only: lone CR and LF stay", RecordEnd::kCrLf, false, false, false, "a\rb\nc\r\nd\r",
-       "100:a\rb\nc", "107:d"},
-      {"NUL ends a Samsung record", RecordEnd::kNul, false, false, false,
-       std::string("r1\r\n\0\0r2\0", 9), "100:r1\r\n | 106:r2", ""},
-      {"STX...ETX frames, padding between", RecordEnd::kStxEtx, false, false, false,
-       "\x02r1\x03\r\n\x02r2\x03", "101:r1 | 107:r2", ""},
-      {"STX inside a frame closes the open record", RecordEnd::kStxEtx, false, false, false,
-       "\x02r1\x02r2\x03junk\x02", "101:r1 | 104:r2 | 107:junk", ""},
-      {"bit 7 cleared before ends are found", RecordEnd::kLine, false, true, false,
-       "\xC1\xE2\x8D\x8A\xB1", "100:Ab", "104:1"},
-      {"control bytes stripped from records", RecordEnd::kLine, false, false, true,
-       "\x0c\x11hd\x7f\x13\r\n\x0c\r\nx\ty", "100:hd", "111:x\ty"},
-      {"NUL ends a record as line ends do", RecordEnd::kLine, true, false, false,
-       std::string("\x0cHEAD\r\n====\r\nr1\0r2\0\r\nr3", 23),
-       "100:\x0cHEAD | 107:==== | 113:r1 | 116:r2", "121:r3"},
-      {"bit 7 and controls together", RecordEnd::kNul, false, true, true,
-       std::string("\x8C\xC8\x00\x93", 4), "100:H", ""},
+      // clang-format off
+      {"line ends of every kind", RecordEnd::kLine, false, false, false, "a\r\nb\nc\rd\r\n", "100:a | 103:b | 105:c | 107:d", ""},
+      {"blank lines carry nothing", RecordEnd::kLine, false, false, false, "\r\n\r\na\n\n\rb", "104:a", "108:b"},
+      {"CR only: an LF stays", RecordEnd::kCr, false, false, false, "a\r\nb\r", "100:a | 102:\nb", ""},
+      {"LF only: the CR before it goes", RecordEnd::kLf, false, false, false, "a\r\nb\rc\n", "100:a | 103:b\rc", ""},
+      {"CR LF only: lone CR and LF stay", RecordEnd::kCrLf, false, false, false, "a\rb\nc\r\nd\r", "100:a\rb\nc", "107:d"},
+      {"NUL ends a Samsung record", RecordEnd::kNul, false, false, false, std::string("r1\r\n\0\0r2\0", 9), "100:r1\r\n | 106:r2", ""},
+      {"STX...ETX frames, padding between", RecordEnd::kStxEtx, false, false, false, "\x02r1\x03\r\n\x02r2\x03", "101:r1 | 107:r2", ""},
+      {"STX inside a frame closes the open record", RecordEnd::kStxEtx, false, false, false, "\x02r1\x02r2\x03junk\x02", "101:r1 | 104:r2 | 107:junk", ""},
+      {"bit 7 cleared before ends are found", RecordEnd::kLine, false, true, false, "\xC1\xE2\x8D\x8A\xB1", "100:Ab", "104:1"},
+      {"control bytes stripped from records", RecordEnd::kLine, false, false, true, "\x0c\x11hd\x7f\x13\r\n\x0c\r\nx\ty", "100:hd", "111:x\ty"},
+      {"NUL ends a record as line ends do", RecordEnd::kLine, true, false, false, std::string("\x0cHEAD\r\n====\r\nr1\0r2\0\r\nr3", 23), "100:\x0cHEAD | 107:==== | 113:r1 | 116:r2", "121:r3"},
+      {"bit 7 and controls together", RecordEnd::kNul, false, true, true, std::string("\x8C\xC8\x00\x93", 4), "100:H", ""},
+      // clang-format on
   };
   for (const Case& c : cases) {
     for (size_t piece : {size_t{0}, size_t{1}, size_t{2}, size_t{3}}) {

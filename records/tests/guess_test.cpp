@@ -62,22 +62,16 @@ TEST(GuessLayout, DateOrderAndTwelveHourTimes) {
     std::vector<std::u16string> lines;
     std::vector<std::string> expected;
   } const cases[] = {
-      {{u"31.12.26 08:15:00 201 0312345678", u"30.12.26 09:15:00 202 0312345679"},
-       {"date day 1-2", "date month 4-5", "date year 7-8", "time hours 10-11"}},
-      {{u"12/31/26 08:15 201", u"12/30/26 09:20 202"},
-       {"date month 1-2", "date day 4-5", "date year 7-8", "time minutes 13-14"}},
-      {{u"2026-03-10 18:15:00 00:01:05 201", u"2026-03-11 19:15:00 00:12:00 202"},
-       {"date year 1-4", "date month 6-7", "date day 9-10", "time seconds 18-19",
-        "duration hours 21-22", "duration seconds 27-28"}},
-      {{u"03/10/26 08:02AM   201 01 0312345678", u"03/10/26 01:15PM   202 02 0312598877"},
-       {"time hours 10-11", "time minutes 13-14", "mark 2 15 AM"}},
-      {{u"0802 0032 4012", u"1130 0117 4015", u"2359 0005 4020"},
-       {"time hours 1-2", "time minutes 3-4"}},
+      // clang-format off
+      {{u"31.12.26 08:15:00 201 0312345678", u"30.12.26 09:15:00 202 0312345679"}, {"date day 1-2", "date month 4-5", "date year 7-8", "time hours 10-11"}},
+      {{u"12/31/26 08:15 201", u"12/30/26 09:20 202"}, {"date month 1-2", "date day 4-5", "date year 7-8", "time minutes 13-14"}},
+      {{u"2026-03-10 18:15:00 00:01:05 201", u"2026-03-11 19:15:00 00:12:00 202"}, {"date year 1-4", "date month 6-7", "date day 9-10", "time seconds 18-19", "duration hours 21-22", "duration seconds 27-28"}},
+      {{u"03/10/26 08:02AM   201 01 0312345678", u"03/10/26 01:15PM   202 02 0312598877"}, {"time hours 10-11", "time minutes 13-14", "mark 2 15 AM"}},
+      {{u"0802 0032 4012", u"1130 0117 4015", u"2359 0005 4020"}, {"time hours 1-2", "time minutes 3-4"}},
       // The end's date and time come before the duration: a clock right
       // after a date is never the duration.
-      {{u"03/10/26 08:15:02 03/10/26 08:17:14 00:02:12 201",
-        u"03/11/26 09:01:10 03/11/26 09:05:54 00:04:44 202"},
-       {"time hours 10-11", "duration hours 37-38", "duration seconds 43-44"}},
+      {{u"03/10/26 08:15:02 03/10/26 08:17:14 00:02:12 201", u"03/11/26 09:01:10 03/11/26 09:05:54 00:04:44 202"}, {"time hours 10-11", "duration hours 37-38", "duration seconds 43-44"}},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(U8(c.lines[0]));
@@ -213,15 +207,11 @@ TEST(GuessLayout, DelimitedRecordsOfVaryingFieldCounts) {
     bool delimited;
     size_t fields;
   } const cases[] = {
-      {{old_release, old_release, old_release + tail, old_release + tail,
-        old_release + tail + newer},
-       true,
-       39},
+      // clang-format off
+      {{old_release, old_release, old_release + tail, old_release + tail, old_release + tail + newer}, true, 39},
       {{old_release + tail, old_release + tail, old_release + tail, old_release}, true, 30},
-      {{u"03/10/26 08:15 201 SMITH, JOHN 0312345678", u"03/10/26 08:17 202 LEE, ANN 0312345677",
-        u"03/10/26 08:19 203 0312345676"},
-       false,
-       0},
+      {{u"03/10/26 08:15 201 SMITH, JOHN 0312345678", u"03/10/26 08:17 202 LEE, ANN 0312345677", u"03/10/26 08:19 203 0312345676"}, false, 0},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::to_string(c.fields));
@@ -246,16 +236,10 @@ TEST(GuessLayout, HhmmssTimeOfDayAndDuration) {
     std::vector<std::u16string> lines;
     std::string time, duration;
   } const cases[] = {
-      {{u"\"I\",\"07042002\",\"000852\",\"000059\",\"101\",\"9724229700\",\"54\"",
-        u"\"O\",\"07042002\",\"001502\",\"000512\",\"190\",\"12125551212\",\"11\"",
-        u"\"I\",\"07042002\",\"003000\",\"000312\",\"102\",\"2145550100\",\"12\""},
-       "time hours 12-13",
-       "duration hours 19-20"},
-      {{u"\"I\",\"07042002\",\"000059\",\"081502\",\"101\",\"9724229700\",\"54\"",
-        u"\"O\",\"07042002\",\"000512\",\"101502\",\"190\",\"12125551212\",\"11\"",
-        u"\"I\",\"07042002\",\"000312\",\"143000\",\"102\",\"2145550100\",\"12\""},
-       "time hours 19-20",
-       "duration hours 12-13"},
+      // clang-format off
+      {{u"\"I\",\"07042002\",\"000852\",\"000059\",\"101\",\"9724229700\",\"54\"", u"\"O\",\"07042002\",\"001502\",\"000512\",\"190\",\"12125551212\",\"11\"", u"\"I\",\"07042002\",\"003000\",\"000312\",\"102\",\"2145550100\",\"12\""}, "time hours 12-13", "duration hours 19-20"},
+      {{u"\"I\",\"07042002\",\"000059\",\"081502\",\"101\",\"9724229700\",\"54\"", u"\"O\",\"07042002\",\"000512\",\"101502\",\"190\",\"12125551212\",\"11\"", u"\"I\",\"07042002\",\"000312\",\"143000\",\"102\",\"2145550100\",\"12\""}, "time hours 19-20", "duration hours 12-13"},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.time);

@@ -397,19 +397,11 @@ TEST(TranslationWithAForm, RowsAreNumberedByTheLineTheirRecordStartsOn) {
     std::vector<int64_t> numbers;
     int64_t lines;  // in the bytes
   } cases[] = {
-      {"empty lines and every line end",
-       "{}",
-       o + "\r\n\r\n" + i + "\r" + o + "\n\n" + i,
-       0,
-       {1, 3, 4, 6},
-       6},
-      {"headings and continuations",
-       R"({"headings": ["Type*"], "continuation": {"pattern": "&*", "column": 22}})",
-       "Type\r\n" + o + "\r\n&209\r\n&210\r\nType\r\n" + i + "\r\n",
-       0,
-       {2, 6},
-       6},
+      // clang-format off
+      {"empty lines and every line end", "{}", o + "\r\n\r\n" + i + "\r" + o + "\n\n" + i, 0, {1, 3, 4, 6}, 6},
+      {"headings and continuations", R"({"headings": ["Type*"], "continuation": {"pattern": "&*", "column": 22}})", "Type\r\n" + o + "\r\n&209\r\n&210\r\nType\r\n" + i + "\r\n", 0, {2, 6}, 6},
       {"resumed after 41 lines", "{}", o + "\r\n" + i + "\r\n", 41, {42, 43}, 2},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);

@@ -37,17 +37,16 @@ TEST(LineReader, LinesAndOffsetsAcrossRefills) {
   const std::string big(65535, 'x');  // its CR ends the first read, the LF starts the next
   const std::string huge(200000, 'y');
   const Case cases[] = {
+      // clang-format off
       {"a\r\nbb\ncc\rd", 0, {{0, "a"}, {3, "bb"}, {6, "cc"}, {9, "d"}}, 10},
-      {"a\r\n\r\nb\n\nc\r\rd",
-       0,
-       {{0, "a"}, {3, ""}, {5, "b"}, {7, ""}, {8, "c"}, {10, ""}, {11, "d"}},
-       12},
+      {"a\r\n\r\nb\n\nc\r\rd", 0, {{0, "a"}, {3, ""}, {5, "b"}, {7, ""}, {8, "c"}, {10, ""}, {11, "d"}}, 12},
       {"\n\nx\r\n", 0, {{0, ""}, {1, ""}, {2, "x"}}, 5},
       {"", 0, {}, 0},
       {"\r\n", 0, {{0, ""}}, 2},
       {"a\nb\n", 1000, {{1000, "a"}, {1002, "b"}}, 1004},
       {big + "\r\nnext\r\n", 0, {{0, big}, {65537, "next"}}, 65543},
       {huge + "\nz", 0, {{0, huge}, {200001, "z"}}, 200002},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.bytes.substr(0, 20));

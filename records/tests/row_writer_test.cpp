@@ -69,15 +69,14 @@ TEST(RowWriter, DateAndTimeShowOnlyWhatWasPrinted) {
     const char* csv;    // date to extension_random
     const char* jsonl;  // "date" to "time"
   } const cases[] = {
+      // clang-format off
       {kPrintedAll, false, "2026-01-09,09:05:03", "\"date\":\"2026-01-09\",\"time\":\"09:05:03\""},
-      {kPrintedAll & ~kPrintedSecond, false, "2026-01-09,09:05",
-       "\"date\":\"2026-01-09\",\"time\":\"09:05\""},
+      {kPrintedAll & ~kPrintedSecond, false, "2026-01-09,09:05", "\"date\":\"2026-01-09\",\"time\":\"09:05\""},
       {kPrintedAll & ~kPrintedDay, false, ",09:05:03", "\"date\":null,\"time\":\"09:05:03\""},
       {kPrintedAll & ~kPrintedMonth, true, ",09:05:03", "\"date\":null,\"time\":\"09:05:03\""},
-      {kPrintedAll & ~kPrintedMinute, false, "2026-01-09,",
-       "\"date\":\"2026-01-09\",\"time\":null"},
-      {kPrintedDay | kPrintedMonth | kPrintedYear | kPrintedMinute, false, "2026-01-09,",
-       "\"date\":\"2026-01-09\",\"time\":null"},
+      {kPrintedAll & ~kPrintedMinute, false, "2026-01-09,", "\"date\":\"2026-01-09\",\"time\":null"},
+      {kPrintedDay | kPrintedMonth | kPrintedYear | kPrintedMinute, false, "2026-01-09,", "\"date\":\"2026-01-09\",\"time\":null"},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.csv);

@@ -237,20 +237,15 @@ TEST(ReportRequests, BadRequestsAreRefusedInOneLineNamingTheFault) {
     const char* itemised;
     const char* message;
   } rows[] = {
-      {"costs", "2026-03-01", "2026-03-31", "", "",
-       "unknown report 'costs': expected extensions, departments, accounts, trunks, destinations, "
-       "missed, traffic, compare"},
+      // clang-format off
+      {"costs", "2026-03-01", "2026-03-31", "", "", "unknown report 'costs': expected extensions, departments, accounts, trunks, destinations, " "missed, traffic, compare"},
       {"trunks", "2026-03-31", "2026-03-01", "", "",
        "the period starts (--from 2026-03-31) after it ends (--to 2026-03-01)"},
-      {"trunks", "2026-02-30", "2026-03-01", "", "",
-       "--from: expected a date YYYY-MM-DD, got '2026-02-30'"},
-      {"trunks", "2026-03-01", "31/03/2026", "", "",
-       "--to: expected a date YYYY-MM-DD, got '31/03/2026'"},
-      {"compare", "2026-03-01", "2026-03-31", "compare", "",
-       "--of: cannot compare 'compare': expected one of extensions, departments, accounts, "
-       "trunks, destinations, missed, traffic, compare but compare"},
-      {"trunks", "2026-03-01", "2026-03-31", "", "201",
-       "--itemised: only for the extensions report"},
+      {"trunks", "2026-02-30", "2026-03-01", "", "", "--from: expected a date YYYY-MM-DD, got '2026-02-30'"},
+      {"trunks", "2026-03-01", "31/03/2026", "", "", "--to: expected a date YYYY-MM-DD, got '31/03/2026'"},
+      {"compare", "2026-03-01", "2026-03-31", "compare", "", "--of: cannot compare 'compare': expected one of extensions, departments, accounts, " "trunks, destinations, missed, traffic, compare but compare"},
+      {"trunks", "2026-03-01", "2026-03-31", "", "201", "--itemised: only for the extensions report"},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.message);

@@ -86,24 +86,13 @@ TEST_F(PostgresMonthsTest, WritesKeepTheirGuaranteesAcrossMonths) {
   const std::vector<Record> two_months = {Call(2, "21", "2026-01-31 23:59:59"),
                                           Call(3, "22", "2026-02-01 00:00:00")};
   const Step steps[] = {
-      {"a month's first call makes its table",
-       {Call(1, "21", "2026-01-15 09:05:00")},
-       1,
-       0,
-       "calls_2026_01,calls_other"},
+      // clang-format off
+      {"a month's first call makes its table", {Call(1, "21", "2026-01-15 09:05:00")}, 1, 0, "calls_2026_01,calls_other"},
       {"a batch over two months", two_months, 2, 0, "calls_2026_01,calls_2026_02,calls_other"},
-      {"the same batch again adds nothing", two_months, 0, 2,
-       "calls_2026_01,calls_2026_02,calls_other"},
-      {"a repeat within a batch is stored once",
-       {Call(4, "21", "2025-12-24 18:00:00"), Call(4, "21", "2025-12-24 18:00:00")},
-       1,
-       1,
-       "calls_2025_12,calls_2026_01,calls_2026_02,calls_other"},
-      {"a call without a start is kept in calls_other",
-       {Undated(5)},
-       1,
-       0,
-       "calls_2025_12,calls_2026_01,calls_2026_02,calls_other"},
+      {"the same batch again adds nothing", two_months, 0, 2, "calls_2026_01,calls_2026_02,calls_other"},
+      {"a repeat within a batch is stored once", {Call(4, "21", "2025-12-24 18:00:00"), Call(4, "21", "2025-12-24 18:00:00")}, 1, 1, "calls_2025_12,calls_2026_01,calls_2026_02,calls_other"},
+      {"a call without a start is kept in calls_other", {Undated(5)}, 1, 0, "calls_2025_12,calls_2026_01,calls_2026_02,calls_other"},
+      // clang-format on
   };
   int64_t total = 0;
   for (const Step& step : steps) {

@@ -88,18 +88,13 @@ TEST_P(RetranslatePricingTest, WhatChangesIsPricedAgain) {
     std::vector<std::string> prices;
   };
   const Step steps[] = {
+      // clang-format off
       {kExamples + "hicom/hicom.json", true, before},
       // True starts: the bands swap; the incoming call is priced (at no cost).
-      {kExamples + "hicom/hicom.json",
-       false,
-       {"2026-03-09T07:59:30 0301234567 0.07 Berlin", "2026-03-09T11:59:40 089123456 0.06 Germany",
-        "2026-03-09T12:29:00 0301234567 0.00 ", "2026-03-09T17:59:40 0301234567 0.08 Berlin",
-        "4 prices"}},
+      {kExamples + "hicom/hicom.json", false, {"2026-03-09T07:59:30 0301234567 0.07 Berlin", "2026-03-09T11:59:40 089123456 0.06 Germany", "2026-03-09T12:29:00 0301234567 0.00 ", "2026-03-09T17:59:40 0301234567 0.08 Berlin", "4 prices"}},
       // The incoming call unrecognised again: its price goes with it.
-      {no_incoming,
-       false,
-       {"2026-03-09T07:59:30 0301234567 0.07 Berlin", "2026-03-09T11:59:40 089123456 0.06 Germany",
-        "2026-03-09T17:59:40 0301234567 0.08 Berlin", "3 prices"}},
+      {no_incoming, false, {"2026-03-09T07:59:30 0301234567 0.07 Berlin", "2026-03-09T11:59:40 089123456 0.06 Germany", "2026-03-09T17:59:40 0301234567 0.08 Berlin", "3 prices"}},
+      // clang-format on
   };
   for (const Step& step : steps) {
     SCOPED_TRACE(step.config + (step.dry_run ? " (dry run)" : ""));

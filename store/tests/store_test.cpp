@@ -31,13 +31,11 @@ TEST_P(StoreTest, ABatchWrittenAgainAddsNothingInEitherTable) {
     int64_t calls, unrecognised, duplicates;
   };
   const Step steps[] = {
+      // clang-format off
       {"first write; a position twice in a batch counts once", batch, 2, 1, 1},
       {"the same batch again (a retry after a crash)", batch, 0, 0, 4},
-      {"a stored position comes back recognised: still the unrecognised one",
-       {Call(80, "204", "2026-03-09 08:07:00"), Call(240, "205", "2026-03-09 08:09:00")},
-       1,
-       0,
-       1},
+      {"a stored position comes back recognised: still the unrecognised one", {Call(80, "204", "2026-03-09 08:07:00"), Call(240, "205", "2026-03-09 08:09:00")}, 1, 0, 1},
+      // clang-format on
   };
   for (const Step& step : steps) {
     SCOPED_TRACE(step.what);

@@ -38,26 +38,19 @@ TEST(StartTimes, LocalAsPrintedAndUtcThroughTheZone) {
     const char* utc;
   };
   const Case cases[] = {
-      {"winter", "Europe/Madrid", Start(2026, 1, 15, 9 * 3600 + 5 * 60 + 7, kAll),
-       "2026-01-15T09:05:07", "2026-01-15T08:05:07Z"},
-      {"summer", "Europe/Madrid", Start(2026, 7, 15, 9 * 3600, kAll), "2026-07-15T09:00:00",
-       "2026-07-15T07:00:00Z"},
-      {"no seconds printed: none invented", "Europe/Madrid",
-       Start(2026, 1, 15, 9 * 3600 + 5 * 60, kNoSeconds), "2026-01-15T09:05", "2026-01-15T08:05Z"},
-      {"a time that never happens (clocks forward): the change", "Europe/Madrid",
-       Start(2026, 3, 29, 2 * 3600 + 30 * 60, kAll), "2026-03-29T02:30:00", "2026-03-29T01:00:00Z"},
-      {"a time that happens twice (clocks back): the first", "Europe/Madrid",
-       Start(2026, 10, 25, 2 * 3600 + 30 * 60, kAll), "2026-10-25T02:30:00",
-       "2026-10-25T00:30:00Z"},
-      {"west of Greenwich, across midnight", "America/New_York",
-       Start(2025, 12, 31, 23 * 3600 + 30 * 60, kAll), "2025-12-31T23:30:00",
-       "2026-01-01T04:30:00Z"},
-      {"hours past 23 as the record says", "UTC", Start(2026, 1, 15, 25 * 3600, kAll),
-       "2026-01-15T25:00:00", "2026-01-16T01:00:00Z"},
+      // clang-format off
+      {"winter", "Europe/Madrid", Start(2026, 1, 15, 9 * 3600 + 5 * 60 + 7, kAll), "2026-01-15T09:05:07", "2026-01-15T08:05:07Z"},
+      {"summer", "Europe/Madrid", Start(2026, 7, 15, 9 * 3600, kAll), "2026-07-15T09:00:00", "2026-07-15T07:00:00Z"},
+      {"no seconds printed: none invented", "Europe/Madrid", Start(2026, 1, 15, 9 * 3600 + 5 * 60, kNoSeconds), "2026-01-15T09:05", "2026-01-15T08:05Z"},
+      {"a time that never happens (clocks forward): the change", "Europe/Madrid", Start(2026, 3, 29, 2 * 3600 + 30 * 60, kAll), "2026-03-29T02:30:00", "2026-03-29T01:00:00Z"},
+      {"a time that happens twice (clocks back): the first", "Europe/Madrid", Start(2026, 10, 25, 2 * 3600 + 30 * 60, kAll), "2026-10-25T02:30:00", "2026-10-25T00:30:00Z"},
+      {"west of Greenwich, across midnight", "America/New_York", Start(2025, 12, 31, 23 * 3600 + 30 * 60, kAll), "2025-12-31T23:30:00", "2026-01-01T04:30:00Z"},
+      {"hours past 23 as the record says", "UTC", Start(2026, 1, 15, 25 * 3600, kAll), "2026-01-15T25:00:00", "2026-01-16T01:00:00Z"},
       {"no zone: local only", "", Start(2026, 1, 15, 9 * 3600, kAll), "2026-01-15T09:00:00", ""},
       {"no time printed", "UTC", Start(2026, 1, 15, 0, kNoTime), "2026-01-15", ""},
       {"no day printed", "UTC", Start(2026, 1, 15, 0, kNoDay), "", ""},
       {"a day that does not exist", "UTC", Start(2026, 2, 30, 0, kAll), "2026-02-30T00:00:00", ""},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -84,18 +77,14 @@ TEST(StartTimes, ASwitchWithoutDatesTakesTheDateReceived) {
     const char* end;
   };
   const Case cases[] = {
-      {"the same day", "Europe/Madrid", 8 * 3600 + 2 * 60, 120, "2026-03-09T08:30:00Z",
-       "2026-03-09T08:02", "2026-03-09T08:04"},
-      {"received just after midnight, local time", "Europe/Madrid", 23 * 3600 + 50 * 60, 300,
-       "2026-03-09T23:30:00Z", "2026-03-09T23:50", "2026-03-09T23:55"},
-      {"ended later in the day than received: the day before", "UTC", 23 * 3600 + 50 * 60, 300,
-       "2026-03-10T00:10:00Z", "2026-03-09T23:50", "2026-03-09T23:55"},
-      {"across midnight: begun the day before its end", "UTC", 23 * 3600 + 58 * 60, 240,
-       "2026-03-10T00:10:00Z", "2026-03-09T23:58", "2026-03-10T00:02"},
-      {"across a year's end", "UTC", 23 * 3600 + 58 * 60, 240, "2026-01-01T00:03:00Z",
-       "2025-12-31T23:58", "2026-01-01T00:02"},
-      {"no duration: the start decides", "America/New_York", 20 * 3600, -1, "2026-03-10T00:30:00Z",
-       "2026-03-09T20:00", ""},
+      // clang-format off
+      {"the same day", "Europe/Madrid", 8 * 3600 + 2 * 60, 120, "2026-03-09T08:30:00Z", "2026-03-09T08:02", "2026-03-09T08:04"},
+      {"received just after midnight, local time", "Europe/Madrid", 23 * 3600 + 50 * 60, 300, "2026-03-09T23:30:00Z", "2026-03-09T23:50", "2026-03-09T23:55"},
+      {"ended later in the day than received: the day before", "UTC", 23 * 3600 + 50 * 60, 300, "2026-03-10T00:10:00Z", "2026-03-09T23:50", "2026-03-09T23:55"},
+      {"across midnight: begun the day before its end", "UTC", 23 * 3600 + 58 * 60, 240, "2026-03-10T00:10:00Z", "2026-03-09T23:58", "2026-03-10T00:02"},
+      {"across a year's end", "UTC", 23 * 3600 + 58 * 60, 240, "2026-01-01T00:03:00Z", "2025-12-31T23:58", "2026-01-01T00:02"},
+      {"no duration: the start decides", "America/New_York", 20 * 3600, -1, "2026-03-10T00:30:00Z", "2026-03-09T20:00", ""},
+      // clang-format on
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);

@@ -27,11 +27,9 @@ TEST_F(ProfileReader, ValuesAreFoundTrimmedUnquotedAndCutTo254Characters) {
   const struct {
     std::string text, section, key, value;
   } rows[] = {
+      // clang-format off
       {"[CONMUTADOR]\r\nmarca=Nec\r\n", "Conmutador", "Marca", "Nec"},
-      {"[\xD1"
-       "and\xFA]\r\n\xC1"
-       "rbol=1\r\n",
-       "ñANDÚ", "áRBOL", "1"},  // Windows-1252 letters fold too
+      {"[\xD1" "and\xFA]\r\n\xC1" "rbol=1\r\n", "ñANDÚ", "áRBOL", "1"},  // Windows-1252 letters fold too
       {"  [ S ]  \n \t k \t=   Nec  Corp \t \n", "S", "k", "Nec  Corp"},
       {"[S]\na=\"x y\"\n", "S", "a", "x y"},
       {"[S]\nb='z'\n", "S", "b", "z"},
@@ -49,6 +47,7 @@ TEST_F(ProfileReader, ValuesAreFoundTrimmedUnquotedAndCutTo254Characters) {
       {"[S]\nk=" + std::string(300, 'm') + "\n", "S", "k", std::string(254, 'm')},
       {std::string("[S]\nk=ab\0cd\n", 12), "S", "k", "ab"},
       {"[S]\nk=\xF1\x80\n", "S", "k", "ñ€"},
+      // clang-format on
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.text);

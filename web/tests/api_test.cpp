@@ -28,15 +28,13 @@ TEST_P(ApiTest, EveryRequestGetsItsStatus) {
   };
   const std::string big(5000, 'x');
   const Row rows[] = {
+      // clang-format off
       {"", "GET", "/api/calls", "", "", true, 401},
       {"", "GET", "/api/session", "", "", true, 401},
       {"", "POST", "/api/login", "{\"name\": ", "application/json", true, 400},
-      {"", "POST", "/api/login", "name=ann&password=secret-password",
-       "application/x-www-form-urlencoded", true, 400},
-      {"", "POST", "/api/login", R"({"name":"ann","password":"wrong-password"})",
-       "application/json", true, 401},
-      {"", "POST", "/api/login", R"({"name":"nobody","password":"secret-password"})",
-       "application/json", true, 401},
+      {"", "POST", "/api/login", "name=ann&password=secret-password", "application/x-www-form-urlencoded", true, 400},
+      {"", "POST", "/api/login", R"({"name":"ann","password":"wrong-password"})", "application/json", true, 401},
+      {"", "POST", "/api/login", R"({"name":"nobody","password":"secret-password"})", "application/json", true, 401},
       {"", "POST", "/api/login", "{\"name\":\"" + big + "\"}", "application/json", true, 413},
       {"vic", "GET", "/api/calls", "", "", true, 200},
       {"vic", "GET", "/api/calls?limit=0", "", "", true, 400},
@@ -52,6 +50,7 @@ TEST_P(ApiTest, EveryRequestGetsItsStatus) {
       {"ann", "GET", "/", "", "", true, 200},
       {"ann", "GET", "/app.js", "", "", true, 200},
       {"ann", "POST", "/api/logout", "{}", "application/json", true, 200},
+      // clang-format on
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(std::string(row.who) + " " + row.method + " " + row.path);

@@ -43,8 +43,6 @@ TEST_P(PagesTest, CallsAreSortedAndPagedWithoutLosingOrRepeatingAny) {
   };
   const Row rows[] = {
       {"", {"0304444", "0303333", "0049301", "0302222", "0301111"}},
-      {"order=asc", {"0301111", "0302222", "0049301", "0303333", "0304444"}},
-      {"sort=number&order=asc", {"0049301", "0301111", "0302222", "0303333", "0304444"}},
       {"sort=duration", {"0303333", "0304444", "0049301", "0302222", "0301111"}},
       {"extension=201", {"0304444", "0049301", "0301111"}},
       {"from=2026-03-10&to=2026-03-10&number=030", {"0304444", "0303333"}},
@@ -137,24 +135,6 @@ TEST_P(PagesTest, LivePagesGetWhatIsStored) {
   EXPECT_TRUE(done);
   EXPECT_NE(received.find("\"kind\":\"call\""), std::string::npos) << received;
   EXPECT_NE(received.find("\"raw\":\"NOISE\""), std::string::npos) << received;
-}
-
-// A browser reconnecting with the number of an event this server never sent
-// (it was another server, before a restart) is told at once that it lost
-// events, rather than waiting for the numbers to catch up.
-TEST_P(PagesTest, APageNamingAnEventThisServerNeverSentIsToldItLostSome) {
-  Start();
-  ASSERT_EQ(client_->Login("vic", "secret-password"), 200);
-  httplib::Client http("127.0.0.1", server_->port());
-  http.set_read_timeout(20, 0);
-  httplib::Headers headers = client_->Headers();
-  headers.emplace("Last-Event-ID", "900000");
-  std::string received;
-  http.Get("/api/live", headers, [&](const char* data, size_t length) {
-    received.append(data, length);
-    return received.find("\n\n") == std::string::npos;
-  });
-  EXPECT_EQ(received, "event: lost\ndata: {}\n\n");
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, PagesTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),

@@ -182,36 +182,13 @@ TEST_P(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
     std::string out, err;
     size_t calls_left;
   } steps[] = {
-      {"a dry run counts",
-       {"purge", "--db", db, "--before", "2026-03-10", "--dry-run"},
-       0,
-       "would remove 3 calls, 1 unrecognised records and 0 events before 2026-03-10\n",
-       "",
-       5},
-      {"a day that does not exist",
-       {"purge", "--db", db, "--before", "2026-02-30"},
-       1,
-       "",
-       "velqua: --before: expected a date YYYY-MM-DD, got '2026-02-30'\n",
-       5},
-      {"an unknown switch",
-       {"purge", "--db", db, "--before", "2026-03-10", "--switch", "branch"},
-       1,
-       "",
-       "velqua: database '" + db + "' has no switch 'branch'\n",
-       5},
-      {"calls before the day, by their start; the unrecognised record by when it came",
-       {"purge", "--db", db, "--before", "2026-03-10", "--switch", "hq"},
-       0,
-       "removed 3 calls, 1 unrecognised records and 0 events before 2026-03-10 of switch hq\n",
-       "",
-       2},
-      {"again: nothing left to remove",
-       {"purge", "--db", db, "--before", "2026-03-10"},
-       0,
-       "removed 0 calls, 0 unrecognised records and 0 events before 2026-03-10\n",
-       "",
-       2},
+      // clang-format off
+      {"a dry run counts", {"purge", "--db", db, "--before", "2026-03-10", "--dry-run"}, 0, "would remove 3 calls, 1 unrecognised records and 0 events before 2026-03-10\n", "", 5},
+      {"a day that does not exist", {"purge", "--db", db, "--before", "2026-02-30"}, 1, "", "velqua: --before: expected a date YYYY-MM-DD, got '2026-02-30'\n", 5},
+      {"an unknown switch", {"purge", "--db", db, "--before", "2026-03-10", "--switch", "branch"}, 1, "", "velqua: database '" + db + "' has no switch 'branch'\n", 5},
+      {"calls before the day, by their start; the unrecognised record by when it came", {"purge", "--db", db, "--before", "2026-03-10", "--switch", "hq"}, 0, "removed 3 calls, 1 unrecognised records and 0 events before 2026-03-10 of switch hq\n", "", 2},
+      {"again: nothing left to remove", {"purge", "--db", db, "--before", "2026-03-10"}, 0, "removed 0 calls, 0 unrecognised records and 0 events before 2026-03-10\n", "", 2},
+      // clang-format on
   };
   for (const auto& step : steps) {
     SCOPED_TRACE(step.name);
