@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <memory>
 
 #include "generated_month.h"
@@ -24,58 +23,10 @@ using velqua_reports::Report;
 using velqua_reports::Request;
 using velqua_reports::Table;
 
-// Whole minutes started: 0.10 a minute fixed, 0.30 mobile, 1.00 + 0.60 a
-// minute abroad.
-constexpr const char* kTariff = R"(name = "Office line"
-currency = "EUR"
-decimals = 2
-mode = "start"
-
-[[band]]
-name = "any"
-days = "mon-sun"
-
-[rate.national]
-all = { per_minute = "0.10", first = 60, increment = 60 }
-
-[rate.mobile]
-all = { per_minute = "0.30", first = 60, increment = 60 }
-
-[rate.international]
-all = { connect = "1.00", per_minute = "0.60", first = 60, increment = 60 }
-
-[[destination]]
-name = "Spain fixed"
-class = "national"
-prefixes = ["+349"]
-
-[[destination]]
-name = "Spain mobile"
-class = "mobile"
-prefixes = ["+346"]
-
-[[destination]]
-name = "France"
-class = "international"
-prefixes = ["+33"]
-)";
-
-constexpr const char* kPlan = R"([[tariff]]
-switch = "hq"
-from = 2026-01-01
-file = "office.toml"
-rewrite = { "00" = "+", "" = "+34" }
-)";
-
-// Carla (203) moves from Support to Sales on 16 March; 204 is in no
-// department.
-constexpr const char* kPeople =
-    "extension,person,department,cost_centre,from\n"
-    "201,Ana,Sales,CC-1,\n"
-    "202,Ben,Sales,CC-1,\n"
-    "203,Carla,Support,CC-2,\n"
-    "203,Carla,Sales,CC-1,2026-03-16\n";
-constexpr const char* kAccounts = "account,client,project,from\n77,Acme,Audit,\n";
+// The tariff, plan and directory of data/cost: whole minutes started, 0.10 a
+// minute fixed, 0.30 mobile, 1.00 + 0.60 a minute abroad; Carla (203) moves
+// from Support to Sales on 16 March, 204 is in no department.
+const std::string kData = VELQUA_SOURCE_DIR "/reports/tests/data/cost/";
 
 int64_t At(int day, int hour) { return (20512 + day) * 86400 + hour * 3600; }  // day of March
 
@@ -112,14 +63,14 @@ velqua_store::Store& StoreOf(bool postgres) {
   std::unique_ptr<velqua_store::Store>& s = stores[postgres ? 1 : 0];
   if (!s) {
     const std::string dir = velqua_store_testing::TempDir(postgres ? "cost-pg" : "cost-sqlite");
-    std::ofstream(dir + "/office.toml") << kTariff;
-    std::ofstream(dir + "/plan.toml") << kPlan;
     s = velqua_store::OpenStore(
         postgres ? velqua_store_testing::PgTestServer::Shared().NewDatabase() : dir + "/calls.db");
     s->PutSwitch({"hq", "", "", ""});
-    s->PutRatingPlan(dir + "/plan.toml");
-    s->PutDirectory(velqua_rating::ReadDirectory(kPeople, "people.csv"));
-    s->PutDirectory(velqua_rating::ReadDirectory(kAccounts, "accounts.csv"));
+    s->PutRatingPlan(kData + "plan.toml");
+    for (const char* file : {"people.csv", "accounts.csv"}) {
+      s->PutDirectory(velqua_rating::ReadDirectory(
+          velqua_records::ReadWholeFile(kData + file, "directory"), file));
+    }
     WriteCalls(*s, "hq", Calls());
   }
   return *s;
