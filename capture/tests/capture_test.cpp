@@ -49,6 +49,14 @@ bool WaitFor(const std::function<bool()>& done, std::chrono::milliseconds deadli
   return true;
 }
 
+::testing::AssertionResult WaitForText(const std::string& path, const std::string& text) {
+  if (WaitFor([&] { return ReadFile(path).find(text) != std::string::npos; })) {
+    return ::testing::AssertionSuccess();
+  }
+  return ::testing::AssertionFailure() << path << " never said \"" << text << "\":\n"
+                                       << ReadFile(path);
+}
+
 std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   std::ostringstream out;

@@ -3,6 +3,8 @@
 // only ends a stuck test; no test measures time).
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <sys/types.h>
 
 #include <chrono>
@@ -26,6 +28,10 @@ bool WaitFor(const std::function<bool()>& done,
 
 // The whole content of a file ("" when missing).
 std::string ReadFile(const std::string& path);
+
+// Waits (as WaitFor) until the file at `path` holds `text`; a failure shows
+// what the file holds.
+::testing::AssertionResult WaitForText(const std::string& path, const std::string& text);
 
 // A program run for a test (an emulator, the service), its standard output
 // gathered; killed when the test ends.

@@ -101,8 +101,7 @@ TEST(CaptureOperation, ASecondServiceOnTheSameSpoolExits) {
                   "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " +
                       std::to_string(FreePort()));
   auto first = StartService(config, dir);
-  ASSERT_TRUE(WaitFor(
-      [&] { return ReadFile(dir + "/service.log").find("listening") != std::string::npos; }));
+  ASSERT_TRUE(WaitForText(dir + "/service.log", "listening"));
   Child second({VELQUA_CAPTURE_SERVICE, config}, dir + "/second.log");
   EXPECT_EQ(second.Stop(0), 1);
   EXPECT_NE(ReadFile(dir + "/second.log")
@@ -124,8 +123,7 @@ TEST(CaptureOperation, AStopSpoolsWhatTheSystemHolds) {
       "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " + std::to_string(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 400);
   auto service = StartService(config, dir);
-  ASSERT_TRUE(WaitFor(
-      [&] { return ReadFile(dir + "/service.log").find("listening") != std::string::npos; }));
+  ASSERT_TRUE(WaitForText(dir + "/service.log", "listening"));
   rlimit full{}, saved{};
   ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, nullptr, &saved), 0);
   full = saved;

@@ -121,10 +121,7 @@ TEST(CaptureService, AnUnreachableSwitchIsNamedByHostAndPort) {
       "port = " +
           port + "\nretry_min = \"50ms\"\n");
   auto service = StartService(config, dir);
-  EXPECT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find("cannot connect to 127.0.0.1:" + port + ": ") !=
-           std::string::npos;
-  })) << ReadFile(dir + "/service.log");
+  EXPECT_TRUE(WaitForText(dir + "/service.log", "cannot connect to 127.0.0.1:" + port + ": "));
   EXPECT_EQ(service->Stop(SIGTERM), 0);
 }
 
@@ -166,10 +163,7 @@ TEST(CaptureService, SourcesComeBackAndStrangersAreRefused) {
   std::ofstream(dir + "/smdr.log") << all[50] << "\r\n" << all[51] << "\r\n";
   EXPECT_TRUE(WaitForRecords(store, 22));
   emulator.reset();  // unplugged
-  EXPECT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find("com1: disconnected: device lost") !=
-           std::string::npos;
-  }));
+  EXPECT_TRUE(WaitForText(dir + "/service.log", "com1: disconnected: device lost"));
   emulator = serial_port("serial2.txt");
   auto stranger = Pusher(port, kKxRecords, "0");
   EXPECT_TRUE(WaitForRecords(store, 52));
@@ -222,17 +216,14 @@ TEST(CaptureService, AFullDiskHoldsAndCatchesUp) {
   const std::string config = WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 400);
   auto service = StartService(config, dir);
-  ASSERT_TRUE(WaitFor(
-      [&] { return ReadFile(dir + "/service.log").find("listening") != std::string::npos; }));
+  ASSERT_TRUE(WaitForText(dir + "/service.log", "listening"));
   rlimit full{}, saved{};
   ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, nullptr, &saved), 0);
   full = saved;
   full.rlim_cur = 8192;
   ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &full, nullptr), 0);
   auto pusher = Pusher(port, dir + "/records.txt", "400");
-  EXPECT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find("holding what sources send") != std::string::npos;
-  }));
+  EXPECT_TRUE(WaitForText(dir + "/service.log", "holding what sources send"));
   ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &saved, nullptr), 0);
   EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
   EXPECT_EQ(service->Stop(SIGTERM), 0);
@@ -263,8 +254,7 @@ TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
   const std::string config = WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 60);
   auto service = StartService(config, dir);
-  ASSERT_TRUE(WaitFor(
-      [&] { return ReadFile(dir + "/service.log").find("listening") != std::string::npos; }));
+  ASSERT_TRUE(WaitForText(dir + "/service.log", "listening"));
   auto pusher = Pusher(port, dir + "/records.txt", "20");
   WriteConfig(dir, store, kHeadings,
               kListen + std::to_string(port) +
@@ -272,15 +262,11 @@ TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
                   "kind = \"tcp-listen\"\nport = " +
                   std::to_string(second_port));
   ::kill(service->pid(), SIGHUP);
-  EXPECT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find("0 source(s) stopped, 1 started") !=
-           std::string::npos;
-  }));
+  EXPECT_TRUE(WaitForText(dir + "/service.log", "0 source(s) stopped, 1 started"));
   auto other = Pusher(second_port, kKxRecords, "0");
   std::ofstream(config, std::ios::app) << "nonsense = 1\n";
   ::kill(service->pid(), SIGHUP);
-  EXPECT_TRUE(WaitFor(
-      [&] { return ReadFile(dir + "/service.log").find("reload refused") != std::string::npos; }));
+  EXPECT_TRUE(WaitForText(dir + "/service.log", "reload refused"));
   const std::vector<std::string> kx = RecordsOf(kKxRecords, kHeadingLines);
   // The calls, and the two page headings kept as unrecognised records.
   EXPECT_TRUE(WaitForRecords(store, records.size() + kx.size() + 2))
@@ -288,10 +274,7 @@ TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
   // A source no longer in the file stops.
   WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
   ::kill(service->pid(), SIGHUP);
-  EXPECT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find(": 1 source(s) stopped, 0 started") !=
-           std::string::npos;
-  })) << ReadFile(dir + "/service.log");
+  EXPECT_TRUE(WaitForText(dir + "/service.log", ": 1 source(s) stopped, 0 started"));
   EXPECT_EQ(service->Stop(SIGTERM), 0);
   EXPECT_EQ(StoredCalls(store), Joined(records, kx));
   const std::string log = ReadFile(dir + "/service.log");
@@ -311,9 +294,7 @@ TEST(CaptureService, APostgresStoppedAndStartedAgainLosesNothing) {
   auto pusher = Pusher(port, dir + "/records.txt", "150");
   EXPECT_TRUE(WaitForRecords(url, 50));
   server.Stop();
-  EXPECT_TRUE(WaitFor([&] {
-    return ReadFile(dir + "/service.log").find("store unavailable") != std::string::npos;
-  }));
+  EXPECT_TRUE(WaitForText(dir + "/service.log", "store unavailable"));
   EXPECT_NE(pusher->WaitLine("played"), "");  // everything sent while the store was down
   server.Start();
   EXPECT_TRUE(WaitForRecords(url, records.size())) << ReadFile(dir + "/service.log");

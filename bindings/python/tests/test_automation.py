@@ -109,20 +109,6 @@ def test_a_listeners_exception_comes_after_the_operation_and_every_listener():
     assert heard == ["CambioNombreConmutador", "Cambios"]
 
 
-def test_a_listener_removed_while_notifying_is_not_called_again():
-    cfg = velqua.clsCfgConmut()
-    heard = []
-
-    def once(name):
-        heard.append(name)
-        cfg.QuitaOyente(once)
-
-    cfg.AgregaOyente(once)
-    cfg.Comentarios = "x"
-    cfg.Marca = "y"
-    assert heard == ["Cambios"]
-
-
 class PictureBox:
     """A picture box reached by member name, recording what the drawing does."""
 

@@ -179,17 +179,6 @@ def test_bad_input_is_refused_with_its_reason(tmp_path, kx_tda):
             action()
 
 
-def test_the_three_forms_of_a_configuration_load_alike(tmp_path):
-    forms = [velqua.Config.load(EXAMPLES / "hicom" / name) for name in ("hicom.cfg", "hicom.ini", "hicom.json")]
-    assert len({cfg.to_json() for cfg in forms}) == 1
-    forms[0].save(tmp_path / "copy.json")
-    assert velqua.Config.load(tmp_path / "copy.json").to_json() == forms[0].to_json()
-    kx = velqua.Config.load(EXAMPLES / "kx-tda" / "kx-tda.cfg")
-    with pytest.raises(ValueError, match="cannot hold this configuration"):
-        kx.save(tmp_path / "kx.ini")  # a profile file holds case 1 only
-    assert isinstance(kx, velqua.clsCfgConmut) and velqua.Config is velqua.clsCfgConmut
-
-
 def test_a_save_keeps_the_record_form_and_abrir_drops_it(tmp_path):
     def rows(records, cfg):
         return [as_jsonl(c) for c in velqua.translate(records, cfg)]

@@ -61,45 +61,6 @@ constexpr uint32_t kBlack = 0x000000, kWhite = 0xFFFFFF;
 // Nearest pixel of a coordinate in twips.
 int Px(double twips) { return static_cast<int>(std::floor(twips / 15 + 0.5)); }
 
-double LineHeight(const char16_t* font, int16_t points) {
-  SuperficieCairo s;
-  s.FontName(font);
-  s.FontSize(points);
-  return s.TextHeight(u"M");
-}
-
-// The diagram is 3200 twips wide and its outline ends under the last row.
-TEST(CairoSurface, WritesTheCableDiagram) {
-  clsCfgConmut cfg;
-  for (auto [sw, pc] :
-       {std::pair<int16_t, int16_t>{2, 3}, {3, 2}, {7, 8}, {6, 8}, {4, 1}, {4, 6}}) {
-    cfg.ActivaPin(emPuertoDB9, sw, pc);  // 2 rows, a bridge of 2 and a fan-out of 2
-  }
-  SuperficieCairo s;
-  cfg.DibujaConfiguracionSMDR(emPuertoDB9, s);
-  s.Guarda(TmpPath("diagram.png"));
-  s.Guarda(TmpPath("diagram.svg"));
-  const double A = 2 * LineHeight(u"MS Sans Serif", 10), h8 = LineHeight(u"MS Sans Serif", 8);
-  EXPECT_GT(h8, 11 * 15);  // 8 points are 10.67 pixels; a line a little more
-  EXPECT_LT(h8, 16 * 15);
-  EXPECT_GT(A, 2 * h8);
-  EXPECT_EQ(LineHeight(u"Ms Serif", 8), LineHeight(u"MS Serif", 8));  // the table's spelling
-  const double top = A + h8 + 30, bottom = top + 6 * LineHeight(u"MS Serif", 8);
-  Png png("diagram.png");
-  EXPECT_GE(png.width, Px(3200) + 1);
-  ASSERT_EQ(png.height, Px(bottom) + 1);
-  EXPECT_GT(png.Count(0x000080), 213 * 20);  // the navy title bar less its text
-  for (int x : {0, Px(1600), Px(3200)}) EXPECT_EQ(png.At(x, Px(bottom)), kBlack) << x;
-  EXPECT_EQ(png.At(Px(3200), Px(A) + 2), kBlack);
-  // The first row's wire from switch to DB9, 690 to 1740 twips.
-  for (int x = Px(690); x <= Px(1740); x += 5) EXPECT_EQ(png.At(x, Px(top + 90)), kBlack) << x;
-  EXPECT_EQ(png.At(Px(690) - 3, Px(top + 90)), kWhite);
-  const std::string svg = ReadAll("diagram.svg");
-  EXPECT_EQ(svg.rfind("<?xml", 0), 0u);
-  EXPECT_NE(svg.find("width=\"" + std::to_string(png.width) + "px\""), std::string::npos);
-  EXPECT_NE(svg.find("<use xlink:href=\"#glyph"), std::string::npos);  // the texts
-}
-
 // The table is a 1350 x 1900 panel. The extension's letter case is ignored.
 TEST(CairoSurface, WritesTheConversionTable) {
   SuperficieCairo t;
