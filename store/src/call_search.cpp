@@ -144,10 +144,32 @@ std::string PeriodCondition(const Period& p, bool without_start, std::vector<Val
   return sql;
 }
 
+// The ids of a page's calls in its order, and the span of their starts
+// (`undated`: one has none), which tells PostgreSQL which months' tables
+// hold them.
+struct PageIds {
+  std::vector<int64_t> ids;
+  std::string first, last;
+  bool undated = false;
+};
+
+// Reads a page's rows of id and start.
+RowFn Collect(PageIds* page) {
+  return [page](const ResultRow& r) {
+    page->ids.push_back(r.Int(0));
+    if (r.IsNull(1)) {
+      page->undated = true;
+      return;
+    }
+    std::string start = r.Text(1);
+    if (page->first.empty() || start < page->first) page->first = start;
+    if (start > page->last) page->last = std::move(start);
+  };
+}
+
 // The ids of the page's calls, in the page's order: each period's first
 // calls in that order through the index, then the best of them.
-std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
-                                      const std::vector<Period>& periods) {
+PageIds PageIdsByPeriods(Connection& db, const CallQuery& q, const std::vector<Period>& periods) {
   CallFilter rest = q.filter;
   rest.person.clear();
   rest.department.clear();
@@ -160,10 +182,10 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
   const auto add = [&](const Period& p, bool without_start) {
     const std::string where = WhereFor(q, rest, &params);
     parts += std::string(parts.empty() ? "" : " UNION ALL ") +
-             "SELECT * FROM (SELECT c.id AS id, " + sort + " AS sort_key" + CallsFrom(q.sort, "") +
-             " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " AND " +
-             PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order + nulls +
-             ", " + TieColumn(q.sort) + order + " LIMIT " + wanted + ") AS p" +
+             "SELECT * FROM (SELECT c.id AS id, c.start AS start, " + sort + " AS sort_key" +
+             CallsFrom(q.sort, "") + " LEFT JOIN call_costs k ON k.call_id = c.id" + where +
+             " AND " + PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order +
+             nulls + ", " + TieColumn(q.sort) + order + " LIMIT " + wanted + ") AS p" +
              std::to_string(params.size());
   };
   for (const Period& p : periods) {
@@ -171,20 +193,21 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
     if (p.from.empty() && !p.to_next.empty()) add(p, true);
   }
   params.emplace_back(q.limit + 1);
-  std::string sql = "SELECT u.id FROM (" + parts + ") AS u ORDER BY u.sort_key" + order + nulls +
-                    ", u.id" + order + " LIMIT $" + std::to_string(params.size());
+  std::string sql = "SELECT u.id, u.start FROM (" + parts + ") AS u ORDER BY u.sort_key" + order +
+                    nulls + ", u.id" + order + " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
   sql += " OFFSET $" + std::to_string(params.size());
-  std::vector<int64_t> ids;
-  db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
-  return ids;
+  PageIds page;
+  db.Run(sql, params, Collect(&page));
+  return page;
 }
 
-// The calls of these ids, in their order; asked for a few hundred at a
-// time (an export's hundred thousand would pass the engines' parameter limits).
-std::vector<StoredCall> CallsOfIds(Connection& db, const std::vector<int64_t>& ids) {
+// The calls of these ids into `by_id`, asked for a few hundred at a time (an
+// export's hundred thousand would pass the engines' parameter limits), each
+// query bounded to the starts' span `span` (first and last) when given.
+void ReadCalls(Connection& db, const std::vector<int64_t>& ids, const PageIds* span,
+               std::map<int64_t, StoredCall>* by_id) {
   constexpr size_t kPerQuery = 500;
-  std::map<int64_t, StoredCall> by_id;
   for (size_t first = 0; first < ids.size(); first += kPerQuery) {
     std::vector<Value> params;
     std::string list;
@@ -192,15 +215,43 @@ std::vector<StoredCall> CallsOfIds(Connection& db, const std::vector<int64_t>& i
       params.emplace_back(ids[i]);
       list += (list.empty() ? "$" : ", $") + std::to_string(params.size());
     }
-    db.Run(CallSelectFrom() + " WHERE c.id IN (" + list + ")", params, [&](const ResultRow& r) {
+    std::string where = " WHERE c.id IN (" + list + ")";
+    if (span != nullptr) {
+      params.emplace_back(span->first);
+      params.emplace_back(span->last);
+      where += " AND c.start BETWEEN $" + std::to_string(params.size() - 1) + " AND $" +
+               std::to_string(params.size());
+    }
+    db.Run(CallSelectFrom() + where, params, [&](const ResultRow& r) {
       StoredCall call = ReadCall(r);
       const int64_t id = call.id;
-      by_id.emplace(id, std::move(call));
+      by_id->emplace(id, std::move(call));
     });
   }
+}
+
+// The calls of a page, in its order. On PostgreSQL they are read within the
+// span of their starts: the months' tables outside it are then not asked
+// for every id. Any not found there (a start the engine orders otherwise)
+// are read again without it; a call removed since the page was found is
+// left out.
+std::vector<StoredCall> CallsOfIds(Connection& db, const PageIds& page) {
+  std::map<int64_t, StoredCall> by_id;
+  const bool spanned = !page.undated && std::strcmp(db.engine(), "postgresql") == 0;
+  ReadCalls(db, page.ids, spanned ? &page : nullptr, &by_id);
+  if (spanned) {
+    std::vector<int64_t> missed;
+    for (int64_t id : page.ids) {
+      if (by_id.count(id) == 0) missed.push_back(id);
+    }
+    ReadCalls(db, missed, nullptr, &by_id);
+  }
   std::vector<StoredCall> calls;
-  calls.reserve(ids.size());
-  for (int64_t id : ids) calls.push_back(std::move(by_id.at(id)));
+  calls.reserve(page.ids.size());
+  for (int64_t id : page.ids) {
+    auto found = by_id.find(id);
+    if (found != by_id.end()) calls.push_back(std::move(found->second));
+  }
   return calls;
 }
 
@@ -291,27 +342,27 @@ std::string Road(Connection& db, const CallQuery& q) {
 // index `road` ("" = the planner's choice), in the page's order (ties by id, the calls
 // without the key first going up), one more than the page to tell whether
 // another follows.
-std::vector<int64_t> OrderedPage(Connection& db, const CallQuery& q, const std::string& road,
-                                 const std::string& where, std::vector<Value> params) {
+PageIds OrderedPage(Connection& db, const CallQuery& q, const std::string& road,
+                    const std::string& where, std::vector<Value> params) {
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = "SELECT c.id" + CallsFrom(q.sort, road) +
+  std::string sql = "SELECT c.id, c.start" + CallsFrom(q.sort, road) +
                     " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " ORDER BY " +
                     SortColumn(q.sort) + order + nulls + ", " + TieColumn(q.sort) + order;
   params.emplace_back(q.limit + 1);
   sql += " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
   sql += " OFFSET $" + std::to_string(params.size());
-  std::vector<int64_t> ids;
-  db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
-  return ids;
+  PageIds page;
+  db.Run(sql, params, Collect(&page));
+  return page;
 }
 
 // The ids of the page's calls in one query, each call's directory entry
 // looked up as it is met. Only the ids and the order's key are read (and
 // sorted) for the calls passed over: their names and prices are read for
 // the page alone.
-std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
+PageIds PageIdsByScan(Connection& db, const CallQuery& q) {
   std::vector<Value> params;
   const std::string where = WhereFor(q, q.filter, &params);
   return OrderedPage(db, q, Road(db, q), where, std::move(params));
@@ -323,8 +374,8 @@ std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
 // the start's and when the periods hold many calls (empty otherwise). On
 // PostgreSQL always: its planner weighs the roads itself, and one query
 // over the months' tables is planned once rather than once a period.
-std::optional<std::vector<int64_t>> PageIdsByPeriodsInOrder(Connection& db, const CallQuery& q,
-                                                            const std::vector<Period>& periods) {
+std::optional<PageIds> PageIdsByPeriodsInOrder(Connection& db, const CallQuery& q,
+                                               const std::vector<Period>& periods) {
   const bool postgres = std::strcmp(db.engine(), "postgresql") == 0;
   if (!postgres && (q.sort == CallSort::kStart || !IndexesReady(db, q.sort))) return std::nullopt;
   CallFilter rest = q.filter;
@@ -364,7 +415,7 @@ CallPage SearchCalls(Store& store, const CallQuery& q) {
     if (periods.size() > kMostPeriods) {
       page.calls = CallsOfIds(db, PageIdsByScan(db, q));
     } else if (!periods.empty()) {
-      std::optional<std::vector<int64_t>> ids = PageIdsByPeriodsInOrder(db, q, periods);
+      std::optional<PageIds> ids = PageIdsByPeriodsInOrder(db, q, periods);
       page.calls = CallsOfIds(db, ids ? *ids : PageIdsByPeriods(db, q, periods));
     }
   }
