@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 
+#include "page_calls.h"
 #include "sql_store.h"
 #include "velqua/store/browse.h"
 
@@ -48,8 +49,17 @@ std::string Decimal(int64_t millionths) {
 // The calls a page is read from: in the price's order, through the calls'
 // keys (`s`), whose index holds that order; `index` names the index to read
 // through ("" = the planner's choice).
-std::string CallsFrom(CallSort sort, const std::string& index) {
-  const std::string road = index.empty() ? "" : " INDEXED BY " + index;
+// On PostgreSQL, walking the keys' index, each key's call is looked up by
+// its id and start: the start names the one month's table that holds it,
+// where the id alone asks every month's index. (The branch for a call
+// without a start is skipped for every key that has one.)
+std::string CallsFrom(CallSort sort, const std::string& index, bool months) {
+  if (months && index == "call_keys_cost") {
+    return " FROM call_keys s CROSS JOIN LATERAL (SELECT * FROM calls c WHERE c.id = s.call_id "
+           "AND c.start = s.start UNION ALL SELECT * FROM calls c WHERE c.id = s.call_id AND "
+           "s.start IS NULL AND c.start IS NULL OFFSET 0) AS c";
+  }
+  const std::string road = index.empty() || months ? "" : " INDEXED BY " + index;
   if (sort != CallSort::kCost) return " FROM calls c" + road;
   if (index == "call_keys_cost")
     return " FROM call_keys s" + road + " CROSS JOIN calls c ON c.id = s.call_id";
@@ -144,29 +154,6 @@ std::string PeriodCondition(const Period& p, bool without_start, std::vector<Val
   return sql;
 }
 
-// The ids of a page's calls in its order, and the span of their starts
-// (`undated`: one has none), which tells PostgreSQL which months' tables
-// hold them.
-struct PageIds {
-  std::vector<int64_t> ids;
-  std::string first, last;
-  bool undated = false;
-};
-
-// Reads a page's rows of id and start.
-RowFn Collect(PageIds* page) {
-  return [page](const ResultRow& r) {
-    page->ids.push_back(r.Int(0));
-    if (r.IsNull(1)) {
-      page->undated = true;
-      return;
-    }
-    std::string start = r.Text(1);
-    if (page->first.empty() || start < page->first) page->first = start;
-    if (start > page->last) page->last = std::move(start);
-  };
-}
-
 // The ids of the page's calls, in the page's order: each period's first
 // calls in that order through the index, then the best of them.
 PageIds PageIdsByPeriods(Connection& db, const CallQuery& q, const std::vector<Period>& periods) {
@@ -183,7 +170,7 @@ PageIds PageIdsByPeriods(Connection& db, const CallQuery& q, const std::vector<P
     const std::string where = WhereFor(q, rest, &params);
     parts += std::string(parts.empty() ? "" : " UNION ALL ") +
              "SELECT * FROM (SELECT c.id AS id, c.start AS start, " + sort + " AS sort_key" +
-             CallsFrom(q.sort, "") + " LEFT JOIN call_costs k ON k.call_id = c.id" + where +
+             CallsFrom(q.sort, "", false) + " LEFT JOIN call_costs k ON k.call_id = c.id" + where +
              " AND " + PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order +
              nulls + ", " + TieColumn(q.sort) + order + " LIMIT " + wanted + ") AS p" +
              std::to_string(params.size());
@@ -200,59 +187,6 @@ PageIds PageIdsByPeriods(Connection& db, const CallQuery& q, const std::vector<P
   PageIds page;
   db.Run(sql, params, Collect(&page));
   return page;
-}
-
-// The calls of these ids into `by_id`, asked for a few hundred at a time (an
-// export's hundred thousand would pass the engines' parameter limits), each
-// query bounded to the starts' span `span` (first and last) when given.
-void ReadCalls(Connection& db, const std::vector<int64_t>& ids, const PageIds* span,
-               std::map<int64_t, StoredCall>* by_id) {
-  constexpr size_t kPerQuery = 500;
-  for (size_t first = 0; first < ids.size(); first += kPerQuery) {
-    std::vector<Value> params;
-    std::string list;
-    for (size_t i = first; i < ids.size() && i < first + kPerQuery; ++i) {
-      params.emplace_back(ids[i]);
-      list += (list.empty() ? "$" : ", $") + std::to_string(params.size());
-    }
-    std::string where = " WHERE c.id IN (" + list + ")";
-    if (span != nullptr) {
-      params.emplace_back(span->first);
-      params.emplace_back(span->last);
-      where += " AND c.start BETWEEN $" + std::to_string(params.size() - 1) + " AND $" +
-               std::to_string(params.size());
-    }
-    db.Run(CallSelectFrom() + where, params, [&](const ResultRow& r) {
-      StoredCall call = ReadCall(r);
-      const int64_t id = call.id;
-      by_id->emplace(id, std::move(call));
-    });
-  }
-}
-
-// The calls of a page, in its order. On PostgreSQL they are read within the
-// span of their starts: the months' tables outside it are then not asked
-// for every id. Any not found there (a start the engine orders otherwise)
-// are read again without it; a call removed since the page was found is
-// left out.
-std::vector<StoredCall> CallsOfIds(Connection& db, const PageIds& page) {
-  std::map<int64_t, StoredCall> by_id;
-  const bool spanned = !page.undated && std::strcmp(db.engine(), "postgresql") == 0;
-  ReadCalls(db, page.ids, spanned ? &page : nullptr, &by_id);
-  if (spanned) {
-    std::vector<int64_t> missed;
-    for (int64_t id : page.ids) {
-      if (by_id.count(id) == 0) missed.push_back(id);
-    }
-    ReadCalls(db, missed, nullptr, &by_id);
-  }
-  std::vector<StoredCall> calls;
-  calls.reserve(page.ids.size());
-  for (int64_t id : page.ids) {
-    auto found = by_id.find(id);
-    if (found != by_id.end()) calls.push_back(std::move(found->second));
-  }
-  return calls;
 }
 
 constexpr int64_t kFew = 10000;
@@ -318,9 +252,16 @@ CallFilter CallColumnsOf(const CallFilter& f) {
 // more than kFew picked, a page of 50 is a few thousand entries away even
 // in ten million calls). In the start's order, a prefix many calls have is
 // found walking the calls newest first. PostgreSQL's planner weighs all
-// this itself, from its statistics.
+// this itself, from its statistics, but for the price's order: it cannot
+// see that the keys' start names a call's month, so it is told to walk the
+// keys when many calls are picked.
 std::string Road(Connection& db, const CallQuery& q) {
   const CallFilter& f = q.filter;
+  if (std::strcmp(db.engine(), "postgresql") == 0 && q.sort == CallSort::kCost) {
+    std::vector<Value> params;
+    const std::string where = CallWhere(CallColumnsOf(f), &params);
+    return Few(db, where, params) ? "" : SortIndex(q.sort);
+  }
   if (!IndexesReady(db, q.sort)) return "";
   if (!f.number_prefix.empty()) {
     CallFilter prefix;
@@ -346,7 +287,8 @@ PageIds OrderedPage(Connection& db, const CallQuery& q, const std::string& road,
                     const std::string& where, std::vector<Value> params) {
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = "SELECT c.id, c.start" + CallsFrom(q.sort, road) +
+  const bool months = std::strcmp(db.engine(), "postgresql") == 0;
+  std::string sql = "SELECT c.id, c.start" + CallsFrom(q.sort, road, months) +
                     " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " ORDER BY " +
                     SortColumn(q.sort) + order + nulls + ", " + TieColumn(q.sort) + order;
   params.emplace_back(q.limit + 1);
@@ -372,8 +314,9 @@ PageIds PageIdsByScan(Connection& db, const CallQuery& q) {
 // each entry checked against the extensions' periods, rather than each
 // period's calls read apart and merged. On SQLite, in an order other than
 // the start's and when the periods hold many calls (empty otherwise). On
-// PostgreSQL always: its planner weighs the roads itself, and one query
-// over the months' tables is planned once rather than once a period.
+// PostgreSQL always: its planner weighs the roads itself (but the keys'
+// walk in the price's order, as Road tells it), and one query over the
+// months' tables is planned once rather than once a period.
 std::optional<PageIds> PageIdsByPeriodsInOrder(Connection& db, const CallQuery& q,
                                                const std::vector<Period>& periods) {
   const bool postgres = std::strcmp(db.engine(), "postgresql") == 0;
@@ -393,14 +336,17 @@ std::optional<PageIds> PageIdsByPeriodsInOrder(Connection& db, const CallQuery& 
   };
   std::vector<Value> params;
   std::string where;
-  if (!postgres) {
+  std::string road;  // on PostgreSQL the planner's, but for the keys' walk
+  if (!postgres || q.sort == CallSort::kCost) {
     where = CallWhere(CallColumnsOf(rest), &params) + in_periods(&params);
-    if (Few(db, where, params)) return std::nullopt;
+    const bool few = Few(db, where, params);
+    if (few && !postgres) return std::nullopt;
+    if (!few) road = SortIndex(q.sort);
     params.clear();
   }
   where = WhereFor(q, rest, &params);
   where += in_periods(&params);
-  return OrderedPage(db, q, postgres ? "" : SortIndex(q.sort), where, std::move(params));
+  return OrderedPage(db, q, road, where, std::move(params));
 }
 
 }  // namespace
