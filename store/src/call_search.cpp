@@ -66,19 +66,6 @@ std::string CallsFrom(CallSort sort, const std::string& index, bool months) {
   return " FROM calls c" + road + " JOIN call_keys s ON s.call_id = c.id";
 }
 
-// The filter's period as conditions on the keys' start.
-std::string OnKeysStart(const CallFilter& filter, std::vector<Value>* params) {
-  CallFilter period;
-  period.from = filter.from;
-  period.to = filter.to;
-  std::string sql = CallWhere(period, params);
-  sql.erase(0, std::strlen(" WHERE 1 = 1"));
-  for (size_t at = sql.find("c.start"); at != std::string::npos; at = sql.find("c.start", at)) {
-    sql[at] = 's';
-  }
-  return sql;
-}
-
 // The filter and, in the cost's order, its period and cost bounds also on
 // the keys the order's index holds, the cost a millionth wider (the exact
 // comparison stays in the filter): a page of calls above an amount,
@@ -88,7 +75,7 @@ std::string OnKeysStart(const CallFilter& filter, std::vector<Value>* params) {
 std::string WhereFor(const CallQuery& q, const CallFilter& filter, std::vector<Value>* params) {
   std::string sql = CallWhere(filter, params);
   if (q.sort != CallSort::kCost) return sql;
-  sql += OnKeysStart(filter, params);
+  sql += PeriodWhere(filter, "s.start", params);
   if (filter.min_cost) {
     params->push_back(Decimal(*filter.min_cost - 1));
     sql += " AND s.cost >= $" + std::to_string(params->size());
