@@ -8,6 +8,7 @@
 #include <map>
 #include <optional>
 
+#include "page_calls.h"
 #include "sql_store.h"
 #include "velqua/store/browse.h"
 
@@ -48,25 +49,21 @@ std::string Decimal(int64_t millionths) {
 // The calls a page is read from: in the price's order, through the calls'
 // keys (`s`), whose index holds that order; `index` names the index to read
 // through ("" = the planner's choice).
-std::string CallsFrom(CallSort sort, const std::string& index) {
-  const std::string road = index.empty() ? "" : " INDEXED BY " + index;
+// On PostgreSQL, walking the keys' index, each key's call is looked up by
+// its id and start: the start names the one month's table that holds it,
+// where the id alone asks every month's index. (The branch for a call
+// without a start is skipped for every key that has one.)
+std::string CallsFrom(CallSort sort, const std::string& index, bool months) {
+  if (months && index == "call_keys_cost") {
+    return " FROM call_keys s CROSS JOIN LATERAL (SELECT * FROM calls c WHERE c.id = s.call_id "
+           "AND c.start = s.start UNION ALL SELECT * FROM calls c WHERE c.id = s.call_id AND "
+           "s.start IS NULL AND c.start IS NULL OFFSET 0) AS c";
+  }
+  const std::string road = index.empty() || months ? "" : " INDEXED BY " + index;
   if (sort != CallSort::kCost) return " FROM calls c" + road;
   if (index == "call_keys_cost")
     return " FROM call_keys s" + road + " CROSS JOIN calls c ON c.id = s.call_id";
   return " FROM calls c" + road + " JOIN call_keys s ON s.call_id = c.id";
-}
-
-// The filter's period as conditions on the keys' start.
-std::string OnKeysStart(const CallFilter& filter, std::vector<Value>* params) {
-  CallFilter period;
-  period.from = filter.from;
-  period.to = filter.to;
-  std::string sql = CallWhere(period, params);
-  sql.erase(0, std::strlen(" WHERE 1 = 1"));
-  for (size_t at = sql.find("c.start"); at != std::string::npos; at = sql.find("c.start", at)) {
-    sql[at] = 's';
-  }
-  return sql;
 }
 
 // The filter and, in the cost's order, its period and cost bounds also on
@@ -78,7 +75,7 @@ std::string OnKeysStart(const CallFilter& filter, std::vector<Value>* params) {
 std::string WhereFor(const CallQuery& q, const CallFilter& filter, std::vector<Value>* params) {
   std::string sql = CallWhere(filter, params);
   if (q.sort != CallSort::kCost) return sql;
-  sql += OnKeysStart(filter, params);
+  sql += PeriodWhere(filter, "s.start", params);
   if (filter.min_cost) {
     params->push_back(Decimal(*filter.min_cost - 1));
     sql += " AND s.cost >= $" + std::to_string(params->size());
@@ -146,8 +143,7 @@ std::string PeriodCondition(const Period& p, bool without_start, std::vector<Val
 
 // The ids of the page's calls, in the page's order: each period's first
 // calls in that order through the index, then the best of them.
-std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
-                                      const std::vector<Period>& periods) {
+PageIds PageIdsByPeriods(Connection& db, const CallQuery& q, const std::vector<Period>& periods) {
   CallFilter rest = q.filter;
   rest.person.clear();
   rest.department.clear();
@@ -160,10 +156,10 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
   const auto add = [&](const Period& p, bool without_start) {
     const std::string where = WhereFor(q, rest, &params);
     parts += std::string(parts.empty() ? "" : " UNION ALL ") +
-             "SELECT * FROM (SELECT c.id AS id, " + sort + " AS sort_key" + CallsFrom(q.sort, "") +
-             " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " AND " +
-             PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order + nulls +
-             ", " + TieColumn(q.sort) + order + " LIMIT " + wanted + ") AS p" +
+             "SELECT * FROM (SELECT c.id AS id, c.start AS start, " + sort + " AS sort_key" +
+             CallsFrom(q.sort, "", false) + " LEFT JOIN call_costs k ON k.call_id = c.id" + where +
+             " AND " + PeriodCondition(p, without_start, &params) + " ORDER BY " + sort + order +
+             nulls + ", " + TieColumn(q.sort) + order + " LIMIT " + wanted + ") AS p" +
              std::to_string(params.size());
   };
   for (const Period& p : periods) {
@@ -171,37 +167,13 @@ std::vector<int64_t> PageIdsByPeriods(Connection& db, const CallQuery& q,
     if (p.from.empty() && !p.to_next.empty()) add(p, true);
   }
   params.emplace_back(q.limit + 1);
-  std::string sql = "SELECT u.id FROM (" + parts + ") AS u ORDER BY u.sort_key" + order + nulls +
-                    ", u.id" + order + " LIMIT $" + std::to_string(params.size());
+  std::string sql = "SELECT u.id, u.start FROM (" + parts + ") AS u ORDER BY u.sort_key" + order +
+                    nulls + ", u.id" + order + " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
   sql += " OFFSET $" + std::to_string(params.size());
-  std::vector<int64_t> ids;
-  db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
-  return ids;
-}
-
-// The calls of these ids, in their order; asked for a few hundred at a
-// time (an export's hundred thousand would pass the engines' parameter limits).
-std::vector<StoredCall> CallsOfIds(Connection& db, const std::vector<int64_t>& ids) {
-  constexpr size_t kPerQuery = 500;
-  std::map<int64_t, StoredCall> by_id;
-  for (size_t first = 0; first < ids.size(); first += kPerQuery) {
-    std::vector<Value> params;
-    std::string list;
-    for (size_t i = first; i < ids.size() && i < first + kPerQuery; ++i) {
-      params.emplace_back(ids[i]);
-      list += (list.empty() ? "$" : ", $") + std::to_string(params.size());
-    }
-    db.Run(CallSelectFrom() + " WHERE c.id IN (" + list + ")", params, [&](const ResultRow& r) {
-      StoredCall call = ReadCall(r);
-      const int64_t id = call.id;
-      by_id.emplace(id, std::move(call));
-    });
-  }
-  std::vector<StoredCall> calls;
-  calls.reserve(ids.size());
-  for (int64_t id : ids) calls.push_back(std::move(by_id.at(id)));
-  return calls;
+  PageIds page;
+  db.Run(sql, params, Collect(&page));
+  return page;
 }
 
 constexpr int64_t kFew = 10000;
@@ -267,9 +239,16 @@ CallFilter CallColumnsOf(const CallFilter& f) {
 // more than kFew picked, a page of 50 is a few thousand entries away even
 // in ten million calls). In the start's order, a prefix many calls have is
 // found walking the calls newest first. PostgreSQL's planner weighs all
-// this itself, from its statistics.
+// this itself, from its statistics, but for the price's order: it cannot
+// see that the keys' start names a call's month, so it is told to walk the
+// keys when many calls are picked.
 std::string Road(Connection& db, const CallQuery& q) {
   const CallFilter& f = q.filter;
+  if (std::strcmp(db.engine(), "postgresql") == 0 && q.sort == CallSort::kCost) {
+    std::vector<Value> params;
+    const std::string where = CallWhere(CallColumnsOf(f), &params);
+    return Few(db, where, params) ? "" : SortIndex(q.sort);
+  }
   if (!IndexesReady(db, q.sort)) return "";
   if (!f.number_prefix.empty()) {
     CallFilter prefix;
@@ -291,27 +270,28 @@ std::string Road(Connection& db, const CallQuery& q) {
 // index `road` ("" = the planner's choice), in the page's order (ties by id, the calls
 // without the key first going up), one more than the page to tell whether
 // another follows.
-std::vector<int64_t> OrderedPage(Connection& db, const CallQuery& q, const std::string& road,
-                                 const std::string& where, std::vector<Value> params) {
+PageIds OrderedPage(Connection& db, const CallQuery& q, const std::string& road,
+                    const std::string& where, std::vector<Value> params) {
   const std::string order = q.descending ? " DESC" : " ASC";
   const std::string nulls = q.descending ? " NULLS LAST" : " NULLS FIRST";
-  std::string sql = "SELECT c.id" + CallsFrom(q.sort, road) +
+  const bool months = std::strcmp(db.engine(), "postgresql") == 0;
+  std::string sql = "SELECT c.id, c.start" + CallsFrom(q.sort, road, months) +
                     " LEFT JOIN call_costs k ON k.call_id = c.id" + where + " ORDER BY " +
                     SortColumn(q.sort) + order + nulls + ", " + TieColumn(q.sort) + order;
   params.emplace_back(q.limit + 1);
   sql += " LIMIT $" + std::to_string(params.size());
   params.emplace_back(q.offset);
   sql += " OFFSET $" + std::to_string(params.size());
-  std::vector<int64_t> ids;
-  db.Run(sql, params, [&](const ResultRow& r) { ids.push_back(r.Int(0)); });
-  return ids;
+  PageIds page;
+  db.Run(sql, params, Collect(&page));
+  return page;
 }
 
 // The ids of the page's calls in one query, each call's directory entry
 // looked up as it is met. Only the ids and the order's key are read (and
 // sorted) for the calls passed over: their names and prices are read for
 // the page alone.
-std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
+PageIds PageIdsByScan(Connection& db, const CallQuery& q) {
   std::vector<Value> params;
   const std::string where = WhereFor(q, q.filter, &params);
   return OrderedPage(db, q, Road(db, q), where, std::move(params));
@@ -321,10 +301,11 @@ std::vector<int64_t> PageIdsByScan(Connection& db, const CallQuery& q) {
 // each entry checked against the extensions' periods, rather than each
 // period's calls read apart and merged. On SQLite, in an order other than
 // the start's and when the periods hold many calls (empty otherwise). On
-// PostgreSQL always: its planner weighs the roads itself, and one query
-// over the months' tables is planned once rather than once a period.
-std::optional<std::vector<int64_t>> PageIdsByPeriodsInOrder(Connection& db, const CallQuery& q,
-                                                            const std::vector<Period>& periods) {
+// PostgreSQL always: its planner weighs the roads itself (but the keys'
+// walk in the price's order, as Road tells it), and one query over the
+// months' tables is planned once rather than once a period.
+std::optional<PageIds> PageIdsByPeriodsInOrder(Connection& db, const CallQuery& q,
+                                               const std::vector<Period>& periods) {
   const bool postgres = std::strcmp(db.engine(), "postgresql") == 0;
   if (!postgres && (q.sort == CallSort::kStart || !IndexesReady(db, q.sort))) return std::nullopt;
   CallFilter rest = q.filter;
@@ -342,14 +323,17 @@ std::optional<std::vector<int64_t>> PageIdsByPeriodsInOrder(Connection& db, cons
   };
   std::vector<Value> params;
   std::string where;
-  if (!postgres) {
+  std::string road;  // on PostgreSQL the planner's, but for the keys' walk
+  if (!postgres || q.sort == CallSort::kCost) {
     where = CallWhere(CallColumnsOf(rest), &params) + in_periods(&params);
-    if (Few(db, where, params)) return std::nullopt;
+    const bool few = Few(db, where, params);
+    if (few && !postgres) return std::nullopt;
+    if (!few) road = SortIndex(q.sort);
     params.clear();
   }
   where = WhereFor(q, rest, &params);
   where += in_periods(&params);
-  return OrderedPage(db, q, postgres ? "" : SortIndex(q.sort), where, std::move(params));
+  return OrderedPage(db, q, road, where, std::move(params));
 }
 
 }  // namespace
@@ -364,7 +348,7 @@ CallPage SearchCalls(Store& store, const CallQuery& q) {
     if (periods.size() > kMostPeriods) {
       page.calls = CallsOfIds(db, PageIdsByScan(db, q));
     } else if (!periods.empty()) {
-      std::optional<std::vector<int64_t>> ids = PageIdsByPeriodsInOrder(db, q, periods);
+      std::optional<PageIds> ids = PageIdsByPeriodsInOrder(db, q, periods);
       page.calls = CallsOfIds(db, ids ? *ids : PageIdsByPeriods(db, q, periods));
     }
   }

@@ -124,11 +124,13 @@ RateResult SqlStore::Rate(const RatePeriod& period, const std::function<void(int
     last = r.Int(0);
     result.resumed = true;
   });
-  std::vector<Value> count_params;
-  int64_t calls = 0;
-  db_->Run("SELECT count(*) FROM calls c" + CallWhere(filter, &count_params), count_params,
-           [&](const ResultRow& r) { calls = r.Int(0); });
-  db_->BeginBulkPricing(CountCalls(""), calls);
+  if (db_->WeighsBulkPricing()) {
+    std::vector<Value> count_params;
+    int64_t calls = 0;
+    db_->Run("SELECT count(*) FROM calls c" + CallWhere(filter, &count_params), count_params,
+             [&](const ResultRow& r) { calls = r.Int(0); });
+    db_->BeginBulkPricing(CountCalls(""), calls);
+  }
   try {
     PriceBatches(sql, params, batch, run, last, result, progress);
   } catch (...) {

@@ -100,6 +100,9 @@ class Connection {
   // Pricing `calls` of the `stored` again begins (SQLite drops the index of
   // the price's order when they are many, and EndBulk builds it again).
   virtual void BeginBulkPricing(int64_t /*stored*/, int64_t /*calls*/) {}
+  // Whether BeginBulkPricing weighs its counts: each is a read of the calls,
+  // not made for an engine that would do nothing with them.
+  virtual bool WeighsBulkPricing() const { return false; }
   virtual void EndBulk() {}
 
   // The schema's flavour of this engine: "sqlite" or "postgresql".

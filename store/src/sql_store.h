@@ -143,6 +143,11 @@ StoredCall ReadCall(const ResultRow& row);
 // to `params` (sql_store_read.cpp).
 std::string CallWhere(const CallFilter& filter, std::vector<Value>* params);
 
+// The conditions (" AND ...") that `column` holds a start within the
+// filter's period, its parameters appended to `params` (sql_store_read.cpp).
+std::string PeriodWhere(const CallFilter& filter, const std::string& column,
+                        std::vector<Value>* params);
+
 // The condition over `directory d` that an extension's entry meets the
 // filter's person and department, as CallWhere matches them; its
 // parameters appended to `params` (sql_store_read.cpp).

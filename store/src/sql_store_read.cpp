@@ -132,18 +132,32 @@ std::string LikeEscaped(const std::string& text) {
   return out;
 }
 
+}  // namespace
+
+std::string PeriodWhere(const CallFilter& f, const std::string& column,
+                        std::vector<Value>* params) {
+  std::string sql;
+  if (!f.from.empty()) {
+    params->push_back(DayText(ParseDay(f.from, "--from")));
+    sql += " AND " + column + " >= $" + std::to_string(params->size());
+  }
+  if (!f.to.empty()) {
+    const date::sys_days next = date::sys_days{ParseDay(f.to, "--to")} + date::days{1};
+    params->push_back(DayText(date::year_month_day{next}));
+    sql += " AND " + column + " < $" + std::to_string(params->size());
+  }
+  return sql;
+}
+
+namespace {
+
 // The WHERE clause of a filter and its parameters.
 std::string Where(const CallFilter& f, std::vector<Value>* params) {
-  std::string sql = " WHERE 1 = 1";
+  std::string sql = " WHERE 1 = 1" + PeriodWhere(f, "c.start", params);
   const auto add = [&](const char* condition, Value value) {
     params->push_back(std::move(value));
     sql += std::string(" AND ") + condition + " $" + std::to_string(params->size());
   };
-  if (!f.from.empty()) add("c.start >=", DayText(ParseDay(f.from, "--from")));
-  if (!f.to.empty()) {
-    const date::sys_days next = date::sys_days{ParseDay(f.to, "--to")} + date::days{1};
-    add("c.start <", DayText(date::year_month_day{next}));
-  }
   if (!f.switch_name.empty()) {
     add("c.switch_id = (SELECT id FROM switches WHERE name =", f.switch_name);
     sql += ")";

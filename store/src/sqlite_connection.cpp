@@ -238,6 +238,7 @@ class SqliteConnection : public Connection {
     Script("DROP INDEX IF EXISTS call_keys_cost");
     keys_later_ = true;
   }
+  bool WeighsBulkPricing() const override { return true; }
   void EndBulk() override {
     if (bulk_lock_ < 0) return;
     if (keys_later_) Script(kKeysFromPrices);
