@@ -110,11 +110,11 @@ export default {
       FIELDS.map(([key, label, type]) => {
         inputs[key] = type === 'money'
           ? h('input', { id: `f-${key}`, name: key, type: 'text', inputmode: 'decimal', size: 8 })
-          : h('input', { id: `f-${key}`, name: key, type });
+          : h('input', { id: `f-${key}`, name: key, type, size: 14 });
         return h('label', { for: `f-${key}` }, label, inputs[key]);
       }),
       h('label', { for: 'f-type' }, 'Type', inputs.type),
-      h('button', { type: 'submit' }, 'Search'), exportLink, sheetLink);
+      h('div', { class: 'actions' }, h('button', { type: 'submit' }, 'Search'), exportLink, sheetLink));
     fill(root, form, results, pager, opened);
     search();
   },
