@@ -172,7 +172,7 @@ TEST(Spool, ASegmentWithoutItsHeaderIsSkipped) {
   struct Case {
     const char* name;
     size_t keep;  // bytes of the segment kept
-    int flip;     // a header byte replaced (-1: none)
+    int flip;     // a header byte with every bit turned (-1: none)
   } const cases[] = {
       {"only the magic", 8, -1}, {"half the first position", 12, -1}, {"an empty file", 0, -1},
       {"another magic", 64, 3},  {"another first position", 64, 10},
@@ -192,9 +192,13 @@ TEST(Spool, ASegmentWithoutItsHeaderIsSkipped) {
     std::filesystem::resize_file(middle,
                                  std::min<uintmax_t>(c.keep, std::filesystem::file_size(middle)));
     if (c.flip >= 0) {
+      // Every bit turned, not a fixed byte: the first position is the
+      // writer's, and a fixed byte may be the one already there.
       std::fstream f(middle, std::ios::in | std::ios::out | std::ios::binary);
+      f.seekg(c.flip);
+      const int was = f.get();
       f.seekp(c.flip);
-      f.put('#');
+      f.put(static_cast<char>(was ^ 0xff));
     }
     const auto kept = static_cast<int64_t>(std::filesystem::file_size(middle));
     std::string log;
