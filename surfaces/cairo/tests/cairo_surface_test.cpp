@@ -56,7 +56,7 @@ struct Png {
   std::vector<uint32_t> pixels;
 };
 
-constexpr uint32_t kBlack = 0x000000, kWhite = 0xFFFFFF;
+constexpr uint32_t kBlack = 0x000000;
 
 // Nearest pixel of a coordinate in twips.
 int Px(double twips) { return static_cast<int>(std::floor(twips / 15 + 0.5)); }
