@@ -244,12 +244,8 @@ CallFilter CallColumnsOf(const CallFilter& f) {
 // keys when many calls are picked.
 std::string Road(Connection& db, const CallQuery& q) {
   const CallFilter& f = q.filter;
-  if (std::strcmp(db.engine(), "postgresql") == 0 && q.sort == CallSort::kCost) {
-    std::vector<Value> params;
-    const std::string where = CallWhere(CallColumnsOf(f), &params);
-    return Few(db, where, params) ? "" : SortIndex(q.sort);
-  }
-  if (!IndexesReady(db, q.sort)) return "";
+  const bool keys_walk = std::strcmp(db.engine(), "postgresql") == 0 && q.sort == CallSort::kCost;
+  if (!keys_walk && !IndexesReady(db, q.sort)) return "";
   if (!f.number_prefix.empty()) {
     CallFilter prefix;
     prefix.number_prefix = f.number_prefix;
