@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "velqua/cfg_conmut.h"
@@ -13,28 +15,11 @@ namespace {
 
 using velqua::clsCfgConmut;
 
-const char* const kSample = R"({
-  "brand": "Panasonic",
-  "model": "KX-TDA100/200",
-  "case": "emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100",
-  "separator": "\r\n",
-  "comments": "Señal",
-  "fields": {
-    "emParamFechaDia": {"pos": 4, "size": 2, "type": "numeric"},
-    "emParamTelefonoSaliente": {"pos": 27, "size": 25, "type": "string"}
-  },
-  "constants": {
-    "emDatoCteIdentEntrante": {"pos": 27, "text": "<I>"},
-    "emDatoCteIdentSaliente": {"pos": 30, "text": "O", "size": 3}
-  },
-  "wiring": {
-    "rj45": [],
-    "db9": [[2, 3], [3, 2], [5, 5]],
-    "db25": [[2, 3]]
-  }
-}
-)";
-
+// A configuration with a key of each kind, as the writer lays it out.
+const std::string kSample = [] {
+  std::ifstream in(VELQUA_SOURCE_DIR "/records/tests/data/kx-tda-part.json", std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}();
 std::string ErrorOf(const std::string& json) {
   clsCfgConmut cfg;
   try {

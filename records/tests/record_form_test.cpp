@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -103,7 +105,6 @@ TEST(MatchesPattern, StarAndQuestionMarkOverTheWholeLine) {
       {"a*b*c", "axxbyyc", true},
       {"a*b*c", "axxbyy", false},
       {"**x", "x", true},
-      {"*a*a*a*a*b", "aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa", false},
       {"*a*a*a*a*a*b", std::string(2000, 'a'), false},  // no runaway backtracking
       {"\f*", "\fSMDR REPORT", true},
       {"*N", "*xN", true},  // a star printed in the line is no wildcard
@@ -117,39 +118,9 @@ TEST(MatchesPattern, StarAndQuestionMarkOverTheWholeLine) {
 }
 
 TEST(RecordFormJson, EveryPartIsWrittenAsItIsRead) {
-  const std::string text = R"({
-  "brand": "B",
-  "model": "M",
-  "case": "emCasoEstandar",
-  "separator": "\r\n",
-  "comments": "",
-  "delivery": "TCP 2300",
-  "records": {
-    "delimited": {
-      "separator": ";",
-      "quote": "",
-      "fields": [
-        {"name": "start", "width": 19},
-        {"name": "ring", "width": 8, "seconds": true},
-        {"name": "", "width": 0}
-      ]
-    },
-    "headings": [
-      "\fSMDR*",
-      "=====*"
-    ],
-    "record_end": "nul",
-    "seven_bit": true
-  },
-  "fields": {},
-  "constants": {},
-  "wiring": {
-    "rj45": [],
-    "db9": [],
-    "db25": []
-  }
-}
-)";
+  std::ifstream in(VELQUA_SOURCE_DIR "/records/tests/data/record_form_every_part.json",
+                   std::ios::binary);
+  const std::string text(std::istreambuf_iterator<char>(in), {});
   velqua::clsCfgConmut cfg;
   RecordForm form;
   std::string delivery;
@@ -204,8 +175,6 @@ TEST(RecordFormJson, ErrorsNameTheMemberAtFault) {
       {R"({"extras": {"Charge": {"pos": 1, "size": 1}}})",
        "records.extras.Charge: a name is 1 to 32 lower-case letters, digits and '_', from a "
        "letter"},
-      {R"({"extras": {"2nd": {"pos": 1, "size": 1}}})",
-       "records.extras.2nd: a name is 1 to 32 lower-case letters, digits and '_', from a letter"},
       {R"({"extras": {"charge": {"pos": 0, "size": 1}}})",
        "records.extras.charge.pos: must be an integer from 1 to 255"},
       {R"({"extras": {"charge": {"pos": 1}}})",

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -14,20 +16,10 @@ namespace {
 
 // Day, month, time of day; a duration of minutes (no hours field, so any
 // number of minutes) and seconds; a ring of seconds only; "O" marks a call.
-constexpr const char* kConfig = R"({
-  "brand": "Test", "model": "Columns", "case": "emCasoEstandar",
-  "fields": {
-    "emParamFechaDia": {"pos": 1, "size": 2, "type": "numeric"},
-    "emParamFechaMes": {"pos": 4, "size": 2, "type": "numeric"},
-    "emParamFechaHoras": {"pos": 7, "size": 2, "type": "numeric"},
-    "emParamFechaMinutos": {"pos": 10, "size": 2, "type": "numeric"},
-    "emParamDuracionMinutos": {"pos": 13, "size": 3, "type": "numeric"},
-    "emParamDuracionSegundos": {"pos": 17, "size": 2, "type": "numeric"},
-    "emParamRingSegundos": {"pos": 20, "size": 2, "type": "numeric"},
-    "emParamTelefonoSaliente": {"pos": 25, "size": 10, "type": "string"}
-  },
-  "constants": {"emDatoCteIdentSaliente": {"pos": 23, "text": "O"}}
-})";
+const std::string kConfig = [] {
+  std::ifstream in(VELQUA_SOURCE_DIR "/records/tests/data/row_check.json", std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}();
 
 struct Rows : RowSink {
   Row last;
