@@ -54,8 +54,6 @@ size_t LinesStarting(Child& child, const std::string& prefix) {
       lines.begin(), lines.end(), [&](const std::string& l) { return l.rfind(prefix, 0) == 0; }));
 }
 
-const std::string kListen = "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = ";
-
 // A switch that reconnects at once and re-sends its last 100 records, then
 // stays quiet (for as long as the test holds it, however slow the machine);
 // the service is killed while the connection is in that re-sent part,
@@ -65,24 +63,24 @@ TEST(CaptureCrash, AKillInsideTheResentPartStoresNothingTwice) {
   const std::string dir = TempDir("kill-resent");
   const int port = FreePort();
   const std::string store = dir + "/calls.db";
-  const std::string config = WriteConfig(dir, store, "", kListen + std::to_string(port));
+  const std::string config = WriteConfig(dir, store, "", ListenSource(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 300);
   const std::string hold = dir + "/hold";
   std::ofstream(hold).close();
   auto service = StartService(config, dir);
-  Child pusher({EmulatorPath(), "ipoffice", "--port", std::to_string(port), "--records",
-                dir + "/records.txt", "--rate", "0", "--resend", "100", "--cut-every", "200",
-                "--hold", hold, "--retry-ms", "50"});
+  auto pusher = Pusher(port, dir + "/records.txt", "0",
+                       {"--resend", "100", "--cut-every", "200", "--hold", hold});
   // The cut after 200 records; the connection made again at once re-sends 100.
   const std::chrono::seconds generous(60);
-  ASSERT_TRUE(WaitFor([&] { return LinesStarting(pusher, "ipoffice: connected") >= 2; }, generous));
+  ASSERT_TRUE(
+      WaitFor([&] { return LinesStarting(*pusher, "ipoffice: connected") >= 2; }, generous));
   ASSERT_TRUE(
       WaitFor([&] { return SumOfDropped(ReadFile(dir + "/service.log")) >= 100; }, generous))
       << ReadFile(dir + "/service.log");
   service->Stop(SIGKILL);
   service = StartService(config, dir);
   std::filesystem::remove(hold);  // the switch's next call
-  EXPECT_NE(pusher.WaitLine("played", std::chrono::seconds(60)), "");
+  EXPECT_NE(pusher->WaitLine("played", std::chrono::seconds(60)), "");
   EXPECT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
   EXPECT_EQ(service->Stop(SIGTERM), 0);
   EXPECT_EQ(StoredCalls(store), records);
@@ -133,10 +131,7 @@ Schema SchemaOf(const std::string& store) {
 TEST(CaptureCrash, ABacklogLoadedInBulkSurvivesAKill) {
   const std::string dir = TempDir("bulk");
   const std::string store = dir + "/calls.db";
-  const std::string config =
-      WriteConfig(dir, store, "",
-                  "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = "
-                  "\"smdr.log\"\n");
+  const std::string config = WriteConfig(dir, store, "", FollowSource("smdr.log"));
   const std::vector<std::string> records = GenerateRecords(dir + "/smdr.log", 40000);
   const std::vector<std::string> indexes = {
       "call_keys_cost", "calls_account_code", "calls_callback",        "calls_dialled",
@@ -209,10 +204,10 @@ TEST(CaptureCrash, AFileRotatedOrTruncatedWhileStoppedIsReadToItsEnd) {
     SCOPED_TRACE(row.name);
     const std::string dir = TempDir("rotated");
     const std::string store = dir + "/calls.db";
-    const std::string config = WriteConfig(
-        dir, store, "",
-        "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"smdr.log\"\n" +
-            (row.rotated.empty() ? "" : "rotated = \"" + row.rotated + "\"\n"));
+    const std::string config =
+        WriteConfig(dir, store, "",
+                    FollowSource("smdr.log") +
+                        (row.rotated.empty() ? "" : "rotated = \"" + row.rotated + "\"\n"));
     const std::vector<std::string> all = GenerateRecords(dir + "/all.txt", 16);
     auto append = [&](size_t from, size_t to) {
       std::ofstream out(dir + "/smdr.log", std::ios::app);
@@ -252,9 +247,7 @@ TEST(CaptureCrash, AFileTheLastRunReadNothingOfIsReadWhole) {
   namespace fs = std::filesystem;
   const std::string dir = TempDir("read-nothing");
   const std::string store = dir + "/calls.db";
-  const std::string config = WriteConfig(
-      dir, store, "",
-      "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"smdr.log\"\n");
+  const std::string config = WriteConfig(dir, store, "", FollowSource("smdr.log"));
   const std::vector<std::string> all = GenerateRecords(dir + "/all.txt", 15);
   auto append = [&](size_t from, size_t to) {
     std::ofstream out(dir + "/smdr.log", std::ios::app);

@@ -23,9 +23,7 @@ int RunFileFaults(const Options& o) {
   const std::string dir = TempDir("fault-file");
   std::unique_ptr<velqua_store_testing::PgTestServer> server;
   const std::string store = StoreFor(o, dir, &server);
-  const std::string config = HarnessConfig(
-      o, dir, store,
-      "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"smdr.log\"\n");
+  const std::string config = HarnessConfig(o, dir, store, FollowSource("smdr.log"));
   const std::vector<std::string> expected = GenerateRecords(dir + "/records.txt", o.records);
   const std::string log = dir + "/smdr.log";
   std::mutex file;  // held while the file is rotated

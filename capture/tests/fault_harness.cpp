@@ -113,9 +113,7 @@ int RunPusher(const Options& o) {
   const int port = FreePort();
   std::unique_ptr<velqua_store_testing::PgTestServer> server;
   const std::string store = StoreFor(o, dir, &server);
-  const std::string config = HarnessConfig(
-      o, dir, store,
-      "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " + std::to_string(port));
+  const std::string config = HarnessConfig(o, dir, store, ListenSource(port));
   const std::vector<std::string> expected = GenerateRecords(dir + "/records.txt", o.records);
   const int64_t resend = Resend(o);
   auto service = StartService(config, dir);

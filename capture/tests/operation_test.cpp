@@ -96,10 +96,7 @@ TEST(CaptureOperation, AWrongPasswordIsALoginFailure) {
 // says who holds it and exits.
 TEST(CaptureOperation, ASecondServiceOnTheSameSpoolExits) {
   const std::string dir = TempDir("two");
-  const std::string config =
-      WriteConfig(dir, dir + "/calls.db", "",
-                  "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " +
-                      std::to_string(FreePort()));
+  const std::string config = WriteConfig(dir, dir + "/calls.db", "", ListenSource(FreePort()));
   auto first = StartService(config, dir);
   ASSERT_TRUE(WaitForText(dir + "/service.log", "listening"));
   Child second({VELQUA_CAPTURE_SERVICE, config}, dir + "/second.log");
@@ -118,9 +115,7 @@ TEST(CaptureOperation, AStopSpoolsWhatTheSystemHolds) {
   const std::string dir = TempDir("drain");
   const int port = FreePort();
   const std::string store = dir + "/calls.db";
-  const std::string config = WriteConfig(
-      dir, store, "",
-      "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " + std::to_string(port));
+  const std::string config = WriteConfig(dir, store, "", ListenSource(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 400);
   auto service = StartService(config, dir);
   ASSERT_TRUE(WaitForText(dir + "/service.log", "listening"));
@@ -129,11 +124,10 @@ TEST(CaptureOperation, AStopSpoolsWhatTheSystemHolds) {
   full = saved;
   full.rlim_cur = 16;  // below the spool's size: not even the connection's mark is written
   ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &full, nullptr), 0);
-  Child pusher({EmulatorPath(), "ipoffice", "--port", std::to_string(port), "--records",
-                dir + "/records.txt", "--rate", "0", "--resend", "0"});
+  auto pusher = Pusher(port, dir + "/records.txt", "0", {"--resend", "0"});
   // All of it in the system's buffers: the service holds, and does not read.
   // (Its log cannot be written meanwhile: the limit holds for it too.)
-  ASSERT_NE(pusher.WaitLine("played"), "");
+  ASSERT_NE(pusher->WaitLine("played"), "");
   ASSERT_TRUE(WaitFor([&] { return HeldForPort(port) > 0; }, std::chrono::seconds(60)));
   ASSERT_EQ(::prlimit(service->pid(), RLIMIT_FSIZE, &saved, nullptr), 0);
   EXPECT_EQ(service->Stop(SIGTERM), 0);
@@ -169,9 +163,7 @@ TEST(CaptureOperation, TheExtensionListKeptWithTheSwitchIsUsed) {
     velqua_store::OpenStore(store)->PutSwitch({"pbx", "", "", "", "1234;301\r\n"});
     std::ofstream(dir + "/smdr.log", std::ios::binary) << ReadFile(kKxRecords);
     const std::string config =
-        WriteConfig(dir, store, c.switch_toml,
-                    "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"" + dir +
-                        "/smdr.log\"\n");
+        WriteConfig(dir, store, c.switch_toml, FollowSource(dir + "/smdr.log"));
     auto service = StartService(config, dir);
     EXPECT_TRUE(WaitForRecords(store, RecordsOf(kKxRecords).size()))
         << ReadFile(dir + "/service.log");

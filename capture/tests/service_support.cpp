@@ -23,6 +23,24 @@ std::string WriteConfig(const std::string& dir, const std::string& store,
   return path;
 }
 
+std::string ListenSource(int port) {
+  return "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " +
+         std::to_string(port) + "\n";
+}
+
+std::string FollowSource(const std::string& path) {
+  return "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"" + path + "\"\n";
+}
+
+std::unique_ptr<Child> Pusher(int port, const std::string& records, const std::string& rate,
+                              const std::vector<std::string>& more) {
+  std::vector<std::string> args = {EmulatorPath(), "ipoffice", "--port", std::to_string(port),
+                                   "--records",    records,    "--rate", rate,
+                                   "--retry-ms",   "50"};
+  args.insert(args.end(), more.begin(), more.end());
+  return std::make_unique<Child>(args);
+}
+
 std::unique_ptr<Child> StartService(const std::string& config, const std::string& dir) {
   return std::make_unique<Child>(std::vector<std::string>{VELQUA_CAPTURE_SERVICE, config},
                                  dir + "/service.log");

@@ -19,6 +19,17 @@ const std::string kExamples = std::string(VELQUA_SOURCE_DIR) + "/examples";
 std::string WriteConfig(const std::string& dir, const std::string& store,
                         const std::string& switch_toml, const std::string& sources_toml);
 
+// A tcp-listen source "ipo" on `port`, and a file-follow source "log" on
+// `path`, as WriteConfig's `sources_toml` takes them.
+std::string ListenSource(int port);
+std::string FollowSource(const std::string& path);
+
+// The emulator pushing `records` to `port` as an IP Office does, `rate`
+// records a second ("0": at once), connecting again 50 ms after a cut;
+// `more` adds to its options.
+std::unique_ptr<Child> Pusher(int port, const std::string& records, const std::string& rate,
+                              const std::vector<std::string>& more = {});
+
 // The service running on `config`, its log in `dir`/service.log.
 std::unique_ptr<Child> StartService(const std::string& config, const std::string& dir);
 

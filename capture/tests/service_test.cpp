@@ -75,9 +75,9 @@ TEST(CaptureService, EachKindOfSourceStoresEveryRecordOnce) {
               {"STN  CO  DIAL NUMBER               DATE   TIME  DURATION" + std::string(56, '=')})},
       {"IP Office pushing, cut every 7 records, re-sending 3", {"ipoffice", "--port", "{port}", "--records", kKxRecords, "--rate", "0", "--resend", "3", "--cut-every", "7", "--retry-ms", "50"}, false, kHeadings, "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n", RecordsOf(kKxRecords)},
       {"Norstar multi-line calls pushed, the last one complete when quiet", {"ipoffice", "--port", "{port}", "--records", kExamples + "/norstar/records.txt", "--rate", "0", "--resend", "0"}, false, "config = \"" + kExamples + "/norstar/norstar.json\"\n[switch.framing]\n" "idle_flush = \"300ms\"\n", "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = {port}\n", NorstarCalls()},
-      {"Samsung OfficeServ: its configuration's NUL record ends and page headings", {"file", "-o", "{path}", "--records", kSamsung + "/records.txt", "--rate", "0"}, false, "config = \"" + kSamsung + "/samsung-officeserv.json\"\n", "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"{path}\"\n", RecordsOf(kSamsung + "/records.txt", {}, true)},
+      {"Samsung OfficeServ: its configuration's NUL record ends and page headings", {"file", "-o", "{path}", "--records", kSamsung + "/records.txt", "--rate", "0"}, false, "config = \"" + kSamsung + "/samsung-officeserv.json\"\n", FollowSource("{path}"), RecordsOf(kSamsung + "/records.txt", {}, true)},
       {"serial port through a pseudo-terminal", {"serial", "--link", "{path}", "--records", kKxRecords, "--rate", "0"}, true, kHeadings, "[[switch.source]]\nname = \"com1\"\nkind = \"serial\"\ndevice = \"{path}\"\n", RecordsOf(kKxRecords)},
-      {"a followed file", {"file", "-o", "{path}", "--records", kKxRecords, "--rate", "100", "--rotate-every", "20"}, false, kHeadings, "[[switch.source]]\nname = \"log\"\nkind = \"file-follow\"\npath = \"{path}\"\n", RecordsOf(kKxRecords)},
+      {"a followed file", {"file", "-o", "{path}", "--records", kKxRecords, "--rate", "100", "--rotate-every", "20"}, false, kHeadings, FollowSource("{path}"), RecordsOf(kKxRecords)},
       // clang-format on
   };
   for (const auto& row : rows) {
@@ -125,26 +125,17 @@ TEST(CaptureService, AnUnreachableSwitchIsNamedByHostAndPort) {
   EXPECT_EQ(service->Stop(SIGTERM), 0);
 }
 
-const std::string kListen = "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = ";
-
-std::unique_ptr<Child> Pusher(int port, const std::string& records, const std::string& rate) {
-  return std::make_unique<Child>(
-      std::vector<std::string>{EmulatorPath(), "ipoffice", "--port", std::to_string(port),
-                               "--records", records, "--rate", rate, "--retry-ms", "50"});
-}
-
 // A serial device that goes away and comes back, a followed file truncated
 // and written again while the service was stopped, a peer not allowed.
 TEST(CaptureService, SourcesComeBackAndStrangersAreRefused) {
   const std::string dir = TempDir("come-back");
   const std::string store = dir + "/calls.db";
   const int port = FreePort();
-  const std::string config = WriteConfig(
-      dir, store, kHeadings,
-      "[[switch.source]]\nname = \"com1\"\nkind = \"serial\"\ndevice = \"" + dir +
-          "/tty\"\nretry_min = \"50ms\"\n[[switch.source]]\nname = \"log\"\n"
-          "kind = \"file-follow\"\npath = \"" +
-          dir + "/smdr.log\"\n" + kListen + std::to_string(port) + "\nallow = [\"10.0.0.0/8\"]\n");
+  const std::string config =
+      WriteConfig(dir, store, kHeadings,
+                  "[[switch.source]]\nname = \"com1\"\nkind = \"serial\"\ndevice = \"" + dir +
+                      "/tty\"\nretry_min = \"50ms\"\n" + FollowSource(dir + "/smdr.log") +
+                      ListenSource(port) + "allow = [\"10.0.0.0/8\"]\n");
   // 55 distinct records: 20 by the serial port, 30 after it comes back, 5 by the file.
   const std::vector<std::string> all = GenerateRecords(dir + "/all.txt", 55);
   auto write = [&](const std::string& name, size_t from, size_t to) {
@@ -183,7 +174,7 @@ TEST(CaptureService, ARestartWithATornSpoolTailStoresNothingTwice) {
   const std::string dir = TempDir("restart");
   const int port = FreePort();
   const std::string store = dir + "/calls.db";
-  const std::string config = WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
+  const std::string config = WriteConfig(dir, store, kHeadings, ListenSource(port));
   const std::vector<std::string> first = GenerateRecords(dir + "/first.txt", 200);
   const std::vector<std::string> second = GenerateRecords(dir + "/second.txt", 300);
   {
@@ -213,7 +204,7 @@ TEST(CaptureService, AFullDiskHoldsAndCatchesUp) {
   const std::string dir = TempDir("full");
   const int port = FreePort();
   const std::string store = dir + "/calls.db";
-  const std::string config = WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
+  const std::string config = WriteConfig(dir, store, kHeadings, ListenSource(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 400);
   auto service = StartService(config, dir);
   ASSERT_TRUE(WaitForText(dir + "/service.log", "listening"));
@@ -233,7 +224,7 @@ TEST(CaptureService, AFullDiskHoldsAndCatchesUp) {
 
 TEST(CaptureService, ABadConfigurationStartsNothing) {
   const std::string dir = TempDir("bad");
-  const std::string config = WriteConfig(dir, dir + "/calls.db", "", kListen + "70000");
+  const std::string config = WriteConfig(dir, dir + "/calls.db", "", ListenSource(70000));
   auto service = StartService(config, dir);
   EXPECT_EQ(service->Stop(0), 1);
   EXPECT_NE(ReadFile(dir + "/service.log")
@@ -251,14 +242,14 @@ TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
   const int port = FreePort();
   const int second_port = FreePort();
   const std::string store = dir + "/calls.db";
-  const std::string config = WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
+  const std::string config = WriteConfig(dir, store, kHeadings, ListenSource(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 60);
   auto service = StartService(config, dir);
   ASSERT_TRUE(WaitForText(dir + "/service.log", "listening"));
   auto pusher = Pusher(port, dir + "/records.txt", "20");
   WriteConfig(dir, store, kHeadings,
-              kListen + std::to_string(port) +
-                  "\n[[switch.source]]\nname = \"second\"\n"
+              ListenSource(port) +
+                  "[[switch.source]]\nname = \"second\"\n"
                   "kind = \"tcp-listen\"\nport = " +
                   std::to_string(second_port));
   ::kill(service->pid(), SIGHUP);
@@ -272,7 +263,7 @@ TEST(CaptureService, ReloadStartsNewSourcesAndRefusesMistakes) {
   EXPECT_TRUE(WaitForRecords(store, records.size() + kx.size() + 2))
       << ReadFile(dir + "/service.log");
   // A source no longer in the file stops.
-  WriteConfig(dir, store, kHeadings, kListen + std::to_string(port));
+  WriteConfig(dir, store, kHeadings, ListenSource(port));
   ::kill(service->pid(), SIGHUP);
   EXPECT_TRUE(WaitForText(dir + "/service.log", ": 1 source(s) stopped, 0 started"));
   EXPECT_EQ(service->Stop(SIGTERM), 0);
@@ -288,7 +279,7 @@ TEST(CaptureService, APostgresStoppedAndStartedAgainLosesNothing) {
   const std::string url = server.NewDatabase();
   const std::string dir = TempDir("postgres");
   const int port = FreePort();
-  const std::string config = WriteConfig(dir, url, kHeadings, kListen + std::to_string(port));
+  const std::string config = WriteConfig(dir, url, kHeadings, ListenSource(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 300);
   auto service = StartService(config, dir);
   auto pusher = Pusher(port, dir + "/records.txt", "150");

@@ -43,21 +43,12 @@ TEST(Settings, AValidFileGivesEveryValueWithPathsFromItsFolder) {
   EXPECT_EQ(sw.sources[3].path, kExamples + "/capture/smdr.log");
 }
 
-// A bundled switch's name is a configuration here too; a file name is from
-// the settings file's folder.
-TEST(Settings, TheConfigIsABundledNameOrAFile) {
-  struct Case {
-    std::string value, config;
-  } const cases[] = {
-      {"hicom", "hicom"},
-      {"../kx-tda/kx-tda.json", kExamples + "/kx-tda/kx-tda.json"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.value);
-    std::string text = Config();
-    text.replace(text.find("../kx-tda/kx-tda.json"), 21, c.value);
-    EXPECT_EQ(ParseSettings(text, kFile).switches.at(0).config, c.config);
-  }
+// A bundled switch's name is a configuration here too (a file name is from
+// the settings file's folder, as above).
+TEST(Settings, TheConfigMayBeABundledName) {
+  std::string text = Config();
+  text.replace(text.find("../kx-tda/kx-tda.json"), 21, "hicom");
+  EXPECT_EQ(ParseSettings(text, kFile).switches.at(0).config, "hicom");
 }
 
 // Each mistake is refused with the file, the line of the key at fault and

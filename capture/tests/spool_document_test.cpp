@@ -73,13 +73,10 @@ TEST(SpoolDocument, AReaderWrittenFromTheDocumentReadsTheServicesSpool) {
   const std::string dir = TempDir("spool-document");
   const int port = FreePort();
   const std::string store = dir + "/calls.db";
-  const std::string config = WriteConfig(
-      dir, store, "",
-      "[[switch.source]]\nname = \"ipo\"\nkind = \"tcp-listen\"\nport = " + std::to_string(port));
+  const std::string config = WriteConfig(dir, store, "", ListenSource(port));
   const std::vector<std::string> records = GenerateRecords(dir + "/records.txt", 200);
   auto service = StartService(config, dir);
-  Child pusher({EmulatorPath(), "ipoffice", "--port", std::to_string(port), "--records",
-                dir + "/records.txt", "--rate", "0", "--cut-every", "120"});
+  auto pusher = Pusher(port, dir + "/records.txt", "0", {"--cut-every", "120"});
   ASSERT_TRUE(WaitForRecords(store, records.size())) << ReadFile(dir + "/service.log");
   ASSERT_EQ(service->Stop(SIGTERM), 0);
 
