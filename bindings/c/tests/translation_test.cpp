@@ -88,49 +88,8 @@ TEST(CTranslation, KxTdaRowsShowOnlyWhatTheSwitchPrinted) {
   EXPECT_EQ(counts.random_extensions, 1);
 }
 
-// The extension list is looked at once for each write: an edit of the list
-// counts from the next write, at once for a host writing record by record.
-TEST(CTranslation, AnEditedListCountsFromTheNextWrite) {
-  Cfg cfg = NewCfg(Example("kx-tda/kx-tda.json"));
-  const std::string list = TempPath("edited-extensions.txt");
-  const auto write_list = [&](const char* text) {
-    std::FILE* f = std::fopen(list.c_str(), "wb");
-    ASSERT_NE(f, nullptr);
-    std::fputs(text, f);
-    std::fclose(f);
-  };
-  write_list("1234;201\r\n");
-  const velqua_translation_settings settings{list.c_str(), nullptr, false, 2026};
-  Translation t = NewTranslation(cfg.get(), &settings);
-  const std::string record =
-      "01/19/26 08:31AM *1234 02 00441632960123                 00:12'07\r\n";
-  const std::string two = record + record;
-  const struct {
-    const char* list;  // written before the write; nullptr: left as it is
-    const std::string* input;
-    std::vector<std::string> extensions;
-  } steps[] = {{nullptr, &two, {"201", "201"}},
-               {"1234;30\r\n", &record, {"30"}},  // sizes differ: edits within one clock tick
-               {"1234;4071\r\n", &two, {"4071", "4071"}},
-               {"9;1\r\n", &record, {""}}};  // no longer listed: blank, marked random
-  for (const auto& step : steps) {
-    SCOPED_TRACE(step.extensions.front());
-    if (step.list != nullptr) write_list(step.list);
-    ASSERT_EQ(velqua_translation_write(t.get(), step.input->data(), step.input->size()), 0);
-    std::vector<std::string> got;
-    velqua_call call{};
-    bool more = false;
-    while (velqua_translation_next(t.get(), &call, &more) == 0 && more) {
-      got.push_back(call.extension);
-    }
-    velqua_call_clear(&call);
-    EXPECT_EQ(got, step.extensions);
-  }
-}
-
 // Each call carries its true start and its end (the rule is the records
-// layer's; here its fields through the interface): past midnight, and an
-// unanswered call that ends as it starts.
+// layer's; here its fields through the interface): past midnight.
 TEST(CTranslation, EachCallHasItsEndBesideItsTrueStart) {
   struct Case {
     const char* config;
@@ -139,7 +98,6 @@ TEST(CTranslation, EachCallHasItsEndBesideItsTrueStart) {
   } const cases[] = {
       // clang-format off
       {"ip-office/ip-office.json", "2026/03/10 23:59:30,00:01:05,3,0312345678,I,201,201,,0,1000001,0,E201,Ann,T9001,Line " "1.1,0,0\r\n", "20260310 86370 > 20260311 35"},
-      {"kx-tda/kx-tda.json", "01/19/26 09:10AM   204 02 <I>0320457788             0'21 00:00'00            NA\r\n", "20260119 33000 > 20260119 33000"},
       // clang-format on
   };
   for (const Case& c : cases) {

@@ -24,7 +24,6 @@ def test_errors_arrive_with_number_source_and_spanish_description(tmp_path, kx_t
     missing = str(tmp_path / "missing.cfg")
     cases = [
         ("a text as the configuration", lambda: setattr(t, "Conmutador", "kx-tda.cfg"), TIPOS),
-        ("a translator as the configuration", lambda: setattr(t, "Conmutador", velqua.clsTraductor()), TIPOS),
         ("a field while unbound", lambda: t.Dia, OBJETO),
         ("a missing file", lambda: velqua.clsCfgConmut().Abrir(missing),
          (-2147220003, "clsConfigConmut.Abrir",

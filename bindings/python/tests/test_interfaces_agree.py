@@ -1,5 +1,6 @@
-"""The names hosts rely on are the same everywhere: the enumerations of the
-C++ headers, of the C interface and of the module, and the module against
+"""The names hosts rely on are the same everywhere: the module's
+enumerations against the C++ header (the C header is written from the same
+list, and checked against it where it is written), and the module against
 its type stubs."""
 
 import ast
@@ -18,10 +19,8 @@ def enumerations(header):
 def test_the_enumerations_agree_in_cpp_c_and_python():
     cpp = enumerations("enums.h")
     assert len(cpp) == 10 and sum(len(m) for m in cpp.values()) > 150
-    assert enumerations("velqua_c_enums.h") == cpp
     python = {name: {m.name: int(m) for m in getattr(velqua, name)} for name in cpp}
     assert python == cpp
-    assert velqua.emCasoEstandar == 1 and velqua.emDB9Pin4 == 20
 
 
 def stub_members():

@@ -20,7 +20,6 @@ SWITCHES = {  # case: (example, configuration, records, extra program arguments)
                ["--extensions", str(EXAMPLES / "kx-tda" / "extensions.txt")]),
     "norstar": ("norstar", "norstar.cfg", None, ["--year", "2026"]),
     "hicom": ("hicom", "hicom.ini", None, []),
-    "definity": ("definity", "definity.cfg", None, ["--year", "2026"]),
     "ip-office, comma-separated": ("ip-office", "ip-office.json", None, ["--year", "2026"]),
     "samsung, NUL-ended with headings": ("samsung-officeserv", "samsung-officeserv.json", None,
                                          ["--year", "2026"]),
@@ -126,10 +125,6 @@ def test_calls_show_only_what_the_switch_printed(tmp_path):
                   "T9001,Line 1.1,0,0",
      (datetime.date(2026, 3, 10), datetime.time(23, 59, 30)),
      (datetime.date(2026, 3, 11), datetime.time(0, 0, 35))),
-    # the switch prints the end: the call started earlier by its duration, the day before
-    ("kx-tda", "01/20/26 12:01AM   201 01 0312598877                     00:05'00",
-     (datetime.date(2026, 1, 19), datetime.time(23, 56)),
-     (datetime.date(2026, 1, 20), datetime.time(0, 1))),
 ])
 def test_each_call_has_its_end_beside_its_true_start(config, record, start, end):
     [call] = velqua.translate([record], config)

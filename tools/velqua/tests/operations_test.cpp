@@ -132,20 +132,14 @@ TEST(Operations, CaptureConfigurationMistakeIsNotRestartedAndUnknown) {
   EXPECT_EQ(r.FirstLine().rfind("UNKNOWN: " + config + ":3: metrics:", 0), 0u) << r.out;
 }
 
-// Hicom records on three days, and one line no configuration reads. Hicom
-// prints when a call ended: the fourth call started at midnight exactly.
-const char* const kRecords =
-    "01.03.26 08:03:12   1     21 00:04 00:02:35 089123456                         1\r\n"
-    "01.03.26 08:10:47   2     23       00:00:52 0301234567                  0.12  2\r\n"
-    "09.03.26 23:59:59   1     24 00:11 00:07:19 017612345678                      1\r\n"
-    "10.03.26 00:15:02   3     21       00:15:02 004312345678                3.84  2\r\n"
-    "20.03.26 09:01:58   2     25 00:02 00:01:11 0891234                           1\r\n"
-    "Hicom 150 E Office  -  call charge printout\r\n";
-
-// Writes the records with a modification time of 2026-03-05 (when the
-// import takes them as received).
+// Hicom records on three days, and one line no configuration reads (Hicom
+// prints when a call ended: the fourth call started at midnight exactly),
+// copied with a modification time of 2026-03-05 (when the import takes them
+// as received).
 std::string RecordsFile(const std::string& dir) {
-  const std::string path = WriteFile(dir + "/records.txt", kRecords);
+  const std::string path = WriteFile(
+      dir + "/records.txt", velqua_capture_test::ReadFile(
+                                VELQUA_SOURCE_DIR "/tools/velqua/tests/data/hicom-three-days.txt"));
   const timeval times[2] = {{1772668800, 0}, {1772668800, 0}};  // 2026-03-05T00:00:00Z
   ::utimes(path.c_str(), times);
   return path;
