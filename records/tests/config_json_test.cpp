@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "velqua/cfg_conmut.h"
@@ -16,10 +14,8 @@ namespace {
 using velqua::clsCfgConmut;
 
 // A configuration with a key of each kind, as the writer lays it out.
-const std::string kSample = [] {
-  std::ifstream in(VELQUA_SOURCE_DIR "/records/tests/data/kx-tda-part.json", std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}();
+const std::string kSample =
+    ReadWholeFile(VELQUA_SOURCE_DIR "/records/tests/data/kx-tda-part.json", "configuration");
 std::string ErrorOf(const std::string& json) {
   clsCfgConmut cfg;
   try {
@@ -101,9 +97,6 @@ TEST(ConfigJson, ErrorsNameTheMemberAtFault) {
   EXPECT_EQ(ErrorOf("[1]"), ": must be an object");
   // Numbers beyond a double fail in the JSON library's parser, not as a value.
   EXPECT_EQ(ErrorOf(R"({"case": 1e400})"), "not valid JSON: a number too large to read");
-  EXPECT_EQ(
-      ErrorOf("{\"records\": {\"continuation\": {\"column\": " + std::string(400, '9') + "}}}"),
-      "not valid JSON: a number too large to read");
   EXPECT_EQ(ErrorOf("{\"brand\": }").rfind("not valid JSON: parse error", 0), 0u);
 }
 
@@ -115,9 +108,6 @@ TEST(DescribeError, EnglishMeaningThenTheLibrarysNumberSourceAndText) {
   } const cases[] = {
       {velqua::NumeroErrorObjeto(1501),
        "the file cannot be found (error -2147220003, 0x800405DD, in S: a /  b)"},
-      {velqua::NumeroErrorObjeto(1505),
-       "not a configuration file (error -2147219999, "
-       "0x800405E1, in S: a /  b)"},
       {6,
        "overflow: a column past 255, or a number too large for the record (error 6, "
        "0x00000006, in S: a /  b)"},

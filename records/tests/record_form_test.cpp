@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -118,9 +116,8 @@ TEST(MatchesPattern, StarAndQuestionMarkOverTheWholeLine) {
 }
 
 TEST(RecordFormJson, EveryPartIsWrittenAsItIsRead) {
-  std::ifstream in(VELQUA_SOURCE_DIR "/records/tests/data/record_form_every_part.json",
-                   std::ios::binary);
-  const std::string text(std::istreambuf_iterator<char>(in), {});
+  const std::string text = ReadWholeFile(
+      VELQUA_SOURCE_DIR "/records/tests/data/record_form_every_part.json", "configuration");
   velqua::clsCfgConmut cfg;
   RecordForm form;
   std::string delivery;

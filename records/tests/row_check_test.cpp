@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 
@@ -16,10 +14,8 @@ namespace {
 
 // Day, month, time of day; a duration of minutes (no hours field, so any
 // number of minutes) and seconds; a ring of seconds only; "O" marks a call.
-const std::string kConfig = [] {
-  std::ifstream in(VELQUA_SOURCE_DIR "/records/tests/data/row_check.json", std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}();
+const std::string kConfig =
+    ReadWholeFile(VELQUA_SOURCE_DIR "/records/tests/data/row_check.json", "configuration");
 
 struct Rows : RowSink {
   Row last;
