@@ -10,42 +10,30 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
+
+#include "capture_test.h"
 
 extern char** environ;
 
 namespace velqua_cli {
 namespace {
 
-const std::string kTmp = VELQUA_CLI_TEST_TMP "/follow";
-
-std::string ReadFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
+using velqua_capture_test::ReadFile;
 
 bool WaitFor(const std::function<bool()>& done) {
-  for (int i = 0; i < 300; ++i) {  // 30 s on a loaded machine
-    if (done()) return true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
-  }
-  return false;
+  return velqua_capture_test::WaitFor(done, std::chrono::seconds(30));  // a loaded machine
 }
 
 // The program following `log` with `format`, its output and errors in files.
 class Follower {
  public:
-  Follower(const std::string& name, const std::string& format) : dir_(kTmp + "/" + name) {
-    std::filesystem::remove_all(dir_);
-    std::filesystem::create_directories(dir_);
+  Follower(const std::string& name, const std::string& format)
+      : dir_(velqua_capture_test::TempDir("follow-" + name)) {
     std::vector<std::string> args = {VELQUA_PROGRAM, "--now", "2026-03-10 09:00:00",
                                      "translate",    "-c",    "hicom",
                                      "--format",     format,  "--follow",

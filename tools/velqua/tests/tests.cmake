@@ -32,10 +32,12 @@ endif()
 # What an administrator runs on a site: the capture service's health and
 # metrics against a running service, purge on both engines, file modes,
 # --mask-digits, reports and the web page for a role that may only read
-# (real child processes, an emulated switch, PostgreSQL).
+# (real child processes, an emulated switch, PostgreSQL); a followed file as
+# a user runs it.
 if(TARGET velqua_store_testing AND TARGET velqua_capture)
   add_executable(test_cli_operations ${CMAKE_CURRENT_LIST_DIR}/operations_test.cpp
                  ${CMAKE_CURRENT_LIST_DIR}/read_only_role_test.cpp
+                 ${CMAKE_CURRENT_LIST_DIR}/follow_test.cpp
                  ${CMAKE_CURRENT_LIST_DIR}/program_run.cpp
                  ${PROJECT_SOURCE_DIR}/capture/tests/capture_test.cpp)
   target_link_libraries(test_cli_operations PRIVATE velqua_store_testing PkgConfig::VELQUA_HTTPLIB
@@ -49,16 +51,6 @@ if(TARGET velqua_store_testing AND TARGET velqua_capture)
   add_dependencies(test_cli_operations velqua_cli velqua_emulator)
   gtest_discover_tests(test_cli_operations TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
 endif()
-
-# A followed file, as a user runs it (a real child process).
-add_executable(test_cli_follow ${CMAKE_CURRENT_LIST_DIR}/follow_test.cpp)
-target_link_libraries(test_cli_follow PRIVATE GTest::gtest_main)
-target_compile_features(test_cli_follow PRIVATE cxx_std_17)
-target_compile_definitions(test_cli_follow PRIVATE VELQUA_PROGRAM="$<TARGET_FILE:velqua_cli>"
-                           VELQUA_CLI_TEST_TMP="${CMAKE_CURRENT_BINARY_DIR}/tmp")
-velqua_warnings(test_cli_follow)
-add_dependencies(test_cli_follow velqua_cli)
-gtest_discover_tests(test_cli_follow TEST_PREFIX "cli." DISCOVERY_TIMEOUT 60)
 
 # End-to-end: the built program on examples/ and tests/e2e/data/, against
 # tests/e2e/golden/. Every run fixes the clock (--now) because the library
