@@ -66,7 +66,8 @@ export default {
     const head = () => h('thead', {}, h('tr', {}, COLUMNS.map(([key, title]) => {
       if (!key) return h('th', {}, title);
       const active = key === sort;
-      return h('th', { 'aria-sort': active ? (order === 'asc' ? 'ascending' : 'descending') : false },
+      return h('th', { class: key === 'duration' || key === 'cost' ? 'num' : '',
+        'aria-sort': active ? (order === 'asc' ? 'ascending' : 'descending') : false },
         h('button', { type: 'button', class: 'sort', onclick: () => {
           order = active && order === 'desc' ? 'asc' : 'desc';
           sort = key;
