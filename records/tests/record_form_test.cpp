@@ -98,13 +98,10 @@ TEST(MatchesPattern, StarAndQuestionMarkOverTheWholeLine) {
       {"abc", "abcd", false},
       {"Date*", "  Date     Time", false},  // the whole record, not a part
       {"*====", "STN  CO ==== ", false},
-      {"*PAGE ???", "      03/10/2026 PAGE 001", true},
-      {"*PAGE ???", "PAGE 01", false},
       {"a*b*c", "axxbyyc", true},
       {"a*b*c", "axxbyy", false},
       {"**x", "x", true},
       {"*a*a*a*a*a*b", std::string(2000, 'a'), false},  // no runaway backtracking
-      {"\f*", "\fSMDR REPORT", true},
       {"*N", "*xN", true},  // a star printed in the line is no wildcard
       {"?*", "*", true},
   };
