@@ -1,7 +1,7 @@
 // The program as an administrator runs it on a site: the capture service's
 // health (`velqua capture status` and its exit statuses) and its metrics
 // scraped over loopback while it captures from an emulated switch; a store
-// created unreadable by others; `purge` on both engines; `--mask-digits`.
+// created unreadable by others; `purge`; `--mask-digits`.
 #include <gtest/gtest.h>
 #include <httplib.h>
 #include <signal.h>
@@ -19,7 +19,6 @@
 
 #include "capture_test.h"
 #include "program_run.h"
-#include "store_test_support.h"
 
 namespace velqua_cli {
 namespace {
@@ -28,7 +27,6 @@ using velqua_capture_test::Child;
 using velqua_capture_test::FreePort;
 using velqua_capture_test::TempDir;
 using velqua_capture_test::WaitFor;
-using velqua_store_testing::Engine;
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples";
 
@@ -149,13 +147,11 @@ std::vector<std::string> Import(const std::string& db, const std::string& record
   return {"import", "--db", db, "--switch", "hq", "-c", kExamples + "/hicom/hicom.json", records};
 }
 
-class Purge : public ::testing::TestWithParam<Engine> {};
-
-TEST_P(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
+// On SQLite: the purge's statements are the same on PostgreSQL, whose month
+// tables the store's own cases purge.
+TEST(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
   const std::string dir = TempDir("ops-purge");
-  const std::string db = GetParam() == Engine::kSqlite
-                             ? dir + "/calls.db"
-                             : velqua_store_testing::PgTestServer::Shared().NewDatabase();
+  const std::string db = dir + "/calls.db";
   const std::string records = RecordsFile(dir);
   ASSERT_EQ(Velqua(Import(db, records)).status, 0);
   ASSERT_EQ(Velqua({"rate", "--db", db, "--plan", kExamples + "/rating/hicom-plan.toml"}).status,
@@ -163,11 +159,9 @@ TEST_P(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
   // A reader holding the SQLite file open, as a running capture service
   // does: the purge's own close does not fold the write-ahead log back.
   sqlite3* reader = nullptr;
-  if (GetParam() == Engine::kSqlite) {
-    ASSERT_EQ(sqlite3_open(db.c_str(), &reader), SQLITE_OK);
-    ASSERT_EQ(sqlite3_exec(reader, "SELECT COUNT(*) FROM calls", nullptr, nullptr, nullptr),
-              SQLITE_OK);
-  }
+  ASSERT_EQ(sqlite3_open(db.c_str(), &reader), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(reader, "SELECT COUNT(*) FROM calls", nullptr, nullptr, nullptr),
+            SQLITE_OK);
 
   const struct {
     const char* name;
@@ -203,27 +197,22 @@ TEST_P(Purge, RemovesWhatIsOlderThanTheDayAndNothingComesBack) {
   ASSERT_EQ(Velqua(Import(db, records)).status, 0);
   const Result again = Velqua({"calls", "--db", db, "--format", "csv"});
   EXPECT_EQ(std::count(again.out.begin(), again.out.end(), '\n'), 3);
-  if (GetParam() == Engine::kSqlite) {
-    // What was removed left the file's bytes too, its log included.
-    EXPECT_EQ(velqua_capture_test::ReadFile(db).find("0301234567"), std::string::npos);
-    EXPECT_EQ(velqua_capture_test::ReadFile(db + "-wal").find("0301234567"), std::string::npos);
-    // The prices of the removed calls went with them: one outgoing call is
-    // left, and only outgoing calls are priced.
-    int64_t prices = -1;
-    sqlite3_exec(
-        reader, "SELECT COUNT(*) FROM call_costs",
-        [](void* n, int, char** v, char**) {
-          *static_cast<int64_t*>(n) = std::stoll(v[0]);
-          return 0;
-        },
-        &prices, nullptr);
-    EXPECT_EQ(prices, 1);
-    sqlite3_close(reader);
-  }
+  // What was removed left the file's bytes too, its log included.
+  EXPECT_EQ(velqua_capture_test::ReadFile(db).find("0301234567"), std::string::npos);
+  EXPECT_EQ(velqua_capture_test::ReadFile(db + "-wal").find("0301234567"), std::string::npos);
+  // The prices of the removed calls went with them: one outgoing call is
+  // left, and only outgoing calls are priced.
+  int64_t prices = -1;
+  sqlite3_exec(
+      reader, "SELECT COUNT(*) FROM call_costs",
+      [](void* n, int, char** v, char**) {
+        *static_cast<int64_t*>(n) = std::stoll(v[0]);
+        return 0;
+      },
+      &prices, nullptr);
+  EXPECT_EQ(prices, 1);
+  sqlite3_close(reader);
 }
-
-INSTANTIATE_TEST_SUITE_P(Engines, Purge, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
-                         velqua_store_testing::EngineName);
 
 // A new store holds who called whom: its file, and the write-ahead log
 // beside it, are readable by the owner and the group only.

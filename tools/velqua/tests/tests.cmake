@@ -30,7 +30,7 @@ if(TARGET velqua_store_testing)
 endif()
 
 # What an administrator runs on a site: the capture service's health and
-# metrics against a running service, purge on both engines, file modes,
+# metrics against a running service, purge, file modes,
 # --mask-digits, reports and the web page for a role that may only read
 # (real child processes, an emulated switch, PostgreSQL); a followed file as
 # a user runs it.
