@@ -102,7 +102,7 @@ TEST(MatchesPattern, StarAndQuestionMarkOverTheWholeLine) {
       {"a*b*c", "axxbyy", false},
       {"**x", "x", true},
       {"*a*a*a*a*a*b", std::string(2000, 'a'), false},  // no runaway backtracking
-      {"*N", "*xN", true},  // a star printed in the line is no wildcard
+      {"*N", "*xN", true},                              // a star printed in the line is no wildcard
       {"?*", "*", true},
   };
   for (const Case& c : cases) {
@@ -112,29 +112,32 @@ TEST(MatchesPattern, StarAndQuestionMarkOverTheWholeLine) {
   }
 }
 
+// A configuration read from JSON: the library's part, the record form and
+// the delivery note.
+struct Read {
+  explicit Read(const std::string& json) { SwitchConfigFromJson(json, cfg, &form, &delivery); }
+  // Written back and read again.
+  Read Again() { return Read(SwitchConfigToJson(cfg, form, "")); }
+  velqua::clsCfgConmut cfg;
+  RecordForm form;
+  std::string delivery;
+};
+
 TEST(RecordFormJson, EveryPartIsWrittenAsItIsRead) {
   const std::string text = ReadWholeFile(
       VELQUA_SOURCE_DIR "/records/tests/data/record_form_every_part.json", "configuration");
-  velqua::clsCfgConmut cfg;
-  RecordForm form;
-  std::string delivery;
-  SwitchConfigFromJson(text, cfg, &form, &delivery);
-  EXPECT_EQ(delivery, "TCP 2300");
-  EXPECT_EQ(form.Describe(), "delimited (3 fields) + 2 heading patterns + NUL record ends + 7-bit");
-  EXPECT_EQ(SwitchConfigToJson(cfg, form, delivery), text);
+  Read read(text);
+  EXPECT_EQ(read.delivery, "TCP 2300");
+  EXPECT_EQ(read.form.Describe(),
+            "delimited (3 fields) + 2 heading patterns + NUL record ends + 7-bit");
+  EXPECT_EQ(SwitchConfigToJson(read.cfg, read.form, read.delivery), text);
 }
 
 TEST(RecordFormJson, ContinuationLinesAreWrittenAsTheyAreRead) {
-  velqua::clsCfgConmut cfg;
-  RecordForm form;
-  std::string delivery;
-  SwitchConfigFromJson(R"({"records": {"continuation": {"pattern": " &*", "column": 89}}})", cfg,
-                       &form, &delivery);
-  EXPECT_TRUE(form.IsContinuation(u" & 0215550199"));
-  EXPECT_FALSE(form.IsContinuation(u"N 001"));
-  velqua::clsCfgConmut again;
-  RecordForm back;
-  SwitchConfigFromJson(SwitchConfigToJson(cfg, form, ""), again, &back, &delivery);
+  Read read(R"({"records": {"continuation": {"pattern": " &*", "column": 89}}})");
+  EXPECT_TRUE(read.form.IsContinuation(u" & 0215550199"));
+  EXPECT_FALSE(read.form.IsContinuation(u"N 001"));
+  const RecordForm back = read.Again().form;
   EXPECT_EQ(back.continuation, u" &*");
   EXPECT_EQ(back.continuation_column, 89);
 }
@@ -189,11 +192,8 @@ TEST(RecordFormJson, ErrorsNameTheMemberAtFault) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.records);
-    velqua::clsCfgConmut cfg;
-    RecordForm form;
-    std::string delivery;
     try {
-      SwitchConfigFromJson(std::string(R"({"records": )") + c.records + "}", cfg, &form, &delivery);
+      Read(std::string(R"({"records": )") + c.records + "}");
       ADD_FAILURE() << "no error";
     } catch (const Failure& e) {
       EXPECT_STREQ(e.what(), c.error);
@@ -205,14 +205,10 @@ TEST(RecordFormJson, ErrorsNameTheMemberAtFault) {
 // clock, a blank, a count that is not digits or whose hours do not fit are
 // told apart. The form reads and writes the columns back as it read them.
 TEST(RecordFormJson, CountsOfSecondsAreRewrittenWhereTheyAreMarked) {
-  velqua::clsCfgConmut cfg;
-  RecordForm form;
-  std::string delivery;
-  SwitchConfigFromJson(
-      R"({"records": {"seconds_counts": [{"pos": 5, "size": 8, "mark": "S="}], "time": "start"}})",
-      cfg, &form, &delivery);
-  EXPECT_EQ(form.Describe(), "fixed columns + counts of seconds");
-  EXPECT_FALSE(form.Plain());
+  Read read(
+      R"({"records": {"seconds_counts": [{"pos": 5, "size": 8, "mark": "S="}], "time": "start"}})");
+  EXPECT_EQ(read.form.Describe(), "fixed columns + counts of seconds");
+  EXPECT_FALSE(read.form.Plain());
   struct Case {
     const char16_t* record;
     const char16_t* rewritten;
@@ -228,12 +224,10 @@ TEST(RecordFormJson, CountsOfSecondsAreRewrittenWhereTheyAreMarked) {
   for (const Case& c : cases) {
     SCOPED_TRACE(U8(c.record));
     std::u16string record = c.record;
-    form.RewriteCounts(&record);
+    read.form.RewriteCounts(&record);
     EXPECT_EQ(record, c.rewritten);
   }
-  velqua::clsCfgConmut again;
-  RecordForm back;
-  SwitchConfigFromJson(SwitchConfigToJson(cfg, form, ""), again, &back, &delivery);
+  const RecordForm back = read.Again().form;
   ASSERT_EQ(back.seconds_counts.size(), 1U);
   EXPECT_EQ(back.seconds_counts[0].column, 5);
   EXPECT_EQ(back.seconds_counts[0].width, 8);
@@ -243,16 +237,10 @@ TEST(RecordFormJson, CountsOfSecondsAreRewrittenWhereTheyAreMarked) {
 // Extra fields are read, written back as read, and cut from each record
 // (blanks trimmed; none past the record's end).
 TEST(RecordFormJson, ExtraFieldsAreReadWrittenAndCut) {
-  velqua::clsCfgConmut cfg;
-  RecordForm form;
-  std::string delivery;
-  SwitchConfigFromJson(R"({"records": {"time": "end", "extras": {
-    "pulses": {"pos": 5, "size": 3}, "charge": {"pos": 1, "size": 4}, "call_id": {"pos": 12, "size": 4}}}})",
-                       cfg, &form, &delivery);
-  EXPECT_EQ(form.Describe(), "fixed columns + end times + 3 extra fields");
-  velqua::clsCfgConmut again;
-  RecordForm back;
-  SwitchConfigFromJson(SwitchConfigToJson(cfg, form, ""), again, &back, &delivery);
+  Read read(R"({"records": {"time": "end", "extras": {
+    "pulses": {"pos": 5, "size": 3}, "charge": {"pos": 1, "size": 4}, "call_id": {"pos": 12, "size": 4}}}})");
+  EXPECT_EQ(read.form.Describe(), "fixed columns + end times + 3 extra fields");
+  const RecordForm back = read.Again().form;
   ASSERT_EQ(back.extras.size(), 3u);
   struct Case {
     const char16_t* record;
