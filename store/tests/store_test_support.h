@@ -116,61 +116,6 @@ inline void Downgrade(Engine engine, const std::string& url, const std::string& 
   }
 }
 
-// The prices as version 6 kept them: keyed by their call's source and
-// position, each with its texts.
-constexpr const char* kPricesAsVersion6 =
-    "CREATE TABLE call_costs_6 (source_id BIGINT NOT NULL, position BIGINT NOT NULL, "
-    "cost TEXT, currency TEXT, destination TEXT, destination_class TEXT, band TEXT, "
-    "tariff TEXT, tariff_version TEXT, reason TEXT, PRIMARY KEY (source_id, position)); "
-    "INSERT INTO call_costs_6 SELECT c.source_id, c.position, k.cost, NULLIF(l.currency, ''), "
-    "NULLIF(l.destination, ''), NULLIF(l.destination_class, ''), NULLIF(l.band, ''), "
-    "NULLIF(l.tariff, ''), NULLIF(l.tariff_version, ''), k.reason FROM call_costs k "
-    "JOIN calls c ON c.id = k.call_id LEFT JOIN cost_labels l ON l.id = k.label; "
-    "DROP TABLE call_costs; DROP TABLE cost_labels; "
-    "ALTER TABLE call_costs_6 RENAME TO call_costs;";
-
-// What takes the calls' price keys away (their table or column, triggers and
-// index), for a store of version 10.
-inline std::string WithoutPriceKeys(Engine engine) {
-  if (engine == Engine::kPostgres) {
-    return "DROP FUNCTION call_costs_keep_keys() CASCADE; DROP INDEX call_keys_cost; "
-           "ALTER TABLE call_keys DROP COLUMN cost; ";
-  }
-  return "DROP TRIGGER calls_keys_update; DROP TRIGGER calls_keys_delete; "
-         "DROP TRIGGER call_costs_keys_delete; DROP TABLE call_keys; ";
-}
-
-// What takes the search's sort keys away (and the price keys), for a store
-// of version 9.
-inline std::string WithoutSortKeys(Engine engine) {
-  if (engine == Engine::kPostgres) {
-    return WithoutPriceKeys(engine) +
-           "DROP INDEX calls_duration, calls_extension, calls_trunk, calls_dialled_id; ";
-  }
-  return WithoutPriceKeys(engine) +
-         "DROP INDEX calls_duration; DROP INDEX calls_extension; DROP INDEX calls_trunk; ";
-}
-
-// What takes the day summaries away (and what later versions added), for a
-// store of an older version.
-inline std::string WithoutDaySummaries(Engine engine) {
-  if (engine == Engine::kPostgres) {
-    return WithoutSortKeys(engine) +
-           "DROP TABLE call_days; DROP TABLE call_days_stale; "
-           "DROP FUNCTION calls_mark_days() CASCADE; DROP FUNCTION call_costs_mark_days() "
-           "CASCADE; ";
-  }
-  std::string sql = WithoutSortKeys(engine) +
-                    "DROP TABLE call_days; DROP TABLE call_days_stale; DROP TRIGGER "
-                    "calls_mark_update_old; ";
-  for (const char* table : {"calls", "call_costs"}) {
-    for (const char* event : {"insert", "update", "delete"}) {
-      sql += std::string("DROP TRIGGER ") + table + "_mark_" + event + "; ";
-    }
-  }
-  return sql;
-}
-
 // The record as received at `utc`.
 inline velqua_store::Record At(const std::string& utc, velqua_store::Record r) {
   r.received_utc = utc;
@@ -183,6 +128,20 @@ inline std::string ReadFile(const std::string& path) {
   std::stringstream text;
   text << in.rdbuf();
   return text.str();
+}
+
+// SQL of data/older/ that takes a store back to an older version.
+inline std::string OlderSql(const std::string& name) {
+  const std::string sql = ReadFile(VELQUA_SOURCE_DIR "/store/tests/data/older/" + name + ".sql");
+  EXPECT_FALSE(sql.empty()) << name << ".sql";
+  return sql;
+}
+
+// What takes the day summaries away (and what later versions added), for a
+// store of an older version.
+inline std::string WithoutDaySummaries(Engine engine) {
+  return OlderSql(std::string("without-day-summaries.") +
+                  (engine == Engine::kSqlite ? "sqlite" : "postgresql"));
 }
 
 // Writes `text` as the whole of a file; its path back.
