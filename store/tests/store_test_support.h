@@ -96,24 +96,33 @@ inline velqua_store::Record Unrecognised(int64_t position, const std::string& ra
   return r;
 }
 
-// Sets the stored schema back to `version` after running `sql` on it.
-inline void Downgrade(Engine engine, const std::string& url, const std::string& sql, int version) {
+// Runs `sql` (statements ended by ';') on the store's database through a
+// connection of its own, as another program would; whether it succeeded.
+inline bool RunSql(Engine engine, const std::string& url, const std::string& sql) {
   if (engine == Engine::kSqlite) {
     sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(url.c_str(), &db), SQLITE_OK);
-    const std::string all = sql + "PRAGMA user_version = " + std::to_string(version);
-    EXPECT_EQ(sqlite3_exec(db, all.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(db);
+    const bool ok = sqlite3_open(url.c_str(), &db) == SQLITE_OK &&
+                    sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    EXPECT_TRUE(ok) << sqlite3_errmsg(db);
     sqlite3_close(db);
-  } else {
-    PGconn* db = PQconnectdb(url.c_str());
-    const std::string all =
-        sql + "DELETE FROM schema_migrations WHERE version > " + std::to_string(version);
-    PGresult* r = PQexec(db, all.c_str());
-    EXPECT_EQ(PQresultStatus(r), PGRES_COMMAND_OK) << PQerrorMessage(db);
-    PQclear(r);
-    PQfinish(db);
+    return ok;
   }
+  PGconn* db = PQconnectdb(url.c_str());
+  PGresult* r = PQexec(db, sql.c_str());
+  const bool ok = PQresultStatus(r) == PGRES_COMMAND_OK || PQresultStatus(r) == PGRES_TUPLES_OK;
+  EXPECT_TRUE(ok) << PQerrorMessage(db);
+  PQclear(r);
+  PQfinish(db);
+  return ok;
+}
+
+// Sets the stored schema back to `version` after running `sql` on it.
+inline void Downgrade(Engine engine, const std::string& url, const std::string& sql, int version) {
+  RunSql(engine, url,
+         sql +
+             (engine == Engine::kSqlite ? "PRAGMA user_version = "
+                                        : "DELETE FROM schema_migrations WHERE version > ") +
+             std::to_string(version));
 }
 
 // The record as received at `utc`.
