@@ -4,7 +4,6 @@
 // month. On SQLite and on PostgreSQL.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -177,40 +176,36 @@ TEST_P(CostReportTest, UnpricedCallsAreNamedInANote) {
   EXPECT_EQ(r.notes.back().substr(0, 30), "1 call could not be priced (ve");
 }
 
-// The month's cost against February's, where one call of Ana's cost 0.10
-// and no call had an account code: a table without a cost column counts
-// its cost as nothing.
-TEST_P(CostReportTest, CompareGivesTheChangeInCost) {
-  struct Case {
-    const char* of;
-    const char* table;
-    std::vector<size_t> columns;
-    Expected rows;
-  };
-  const Case cases[] = {
-      {"departments",
-       "Departments: cost",
-       {0, 1, 2, 3},
-       {{"(none)", "1.00 EUR", "0.00 EUR", "1.00 EUR"},
-        {"Sales", "3.80 EUR", "0.10 EUR", "3.70 EUR"},
-        {"Support", "0.10 EUR", "0.00 EUR", "0.10 EUR"},
-        {"total", "4.90 EUR", "0.10 EUR", "4.80 EUR"}}},
-      {"accounts",
-       "Account codes: cost",
-       {0, 1, 2, 3, 4, 5},
-       {{"77", "Acme", "Audit", "0.10 EUR", "0.00 EUR", "0.10 EUR"},
-        {"total", "", "", "0.10 EUR", "0.00 EUR", "0.10 EUR"}}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.of);
-    Request r = Kind("compare");
-    r.of = c.of;
-    const Report report = Build(GetParam(), r);
-    const auto t = std::find_if(report.tables.begin(), report.tables.end(),
-                                [&](const Table& table) { return table.name == c.table; });
-    ASSERT_NE(t, report.tables.end());
-    EXPECT_EQ(Rows(*t, c.columns), c.rows);
+TEST_P(CostReportTest, CompareOfDepartmentsGivesTheChangeInCost) {
+  Request r = Kind("compare");
+  r.of = "departments";
+  const Report report = Build(GetParam(), r);
+  const Table* cost = nullptr;
+  for (const Table& t : report.tables) {
+    if (t.name == "Departments: cost") cost = &t;
   }
+  ASSERT_NE(cost, nullptr);
+  // February: one call of Ana's, 0.10.
+  EXPECT_EQ(Rows(*cost, {0, 1, 2, 3}), (Expected{{"(none)", "1.00 EUR", "0.00 EUR", "1.00 EUR"},
+                                                 {"Sales", "3.80 EUR", "0.10 EUR", "3.70 EUR"},
+                                                 {"Support", "0.10 EUR", "0.00 EUR", "0.10 EUR"},
+                                                 {"total", "4.90 EUR", "0.10 EUR", "4.80 EUR"}}));
+}
+
+// February has no call with an account code: its table has no cost column
+// at all, and the comparison still sets the month's cost against nothing.
+TEST_P(CostReportTest, CompareWithAPeriodWithoutPricesCountsItsCostAsNothing) {
+  Request r = Kind("compare");
+  r.of = "accounts";
+  const Report report = Build(GetParam(), r);
+  const Table* cost = nullptr;
+  for (const Table& t : report.tables) {
+    if (t.name == "Account codes: cost") cost = &t;
+  }
+  ASSERT_NE(cost, nullptr);
+  EXPECT_EQ(Rows(*cost, {0, 1, 2, 3, 4, 5}),
+            (Expected{{"77", "Acme", "Audit", "0.10 EUR", "0.00 EUR", "0.10 EUR"},
+                      {"total", "", "", "0.10 EUR", "0.00 EUR", "0.10 EUR"}}));
 }
 
 TEST_P(CostReportTest, AnUnknownDepartmentIsRefused) {
