@@ -215,8 +215,7 @@ TEST_P(DayMarksTest, SummariesAreTheCallsSummedAfterEveryRoad) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, DayMarksTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, DayMarksTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

@@ -305,9 +305,7 @@ TEST_P(CostsByCallTest, PricesKeyedByPositionReadTheSameOnceKeyedByTheirCall) {
   if (GetParam() == velqua_store_testing::Engine::kSqlite) std::filesystem::remove_all(dir);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, CostsByCallTest,
-                         ::testing::Values(velqua_store_testing::Engine::kSqlite,
-                                           velqua_store_testing::Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, CostsByCallTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

@@ -96,8 +96,7 @@ TEST_P(RecordExtrasTest, CallsWithoutADateArePricedOnTheDayReceived) {
   std::filesystem::remove_all(dir);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, RecordExtrasTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, RecordExtrasTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

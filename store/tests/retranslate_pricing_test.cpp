@@ -97,8 +97,7 @@ TEST_P(RetranslatePricingTest, WhatChangesIsPricedAgain) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, RetranslatePricingTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, RetranslatePricingTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

@@ -210,8 +210,7 @@ TEST_P(SortKeysTest, TheKeysFollowEveryWriteOfAPriceAndOfACall) {
   EXPECT_EQ(Rows("SELECT CAST(cost AS TEXT) FROM call_keys WHERE start IS NULL"), "0.5");
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, SortKeysTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, SortKeysTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

@@ -117,7 +117,6 @@ TEST_P(StoreTest, FiltersSelectWhatTheySay) {
       {"a trunk", by([](CallFilter& f) { f.trunk = "06"; }), {3, 4}},
       {"a type", by([](CallFilter& f) { f.type = 1; }), {3}},
       {"a number prefix", by([](CallFilter& f) { f.number_prefix = "089"; }), {1, 5, 3, 4}},
-      {"a longer prefix", by([](CallFilter& f) { f.number_prefix = "0891"; }), {1, 3}},
       {"an account code", by([](CallFilter& f) { f.account_code = "7"; }), {2, 4}},
       {"a limit", by([](CallFilter& f) { f.limit = 2; }), {1, 2}},
       {"an unknown switch", by([](CallFilter& f) { f.switch_name = "none"; }), {}},
@@ -293,7 +292,7 @@ TEST(PostgresConnection, ALostServerIsReportedAndTheStoreReconnects) {
   EXPECT_EQ(store->Checkpoint(source), 3);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, StoreTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, StoreTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

@@ -28,6 +28,9 @@ inline std::string EngineName(const ::testing::TestParamInfo<Engine>& info) {
   return info.param == Engine::kSqlite ? "Sqlite" : "Postgres";
 }
 
+// Both engines, each test of a suite instantiated with them run on each.
+inline auto BothEngines() { return ::testing::Values(Engine::kSqlite, Engine::kPostgres); }
+
 // The running test's name, fit for a folder.
 inline std::string Name() {
   const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();

@@ -17,17 +17,6 @@ namespace {
 
 using velqua_store::StoredCall;
 using velqua_store_testing::Call;
-using velqua_store_testing::EngineName;
-
-velqua_rating::DirectoryEntry Person(const std::string& extension, const std::string& person,
-                                     const std::string& department, const std::string& from = "") {
-  velqua_rating::DirectoryEntry e;
-  e.key = extension;
-  e.person = person;
-  e.department = department;
-  e.from = from;
-  return e;
-}
 
 class CallsSearchTest : public WebTest {
  protected:
@@ -268,8 +257,7 @@ TEST(MillionthsOf, ReadsAmountsExactly) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, CallsSearchTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres), EngineName);
+INSTANTIATE_TEST_SUITE_P(Engines, CallsSearchTest, BothEngines(), EngineName);
 
 }  // namespace
 }  // namespace velqua_web_testing

@@ -193,8 +193,7 @@ TEST_P(LiveFeedTest, TheFeedNeverKeepsAReadOpenOnTheStore) {
   sqlite3_close(db);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, LiveFeedTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres), EngineName);
+INSTANTIATE_TEST_SUITE_P(Engines, LiveFeedTest, velqua_store_testing::BothEngines(), EngineName);
 
 }  // namespace
 }  // namespace velqua_web_testing

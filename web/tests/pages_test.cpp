@@ -11,7 +11,6 @@ namespace velqua_web_testing {
 namespace {
 
 using velqua_store_testing::Call;
-using velqua_store_testing::EngineName;
 using velqua_store_testing::Unrecognised;
 
 class PagesTest : public WebTest {
@@ -114,8 +113,7 @@ TEST_P(PagesTest, LivePagesGetWhatIsStored) {
   EXPECT_NE(received.find("\"raw\":\"NOISE\""), std::string::npos) << received;
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, PagesTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
-                         EngineName);
+INSTANTIATE_TEST_SUITE_P(Engines, PagesTest, BothEngines(), EngineName);
 
 }  // namespace
 }  // namespace velqua_web_testing

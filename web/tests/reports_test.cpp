@@ -10,7 +10,6 @@ namespace velqua_web_testing {
 namespace {
 
 using velqua_store_testing::Call;
-using velqua_store_testing::EngineName;
 
 class ReportsTest : public WebTest {
  protected:
@@ -105,8 +104,7 @@ TEST_P(ReportsTest, AWrongRequestIsRefusedNamingWhatIsWrong) {
   EXPECT_EQ(stranger.Send("GET", "/api/reports/extensions")->status, 401);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, ReportsTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres), EngineName);
+INSTANTIATE_TEST_SUITE_P(Engines, ReportsTest, BothEngines(), EngineName);
 
 }  // namespace
 }  // namespace velqua_web_testing
