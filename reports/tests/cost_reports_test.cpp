@@ -170,20 +170,6 @@ TEST_P(CostReportTest, TablesAddUpTheStoredPrices) {
   }
 }
 
-TEST(CostReportEngines, EveryReportIsTheSameCsvFromBothEngines) {
-  Request itemised = Kind("extensions");
-  itemised.itemised = "201";
-  Request compare = Kind("compare");
-  compare.of = "destinations";
-  for (const Request& r : {Kind("extensions"), Kind("departments"), Kind("accounts"),
-                           Kind("destinations"), Kind("trunks"), itemised, compare}) {
-    SCOPED_TRACE(r.kind + " " + r.of + r.itemised);
-    const std::string sqlite = Text(velqua_reports::WriteCsv, Build(false, r));
-    EXPECT_EQ(sqlite, Text(velqua_reports::WriteCsv, Build(true, r)));
-    EXPECT_NE(sqlite.find(" (EUR)"), std::string::npos);
-  }
-}
-
 TEST_P(CostReportTest, UnpricedCallsAreNamedInANote) {
   const Report r = Build(GetParam(), Kind("extensions"));
   ASSERT_FALSE(r.notes.empty());

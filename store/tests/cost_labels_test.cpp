@@ -77,8 +77,7 @@ TEST_P(CostLabelsTest, ARolledBackLabelIsNeverNamedAndStoredOnesAreFound) {
   EXPECT_EQ(rows, 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, CostLabelsTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, CostLabelsTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

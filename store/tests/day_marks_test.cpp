@@ -50,23 +50,6 @@ int64_t Count(Connection& db, const std::string& sql) {
   return n;
 }
 
-// Runs SQL through a connection of its own, as another program would.
-void RunElsewhere(Engine engine, const std::string& url, const std::string& sql) {
-  if (engine == Engine::kSqlite) {
-    sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(url.c_str(), &db), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(db);
-    sqlite3_close(db);
-    return;
-  }
-  PGconn* db = PQconnectdb(url.c_str());
-  PGresult* r = PQexec(db, sql.c_str());
-  EXPECT_EQ(PQresultStatus(r), PGRES_COMMAND_OK) << PQerrorMessage(db);
-  PQclear(r);
-  PQfinish(db);
-}
-
 class DayMarksTest : public StoreTest {
  protected:
   DayMarksTest() : dir_(velqua_store_testing::TempDir(velqua_store_testing::Name() + "-plan")) {
@@ -211,11 +194,12 @@ TEST_P(DayMarksTest, SummariesAreTheCallsSummedAfterEveryRoad) {
        }},
       {"SQL written behind the store's back", true,
        [&] {
-         RunElsewhere(GetParam(), url_,
-                      "UPDATE calls SET extension = '299', duration = duration + 60 WHERE id % "
-                      "11 = 0; DELETE FROM call_costs WHERE call_id % 13 = 0; "
-                      "UPDATE call_costs SET cost = NULL WHERE call_id % 17 = 0; "
-                      "DELETE FROM calls WHERE id % 19 = 0");
+         velqua_store_testing::RunSql(
+             GetParam(), url_,
+             "UPDATE calls SET extension = '299', duration = duration + 60 WHERE id % "
+             "11 = 0; DELETE FROM call_costs WHERE call_id % 13 = 0; "
+             "UPDATE call_costs SET cost = NULL WHERE call_id % 17 = 0; "
+             "DELETE FROM calls WHERE id % 19 = 0");
        }},
   };
   std::string before;
@@ -231,8 +215,7 @@ TEST_P(DayMarksTest, SummariesAreTheCallsSummedAfterEveryRoad) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, DayMarksTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, DayMarksTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

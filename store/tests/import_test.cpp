@@ -309,7 +309,7 @@ TEST_P(ImportTest, ADryRunWritesNothingAndAnEditedConfigurationIsNoted) {
   EXPECT_EQ(Importer(*store_, Settings("hicom", config)).Import({records}).notes.size(), 1u);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, ImportTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, ImportTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 // Every output form of every example's calls, with UTC times, from one

@@ -21,29 +21,6 @@ using velqua_store_testing::WriteFile;
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples/";
 
-// Local calls 60/60 at 0.10 a minute, long distance 1/1 at 0.06.
-const char* const kTariff = R"(name = "US carrier"
-currency = "USD"
-mode = "start"
-[[band]]
-name = "any"
-days = "mon-sun"
-[rate.local]
-all = { per_minute = "0.10", first = 60, increment = 60 }
-[rate.long]
-all = { per_minute = "0.06", first = 1, increment = 1 }
-[[destination]]
-name = "Local"
-class = "local"
-rate = "local"
-prefixes = ["555"]
-[[destination]]
-name = "Long distance"
-class = "national"
-rate = "long"
-prefixes = ["1"]
-)";
-
 // The calls of the store in one output form.
 std::string Listed(Store& store, const char* format) {
   char* text = nullptr;
@@ -88,7 +65,8 @@ TEST_P(RecordExtrasTest, TheSwitchChargeIsKeptBesideThePrice) {
 
 TEST_P(RecordExtrasTest, CallsWithoutADateArePricedOnTheDayReceived) {
   const std::string dir = velqua_store_testing::TempDir(velqua_store_testing::Name() + "-files");
-  WriteFile(dir + "/us.toml", kTariff);
+  WriteFile(dir + "/us.toml",
+            velqua_store_testing::ReadFile(VELQUA_SOURCE_DIR "/store/tests/data/us-carrier.toml"));
   store_->PutRatingPlan(
       WriteFile(dir + "/plan.toml", "[[tariff]]\nswitch = \"definity\"\nfile = \"us.toml\"\n"));
   ImportSettings s;
@@ -118,8 +96,7 @@ TEST_P(RecordExtrasTest, CallsWithoutADateArePricedOnTheDayReceived) {
   std::filesystem::remove_all(dir);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, RecordExtrasTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, RecordExtrasTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

@@ -60,9 +60,7 @@ TEST_P(CallBackTest, TheWindowHoldsItsEndsAndNothingPast) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, CallBackTest,
-                         ::testing::Values(velqua_store_testing::Engine::kSqlite,
-                                           velqua_store_testing::Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, CallBackTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 TEST(LocalSeconds, EveryFormOfAStoredStart) {

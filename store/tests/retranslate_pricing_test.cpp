@@ -22,18 +22,12 @@ using velqua_store_testing::StoreTest;
 using velqua_store_testing::WriteFile;
 
 const std::string kExamples = VELQUA_SOURCE_DIR "/examples/";
-
-// Hicom lines as the example prints them: the time is when the call ended.
-// Monday 9 March 2026; the Berlin tariff's day band runs 08:00-18:00.
-const char* const kRecords =
-    // ended 08:00:30 after 60 s: started 07:59:30, at night
-    "09.03.26 08:00:30   1     23       00:01:00 0301234567                  0.12  2\r\n"
-    // ended 18:00:20 after 40 s: started 17:59:40, by day
-    "09.03.26 18:00:20   2     23       00:00:40 0301234567                  0.12  2\r\n"
-    // national, one price all day: 0.06 minimum, whatever the start
-    "09.03.26 12:00:00   1     23       00:00:20 089123456                   0.12  2\r\n"
-    // incoming
-    "09.03.26 12:30:00   1     24 00:05 00:01:00 0301234567                        1\r\n";
+// Hicom lines as the example prints them (the time is when the call ended)
+// on Monday 9 March 2026: a call ending 08:00:30 after 60 s (started at
+// night; the Berlin tariff's day band runs 08:00-18:00), one ending
+// 18:00:20 after 40 s (started by day), a national one (one price all day)
+// and an incoming one.
+const std::string kData = VELQUA_SOURCE_DIR "/store/tests/data/";
 
 class RetranslatePricingTest : public StoreTest {
  protected:
@@ -74,7 +68,7 @@ TEST_P(RetranslatePricingTest, WhatChangesIsPricedAgain) {
   settings.switch_name = "berlin";
   settings.config = EditedHicom(dir_, "wrong", {time_as_start, no_incoming_mark});
   settings.year = 2026;
-  Importer(*store_, settings).Import({WriteFile(dir_ + "/records.txt", kRecords)});
+  Importer(*store_, settings).Import({kData + "berlin-day.txt"});
   // The printed time taken as the start: the first call by day (0.05 +
   // 60 s x 0.029/60 = 0.079), the second at night (0.05 + 60 s x 0.015/60
   // = 0.065, half up); the incoming record not a call.
@@ -103,8 +97,7 @@ TEST_P(RetranslatePricingTest, WhatChangesIsPricedAgain) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, RetranslatePricingTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, RetranslatePricingTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

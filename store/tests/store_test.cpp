@@ -117,7 +117,6 @@ TEST_P(StoreTest, FiltersSelectWhatTheySay) {
       {"a trunk", by([](CallFilter& f) { f.trunk = "06"; }), {3, 4}},
       {"a type", by([](CallFilter& f) { f.type = 1; }), {3}},
       {"a number prefix", by([](CallFilter& f) { f.number_prefix = "089"; }), {1, 5, 3, 4}},
-      {"a longer prefix", by([](CallFilter& f) { f.number_prefix = "0891"; }), {1, 3}},
       {"an account code", by([](CallFilter& f) { f.account_code = "7"; }), {2, 4}},
       {"a limit", by([](CallFilter& f) { f.limit = 2; }), {1, 2}},
       {"an unknown switch", by([](CallFilter& f) { f.switch_name = "none"; }), {}},
@@ -161,16 +160,8 @@ TEST_P(StoreTest, AVersionOneStoreKeepsItsCallsWhenLaterTablesAndColumnsAreAdded
   store_.reset();
   // The store as version 1 left it: no rating tables, no call ends, no
   // users, no extra fields.
-  const std::string down =
-      velqua_store_testing::WithoutDaySummaries(GetParam()) +
-      "DROP TABLE call_costs; DROP TABLE cost_labels; DROP TABLE rating_files; DROP TABLE "
-      "rating_progress; "
-      "DROP TABLE directory; DROP TABLE users; DROP VIEW calls_named; "
-      "ALTER TABLE calls DROP COLUMN ended; ALTER TABLE calls DROP COLUMN ended_utc; "
-      "ALTER TABLE calls DROP COLUMN date_received; ALTER TABLE calls DROP COLUMN switch_charge; "
-      "ALTER TABLE calls DROP COLUMN extras; ALTER TABLE calls DROP COLUMN line; "
-      "ALTER TABLE unrecognised DROP COLUMN line; "
-      "ALTER TABLE switches DROP COLUMN extension_list;";
+  const std::string down = velqua_store_testing::WithoutDaySummaries(GetParam()) +
+                           velqua_store_testing::OlderSql("version-1");
   Downgrade(GetParam(), url_, down, 1);
   store_ = OpenStore(url_);
   EXPECT_EQ(store_->CountCalls("hq"), 1);
@@ -189,7 +180,7 @@ TEST_P(StoreTest, AVersionFiveStoreGainsExtensionListsAndLines) {
   store_.reset();
   Downgrade(GetParam(), url_,
             velqua_store_testing::WithoutDaySummaries(GetParam()) +
-                std::string(velqua_store_testing::kPricesAsVersion6) +
+                velqua_store_testing::OlderSql("prices-as-version-6") +
                 "DROP VIEW calls_named; ALTER TABLE calls DROP COLUMN line; "
                 "ALTER TABLE unrecognised DROP COLUMN line; "
                 "ALTER TABLE switches DROP COLUMN extension_list;",
@@ -301,7 +292,7 @@ TEST(PostgresConnection, ALostServerIsReportedAndTheStoreReconnects) {
   EXPECT_EQ(store->Checkpoint(source), 3);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, StoreTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, StoreTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

@@ -28,6 +28,9 @@ inline std::string EngineName(const ::testing::TestParamInfo<Engine>& info) {
   return info.param == Engine::kSqlite ? "Sqlite" : "Postgres";
 }
 
+// Both engines, each test of a suite instantiated with them run on each.
+inline auto BothEngines() { return ::testing::Values(Engine::kSqlite, Engine::kPostgres); }
+
 // The running test's name, fit for a folder.
 inline std::string Name() {
   const ::testing::TestInfo* test = ::testing::UnitTest::GetInstance()->current_test_info();
@@ -96,79 +99,33 @@ inline velqua_store::Record Unrecognised(int64_t position, const std::string& ra
   return r;
 }
 
-// Sets the stored schema back to `version` after running `sql` on it.
-inline void Downgrade(Engine engine, const std::string& url, const std::string& sql, int version) {
+// Runs `sql` (statements ended by ';') on the store's database through a
+// connection of its own, as another program would; whether it succeeded.
+inline bool RunSql(Engine engine, const std::string& url, const std::string& sql) {
   if (engine == Engine::kSqlite) {
     sqlite3* db = nullptr;
-    ASSERT_EQ(sqlite3_open(url.c_str(), &db), SQLITE_OK);
-    const std::string all = sql + "PRAGMA user_version = " + std::to_string(version);
-    EXPECT_EQ(sqlite3_exec(db, all.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(db);
+    const bool ok = sqlite3_open(url.c_str(), &db) == SQLITE_OK &&
+                    sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    EXPECT_TRUE(ok) << sqlite3_errmsg(db);
     sqlite3_close(db);
-  } else {
-    PGconn* db = PQconnectdb(url.c_str());
-    const std::string all =
-        sql + "DELETE FROM schema_migrations WHERE version > " + std::to_string(version);
-    PGresult* r = PQexec(db, all.c_str());
-    EXPECT_EQ(PQresultStatus(r), PGRES_COMMAND_OK) << PQerrorMessage(db);
-    PQclear(r);
-    PQfinish(db);
+    return ok;
   }
+  PGconn* db = PQconnectdb(url.c_str());
+  PGresult* r = PQexec(db, sql.c_str());
+  const bool ok = PQresultStatus(r) == PGRES_COMMAND_OK || PQresultStatus(r) == PGRES_TUPLES_OK;
+  EXPECT_TRUE(ok) << PQerrorMessage(db);
+  PQclear(r);
+  PQfinish(db);
+  return ok;
 }
 
-// The prices as version 6 kept them: keyed by their call's source and
-// position, each with its texts.
-constexpr const char* kPricesAsVersion6 =
-    "CREATE TABLE call_costs_6 (source_id BIGINT NOT NULL, position BIGINT NOT NULL, "
-    "cost TEXT, currency TEXT, destination TEXT, destination_class TEXT, band TEXT, "
-    "tariff TEXT, tariff_version TEXT, reason TEXT, PRIMARY KEY (source_id, position)); "
-    "INSERT INTO call_costs_6 SELECT c.source_id, c.position, k.cost, NULLIF(l.currency, ''), "
-    "NULLIF(l.destination, ''), NULLIF(l.destination_class, ''), NULLIF(l.band, ''), "
-    "NULLIF(l.tariff, ''), NULLIF(l.tariff_version, ''), k.reason FROM call_costs k "
-    "JOIN calls c ON c.id = k.call_id LEFT JOIN cost_labels l ON l.id = k.label; "
-    "DROP TABLE call_costs; DROP TABLE cost_labels; "
-    "ALTER TABLE call_costs_6 RENAME TO call_costs;";
-
-// What takes the calls' price keys away (their table or column, triggers and
-// index), for a store of version 10.
-inline std::string WithoutPriceKeys(Engine engine) {
-  if (engine == Engine::kPostgres) {
-    return "DROP FUNCTION call_costs_keep_keys() CASCADE; DROP INDEX call_keys_cost; "
-           "ALTER TABLE call_keys DROP COLUMN cost; ";
-  }
-  return "DROP TRIGGER calls_keys_update; DROP TRIGGER calls_keys_delete; "
-         "DROP TRIGGER call_costs_keys_delete; DROP TABLE call_keys; ";
-}
-
-// What takes the search's sort keys away (and the price keys), for a store
-// of version 9.
-inline std::string WithoutSortKeys(Engine engine) {
-  if (engine == Engine::kPostgres) {
-    return WithoutPriceKeys(engine) +
-           "DROP INDEX calls_duration, calls_extension, calls_trunk, calls_dialled_id; ";
-  }
-  return WithoutPriceKeys(engine) +
-         "DROP INDEX calls_duration; DROP INDEX calls_extension; DROP INDEX calls_trunk; ";
-}
-
-// What takes the day summaries away (and what later versions added), for a
-// store of an older version.
-inline std::string WithoutDaySummaries(Engine engine) {
-  if (engine == Engine::kPostgres) {
-    return WithoutSortKeys(engine) +
-           "DROP TABLE call_days; DROP TABLE call_days_stale; "
-           "DROP FUNCTION calls_mark_days() CASCADE; DROP FUNCTION call_costs_mark_days() "
-           "CASCADE; ";
-  }
-  std::string sql = WithoutSortKeys(engine) +
-                    "DROP TABLE call_days; DROP TABLE call_days_stale; DROP TRIGGER "
-                    "calls_mark_update_old; ";
-  for (const char* table : {"calls", "call_costs"}) {
-    for (const char* event : {"insert", "update", "delete"}) {
-      sql += std::string("DROP TRIGGER ") + table + "_mark_" + event + "; ";
-    }
-  }
-  return sql;
+// Sets the stored schema back to `version` after running `sql` on it.
+inline void Downgrade(Engine engine, const std::string& url, const std::string& sql, int version) {
+  RunSql(engine, url,
+         sql +
+             (engine == Engine::kSqlite ? "PRAGMA user_version = "
+                                        : "DELETE FROM schema_migrations WHERE version > ") +
+             std::to_string(version));
 }
 
 // The record as received at `utc`.
@@ -183,6 +140,20 @@ inline std::string ReadFile(const std::string& path) {
   std::stringstream text;
   text << in.rdbuf();
   return text.str();
+}
+
+// SQL of data/older/ that takes a store back to an older version.
+inline std::string OlderSql(const std::string& name) {
+  const std::string sql = ReadFile(VELQUA_SOURCE_DIR "/store/tests/data/older/" + name + ".sql");
+  EXPECT_FALSE(sql.empty()) << name << ".sql";
+  return sql;
+}
+
+// What takes the day summaries away (and what later versions added), for a
+// store of an older version.
+inline std::string WithoutDaySummaries(Engine engine) {
+  return OlderSql(std::string("without-day-summaries.") +
+                  (engine == Engine::kSqlite ? "sqlite" : "postgresql"));
 }
 
 // Writes `text` as the whole of a file; its path back.

@@ -80,7 +80,7 @@ TEST_P(StreamTest, AFailureLeavesTheConnectionReady) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, StreamTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
+INSTANTIATE_TEST_SUITE_P(Engines, StreamTest, velqua_store_testing::BothEngines(),
                          velqua_store_testing::EngineName);
 
 }  // namespace

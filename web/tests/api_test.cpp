@@ -9,8 +9,6 @@
 namespace velqua_web_testing {
 namespace {
 
-using velqua_store_testing::EngineName;
-
 class ApiTest : public WebTest {};
 
 // Each row: who asks (no session, a viewer, an admin), the request, and the
@@ -121,8 +119,7 @@ TEST_P(ApiTest, OtherAddressThanLoopbackNeedsUsers) {
   EXPECT_NO_THROW(velqua_web::Server server(options));
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, ApiTest, ::testing::Values(Engine::kSqlite, Engine::kPostgres),
-                         EngineName);
+INSTANTIATE_TEST_SUITE_P(Engines, ApiTest, BothEngines(), EngineName);
 
 }  // namespace
 }  // namespace velqua_web_testing

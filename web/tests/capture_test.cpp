@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "velqua/capture/status.h"
 #include "velqua/capture/status_report.h"
@@ -25,19 +24,15 @@ class CaptureTest : public WebTest {
   // A service of four sources on one switch; its status file written as the
   // running service writes it, by process `pid`.
   std::string WriteService(int pid) {
-    const std::string config = dir_ + "/capture.toml";
-    std::ofstream(config) << "store = \"" << dir_ << "/calls.db\"\n"
-                          << "spool = \"" << dir_ << "/spool\"\n"
-                          << "[[switch]]\nname = \"hq\"\nconfig = \"" VELQUA_SOURCE_DIR
-                             "/examples/hicom/hicom.json\"\n"
-                          << "[[switch.source]]\nname = \"quiet-log\"\nkind = \"file-follow\"\n"
-                          << "path = \"" << dir_ << "/smdr.log\"\nsilence_warning = \"10m\"\n"
-                          << "[[switch.source]]\nname = \"busy\"\nkind = \"tcp-listen\"\n"
-                          << "port = 5000\n"
-                          << "[[switch.source]]\nname = \"down\"\nkind = \"tcp-connect\"\n"
-                          << "host = \"127.0.0.1\"\nport = 5001\n"
-                          << "[[switch.source]]\nname = \"unseen\"\nkind = \"tcp-connect\"\n"
-                          << "host = \"127.0.0.1\"\nport = 5002\n";
+    std::string text =
+        velqua_store_testing::ReadFile(VELQUA_SOURCE_DIR "/web/tests/data/capture.toml");
+    for (const auto& [name, value] :
+         {std::pair<std::string, std::string>{"{dir}", dir_}, {"{source}", VELQUA_SOURCE_DIR}}) {
+      for (size_t at; (at = text.find(name)) != std::string::npos;) {
+        text.replace(at, name.size(), value);
+      }
+    }
+    const std::string config = velqua_store_testing::WriteFile(dir_ + "/capture.toml", text);
     std::filesystem::create_directories(dir_ + "/spool");
     const int64_t now = velqua_capture::NowMicros();
     velqua_capture::StreamStatus quiet;

@@ -10,8 +10,6 @@
 namespace velqua_web_testing {
 namespace {
 
-using velqua_store_testing::EngineName;
-
 std::string Example(const std::string& name) {
   std::ifstream in(std::string(VELQUA_SOURCE_DIR) + "/examples/rating/" + name);
   std::stringstream text;
@@ -81,8 +79,7 @@ TEST_P(DirectoryTest, APlanIsCheckedWholeBeforeItIsKept) {
   EXPECT_EQ(files[1]["name"], "office-de.toml");
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, DirectoryTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres), EngineName);
+INSTANTIATE_TEST_SUITE_P(Engines, DirectoryTest, BothEngines(), EngineName);
 
 }  // namespace
 }  // namespace velqua_web_testing

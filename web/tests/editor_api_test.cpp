@@ -14,7 +14,6 @@ namespace velqua_web_testing {
 namespace {
 
 using velqua_store_testing::Call;
-using velqua_store_testing::EngineName;
 
 class EditorApiTest : public WebTest {
  protected:
@@ -166,10 +165,7 @@ TEST_P(EditorApiTest, StoreThenRetranslateCountsTheChangedRows) {
   EXPECT_EQ(again["unchanged"], 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, EditorApiTest,
-                         ::testing::Values(velqua_store_testing::Engine::kSqlite,
-                                           velqua_store_testing::Engine::kPostgres),
-                         EngineName);
+INSTANTIATE_TEST_SUITE_P(Engines, EditorApiTest, BothEngines(), EngineName);
 
 }  // namespace
 }  // namespace velqua_web_testing

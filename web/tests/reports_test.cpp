@@ -10,7 +10,6 @@ namespace velqua_web_testing {
 namespace {
 
 using velqua_store_testing::Call;
-using velqua_store_testing::EngineName;
 
 class ReportsTest : public WebTest {
  protected:
@@ -31,21 +30,6 @@ class ReportsTest : public WebTest {
 
 constexpr const char* kMarch = "from=2026-03-01&to=2026-03-31";
 
-TEST_P(ReportsTest, TheExtensionsReportCountsThePeriodsCalls) {
-  Fill();
-  const nlohmann::json r = client_->Json(std::string("/api/reports/extensions?") + kMarch);
-  EXPECT_EQ(r["kind"], "extensions");
-  EXPECT_EQ(r["from"], "2026-03-01");
-  EXPECT_EQ(r["switches"], nlohmann::json::array({"hq"}));
-  const nlohmann::json& table = r["tables"][0];
-  ASSERT_EQ(table["rows"].size(), 2u);
-  EXPECT_EQ(table["rows"][0][0], "201");
-  EXPECT_EQ(table["rows"][0][1], 3);  // the call of April 1st is not in March
-  EXPECT_EQ(table["rows"][1][0], "202");
-  EXPECT_EQ(table["total"][1], 4);
-  EXPECT_GE(r["charts"].get<int>(), 1);
-}
-
 TEST_P(ReportsTest, EveryKindIsShownAndItsPeriodDefaultsToThePreviousMonth) {
   Fill();
   const nlohmann::json list = client_->Json("/api/reports");
@@ -56,6 +40,9 @@ TEST_P(ReportsTest, EveryKindIsShownAndItsPeriodDefaultsToThePreviousMonth) {
     const nlohmann::json r = client_->Json("/api/reports/" + kind + "?" + kMarch);
     EXPECT_EQ(r["kind"], kind);
     EXPECT_FALSE(r["tables"].empty());
+    if (kind == "extensions") {
+      EXPECT_GE(r["charts"].get<int>(), 1);
+    }
     EXPECT_EQ(client_->Json("/api/reports/" + kind)["from"], list["from"]);
   }
 }
@@ -85,9 +72,6 @@ TEST_P(ReportsTest, DownloadsAreTheFormsBytes) {
   const auto csv =
       client_->Send("GET", std::string("/api/reports/extensions?") + kMarch + "&format=csv");
   EXPECT_NE(csv->body.find("201,3,"), std::string::npos) << csv->body;
-  const auto pdf =
-      client_->Send("GET", std::string("/api/reports/traffic?") + kMarch + "&format=pdf");
-  EXPECT_NE(pdf->body.find("%%EOF"), std::string::npos);
   const auto svg =
       client_->Send("GET", std::string("/api/reports/traffic?") + kMarch + "&format=svg");
   EXPECT_EQ(svg->status, 200);
@@ -106,7 +90,6 @@ TEST_P(ReportsTest, AWrongRequestIsRefusedNamingWhatIsWrong) {
       {"/api/reports/extensions?from=2026-03-01", "give both or neither"},
       {"/api/reports/extensions?format=doc", "parameter 'format'"},
       {"/api/reports/extensions?switch=branch", "branch"},
-      {"/api/reports/destinations?top=0", "parameter 'top'"},
       {"/api/reports/missed?callback=soon", "Called back within: "},
   };
   for (const Row& row : rows) {
@@ -121,8 +104,7 @@ TEST_P(ReportsTest, AWrongRequestIsRefusedNamingWhatIsWrong) {
   EXPECT_EQ(stranger.Send("GET", "/api/reports/extensions")->status, 401);
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, ReportsTest,
-                         ::testing::Values(Engine::kSqlite, Engine::kPostgres), EngineName);
+INSTANTIATE_TEST_SUITE_P(Engines, ReportsTest, BothEngines(), EngineName);
 
 }  // namespace
 }  // namespace velqua_web_testing

@@ -13,11 +13,27 @@
 #include <thread>
 
 #include "store_test_support.h"
+#include "velqua/rating/directory.h"
 #include "velqua/web/server.h"
 
 namespace velqua_web_testing {
 
+using velqua_store_testing::BothEngines;
 using velqua_store_testing::Engine;
+using velqua_store_testing::EngineName;
+
+// A directory's entry of an extension: who has it, in which department,
+// from which day ("" = always).
+inline velqua_rating::DirectoryEntry Person(const std::string& extension, const std::string& person,
+                                            const std::string& department,
+                                            const std::string& from = "") {
+  velqua_rating::DirectoryEntry e;
+  e.key = extension;
+  e.person = person;
+  e.department = department;
+  e.from = from;
+  return e;
+}
 
 // A running server; stopped and joined when it goes.
 class RunningServer {
