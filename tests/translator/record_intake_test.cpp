@@ -110,22 +110,6 @@ TEST_F(RecordIntake, UnboundIntakeOnlyForgetsTheType) {
   EXPECT_EQ(Log(), "");
 }
 
-TEST(TranslatorBinding, HoldsOneReferenceUntilUnboundOrDestroyed) {
-  auto cfg = MakeConfig(emCasoEstandar);
-  {
-    clsTraductor tr;
-    tr.Conmutador(cfg);
-    EXPECT_EQ(cfg.use_count(), 2);
-    tr.Conmutador(MakeConfig(emCasoEstandar));
-    EXPECT_EQ(cfg.use_count(), 1);
-    tr.Conmutador(cfg);
-    tr.Conmutador(nullptr);
-    EXPECT_EQ(cfg.use_count(), 1);
-    tr.Conmutador(cfg);
-  }
-  EXPECT_EQ(cfg.use_count(), 1);
-}
-
 TEST(TranslatorBinding, UnboundReadsFailAndSearchesFindNothing) {
   clsTraductor tr;
   const std::function<void()> reads[] = {[&] { tr.Dia(); },       [&] { tr.Mes(); },

@@ -78,17 +78,6 @@ TEST_F(FieldKeys, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
   }
 }
 
-TEST_F(FieldKeys, ReadsLeaveTheActiveKeysAtTheKeysUsedLast) {
-  Write({7});
-  tr_.Extension();
-  EXPECT_EQ(cfg_->DATOActivo(), emParamExtensionSaliente);
-  tr_.Marcacion();
-  EXPECT_EQ(cfg_->DATOActivo(), emParamTelefonoSaliente);
-  EXPECT_EQ(cfg_->CTEActivo(), emDatoCteIdentInterExtensionEnTransferencia);
-  tr_.CodigoCuenta();
-  EXPECT_EQ(cfg_->CTEActivo(), emDatoCteIdentCodigoCuenta);
-}
-
 using TextFields = BoundTranslator;
 
 // The account code field (no account mark) shows the cut as it is.
@@ -109,6 +98,7 @@ TEST_F(TextFields, FieldIsCutAtItsColumnsANumericOneKeepsOnlyDigits) {
       {1, 4, num, u"-+a:", u""},
       {1, 4, emValorNoDefinido, u"1234", u""},
       {200, 55, text, u"1", u""},  // ends at column 254
+      {0, 5, text, line22, u""},   // no position: undefined
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(::testing::Message() << row.pos << "+" << row.size << " type " << row.type);

@@ -70,6 +70,14 @@ inline std::string LogEntry(const std::string& record,
   return "\r\n\r\nLlamada no reconocida (" + stamp + "): \r\n" + record + "\r\n";
 }
 
+// The stand-in extension of an unlisted account code: 1 to 10000, at least
+// four digits.
+inline bool IsRandomExtension(const std::u16string& ext) {
+  const std::string s = velqua::AUtf8(ext);
+  const bool digits = s.find_first_not_of("0123456789") == std::string::npos;
+  return (s.size() == 4 && digits && s != "0000") || s == "10000";
+}
+
 // Seconds of a time of day.
 constexpr int32_t Hms(int h, int m, int s) { return h * 3600 + m * 60 + s; }
 
