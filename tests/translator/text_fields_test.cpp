@@ -1,5 +1,7 @@
 // The text fields: which key each call type and attribute reads, how a field is
 // cut from the record, the dialled number's prefix and the account code mark.
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -36,39 +38,12 @@ class FieldKeys : public BoundTranslator {
 // are tested start, end, in transfer, unanswered (incoming calls only); each
 // type reads its own; the account mark wins and gives no attribute.
 TEST_F(FieldKeys, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
-  const struct {
-    std::vector<int> marks;
-    const char* fields;
-  } rows[] = {
-      {{4}, "1/0 K18|K31|K30|||"},
-      {{4, 16, 17, 24, 29}, "1/1 K22|K39|K38|||"},
-      {{4, 17, 24, 29}, "1/3 K23|K41|K40|||"},
-      {{4, 24, 29}, "1/2 K54|K59|K58|||"},
-      {{4, 29}, "1/4 K18|K31|K30|||"},
-      {{7}, "2/0 K19|K33|K32|||"},
-      {{7, 16, 20, 22, 29}, "2/0 K19|K33|K32|||"},
-      {{7, 18}, "2/1 K24|K43|K42|||"},
-      {{7, 25}, "2/2 K55|K61|K60|||"},
-      {{7, 19}, "2/3 K25|K45|K44|||"},
-      {{10}, "3/0 K20|K34||K35||"},
-      {{10, 16, 18, 22}, "3/0 K20|K34||K35||"},
-      {{10, 20}, "3/1 K26|K46||K47||"},
-      {{10, 26}, "3/2 K56|K62||K63||"},
-      {{10, 21}, "3/3 K27|K48||K49||"},
-      {{13}, "4/0 K21||K36||K37|"},
-      {{13, 16, 18, 20}, "4/0 K21||K36||K37|"},
-      {{13, 22}, "4/1 K28||K50||K51|"},
-      {{13, 27}, "4/2 K57||K64||K65|"},
-      {{13, 23}, "4/3 K29||K52||K53|"},
-      {{28}, "5/0 ||K66|||K17"},
-      {{28, 7, 16}, "5/0 ||K66|||K17"},
-      {{16, 29}, "0/0 |||||"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.fields);
+  for (const auto& [marks, fields] : ReadCases("translator/field_keys.txt")) {
+    SCOPED_TRACE(marks + " -> " + fields);
     tr_.LlamadaActual(u"");
-    Write(row.marks);
-    EXPECT_EQ(Summary(tr_), row.fields);
+    std::istringstream in(marks);
+    Write(std::vector<int>(std::istream_iterator<int>(in), {}));
+    EXPECT_EQ(Summary(tr_), fields);
     EXPECT_EQ(tr_.Dia(), 2);
     EXPECT_EQ(tr_.Mes(), 3);
     EXPECT_EQ(tr_.Anio(), 2004);
