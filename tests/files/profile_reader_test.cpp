@@ -24,34 +24,11 @@ class ProfileReader : public FileTest {
 };
 
 TEST_F(ProfileReader, ValuesAreFoundTrimmedUnquotedAndCutTo254Characters) {
-  const struct {
-    std::string text, section, key, value;
-  } rows[] = {
-      // clang-format off
-      {"[CONMUTADOR]\r\nmarca=Nec\r\n", "Conmutador", "Marca", "Nec"},
-      {"[\xD1" "and\xFA]\r\n\xC1" "rbol=1\r\n", "ñANDÚ", "áRBOL", "1"},  // Windows-1252 letters fold too
-      {"  [ S ]  \n \t k \t=   Nec  Corp \t \n", "S", "k", "Nec  Corp"},
-      {"[S]\na=\"x y\"\n", "S", "a", "x y"},
-      {"[S]\nb='z'\n", "S", "b", "z"},
-      {"[S]\nc='w\"\n", "S", "c", "'w\""},
-      {"[S]\nd=\"\n", "S", "d", "\""},
-      {"[S]\ne='' \n", "S", "e", ""},
-      {"[S]\nk=1\nK=2\n[s]\nk=4\nonly=5\n", "S", "k", "1"},  // the first of a name wins
-      {"[S]\nk=1\n[s]\nonly=5\n", "S", "only", ""},
-      {"orphan=1\n[S]\nk=2\n", "S", "orphan", ""},
-      {"[S]\nnoequals\n;k=3\n", "S", "noequals", ""},
-      {"[S]\n;k=3\n", "S", ";k", "3"},
-      {"[S]\nk=a=b;c\n", "S", "k", "a=b;c"},
-      {"[S]\nk=1\n", "X", "k", ""},
-      {"[S]\nk=" + std::string(250, 'a') + "    bcdef\n", "S", "k", std::string(250, 'a')},
-      {"[S]\nk=" + std::string(300, 'm') + "\n", "S", "k", std::string(254, 'm')},
-      {std::string("[S]\nk=ab\0cd\n", 12), "S", "k", "ab"},
-      {"[S]\nk=\xF1\x80\n", "S", "k", "ñ€"},
-      // clang-format on
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.text);
-    EXPECT_EQ(Value(Put("p.ini", row.text), row.section, row.key), row.value);
+  for (const auto& [text, read] : velqua_test::ReadCases("files/profile_values.txt")) {
+    SCOPED_TRACE(text);
+    const size_t bar = read.find('|'), bar2 = read.find('|', bar + 1);
+    EXPECT_EQ(Value(Put("p.ini", text), read.substr(0, bar), read.substr(bar + 1, bar2 - bar - 1)),
+              read.substr(bar2 + 1));
   }
   for (const std::u16string& name : {dir.Path16("none.ini"), U(dir.dir()), std::u16string()}) {
     EXPECT_EQ(Value(name, "S", "k"), "");
