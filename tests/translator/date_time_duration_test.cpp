@@ -45,7 +45,7 @@ TEST_F(DateTimeDuration, DateComponentsInRangeOrToday) {
       SetField(*cfg_, static_cast<emParamDato>(key), 1, size,
                type == 'N' ? emValorNumerico : emValorCadena);
     }
-    tr_.LlamadaActual(U(field.substr(field.find('"') + 1, field.rfind('"') - field.find('"') - 1)));
+    tr_.LlamadaActual(U(Quoted(field)));
     EXPECT_EQ(std::to_string(Reader(read)(tr_)), read.substr(read.find(' ') + 1));
   }
   clock_.Set(At(1999, 1, 1, 0, 0, 0));
@@ -81,8 +81,7 @@ TEST_F(DateTimeDuration, DurationAndRingNeedMinutesAndSeconds) {
   for (const auto& [record, read] : ReadCases("translator/durations.txt")) {
     SCOPED_TRACE(record + " -> " + read);
     cfg_->Caso(static_cast<emCasos>(std::stoi(record)));
-    tr_.LlamadaActual(
-        U(record.substr(record.find('"') + 1, record.rfind('"') - record.find('"') - 1)));
+    tr_.LlamadaActual(U(Quoted(record)));
     EXPECT_EQ(std::to_string(Reader(read)(tr_)), read.substr(read.find(' ') + 1));
   }
   const emCasos tenths = emCasoEstandarDecimasMinuto;

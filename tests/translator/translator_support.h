@@ -78,6 +78,13 @@ inline bool IsRandomExtension(const std::u16string& ext) {
   return (s.size() == 4 && digits && s != "0000") || s == "10000";
 }
 
+// The n-th text between double quotes of a data-file line (0: the first).
+inline std::string Quoted(const std::string& line, int n = 0) {
+  size_t open = line.find('"');
+  for (; n > 0; --n) open = line.find('"', line.find('"', open + 1) + 1);
+  return line.substr(open + 1, line.find('"', open + 1) - open - 1);
+}
+
 // Seconds of a time of day.
 constexpr int32_t Hms(int h, int m, int s) { return h * 3600 + m * 60 + s; }
 
