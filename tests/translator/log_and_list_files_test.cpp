@@ -57,35 +57,18 @@ class AccountCodeExtension : public BoundTranslator {
 };
 
 TEST_F(AccountCodeExtension, StarCodeOfAnOutgoingCallBecomesTheListedExtension) {
-  const char* const kRandom = nullptr;
-  const struct {
-    emCasos caso;
-    const char* line;
-    const char* ext;
-    const char16_t* code;
-  } rows[] = {
-      {kCase10, "O *1234   01:00", "201", u"1234"},
-      {kCase10, "O   205   01:00", "205", u""},
-      {kCase10, "O  *12    01:00", "203", u"12"},     // blanks around the star code
-      {kCase10, "O * 77    01:00", kRandom, u" 77"},  // the code is not trimmed again
-      {kCase10, "O *9999   01:00", kRandom, u"9999"},
-      {kCase10, "I *1234   01:00", "*1234", u"1234"},  // the extension rule is for outgoing calls
-      {emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto,
-       "  *1234   01:00 55512 07", "201", u"1234"},
-      {emCasoEstandar, "O *1234   01:00", "*1234", u"*1234"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::Message() << "case " << row.caso << " " << row.line);
-    cfg_->Caso(row.caso);
-    tr_.LlamadaActual(U(row.line));
+  for (const auto& [record, read] : ReadCases("translator/star_codes.txt")) {
+    SCOPED_TRACE(record);
+    cfg_->Caso(static_cast<emCasos>(std::stoi(record)));
+    tr_.LlamadaActual(U(Quoted(record)));
     ASSERT_NE(tr_.TipoLlamadaDetectada(), emTradNoIdentificada);
     const std::u16string ext = tr_.Extension();
-    if (row.ext == kRandom) {
+    if (Quoted(read) == "?") {
       EXPECT_TRUE(IsRandomExtension(ext)) << AUtf8(ext);
     } else {
-      EXPECT_EQ(AUtf8(ext), row.ext);
+      EXPECT_EQ(AUtf8(ext), Quoted(read));
     }
-    EXPECT_EQ(tr_.CodigoCuenta(), row.code);
+    EXPECT_EQ(AUtf8(tr_.CodigoCuenta()), Quoted(read, 1));
   }
   cfg_->Caso(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto);
   tr_.LlamadaActual(u"  *1234   01:00 55512 07");
@@ -98,34 +81,11 @@ TEST_F(AccountCodeExtension, StarCodeOfAnOutgoingCallBecomesTheListedExtension) 
 }
 
 TEST_F(AccountCodeExtension, ListLinesGiveCodeAndExtension) {
-  const std::string filler(4095, 'x');  // a line up to the end of the first 4096-byte block
-  const struct {
-    std::string list;
-    const char* code;
-    std::u16string ext;
-  } rows[] = {
-      {"1234;201\r\n1234,305\r\n", "1234", u"201"},
-      {"1234,305\r\n1234;201\r\n", "1234", u"305"},  // the comma only without a semicolon
-      {"1,234;208\r\n", "1,234", u"208"},
-      {"1234;\r\n1234;202\r\n", "1234", u"202"},
-      {"AB12 ; 207\r\n", "ab12", u"207"},
-      {"\xD1\xC1"
-       "1;209\r\n",
-       "ñá1", u"209"},  // Windows-1252
-      {"77; 2 01 \r\n", "77", u"2 01"},
-      {"\r\n1234 201\r\n;1234\r\n,1234\r\n\r\n1234;210\r\n", "1234", u"210"},
-      {"1;211\n2;212\r3;213", "1", u"211"},
-      {"1;211\n2;212\r3;213", "2", u"212"},
-      {"1;211\n2;212\r3;213", "3", u"213"},
-      {filler + "\r\n5;214\r\n", "5", u"214"},  // CR and LF in two blocks
-      {filler + "\r6;215\n", "6", u"215"},
-      {"9;" + std::string(10000, 'z') + "\n8;216", "8", u"216"},
-      {"9;" + std::string(10000, 'z') + "\n8;216", "9", std::u16string(10000, u'z')},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.list.substr(0, 40) + " / " + row.code);
-    List(row.list);
-    EXPECT_EQ(Lookup(row.code), row.ext);
+  for (const auto& [list, lookup] : ReadCases("translator/extension_lists.txt")) {
+    SCOPED_TRACE(list.substr(0, 40) + " / " + lookup.substr(0, 40));
+    List(list);
+    EXPECT_EQ(AUtf8(Lookup(lookup.substr(0, lookup.find('|')))),
+              lookup.substr(lookup.find('|') + 1));
   }
   WriteFile(dir_.Path("otra.txt"), "1234;288\r\n");
   tr_.ArchivoListaExtensionesKXTDA(dir_.Path16("otra.txt"));
