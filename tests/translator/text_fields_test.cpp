@@ -57,29 +57,14 @@ using TextFields = BoundTranslator;
 
 // The account code field (no account mark) shows the cut as it is.
 TEST_F(TextFields, FieldIsCutAtItsColumnsANumericOneKeepsOnlyDigits) {
-  const std::u16string line22 = u"12345678901234567894x2";
-  const emTipoDato num = emValorNumerico, text = emValorCadena;
-  const struct {
-    int pos, size;
-    emTipoDato type;
-    std::u16string line;
-    const char16_t* expected;
-  } rows[] = {
-      {20, 5, num, line22, u"42"},  // runs past the line's end
-      {20, 5, text, line22, u"4x2"},
-      {22, 2, text, line22, u"2"},
-      {23, 2, text, line22, u""},  // starts past the line's end
-      {1, 4, num, u" 1:2", u"12"},
-      {1, 4, num, u"-+a:", u""},
-      {1, 4, emValorNoDefinido, u"1234", u""},
-      {200, 55, text, u"1", u""},  // ends at column 254
-      {0, 5, text, line22, u""},   // no position: undefined
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::Message() << row.pos << "+" << row.size << " type " << row.type);
-    SetField(*cfg_, emParamCodigoCuenta, row.pos, row.size, row.type);
-    tr_.LlamadaActual(row.line);
-    EXPECT_EQ(tr_.CodigoCuenta(), row.expected);
+  for (const auto& [field, cut] : ReadCases("translator/field_cuts.txt")) {
+    SCOPED_TRACE(field);
+    std::istringstream in(field);
+    int pos = 0, size = 0, type = 0;
+    in >> pos >> size >> type;
+    SetField(*cfg_, emParamCodigoCuenta, pos, size, static_cast<emTipoDato>(type));
+    tr_.LlamadaActual(U(Quoted(field)));
+    EXPECT_EQ(AUtf8(tr_.CodigoCuenta()), Quoted(cut));
   }
   SetText(*cfg_, emParamCodigoCuenta, 200, 56);
   EXPECT_OVERFLOW(tr_.CodigoCuenta());
@@ -94,25 +79,15 @@ TEST_F(TextFields, DialledNumberLosesThePrefixAfterTrimming) {
   SetField(*cfg_, emParamDuracionSegundos, 4, 1);
   SetText(*cfg_, emParamExtensionEntrante, 13, 6);
   SetText(*cfg_, emParamTroncalEntrante, 20, 4);
-  const emTipoDato num = emValorNumerico, text = emValorCadena;
-  const struct {
-    const char16_t* prefix;  // no position: its text alone counts
-    emTipoDato type;
-    const char16_t *line, *expected;
-  } rows[] = {
-      {u"", text, u"I 00  1:2", u"1:2"},      {u"", num, u"I 00  1:2", u"12"},
-      {u"9", text, u"I 00 9 555", u" 555"},   {u"9", num, u"I 00 9 555", u"555"},
-      {u"<i>", text, u"I 00 <I>555", u"555"}, {u"<i>", text, u"I 00 <I", u"<I"},
-      {u"<i>", text, u"I 00 5<I>", u"5<I>"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(AUtf8(row.line));
-    SetField(*cfg_, emParamTelefonoEntrante, 6, 6, row.type);
+  for (const auto& [record, number] : ReadCases("translator/dialled.txt")) {
+    SCOPED_TRACE(record);
+    const int type = std::stoi(record.substr(record.find('"', 1) + 1));
+    SetField(*cfg_, emParamTelefonoEntrante, 6, 6, static_cast<emTipoDato>(type));
     cfg_->CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
-    cfg_->Constante(row.prefix);
-    tr_.LlamadaActual(row.line);
+    cfg_->Constante(U(Quoted(record)));
+    tr_.LlamadaActual(U(Quoted(record, 1)));
     ASSERT_EQ(tr_.TipoLlamadaDetectada(), emTradEntrante);
-    EXPECT_EQ(tr_.Marcacion(), row.expected);
+    EXPECT_EQ(AUtf8(tr_.Marcacion()), Quoted(number));
   }
   tr_.LlamadaActual(Cols({{1, "I 00"}, {13, "  201 "}, {20, " T1 "}}));
   EXPECT_EQ(tr_.Extension(), u"201");
