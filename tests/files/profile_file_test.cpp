@@ -13,21 +13,8 @@ using namespace files_test;
 using velqua_test::DataPath;
 using Events = std::vector<std::string>;
 
-// An importable header; more lines may follow.
-std::string Header(const std::string& separator = "124,") {
-  return "[Conmutador]\r\nVersion=3\r\nMarca=M\r\nModelo=N\r\nCaso=1\r\nSeparador=" + separator +
-         "\r\n";
-}
-
 class ProfileExport : public FileTest {};
-class ProfileImport : public FileTest {
- protected:
-  void ExpectFails(const std::u16string& file, const std::string& detail) {
-    EXPECT_VELQUA_ERROR(cfg.Importar(file), NumeroErrorObjeto(emErrorConfigImportar),
-                        u"clsConfigConmut.Importar",
-                        kMsg1504 + u"\r\n" + U(detail) + u"\r\n" + file);
-  }
-};
+class ProfileImport : public FileTest {};
 
 const std::string kVersion = "La versión no es correcta.";
 const std::string kSeparator = "No hay un separador de llamadas definido.";
@@ -83,20 +70,21 @@ TEST_F(ProfileImport, ExportedConfigurationImportsBackIntoAFreshObject) {
 TEST_F(ProfileImport, EachHeaderCheckFailsWithItsDetail) {
   for (const auto& [text, detail] : velqua_test::ReadCases("files/import_refused.txt")) {
     SCOPED_TRACE(text);
-    ExpectFails(Put("h.ini", text), detail);
+    ExpectImportFails(Put("h.ini", text), detail);
   }
   std::filesystem::create_directory(dir.Path("dir.ini"));
   for (const std::u16string& name :
        {dir.Path16("missing.ini"), dir.Path16("dir.ini"), std::u16string()}) {
-    ExpectFails(name, kVersion);
+    ExpectImportFails(name, kVersion);
   }
 }
 
 TEST_F(ProfileImport, AFailedCheckKeepsWhatWasReadBeforeIt) {
   cfg.Marca(u"Old");
   listener.events.clear();
-  ExpectFails(Put("c2.ini", "[Conmutador]\r\nVersion=2\r\nMarca=New\r\nModelo=Model\r\nCaso=2\r\n"),
-              "El caso de la configuración no esta soportado.");
+  ExpectImportFails(
+      Put("c2.ini", "[Conmutador]\r\nVersion=2\r\nMarca=New\r\nModelo=Model\r\nCaso=2\r\n"),
+      "El caso de la configuración no esta soportado.");
   EXPECT_EQ(cfg.Version(), emVersion2_0);
   EXPECT_EQ(cfg.NombreConmutador(), u"New, Model");
   EXPECT_TRUE(cfg.Modificado());
@@ -108,7 +96,7 @@ TEST_F(ProfileImport, AFailingListenerMakesTheImportFailWithTheLastDetail) {
     void Cambios() override { throw std::runtime_error("host"); }
   } thrower;
   cfg.AgregaOyente(&thrower);
-  ExpectFails(Put("t.ini", Header() + "[Datos]\r\nDato1=2,1,5,2\r\n"), kSeparator);
+  ExpectImportFails(Put("t.ini", Header() + "[Datos]\r\nDato1=2,1,5,2\r\n"), kSeparator);
   EXPECT_EQ(listener.Count("ConfiguracionCargada"), 0);
 }
 

@@ -13,24 +13,13 @@ namespace {
 
 using namespace velqua;
 
-// A KX-TDA case-10 configuration: O/I in column 1, extension or account code
-// 3-7, duration 11-12 and 14-15, the date's day, month and hour in 17-18,
-// 20-21 and 23-24.
-std::shared_ptr<clsCfgConmut> AccountCodeConfig() {
-  auto cfg = MakeConfig(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100, u"|");
-  SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
-  SetText(*cfg, emParamExtensionSaliente, 3, 5);
-  SetText(*cfg, emParamCodigoCuenta, 3, 5);
-  SetField(*cfg, emParamDuracionMinutos, 11, 2);
-  SetField(*cfg, emParamDuracionSegundos, 14, 2);
-  return cfg;
-}
-
 TEST(TranslatorEnvironment, LogAndListAreTheEnvironmentsFiles) {
   auto env = std::make_shared<EntornoMemoria>(At(2026, 2, 3, 4, 5, 6));
   env->EscribeArchivo(u"lista", "77;301\r\n9;302");
   clsTraductor tr(env);
-  tr.Conmutador(AccountCodeConfig());
+  auto cfg = MakeConfig(emCasoEstandar);
+  SetKxTdaFields(*cfg);
+  tr.Conmutador(cfg);
   tr.ArchivoListaExtensionesKXTDA(u"lista");
   tr.ArchivoLlamadasError(u"log");
   const struct {

@@ -132,19 +132,12 @@ TEST_F(HostileRecords, UnwritableLogLosesTheEntry) {
   }
 }
 
-std::shared_ptr<clsCfgConmut> AccountConfig() {
-  auto cfg = MakeConfig(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100);
-  SetText(*cfg, emParamExtensionSaliente, 1, 6);
-  SetConstant(*cfg, emDatoCteIdentSaliente, 8, u"S");
-  SetField(*cfg, emParamDuracionMinutos, 10, 2);
-  SetField(*cfg, emParamDuracionSegundos, 13, 2);
-  return cfg;
-}
-
 // The list is read afresh at every lookup, and only when it is a regular file.
 TEST_F(HostileRecords, ExtensionListThatVanishesBlocksOrNeverEnds) {
-  tr_.Conmutador(AccountConfig());
-  tr_.LlamadaActual(u" *1234 S 01:05");
+  const auto cfg = MakeConfig(emCasoEstandar);
+  SetKxTdaFields(*cfg);
+  tr_.Conmutador(cfg);
+  tr_.LlamadaActual(u"O *1234   01:05");
   ASSERT_EQ(tr_.TipoLlamadaDetectada(), emTradSaliente);
   const std::string list = dir_.Path("list.txt");
   const std::string fifo = dir_.Path("list.fifo");

@@ -29,20 +29,10 @@ TEST_F(UnrecognisedLog, AnEmptyNameLogsNothing) {
 
 constexpr emCasos kCase10 = emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100;
 
-// Mark O or I in column 1, extension and account code 3-9, duration 11-12 and
-// 14-15, number 17-21 and trunk 23-24 (for the default outgoing call).
 class AccountCodeExtension : public BoundTranslator {
  protected:
-  AccountCodeExtension() : BoundTranslator(kCase10) {
-    SetConstant(*cfg_, emDatoCteIdentSaliente, 1, u"O");
-    SetConstant(*cfg_, emDatoCteIdentEntrante, 1, u"I");
-    SetText(*cfg_, emParamExtensionSaliente, 3, 7);
-    SetText(*cfg_, emParamExtensionEntrante, 3, 7);
-    SetText(*cfg_, emParamCodigoCuenta, 3, 7);
-    SetField(*cfg_, emParamDuracionMinutos, 11, 2);
-    SetField(*cfg_, emParamDuracionSegundos, 14, 2);
-    SetText(*cfg_, emParamTelefonoSaliente, 17, 5);
-    SetText(*cfg_, emParamTroncalSaliente, 23, 2);
+  AccountCodeExtension() {
+    SetKxTdaFields(*cfg_);
     List("1234;201\r\n12;203\r\n");
     tr_.ArchivoListaExtensionesKXTDA(dir_.Path16("lista.txt"));
   }

@@ -43,6 +43,24 @@ inline void SetConstant(velqua::clsCfgConmut& cfg, velqua::emParamDatoConstante 
   cfg.CTEPos(static_cast<uint8_t>(pos));
 }
 
+// A KX-TDA layout of case 10 (account code and extension): mark O or I in
+// column 1, extension and account code 3-9, duration 11-12 and 14-15, number
+// 17-21 and trunk 23-24 (for the default outgoing call of case 11).
+inline void SetKxTdaFields(velqua::clsCfgConmut& cfg) {
+  using namespace velqua;
+  cfg.Caso(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100);
+  SetConstant(cfg, emDatoCteIdentSaliente, 1, u"O");
+  SetConstant(cfg, emDatoCteIdentEntrante, 1, u"I");
+  for (emParamDato key :
+       {emParamExtensionSaliente, emParamExtensionEntrante, emParamCodigoCuenta}) {
+    SetText(cfg, key, 3, 7);
+  }
+  SetField(cfg, emParamDuracionMinutos, 11, 2);
+  SetField(cfg, emParamDuracionSegundos, 14, 2);
+  SetText(cfg, emParamTelefonoSaliente, 17, 5);
+  SetText(cfg, emParamTroncalSaliente, 23, 2);
+}
+
 // A line with each text placed at its 1-based column, blanks in between.
 inline std::u16string Cols(std::initializer_list<std::pair<int, std::string>> parts) {
   std::u16string line;
