@@ -17,13 +17,6 @@ class SwitchConfig : public ::testing::Test {
 };
 
 TEST_F(SwitchConfig, EachWriteSetsTheNamesReadinessFlagAndNotifications) {
-  EXPECT_EQ(cfg.IDCfg(), 0);
-  EXPECT_EQ(cfg.Marca() + cfg.Modelo() + cfg.Comentarios() + cfg.Separador(), u"");
-  EXPECT_EQ(cfg.TamMaxSeparador(), 10);
-  EXPECT_EQ(cfg.TamMaxComentarios(), 250);
-  for (emPuertoSerial p : {emPuertoRJ45, emPuertoDB9, emPuertoDB25}) {
-    EXPECT_FALSE(cfg.HayConfiguracionSMDR(p));
-  }
   using C = clsCfgConmut&;
   // Version, case name, switch name, ready, modified, then the notifications:
   // N CambioNombreConmutador, C Cambios, L ConfiguracionCargada.
