@@ -51,8 +51,6 @@ TEST_F(CallTypeDetection, ConstantMatchesItsWholeWidthAtItsColumnIgnoringCase) {
   EXPECT_UNBOUND(tr_.HayConstanteLlamada(emDatoCteIdentEntrante));
 }
 
-// Plain marks I O X T A at 7-11, OR marks i o x t at 12-15, AND marks "&" for
-// incoming at 16 and trunk to trunk at 17.
 TEST_F(CallTypeDetection, PlainAndOrMarksInRoleOrderThenTheAccountMark) {
   SetMarks(*cfg_, 7, "IOXTAioxt&&",
            {emDatoCteIdentEntrante, emDatoCteIdentSaliente, emDatoCteIdentInterExtension,

@@ -34,9 +34,6 @@ class FieldKeys : public BoundTranslator {
   }
 };
 
-// Summary: type/attribute, then dialled|extension|trunk|receivers|code. Marks
-// are tested start, end, in transfer, unanswered (incoming calls only); each
-// type reads its own; the account mark wins and gives no attribute.
 TEST_F(FieldKeys, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
   for (const auto& [marks, fields] : ReadCases("translator/field_keys.txt")) {
     SCOPED_TRACE(marks + " -> " + fields);
@@ -55,7 +52,6 @@ TEST_F(FieldKeys, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
 
 using TextFields = BoundTranslator;
 
-// The account code field (no account mark) shows the cut as it is.
 TEST_F(TextFields, FieldIsCutAtItsColumnsANumericOneKeepsOnlyDigits) {
   for (const auto& [field, cut] : ReadCases("translator/field_cuts.txt")) {
     SCOPED_TRACE(field);
