@@ -101,6 +101,11 @@ export const checks = [
       const stored = Date.now();
       await page.waitForSelector(`#view-live tbody tr:first-child td:text("${number}")`, { timeout: 1000 });
       console.log(`     live: shown ${Date.now() - stored} ms after it was stored`);
+      // The row names whom the directory charges the call to, as the store does.
+      const person = storedCallRows(velqua, db).find((c) => c.dialled === number).person;
+      assert.ok(person, 'the directory names the caller');
+      assert.equal(await page.locator(`#view-live tbody tr:has(td:text-is("${number}")) td:nth-child(5)`)
+        .textContent(), person);
       // A call no tariff prices shows why in its cost cell.
       storeOneCall(velqua, db, source, '0099912345');
       await page.waitForSelector('#view-live tbody tr:first-child td.why:text("no tariff")', { timeout: 1000 });

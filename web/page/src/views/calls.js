@@ -18,6 +18,9 @@ const COLUMNS = [
   ['cost', 'Cost'],
 ];
 
+// "2026-03-10T11:58:55" as the tables show it; a UTC time says so.
+const when = (t) => (t ? t.replace('T', ' ').replace(/Z$/, ' UTC') : t);
+
 function detail(call) {
   const line = (label, value) => (value === null || value === undefined || value === '' ? null
     : h('div', { class: 'kv' }, h('dt', {}, label), h('dd', {}, String(value))));
@@ -25,8 +28,8 @@ function detail(call) {
     h('h2', {}, 'Raw record'), h('pre', { class: 'raw' }, call.raw),
     h('h2', {}, 'As translated'),
     h('dl', {}, line('Switch', call.switch), line('Source', `${call.source} @ ${call.position}`),
-      line('Received', call.received_utc), line('Type', call.type), line('Attribute', call.attribute),
-      line('Start', call.start), line('End', call.ended), line('Duration', duration(call.duration)),
+      line('Received', when(call.received_utc)), line('Type', call.type), line('Attribute', call.attribute),
+      line('Start', when(call.start)), line('End', when(call.ended)), line('Duration', duration(call.duration)),
       line('Ring (s)', call.ring), line('Extension', call.extension), line('Number', call.dialled),
       line('Trunk', call.trunk), line('Receiving extension', call.receiving_extension),
       line('Receiving trunk', call.receiving_trunk), line('Account code', call.account_code)),
@@ -66,7 +69,8 @@ export default {
     const head = () => h('thead', {}, h('tr', {}, COLUMNS.map(([key, title]) => {
       if (!key) return h('th', {}, title);
       const active = key === sort;
-      return h('th', { 'aria-sort': active ? (order === 'asc' ? 'ascending' : 'descending') : false },
+      return h('th', { class: key === 'duration' || key === 'cost' ? 'num' : '',
+        'aria-sort': active ? (order === 'asc' ? 'ascending' : 'descending') : false },
         h('button', { type: 'button', class: 'sort', onclick: () => {
           order = active && order === 'desc' ? 'asc' : 'desc';
           sort = key;

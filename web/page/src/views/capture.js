@@ -55,7 +55,8 @@ function serviceSection(service) {
   service.switches.map((sw) => h('div', { class: 'results' },
     h('h3', {}, `Switch ${sw.name}`),
     h('table', { class: 'grid capture' },
-      h('thead', {}, h('tr', {}, head.map((t) => h('th', { scope: 'col' }, t)))),
+      h('thead', {}, h('tr', {}, head.map((t, i) => h('th',
+        { scope: 'col', class: i >= 5 && i < 5 + NUMBERS.length ? 'num' : '' }, t)))),
       h('tbody', {}, sw.sources.map(sourceRows))))));
 }
 

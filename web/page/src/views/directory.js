@@ -6,11 +6,13 @@ import { api } from '../api.js';
 import { h, fill, failure } from '../dom.js';
 
 const COLUMNS = ['kind', 'key', 'from', 'person', 'department', 'cost_centre', 'client', 'project'];
+// "cost_centre" -> "Cost centre": headings as on the other pages.
+const label = (c) => c[0].toUpperCase() + c.slice(1).replace('_', ' ');
 
 function directoryTable(entries) {
   if (!entries.length) return h('p', { class: 'muted' }, 'The directory is empty.');
   return h('table', { class: 'grid directory' },
-    h('thead', {}, h('tr', {}, COLUMNS.map((c) => h('th', {}, c.replace('_', ' '))))),
+    h('thead', {}, h('tr', {}, COLUMNS.map((c) => h('th', {}, label(c))))),
     h('tbody', {}, entries.map((e) => h('tr', {}, COLUMNS.map((c) => h('td', {}, e[c]))))));
 }
 
@@ -21,7 +23,7 @@ function entryForm(reload) {
     inputs[c] = c === 'kind'
       ? h('select', { id: `e-${c}` }, h('option', { value: 'extension' }, 'extension'), h('option', { value: 'account' }, 'account'))
       : h('input', { id: `e-${c}`, type: c === 'from' ? 'date' : 'text' });
-    return h('label', { for: `e-${c}` }, c.replace('_', ' '), inputs[c]);
+    return h('label', { for: `e-${c}` }, label(c), inputs[c]);
   };
   return h('form', { class: 'filters', onsubmit: async (ev) => {
     ev.preventDefault();
@@ -71,7 +73,7 @@ export default {
         fill(entries, directoryTable(await api.get('/api/directory')));
         const list = await api.get('/api/tariffs');
         fill(files, list.length ? list.map((f) => h('details', {},
-          h('summary', {}, `${f.kind} ${f.name} (loaded ${f.loaded_utc})`), h('pre', { class: 'raw' }, f.content)))
+          h('summary', {}, `${f.kind} ${f.name} (loaded ${f.loaded_utc.replace('T', ' ').replace('Z', ' UTC')})`), h('pre', { class: 'raw' }, f.content)))
           : h('p', { class: 'muted' }, 'No rating plan: calls are stored without a price.'));
       } catch (error) {
         fill(entries, failure(error));

@@ -10,12 +10,12 @@ function row(e) {
   if (e.kind === 'unrecognised') {
     return h('tr', { class: 'type-unrecognised' },
       h('td', {}, e.received_utc.replace('T', ' ').replace('Z', ' UTC')), h('td', {}, e.switch),
-      h('td', {}, 'unrecognised'), h('td', { colspan: 4, class: 'raw', title: e.raw }, e.reason));
+      h('td', {}, 'unrecognised'), h('td', { colspan: 5, class: 'raw', title: e.raw }, e.reason));
   }
   return h('tr', { class: `type-${e.type}${e.attribute === 'unanswered' ? ' unanswered' : ''}` },
     h('td', {}, (e.start || '').replace('T', ' ')), h('td', {}, e.switch),
     h('td', {}, e.attribute === 'unanswered' ? `${e.type}, unanswered` : e.type),
-    h('td', {}, e.extension || ''), h('td', {}, e.dialled || ''),
+    h('td', {}, e.extension || ''), h('td', {}, e.person || ''), h('td', {}, e.dialled || ''),
     h('td', { class: 'num' }, duration(e.duration)),
     costCell(e));
 }
@@ -44,8 +44,8 @@ export default {
       if (!frame) frame = requestAnimationFrame(draw);
     };
     fill(root, state, h('div', { class: 'results' }, h('table', { class: 'grid live' },
-      h('thead', {}, h('tr', {}, ['Start', 'Switch', 'Type', 'Extension', 'Number', 'Duration',
-        'Cost'].map((t) => h('th', {}, t)))), body)));
+      h('thead', {}, h('tr', {}, ['Start', 'Switch', 'Type', 'Extension', 'Person', 'Number',
+        'Duration', 'Cost'].map((t, i) => h('th', { class: i >= 6 ? 'num' : '' }, t)))), body)));
     // The latest calls first, then what arrives.
     api.get('/api/calls', { limit: 20, sort: 'start', order: 'desc' })
       .then((page) => page.calls.reverse().forEach((c) => add({ kind: 'call', ...c })))
