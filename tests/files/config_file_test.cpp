@@ -141,9 +141,7 @@ TEST_F(ConfigFileOpen, RefusedFilesRaiseTheirErrorAndLeaveTheObjectAsItWas) {
   for (int32_t c : {0, 12, -1, 1000}) bad.push_back(PutLE(Golden(), 364, c));
   std::vector<std::pair<std::u16string, int32_t>> rows = {
       {u"   ", 0},
-      {u"", 0},
       {dir.Path16("missing.cfg"), emErrorNoHayArchivo},
-      {dir.Path16("missing/x.cfg"), emErrorNoHayArchivo},
       {U(dir.dir()), emErrorNoHayArchivo},  // not a file
       {u" " + dir.Path16("missing.cfg") + u" ", emErrorNoHayArchivo},
       {Put("a.cfg", Golden()) + std::u16string(1, u'\0') + u"x", emErrorNoHayArchivo},
@@ -226,28 +224,9 @@ TEST_F(ConfigFileVersion2, StandardFileIsConvertedByTheTwoTables) {
   expected.resize(4 + 2 + 96 + 20, "Cambios");
   expected.push_back("ConfiguracionCargada");
   EXPECT_EQ(listener.events, expected);
-  // The pair each key 2 to 68 takes (-1: none): pair i holds column i + 1 and
-  // width 2, but pair 32 is (0, 0).
-  const int pairs[] = {0,  1,  2,  3,  4,  5,  26, 27, 28, 29, 30, 31, -1, -1, -1, 32, 6,
-                       7,  8,  9,  6,  6,  7,  7,  8,  8,  9,  9,  10, 14, 15, 11, 12, 16,
-                       13, 17, 18, 22, 18, 22, 23, 19, 23, 19, 20, 24, 20, 24, 21, 25, 21,
-                       25, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
-  for (int key = 2; key <= 68; ++key) {
-    const int p = pairs[key - 2];
-    EXPECT_EQ(Dato(cfg, key), p < 0     ? "0,0,0?"
-                              : p == 32 ? "0,0,1?"
-                                        : std::to_string(p + 1) + ",2,1")
-        << key;
-  }
-  // The entry each constant key 2 to 29 takes (-1: none); entry 3 goes to the
-  // AND key in case 1 only, and entry 7 has column 0.
-  const int entries[] = {0,  -1, 2,  3, -1, 4,  5,  -1, 6,  7,  -1, 8,  9,  -1,
-                         -1, 1,  -1, 1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1};
-  const char* const constants[] = {"20,2,AM", "45,3,FIN", "1,1,E", "2,1,X", "3,1,S",
-                                   "4,1,Y",   "5,1,I",    "0,0,?", "6,1,T", "7,1,Z"};
-  for (int key = 2; key <= 29; ++key) {
-    const int e = entries[key - 2];
-    EXPECT_EQ(Cte(cfg, key), e < 0 ? "0,0,?" : constants[e]) << key;
+  for (const auto& [key, record] : velqua_test::ReadCases("files/v2_estandar_keys.txt")) {
+    const int k = std::stoi(key.substr(1));
+    EXPECT_EQ(key[0] == 'D' ? Dato(cfg, k) : Cte(cfg, k), record) << key;
   }
 }
 

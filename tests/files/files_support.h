@@ -118,6 +118,12 @@ inline std::string Garbage(size_t size, uint32_t seed) {
   return bytes;
 }
 
+// An importable profile header with this separator; more lines may follow.
+inline std::string Header(const std::string& separator = "124,") {
+  return "[Conmutador]\r\nVersion=3\r\nMarca=M\r\nModelo=N\r\nCaso=1\r\nSeparador=" + separator +
+         "\r\n";
+}
+
 inline std::string Golden() {
   return velqua_test::ReadFile(velqua_test::DataPath("files/v3_golden.cfg"));
 }
@@ -144,6 +150,12 @@ class FileTest : public ::testing::Test {
     return dir.Path16(name);
   }
   std::string Read(const std::string& name) { return velqua_test::ReadFile(dir.Path(name)); }
+  // Importar fails on `file` with error 1504 and this detail.
+  void ExpectImportFails(const std::u16string& file, const std::string& detail) {
+    EXPECT_VELQUA_ERROR(cfg.Importar(file), NumeroErrorObjeto(emErrorConfigImportar),
+                        u"clsConfigConmut.Importar",
+                        kMsg1504 + u"\r\n" + U(detail) + u"\r\n" + file);
+  }
   velqua_test::TempDir dir;
   clsCfgConmut cfg;
   velqua_test::RecordingListener listener;

@@ -13,21 +13,8 @@ using namespace files_test;
 using velqua_test::DataPath;
 using Events = std::vector<std::string>;
 
-// An importable header; more lines may follow.
-std::string Header(const std::string& separator = "124,") {
-  return "[Conmutador]\r\nVersion=3\r\nMarca=M\r\nModelo=N\r\nCaso=1\r\nSeparador=" + separator +
-         "\r\n";
-}
-
 class ProfileExport : public FileTest {};
-class ProfileImport : public FileTest {
- protected:
-  void ExpectFails(const std::u16string& file, const std::string& detail) {
-    EXPECT_VELQUA_ERROR(cfg.Importar(file), NumeroErrorObjeto(emErrorConfigImportar),
-                        u"clsConfigConmut.Importar",
-                        kMsg1504 + u"\r\n" + U(detail) + u"\r\n" + file);
-  }
-};
+class ProfileImport : public FileTest {};
 
 const std::string kVersion = "La versión no es correcta.";
 const std::string kSeparator = "No hay un separador de llamadas definido.";
@@ -81,43 +68,23 @@ TEST_F(ProfileImport, ExportedConfigurationImportsBackIntoAFreshObject) {
 }
 
 TEST_F(ProfileImport, EachHeaderCheckFailsWithItsDetail) {
-  const std::string a = "[Conmutador]\r\nVersion=3\r\nMarca=M\r\n";
-  const struct {
-    std::string text, detail;
-  } rows[] = {
-      // clang-format off
-      {"[Conmutador]\r\nMarca=M\r\n", kVersion},
-      {"[Conmutador]\r\nVersion=0\r\n", kVersion},
-      {"[Conmutador]\r\nVersion=4\r\n", kVersion},
-      {"[Conmutador]\r\nVersion=-1\r\n", kVersion},
-      {"[Conmutador]\r\nVersion=abc\r\n", kVersion},
-      {"[Conmutador]\r\nVersion=3x\r\n", kVersion},
-      {"[Conmutador]\r\nVersion=1e0\r\n", kVersion},
-      {"[Conmutador]\r\nVersion=3\r\nMarca=   \r\n", "No se encontro una marca para la configuración del conmutador."},
-      {a, "No se encontro un modelo para la configuración del conmutador."},
-      {a + "Modelo=N\r\nCaso=2\r\n", "El caso de la configuración no esta soportado."},
-      {a + "Modelo=N\r\nCaso=x\r\n", "El caso de la configuración no esta soportado."},
-      {Header("0,0"), kSeparator},
-      {Header(""), kSeparator},
-      {Header() + "[Puertos]\r\nDB25=1,9999999999\r\n", kSeparator},  // overflow: the last detail
-      // clang-format on
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.text);
-    ExpectFails(Put("h.ini", row.text), row.detail);
+  for (const auto& [text, detail] : velqua_test::ReadCases("files/import_refused.txt")) {
+    SCOPED_TRACE(text);
+    ExpectImportFails(Put("h.ini", text), detail);
   }
   std::filesystem::create_directory(dir.Path("dir.ini"));
   for (const std::u16string& name :
        {dir.Path16("missing.ini"), dir.Path16("dir.ini"), std::u16string()}) {
-    ExpectFails(name, kVersion);
+    ExpectImportFails(name, kVersion);
   }
 }
 
 TEST_F(ProfileImport, AFailedCheckKeepsWhatWasReadBeforeIt) {
   cfg.Marca(u"Old");
   listener.events.clear();
-  ExpectFails(Put("c2.ini", "[Conmutador]\r\nVersion=2\r\nMarca=New\r\nModelo=Model\r\nCaso=2\r\n"),
-              "El caso de la configuración no esta soportado.");
+  ExpectImportFails(
+      Put("c2.ini", "[Conmutador]\r\nVersion=2\r\nMarca=New\r\nModelo=Model\r\nCaso=2\r\n"),
+      "El caso de la configuración no esta soportado.");
   EXPECT_EQ(cfg.Version(), emVersion2_0);
   EXPECT_EQ(cfg.NombreConmutador(), u"New, Model");
   EXPECT_TRUE(cfg.Modificado());
@@ -129,41 +96,16 @@ TEST_F(ProfileImport, AFailingListenerMakesTheImportFailWithTheLastDetail) {
     void Cambios() override { throw std::runtime_error("host"); }
   } thrower;
   cfg.AgregaOyente(&thrower);
-  ExpectFails(Put("t.ini", Header() + "[Datos]\r\nDato1=2,1,5,2\r\n"), kSeparator);
+  ExpectImportFails(Put("t.ini", Header() + "[Datos]\r\nDato1=2,1,5,2\r\n"), kSeparator);
   EXPECT_EQ(listener.Count("ConfiguracionCargada"), 0);
 }
 
 TEST_F(ProfileImport, ValuesOutOfRangeAreSkippedAndNumberedKeysStopAtTheFirstEmptyOne) {
-  const auto version = [](const std::string& v) {
-    return "[Conmutador]\r\nVersion=" + v +
-           "\r\nMarca=M\r\nModelo=N\r\nCaso=1\r\nSeparador=124,\r\n";
-  };
-  std::string a25;
-  for (int i = 0; i < 25; ++i) a25 += "65,";
-  const struct {
-    std::string text, summary;
-  } rows[] = {
-      // clang-format off
-      {version("1"), "No hay versión;M, N;;|;1;"},
-      {version(" +2 "), "2.0;M, N;;|;1;"},
-      {version("3.0"), "3.0;M, N;;|;1;"},
-      {Header("13,10,"), "3.0;M, N;;\r\n;1;"},
-      {Header("300,abc,65"), "3.0;M, N;;A;1;"},
-      {Header("255,1000, 66,128"), "3.0;M, N;;B€;1;"},  // codes 0 to 254, 3 characters at most
-      {Header("254,"), "3.0;M, N;;þ;1;"},
-      {Header("65,0,66,"), "3.0;M, N;;AB;1;"},
-      {"[Conmutador]\r\nVersion=3\r\nMarca=" + std::string(60, 'b') + "\r\nModelo='quoted'\r\nCaso=1\r\nSeparador=124,\r\n", "3.0;" + std::string(50, 'b') + ", quoted;;|;1;"},
-      {Header() + "[Datos]\r\nDato1=2,1,5,2\r\nDato2=3,3,7,4,\r\nDato3=68,2,255,255,junk\r\n" "Dato4=4,1,1,1\r\nDato5=5,0,5,2\r\nDato6=6,4,5,2\r\nDato7=7,1,0,2\r\n" "Dato8=8,1,257,2\r\nDato9=9,1,5,0\r\nDato10=10,1,5,257\r\nDato11=11,1,5\r\n" "Dato12=\r\nDato13=12,1,5,2\r\n", "3.0;M, N;;|;1; D2:5,2,1 D3:7,4,3 D4:1,1,1 D68:255,255,2"},
-      {Header() + "[Constantes]\r\nConstante1=4,2,10,1,$(72,73,)\r\n" "Constante2=29,3,255,255,$(72,)\r\nConstante3=7,2,10,1,x65,66,)\r\n" "Constante4=8,2,10,1,$(" + a25 + ")\r\nConstante5=9,2,10,1,$(7)\r\n" "Constante6=10,2,10,1,)$(72,\r\nConstante7=11,2,10,1\r\n" "Constante8=12,0,10,1,$(72,)\r\nConstante9=\r\nConstante10=13,2,10,1,$(72,)\r\n", "3.0;M, N;;|;1; C4:10,2,HI C7:10,2,AB C8:10,20,AAAAAAAAAAAAAAAAAAAA C29:255,1,H"},
-      // a hand-written list without its last comma
-      {Header() + "[Constantes]\r\nConstante1=14,2,10,1,$(65,66)\r\n", "3.0;M, N;;|;1; C14:10,2,AB"},
-      // clang-format on
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.text);
+  for (const auto& [text, summary] : velqua_test::ReadCases("files/import_values.txt")) {
+    SCOPED_TRACE(text);
     clsCfgConmut c;
-    c.Importar(Put("v.ini", row.text));
-    EXPECT_EQ(Summary(c), row.summary);
+    c.Importar(Put("v.ini", text));
+    EXPECT_EQ(Summary(c), summary);
   }
 }
 

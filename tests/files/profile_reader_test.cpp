@@ -24,34 +24,11 @@ class ProfileReader : public FileTest {
 };
 
 TEST_F(ProfileReader, ValuesAreFoundTrimmedUnquotedAndCutTo254Characters) {
-  const struct {
-    std::string text, section, key, value;
-  } rows[] = {
-      // clang-format off
-      {"[CONMUTADOR]\r\nmarca=Nec\r\n", "Conmutador", "Marca", "Nec"},
-      {"[\xD1" "and\xFA]\r\n\xC1" "rbol=1\r\n", "ñANDÚ", "áRBOL", "1"},  // Windows-1252 letters fold too
-      {"  [ S ]  \n \t k \t=   Nec  Corp \t \n", "S", "k", "Nec  Corp"},
-      {"[S]\na=\"x y\"\n", "S", "a", "x y"},
-      {"[S]\nb='z'\n", "S", "b", "z"},
-      {"[S]\nc='w\"\n", "S", "c", "'w\""},
-      {"[S]\nd=\"\n", "S", "d", "\""},
-      {"[S]\ne='' \n", "S", "e", ""},
-      {"[S]\nk=1\nK=2\n[s]\nk=4\nonly=5\n", "S", "k", "1"},  // the first of a name wins
-      {"[S]\nk=1\n[s]\nonly=5\n", "S", "only", ""},
-      {"orphan=1\n[S]\nk=2\n", "S", "orphan", ""},
-      {"[S]\nnoequals\n;k=3\n", "S", "noequals", ""},
-      {"[S]\n;k=3\n", "S", ";k", "3"},
-      {"[S]\nk=a=b;c\n", "S", "k", "a=b;c"},
-      {"[S]\nk=1\n", "X", "k", ""},
-      {"[S]\nk=" + std::string(250, 'a') + "    bcdef\n", "S", "k", std::string(250, 'a')},
-      {"[S]\nk=" + std::string(300, 'm') + "\n", "S", "k", std::string(254, 'm')},
-      {std::string("[S]\nk=ab\0cd\n", 12), "S", "k", "ab"},
-      {"[S]\nk=\xF1\x80\n", "S", "k", "ñ€"},
-      // clang-format on
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.text);
-    EXPECT_EQ(Value(Put("p.ini", row.text), row.section, row.key), row.value);
+  for (const auto& [text, read] : velqua_test::ReadCases("files/profile_values.txt")) {
+    SCOPED_TRACE(text);
+    const size_t bar = read.find('|'), bar2 = read.find('|', bar + 1);
+    EXPECT_EQ(Value(Put("p.ini", text), read.substr(0, bar), read.substr(bar + 1, bar2 - bar - 1)),
+              read.substr(bar2 + 1));
   }
   for (const std::u16string& name : {dir.Path16("none.ini"), U(dir.dir()), std::u16string()}) {
     EXPECT_EQ(Value(name, "S", "k"), "");
@@ -109,25 +86,15 @@ TEST_F(ProfileReader, WritingAddsSectionsAndKeysOrReplacesAValueInPlace) {
 }
 
 TEST(ProfileNumbers, NumericFormsAndTheirHalfToEvenIntegers) {
-  // clang-format off
-  const struct { const char16_t* text; int32_t value; } accepted[] = {
-      {u"0", 0},     {u" 42 ", 42}, {u"\t7", 7},   {u"+3", 3},    {u"-3", -3},  {u"1.", 1},
-      {u".4", 0},    {u"-.5", 0},   {u"2.5", 2},   {u"3.5", 4},   {u"2.51", 3}, {u"-2.5", -2},
-      {u"-2.6", -3}, {u"1.5", 2},   {u"007", 7},   {u"2147483647", INT32_MAX},
-      {u"-2147483648", INT32_MIN},  {u"0000000000000000000000000000005", 5}};
-  // clang-format on
-  for (const auto& row : accepted) {
-    EXPECT_TRUE(archivos::EsNumerico(row.text)) << AUtf8(row.text);
-    EXPECT_EQ(archivos::ValorEntero32(row.text), row.value) << AUtf8(row.text);
-  }
-  for (const char16_t* t : {u"", u" ", u"+", u"-", u".", u"1e3", u"&H1F", u"1,000", u"$1", u"(1)",
-                            u"1 2", u"+ 1", u"abc", u"12a", u"--1", u"1..2", u"٣"}) {
-    EXPECT_FALSE(archivos::EsNumerico(t)) << AUtf8(t);
-  }
-  for (const char16_t* t :
-       {u"2147483648", u"-2147483649", u"2147483647.5", u"99999999999999999999999999"}) {
-    EXPECT_TRUE(archivos::EsNumerico(t));
-    EXPECT_VELQUA_ERROR_NUMBER(archivos::ValorEntero32(t), kErrDesbordamiento);
+  for (const auto& [text, value] : velqua_test::ReadCases("files/profile_numbers.txt")) {
+    SCOPED_TRACE(text);
+    const std::u16string number = U(text.substr(1, text.size() - 2));
+    EXPECT_EQ(archivos::EsNumerico(number), value != "no");
+    if (value == "overflow") {
+      EXPECT_VELQUA_ERROR_NUMBER(archivos::ValorEntero32(number), kErrDesbordamiento);
+    } else if (value != "no") {
+      EXPECT_EQ(std::to_string(archivos::ValorEntero32(number)), value);
+    }
   }
 }
 

@@ -1,5 +1,6 @@
 // The data-field and constant tables behind the active key: which record a
 // key writes to, when it is complete, what each write notifies.
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -15,11 +16,29 @@ using namespace velqua;
 struct Step {
   char op;
   int32_t key, value;
-  const char16_t* text;
-  const char* record;
+  std::u16string text;
+  std::string record;
   int sent;
   bool modified;
 };
+
+// The steps of a data file: "< op key value [text]", then "> sent M|- record".
+std::vector<Step> Load(const std::string& name) {
+  std::vector<Step> steps;
+  for (const auto& [write, read] : velqua_test::ReadCases(name)) {
+    std::istringstream in(write);
+    Step s{};
+    in >> s.op >> s.key >> s.value;
+    std::string text;
+    if (in.get() == ' ') std::getline(in, text);
+    s.text = velqua_test::U(text);
+    s.sent = read[0] - '0';
+    s.modified = read[2] == 'M';
+    s.record = read.substr(4);
+    steps.push_back(s);
+  }
+  return steps;
+}
 
 class KeyTables : public ::testing::Test {
  protected:
@@ -72,51 +91,11 @@ TEST_F(KeyTables, NoKeyHasARecordAtFirstAndInvalidKeysNeverReadBack) {
 }
 
 TEST_F(KeyTables, FieldRecordsAreTakenFreedAndTakenOver) {
-  Run(
-      {
-          {'Y', 34, emValorNumerico, u"", "0,0,1?", 0, false},  // taken silently
-          {'Y', 34, emValorCadena, u"", "0,0,3?", 1, true},
-          {'P', 5, 11, u"", "11,0,1?", 1, true},
-          {'P', 5, 11, u"", "11,0,1?", 0, true},
-          {'W', 5, 2, u"", "11,2,1", 1, true},
-          {'W', 5, 2, u"", "11,2,1", 0, true},
-          {'Y', 5, emValorNoDefinido, u"", "11,2,0?", 1, true},  // freed, values kept
-          {'Y', 5, emValorNumerico, u"", "11,2,1", 1, true},
-          {'P', 2, 1, u"", "1,0,1?", 1, true},
-          {'W', 2, 2, u"", "1,2,1", 1, true},
-          {'I', 5, 0, u"", "11,2,0?", 0, false},
-          {'P', 5, 11, u"", "11,2,0?", 0, false},  // the same position: stays free
-          {'Y', 17, emValorCadena, u"", "0,0,3?", 1, true},
-          {'R', 34, 0, u"", "0,0,0?", 0, true},  // record 1 taken over by key 17
-          {'W', 17, 3, u"", "0,3,3?", 1, true},
-          {'P', 2, 4, u"", "4,2,1", 1, true},
-          {'Y', 6, emValorNumerico, u"", "11,2,1", 0, true},  // record 2, values and all
-          {'R', 5, 0, u"", "0,0,0?", 0, true},
-          {'P', 5, 7, u"", "7,0,1?", 1, true},  // appended as record 4
-          {'P', 19, 255, u"", "255,0,1?", 1, true},
-          {'W', 19, 255, u"", "255,255,1", 1, true},
-          {'Y', 19, 1234, u"", "255,255,1234", 1, true},
-      },
-      false);
+  Run(Load("model/field_records.txt"), false);
 }
 
 TEST_F(KeyTables, ConstantTextSetsTheWidthAndTextAndPositionDecideCompleteness) {
-  const char16_t* const alphabet = u"ABCDEFGHIJKLMNOPQRSTUVWXY";
-  Run(
-      {
-          {'X', 4, 0, u"INCOMING CALL", "0,13,0,INCOMING CALL?", 1, true},
-          {'P', 4, 1, u"", "1,13,2,INCOMING CALL", 1, true},
-          {'X', 7, 0, alphabet, "0,20,0,ABCDEFGHIJKLMNOPQRST?", 1, true},
-          {'P', 7, 30, u"", "30,20,2,ABCDEFGHIJKLMNOPQRST", 1, true},
-          {'W', 7, 7, u"", "30,7,2,ABCDEFGHIJKLMNOPQRST", 1, true},
-          {'X', 7, 0, alphabet, "30,20,2,ABCDEFGHIJKLMNOPQRST", 0, true},  // width back silently
-          {'P', 7, 0, u"", "0,20,0,ABCDEFGHIJKLMNOPQRST?", 1, true},
-          {'X', 4, 0, u"", "1,0,0,?", 1, true},
-          {'P', 7, 30, u"", "30,20,2,ABCDEFGHIJKLMNOPQRST", 1, true},
-          {'I', 7, 0, u"", "30,20,0,ABCDEFGHIJKLMNOPQRST?", 0, false},
-          {'P', 7, 30, u"", "30,20,2,ABCDEFGHIJKLMNOPQRST", 0, false},  // restored silently
-      },
-      true);
+  Run(Load("model/constant_records.txt"), true);
 }
 
 TEST_F(KeyTables, ConstantNotificationComesBeforeTheTypeIsDerived) {

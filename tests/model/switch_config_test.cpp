@@ -17,13 +17,6 @@ class SwitchConfig : public ::testing::Test {
 };
 
 TEST_F(SwitchConfig, EachWriteSetsTheNamesReadinessFlagAndNotifications) {
-  EXPECT_EQ(cfg.IDCfg(), 0);
-  EXPECT_EQ(cfg.Marca() + cfg.Modelo() + cfg.Comentarios() + cfg.Separador(), u"");
-  EXPECT_EQ(cfg.TamMaxSeparador(), 10);
-  EXPECT_EQ(cfg.TamMaxComentarios(), 250);
-  for (emPuertoSerial p : {emPuertoRJ45, emPuertoDB9, emPuertoDB25}) {
-    EXPECT_FALSE(cfg.HayConfiguracionSMDR(p));
-  }
   using C = clsCfgConmut&;
   // Version, case name, switch name, ready, modified, then the notifications:
   // N CambioNombreConmutador, C Cambios, L ConfiguracionCargada.
@@ -96,28 +89,6 @@ TEST_F(SwitchConfig, LabelTextsAreCutToTheirWidthAndOnlyAChangedTextCounts) {
     c.Modificado(false);
     (c.*row.label.set)(row.same);
     EXPECT_FALSE(c.Modificado());
-  }
-}
-
-TEST_F(SwitchConfig, EachCaseFrom0To10HasItsNameAndOthersNone) {
-  const char* const names[] = {
-      "No definido",
-      "Estandar",
-      "Caso de Samsung Nx-820",
-      "Caso del Nortel Meridian",
-      "Caso norstar 0x32 SMDR6",
-      "Estandar, duración con resta de fechas.",
-      "Estandar, segundos de la duracion multiplicado por 6.",
-      "Estandar, llamada saliente por defecto.",
-      "Estandar, duración con resta de fechas, llamada saliente por defecto.",
-      "Estandar, segundos de la duracion multiplicado por 6, llamada saliente por defecto.",
-      "Especial, codigo de cuenta y extensión en conmutadores KX-TDA100 y KX-TDA200.",
-  };
-  for (int32_t c = 0; c <= 10; ++c) {
-    EXPECT_EQ(cfg.ObtNombreCaso(static_cast<emCasos>(c)), U(names[c])) << "case " << c;
-  }
-  for (int32_t c : {11, 12, -1, INT32_MIN}) {
-    EXPECT_EQ(cfg.ObtNombreCaso(static_cast<emCasos>(c)), u"") << "case " << c;
   }
 }
 

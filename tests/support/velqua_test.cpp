@@ -51,13 +51,37 @@ void WriteFile(const std::string& path, const std::string& bytes) {
       .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
+namespace {
+
+// The bytes of a case line: \r, \n, \t, \0, \\ and \xHH stand for one byte.
+std::string Unescape(const std::string& text) {
+  std::string out;
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i];
+    if (c != '\\' || i + 1 == text.size()) {
+      out += c;
+      continue;
+    }
+    const char e = text[++i];
+    if (e == 'x') {
+      out += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
+      i += 2;
+    } else {
+      out += e == 'r' ? '\r' : e == 'n' ? '\n' : e == 't' ? '\t' : e == '0' ? '\0' : e;
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
 std::vector<std::pair<std::string, std::string>> ReadCases(const std::string& name) {
   std::ifstream in(DataPath(name), std::ios::binary);
   EXPECT_TRUE(in.good()) << DataPath(name);
   std::vector<std::pair<std::string, std::string>> cases;
   for (std::string line; std::getline(in, line);) {
-    if (line.rfind("< ", 0) == 0) cases.emplace_back(line.substr(2), "");
-    if (line.rfind("> ", 0) == 0 && !cases.empty()) cases.back().second = line.substr(2);
+    if (line.rfind("< ", 0) == 0) cases.emplace_back(Unescape(line.substr(2)), "");
+    if (line.rfind("> ", 0) == 0 && !cases.empty()) cases.back().second = Unescape(line.substr(2));
   }
   return cases;
 }

@@ -92,7 +92,8 @@ std::string ReadFile(const std::string& path);  // empty when unreadable
 void WriteFile(const std::string& path, const std::string& bytes);
 inline std::string DataPath(const std::string& name) { return VELQUA_TEST_DATA "/" + name; }
 // The cases of a data file under tests/data: a "< input" line, then its
-// "> expected" line; "#" lines are comments.
+// "> expected" line; "#" lines are comments. \r, \n, \t, \0, \\ and \xHH
+// in a line stand for one byte.
 std::vector<std::pair<std::string, std::string>> ReadCases(const std::string& name);
 
 #if defined(__SANITIZE_ADDRESS__)

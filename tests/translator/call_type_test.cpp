@@ -32,34 +32,15 @@ class CallTypeDetection : public BoundTranslator {
 };
 
 TEST_F(CallTypeDetection, ConstantMatchesItsWholeWidthAtItsColumnIgnoringCase) {
-  const struct {
-    int pos;  // 0: no position, an incomplete constant
-    const char* text;
-    int size;  // 0: the text's length
-    std::u16string line;
-    bool found;
-  } rows[] = {
-      {10, "E", 0, u"         e", true},
-      {1, "AÑO É", 0, U("año é"), true},
-      {10, "E", 0, u"        E", false},
-      {40, "E", 0, u"E", false},
-      {5, "0X", 0, u"12340", false},  // cut off by the line's end
-      {5, "0", 0, u"12340", true},
-      {1, "AB ", 0, u"ABC", false},
-      {1, "AB ", 0, u"AB C", true},
-      {1, "AB", 3, u"ABC", false},  // text and width differ
-      {1, "AB", 1, u"ABC", false},
-      {0, "E", 0, u"E", false},
-      {250, "ABCDE", 0, std::u16string(249, u' ') + u"abcde", true},  // ends at column 255
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(std::string(row.text) + " at " + std::to_string(row.pos));
+  for (const auto& [mark, found] : ReadCases("translator/marks.txt")) {
+    SCOPED_TRACE(mark);
     cfg_ = MakeConfig(emCasoEstandar);
     tr_.Conmutador(cfg_);
-    SetConstant(*cfg_, emDatoCteIdentEntrante, row.pos, U(row.text));
-    if (row.size != 0) cfg_->CTETam(static_cast<uint8_t>(row.size));
-    tr_.LlamadaActual(row.line);
-    EXPECT_EQ(tr_.HayConstanteLlamada(emDatoCteIdentEntrante), row.found);
+    SetConstant(*cfg_, emDatoCteIdentEntrante, std::stoi(mark), U(Quoted(mark)));
+    const int size = std::stoi(mark.substr(mark.find(' ')));
+    if (size != 0) cfg_->CTETam(static_cast<uint8_t>(size));
+    tr_.LlamadaActual(U(Quoted(mark, 1)));
+    EXPECT_EQ(tr_.HayConstanteLlamada(emDatoCteIdentEntrante), found == "1");
     EXPECT_EQ(cfg_->CTEActivo(), emDatoCteIdentEntrante);
     EXPECT_FALSE(tr_.HayConstanteLlamada(emDatoCteIdentSaliente));
   }
@@ -70,34 +51,16 @@ TEST_F(CallTypeDetection, ConstantMatchesItsWholeWidthAtItsColumnIgnoringCase) {
   EXPECT_UNBOUND(tr_.HayConstanteLlamada(emDatoCteIdentEntrante));
 }
 
-// Plain marks I O X T A at 7-11, OR marks i o x t at 12-15, AND marks "&" for
-// incoming at 16 and trunk to trunk at 17.
 TEST_F(CallTypeDetection, PlainAndOrMarksInRoleOrderThenTheAccountMark) {
   SetMarks(*cfg_, 7, "IOXTAioxt&&",
            {emDatoCteIdentEntrante, emDatoCteIdentSaliente, emDatoCteIdentInterExtension,
             emDatoCteIdentInterTroncal, emDatoCteIdentCodigoCuenta, emDatoCteIdentEntranteOR,
             emDatoCteIdentSalienteOR, emDatoCteIdentInterExtensionOR, emDatoCteIdentInterTroncalOR,
             emDatoCteIdentEntranteAND, emDatoCteIdentInterTroncalAND});
-  const emTipoLlamadaTraductor none = emTradNoIdentificada, in = emTradEntrante,
-                               out = emTradSaliente, ext = emTradInterExtension,
-                               trunk = emTradInterTroncal, code = emTradCodigoCuenta;
-  const struct {
-    const char16_t* line;
-    emTipoLlamadaTraductor type;
-  } rows[] = {
-      {u"01:00 I        &", in},   {u"01:00 I", none},  // the AND mark must accompany
-      {u"01:00 I    i", none},     {u"01:00 IO", out},  // OR only without the plain mark
-      {u"00:00  O", out},          {u"99:99  O", out},  // digits 0 only, 9 only
-      {u"01:00   X", ext},         {u"01:00    T", none},      {u"01:00    T      &", trunk},
-      {u"01:00      i", in},       {u"01:00       o", out},    {u"01:00        x", ext},
-      {u"01:00         t", trunk}, {u"01:00 IOXT     &&", in}, {u"01:00  OXT      &", out},
-      {u"01:00   XT", ext},        {u"01:00     A", code},     {u"01:00  O  A", code},
-      {u"01:00 Z", none},          {u"--:--     A", none},  // a line without digits
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(AUtf8(row.line));
-    tr_.LlamadaActual(row.line);
-    EXPECT_EQ(tr_.TipoLlamadaDetectada(), row.type);
+  for (const auto& [line, type] : ReadCases("translator/call_marks.txt")) {
+    SCOPED_TRACE(line);
+    tr_.LlamadaActual(U(Quoted(line)));
+    EXPECT_EQ(std::to_string(tr_.TipoLlamadaDetectada()), type);
   }
 }
 
@@ -137,10 +100,6 @@ TEST_F(CallTypeDetection, DefaultOutgoingNeedsNumberExtensionAndTrunkInItsCases)
 
 // Every comparison of marks, keywords and codes ignores letter case.
 TEST(LetterCase, SearchFindsTheFirstOccurrenceFromAPlace) {
-  EXPECT_FALSE(plataforma::IgualesSinMayusculas(u"ab", u"ab "));
-  EXPECT_FALSE(plataforma::IgualesSinMayusculas(U("a"), U("á")));
-  EXPECT_FALSE(plataforma::IgualesSinMayusculas(U("÷"), U("×")));
-  EXPECT_TRUE(plataforma::IgualesSinMayusculas(U("ÿœšžłńź αβγ жя"), U("ŸŒŠŽŁŃŹ ΑΒΓ ЖЯ")));
   constexpr size_t npos = std::u16string_view::npos;
   const struct {
     const char* text;

@@ -13,24 +13,13 @@ namespace {
 
 using namespace velqua;
 
-// A KX-TDA case-10 configuration: O/I in column 1, extension or account code
-// 3-7, duration 11-12 and 14-15, the date's day, month and hour in 17-18,
-// 20-21 and 23-24.
-std::shared_ptr<clsCfgConmut> AccountCodeConfig() {
-  auto cfg = MakeConfig(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100, u"|");
-  SetConstant(*cfg, emDatoCteIdentSaliente, 1, u"O");
-  SetText(*cfg, emParamExtensionSaliente, 3, 5);
-  SetText(*cfg, emParamCodigoCuenta, 3, 5);
-  SetField(*cfg, emParamDuracionMinutos, 11, 2);
-  SetField(*cfg, emParamDuracionSegundos, 14, 2);
-  return cfg;
-}
-
 TEST(TranslatorEnvironment, LogAndListAreTheEnvironmentsFiles) {
   auto env = std::make_shared<EntornoMemoria>(At(2026, 2, 3, 4, 5, 6));
   env->EscribeArchivo(u"lista", "77;301\r\n9;302");
   clsTraductor tr(env);
-  tr.Conmutador(AccountCodeConfig());
+  auto cfg = MakeConfig(emCasoEstandar);
+  SetKxTdaFields(*cfg);
+  tr.Conmutador(cfg);
   tr.ArchivoListaExtensionesKXTDA(u"lista");
   tr.ArchivoLlamadasError(u"log");
   const struct {
@@ -47,23 +36,6 @@ TEST(TranslatorEnvironment, LogAndListAreTheEnvironmentsFiles) {
   EXPECT_EQ(env->Contenido(u"log"),
             LogEntry("x", "2026 Feb 03 04:05:06") + LogEntry("y", "2026 Feb 03 04:05:06"));
   EXPECT_EQ(env->LongitudArchivo(u"lista"), 13);
-}
-
-// The seed is the environment's: equal seeds draw equal extensions for an
-// unlisted code, whatever other translators do meanwhile.
-TEST(TranslatorEnvironment, DrawsFollowTheEnvironmentsSeed) {
-  const auto draws = [](uint32_t seed) {
-    clsTraductor tr(std::make_shared<EntornoMemoria>(At(2026, 1, 1, 0, 0, 0), seed));
-    tr.Conmutador(AccountCodeConfig());
-    std::u16string out;
-    for (int i = 0; i < 4; ++i) {
-      tr.LlamadaActual(u"O *5      01:00");
-      out += tr.Extension() + u",";
-    }
-    return out;
-  };
-  EXPECT_EQ(draws(7), draws(7));
-  EXPECT_NE(draws(7), draws(8));
 }
 
 // A configuration is only read while translators share it: each thread reads

@@ -21,41 +21,18 @@ TEST_F(UnrecognisedLog, EntriesAreAppendedInWindows1252WithTheirTime) {
                        LogEntry("l\xEDnea \xF1 \x80 1\r\nsigue ?", "2027 Jan 05 17:08:09"));
 }
 
-TEST_F(UnrecognisedLog, EmptyOrUnopenableLogIsSkippedSilently) {
+TEST_F(UnrecognisedLog, AnEmptyNameLogsNothing) {
   tr_.ArchivoLlamadasError(u"");
   tr_.LlamadaActual(u"x 1");
   EXPECT_TRUE(std::filesystem::is_empty(dir_.dir()));
-  tr_.ArchivoLlamadasError(dir_.Path16("no/such/folder/log.txt"));
-  EXPECT_NO_THROW(tr_.LlamadaActual(u"x 1"));
-  EXPECT_EQ(tr_.TipoLlamadaDetectada(), emTradNoIdentificada);
-  tr_.ArchivoLlamadasError(U(dir_.dir()));  // a directory
-  EXPECT_NO_THROW(tr_.LlamadaActual(u"x 1"));
-  EXPECT_EQ(tr_.ArchivoLlamadasError(), U(dir_.dir()));
-}
-
-// A random stand-in: 1 to 10000, at least four digits.
-bool IsRandomExtension(const std::u16string& ext) {
-  const std::string s = AUtf8(ext);
-  const bool digits = s.find_first_not_of("0123456789") == std::string::npos;
-  return (s.size() == 4 && digits && s != "0000") || s == "10000";
 }
 
 constexpr emCasos kCase10 = emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100;
 
-// Mark O or I in column 1, extension and account code 3-9, duration 11-12 and
-// 14-15, number 17-21 and trunk 23-24 (for the default outgoing call).
 class AccountCodeExtension : public BoundTranslator {
  protected:
-  AccountCodeExtension() : BoundTranslator(kCase10) {
-    SetConstant(*cfg_, emDatoCteIdentSaliente, 1, u"O");
-    SetConstant(*cfg_, emDatoCteIdentEntrante, 1, u"I");
-    SetText(*cfg_, emParamExtensionSaliente, 3, 7);
-    SetText(*cfg_, emParamExtensionEntrante, 3, 7);
-    SetText(*cfg_, emParamCodigoCuenta, 3, 7);
-    SetField(*cfg_, emParamDuracionMinutos, 11, 2);
-    SetField(*cfg_, emParamDuracionSegundos, 14, 2);
-    SetText(*cfg_, emParamTelefonoSaliente, 17, 5);
-    SetText(*cfg_, emParamTroncalSaliente, 23, 2);
+  AccountCodeExtension() {
+    SetKxTdaFields(*cfg_);
     List("1234;201\r\n12;203\r\n");
     tr_.ArchivoListaExtensionesKXTDA(dir_.Path16("lista.txt"));
   }
@@ -70,35 +47,18 @@ class AccountCodeExtension : public BoundTranslator {
 };
 
 TEST_F(AccountCodeExtension, StarCodeOfAnOutgoingCallBecomesTheListedExtension) {
-  const char* const kRandom = nullptr;
-  const struct {
-    emCasos caso;
-    const char* line;
-    const char* ext;
-    const char16_t* code;
-  } rows[] = {
-      {kCase10, "O *1234   01:00", "201", u"1234"},
-      {kCase10, "O   205   01:00", "205", u""},
-      {kCase10, "O  *12    01:00", "203", u"12"},     // blanks around the star code
-      {kCase10, "O * 77    01:00", kRandom, u" 77"},  // the code is not trimmed again
-      {kCase10, "O *9999   01:00", kRandom, u"9999"},
-      {kCase10, "I *1234   01:00", "*1234", u"1234"},  // the extension rule is for outgoing calls
-      {emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto,
-       "  *1234   01:00 55512 07", "201", u"1234"},
-      {emCasoEstandar, "O *1234   01:00", "*1234", u"*1234"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::Message() << "case " << row.caso << " " << row.line);
-    cfg_->Caso(row.caso);
-    tr_.LlamadaActual(U(row.line));
+  for (const auto& [record, read] : ReadCases("translator/star_codes.txt")) {
+    SCOPED_TRACE(record);
+    cfg_->Caso(static_cast<emCasos>(std::stoi(record)));
+    tr_.LlamadaActual(U(Quoted(record)));
     ASSERT_NE(tr_.TipoLlamadaDetectada(), emTradNoIdentificada);
     const std::u16string ext = tr_.Extension();
-    if (row.ext == kRandom) {
+    if (Quoted(read) == "?") {
       EXPECT_TRUE(IsRandomExtension(ext)) << AUtf8(ext);
     } else {
-      EXPECT_EQ(AUtf8(ext), row.ext);
+      EXPECT_EQ(AUtf8(ext), Quoted(read));
     }
-    EXPECT_EQ(tr_.CodigoCuenta(), row.code);
+    EXPECT_EQ(AUtf8(tr_.CodigoCuenta()), Quoted(read, 1));
   }
   cfg_->Caso(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100ConSalienteDefecto);
   tr_.LlamadaActual(u"  *1234   01:00 55512 07");
@@ -111,34 +71,11 @@ TEST_F(AccountCodeExtension, StarCodeOfAnOutgoingCallBecomesTheListedExtension) 
 }
 
 TEST_F(AccountCodeExtension, ListLinesGiveCodeAndExtension) {
-  const std::string filler(4095, 'x');  // a line up to the end of the first 4096-byte block
-  const struct {
-    std::string list;
-    const char* code;
-    std::u16string ext;
-  } rows[] = {
-      {"1234;201\r\n1234,305\r\n", "1234", u"201"},
-      {"1234,305\r\n1234;201\r\n", "1234", u"305"},  // the comma only without a semicolon
-      {"1,234;208\r\n", "1,234", u"208"},
-      {"1234;\r\n1234;202\r\n", "1234", u"202"},
-      {"AB12 ; 207\r\n", "ab12", u"207"},
-      {"\xD1\xC1"
-       "1;209\r\n",
-       "ñá1", u"209"},  // Windows-1252
-      {"77; 2 01 \r\n", "77", u"2 01"},
-      {"\r\n1234 201\r\n;1234\r\n,1234\r\n\r\n1234;210\r\n", "1234", u"210"},
-      {"1;211\n2;212\r3;213", "1", u"211"},
-      {"1;211\n2;212\r3;213", "2", u"212"},
-      {"1;211\n2;212\r3;213", "3", u"213"},
-      {filler + "\r\n5;214\r\n", "5", u"214"},  // CR and LF in two blocks
-      {filler + "\r6;215\n", "6", u"215"},
-      {"9;" + std::string(10000, 'z') + "\n8;216", "8", u"216"},
-      {"9;" + std::string(10000, 'z') + "\n8;216", "9", std::u16string(10000, u'z')},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.list.substr(0, 40) + " / " + row.code);
-    List(row.list);
-    EXPECT_EQ(Lookup(row.code), row.ext);
+  for (const auto& [list, lookup] : ReadCases("translator/extension_lists.txt")) {
+    SCOPED_TRACE(list.substr(0, 40) + " / " + lookup.substr(0, 40));
+    List(list);
+    EXPECT_EQ(AUtf8(Lookup(lookup.substr(0, lookup.find('|')))),
+              lookup.substr(lookup.find('|') + 1));
   }
   WriteFile(dir_.Path("otra.txt"), "1234;288\r\n");
   tr_.ArchivoListaExtensionesKXTDA(dir_.Path16("otra.txt"));

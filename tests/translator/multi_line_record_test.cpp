@@ -23,46 +23,17 @@ class MultiLineRecord : public BoundTranslator {
 };
 
 TEST_F(MultiLineRecord, KeywordLinesAfterTheHeaderGiveTypeAttributeAndDuration) {
-  const std::string H = kHeader + "|";
-  const struct {
-    std::string record;
-    const char* kind;  // type/attribute
-    int32_t duration;  // read when the record is kept
-  } rows[] = {
-      {H + "00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED", "2/0", 90},
-      {H + "00:00:00 outgoing call|00:01:30 call released", "2/0", 90},
-      {H + "00:00:00 INCOMING CALL|00:02:00 CALL RELEASED", "1/0", 120},
-      {H + "00:00:00 INCOMING CALL OUTGOING CALL|00:01:00 CALL RELEASED", "2/0", 60},
-      {H + "00:00:20 NO ANSWER RINGING 0:20", "1/0", 0},
-      {H + "00:00:00 FROM TRANSFER|00:00:30 TRANSFERRED", "6/2", 30},
-      {H + "00:00:00 FROM TRANSFER|00:03:05 CALL RELEASED", "6/3", 185},
-      {H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED", "2/1", 40},
-      {H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED|02:00:00 CALL RELEASED", "2/1", 7200},
-      {"00:00:00 OUTGOING CALL|" + H + "00:00:01 INCOMING CALL|00:01:30 CALL RELEASED", "0/0", 0},
-      {H + "00:01:30 CALL RELEASED", "0/0", 0},
-      {"00:00:20 NO ANSWER|" + kHeader, "0/0", 0},
-      {"00:01:30 CALL RELEASED|" + H + "00:00:00 OUTGOING CALL|00:00:40 TRANSFERRED", "0/1", 0},
-      {"00:00:00 OUTGOING CALL|00:01:30 CALL RELEASED", "0/0", 0},
-      {H + "00:00:00 OUTGOING CALL|xx:xx:xx CALL RELEASED", "0/0", 0},
-      // a keyword on the header line itself is not after the header
-      {"00:01:30 -------- CALL RELEASED|00:00:00 OUTGOING CALL", "0/0", 0},
-      {"00:00:40 -------- TRANSFERRED|00:00:00 OUTGOING CALL", "0/1", 0},
-      {"00:00:20 -------- NO ANSWER", "0/0", 0},
-      {"-------- OUTGOING CALL|00:01:30 CALL RELEASED", "0/0", 0},
-      {"-------- INCOMING CALL|00:01:30 CALL RELEASED", "0/0", 0},
-      {"-------- FROM TRANSFER|00:01:30 CALL RELEASED", "0/3", 0},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.record);
+  for (const auto& [record, read] : ReadCases("translator/norstar_keywords.txt")) {
+    SCOPED_TRACE(record);
     std::remove(dir_.Path("log.txt").c_str());
-    Write(row.record);
-    EXPECT_EQ(Kind(tr_), row.kind);
-    const bool kept = row.kind[0] != '0';
+    Write(record);
+    EXPECT_EQ(Kind(tr_), read.substr(0, 3));
+    const bool kept = read[0] != '0';
     if (kept) {
-      EXPECT_EQ(tr_.Duracion(), row.duration);
+      EXPECT_EQ(std::to_string(tr_.Duracion()), read.substr(4));
     }
-    EXPECT_EQ(Log(), kept ? "" : LogEntry(row.record));  // the whole buffer
-    EXPECT_EQ(tr_.LlamadaActual(), U(row.record));
+    EXPECT_EQ(Log(), kept ? "" : LogEntry(record));  // the whole buffer
+    EXPECT_EQ(tr_.LlamadaActual(), U(record));
   }
 }
 

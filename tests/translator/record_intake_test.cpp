@@ -29,42 +29,18 @@ class RecordIntake : public BoundTranslator {
 };
 
 TEST_F(RecordIntake, KeepsTheTypeOnlyWithAReadableDurationAndLogsTheRest) {
-  struct Row {
-    emCasos caso;
-    const char* buffer;
-    const char* record;
-    emTipoLlamadaTraductor type;
-    emAtributoTraductor attr;
-    bool logged;
-  };
-  const Row rows[] = {
-      {emCasoEstandar, "", "O 01:05", emTradSaliente, emATRNoAtributo, false},
-      {emCasoEstandar, "", "O --:-- 7", emTradNoIdentificada, emATRNoAtributo, true},
-      {emCasoEstandar, "", "O 01:", emTradNoIdentificada, emATRNoAtributo, true},
-      {emCasoEstandar, "", "O --:05", emTradNoIdentificada, emATRNoAtributo, true},
-      {emCasoEstandar, "", "Z 01:05", emTradNoIdentificada, emATRNoAtributo, true},
-      // an unreadable duration keeps the type in case 3 and for unanswered incoming calls
-      {emCasoNortelMeridian01, "", "O --:-- 7", emTradSaliente, emATRNoAtributo, false},
-      {emCasoEstandar, "", "I --:-- N 5", emTradEntrante, emATRNoContestada, false},
-      {emCasoEstandar, "", "I --:-- S 5", emTradNoIdentificada, emATRIniTR, true},
-      {emCasoEstandar, "", "O --:-- N 5", emTradNoIdentificada, emATRNoAtributo, true},
-      {emCasoEstandar, "", "A --:-- 1", emTradCodigoCuenta, emATRNoAtributo, false},
-      // an empty record is logged only when the buffer holds text
-      {emCasoEstandar, "", "", emTradNoIdentificada, emATRNoAtributo, false},
-      {emCasoEstandar, "algo", "", emTradNoIdentificada, emATRNoAtributo, true},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(std::string(row.buffer) + " / " + row.record);
+  for (const auto& [taken, kept] : ReadCases("translator/intake.txt")) {
+    SCOPED_TRACE(taken);
+    const std::string buffer = Quoted(taken), record = Quoted(taken, 1);
     std::remove(dir_.Path("log.txt").c_str());
-    cfg_->Caso(row.caso);
-    tr_.BufferMultiplesLineas(U(row.buffer));
-    tr_.LlamadaActual(U(row.record));
-    EXPECT_EQ(tr_.TipoLlamadaDetectada(), row.type);
-    EXPECT_EQ(tr_.Atributo(), row.attr);
-    EXPECT_EQ(tr_.LlamadaActual(), U(row.record));
-    EXPECT_EQ(tr_.BufferMultiplesLineas(), U(row.buffer));  // the line, not the buffer
-    EXPECT_EQ(tr_.HayLlamada(), *row.record != '\0');
-    EXPECT_EQ(Log(), row.logged ? LogEntry(row.record) : "");
+    cfg_->Caso(static_cast<emCasos>(std::stoi(taken)));
+    tr_.BufferMultiplesLineas(U(buffer));
+    tr_.LlamadaActual(U(record));
+    EXPECT_EQ(Kind(tr_), std::string(1, kept[0]) + "/" + kept[2]);
+    EXPECT_EQ(tr_.LlamadaActual(), U(record));
+    EXPECT_EQ(tr_.BufferMultiplesLineas(), U(buffer));  // the line, not the buffer
+    EXPECT_EQ(tr_.HayLlamada(), !record.empty());
+    EXPECT_EQ(Log(), kept[4] == 'L' ? LogEntry(record) : "");
   }
 }
 
@@ -108,22 +84,6 @@ TEST_F(RecordIntake, UnboundIntakeOnlyForgetsTheType) {
   tr_.Conmutador(cfg_);
   EXPECT_EQ(tr_.LlamadaActual(), u"I 02:30 S");
   EXPECT_EQ(Log(), "");
-}
-
-TEST(TranslatorBinding, HoldsOneReferenceUntilUnboundOrDestroyed) {
-  auto cfg = MakeConfig(emCasoEstandar);
-  {
-    clsTraductor tr;
-    tr.Conmutador(cfg);
-    EXPECT_EQ(cfg.use_count(), 2);
-    tr.Conmutador(MakeConfig(emCasoEstandar));
-    EXPECT_EQ(cfg.use_count(), 1);
-    tr.Conmutador(cfg);
-    tr.Conmutador(nullptr);
-    EXPECT_EQ(cfg.use_count(), 1);
-    tr.Conmutador(cfg);
-  }
-  EXPECT_EQ(cfg.use_count(), 1);
 }
 
 TEST(TranslatorBinding, UnboundReadsFailAndSearchesFindNothing) {

@@ -1,5 +1,7 @@
 // The text fields: which key each call type and attribute reads, how a field is
 // cut from the record, the dialled number's prefix and the account code mark.
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -32,43 +34,13 @@ class FieldKeys : public BoundTranslator {
   }
 };
 
-// Summary: type/attribute, then dialled|extension|trunk|receivers|code. Marks
-// are tested start, end, in transfer, unanswered (incoming calls only); each
-// type reads its own; the account mark wins and gives no attribute.
 TEST_F(FieldKeys, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
-  const struct {
-    std::vector<int> marks;
-    const char* fields;
-  } rows[] = {
-      {{4}, "1/0 K18|K31|K30|||"},
-      {{4, 16, 17, 24, 29}, "1/1 K22|K39|K38|||"},
-      {{4, 17, 24, 29}, "1/3 K23|K41|K40|||"},
-      {{4, 24, 29}, "1/2 K54|K59|K58|||"},
-      {{4, 29}, "1/4 K18|K31|K30|||"},
-      {{7}, "2/0 K19|K33|K32|||"},
-      {{7, 16, 20, 22, 29}, "2/0 K19|K33|K32|||"},
-      {{7, 18}, "2/1 K24|K43|K42|||"},
-      {{7, 25}, "2/2 K55|K61|K60|||"},
-      {{7, 19}, "2/3 K25|K45|K44|||"},
-      {{10}, "3/0 K20|K34||K35||"},
-      {{10, 16, 18, 22}, "3/0 K20|K34||K35||"},
-      {{10, 20}, "3/1 K26|K46||K47||"},
-      {{10, 26}, "3/2 K56|K62||K63||"},
-      {{10, 21}, "3/3 K27|K48||K49||"},
-      {{13}, "4/0 K21||K36||K37|"},
-      {{13, 16, 18, 20}, "4/0 K21||K36||K37|"},
-      {{13, 22}, "4/1 K28||K50||K51|"},
-      {{13, 27}, "4/2 K57||K64||K65|"},
-      {{13, 23}, "4/3 K29||K52||K53|"},
-      {{28}, "5/0 ||K66|||K17"},
-      {{28, 7, 16}, "5/0 ||K66|||K17"},
-      {{16, 29}, "0/0 |||||"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.fields);
+  for (const auto& [marks, fields] : ReadCases("translator/field_keys.txt")) {
+    SCOPED_TRACE(marks + " -> " + fields);
     tr_.LlamadaActual(u"");
-    Write(row.marks);
-    EXPECT_EQ(Summary(tr_), row.fields);
+    std::istringstream in(marks);
+    Write(std::vector<int>(std::istream_iterator<int>(in), {}));
+    EXPECT_EQ(Summary(tr_), fields);
     EXPECT_EQ(tr_.Dia(), 2);
     EXPECT_EQ(tr_.Mes(), 3);
     EXPECT_EQ(tr_.Anio(), 2004);
@@ -78,43 +50,17 @@ TEST_F(FieldKeys, EveryTypeAndAttributeReadsTheKeysOfItsRow) {
   }
 }
 
-TEST_F(FieldKeys, ReadsLeaveTheActiveKeysAtTheKeysUsedLast) {
-  Write({7});
-  tr_.Extension();
-  EXPECT_EQ(cfg_->DATOActivo(), emParamExtensionSaliente);
-  tr_.Marcacion();
-  EXPECT_EQ(cfg_->DATOActivo(), emParamTelefonoSaliente);
-  EXPECT_EQ(cfg_->CTEActivo(), emDatoCteIdentInterExtensionEnTransferencia);
-  tr_.CodigoCuenta();
-  EXPECT_EQ(cfg_->CTEActivo(), emDatoCteIdentCodigoCuenta);
-}
-
 using TextFields = BoundTranslator;
 
-// The account code field (no account mark) shows the cut as it is.
 TEST_F(TextFields, FieldIsCutAtItsColumnsANumericOneKeepsOnlyDigits) {
-  const std::u16string line22 = u"12345678901234567894x2";
-  const emTipoDato num = emValorNumerico, text = emValorCadena;
-  const struct {
-    int pos, size;
-    emTipoDato type;
-    std::u16string line;
-    const char16_t* expected;
-  } rows[] = {
-      {20, 5, num, line22, u"42"},  // runs past the line's end
-      {20, 5, text, line22, u"4x2"},
-      {22, 2, text, line22, u"2"},
-      {23, 2, text, line22, u""},  // starts past the line's end
-      {1, 4, num, u" 1:2", u"12"},
-      {1, 4, num, u"-+a:", u""},
-      {1, 4, emValorNoDefinido, u"1234", u""},
-      {200, 55, text, u"1", u""},  // ends at column 254
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::Message() << row.pos << "+" << row.size << " type " << row.type);
-    SetField(*cfg_, emParamCodigoCuenta, row.pos, row.size, row.type);
-    tr_.LlamadaActual(row.line);
-    EXPECT_EQ(tr_.CodigoCuenta(), row.expected);
+  for (const auto& [field, cut] : ReadCases("translator/field_cuts.txt")) {
+    SCOPED_TRACE(field);
+    std::istringstream in(field);
+    int pos = 0, size = 0, type = 0;
+    in >> pos >> size >> type;
+    SetField(*cfg_, emParamCodigoCuenta, pos, size, static_cast<emTipoDato>(type));
+    tr_.LlamadaActual(U(Quoted(field)));
+    EXPECT_EQ(AUtf8(tr_.CodigoCuenta()), Quoted(cut));
   }
   SetText(*cfg_, emParamCodigoCuenta, 200, 56);
   EXPECT_OVERFLOW(tr_.CodigoCuenta());
@@ -129,25 +75,15 @@ TEST_F(TextFields, DialledNumberLosesThePrefixAfterTrimming) {
   SetField(*cfg_, emParamDuracionSegundos, 4, 1);
   SetText(*cfg_, emParamExtensionEntrante, 13, 6);
   SetText(*cfg_, emParamTroncalEntrante, 20, 4);
-  const emTipoDato num = emValorNumerico, text = emValorCadena;
-  const struct {
-    const char16_t* prefix;  // no position: its text alone counts
-    emTipoDato type;
-    const char16_t *line, *expected;
-  } rows[] = {
-      {u"", text, u"I 00  1:2", u"1:2"},      {u"", num, u"I 00  1:2", u"12"},
-      {u"9", text, u"I 00 9 555", u" 555"},   {u"9", num, u"I 00 9 555", u"555"},
-      {u"<i>", text, u"I 00 <I>555", u"555"}, {u"<i>", text, u"I 00 <I", u"<I"},
-      {u"<i>", text, u"I 00 5<I>", u"5<I>"},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(AUtf8(row.line));
-    SetField(*cfg_, emParamTelefonoEntrante, 6, 6, row.type);
+  for (const auto& [record, number] : ReadCases("translator/dialled.txt")) {
+    SCOPED_TRACE(record);
+    const int type = std::stoi(record.substr(record.find('"', 1) + 1));
+    SetField(*cfg_, emParamTelefonoEntrante, 6, 6, static_cast<emTipoDato>(type));
     cfg_->CTEActivo(emDatoCteIdentInterExtensionEnTransferencia);
-    cfg_->Constante(row.prefix);
-    tr_.LlamadaActual(row.line);
+    cfg_->Constante(U(Quoted(record)));
+    tr_.LlamadaActual(U(Quoted(record, 1)));
     ASSERT_EQ(tr_.TipoLlamadaDetectada(), emTradEntrante);
-    EXPECT_EQ(tr_.Marcacion(), row.expected);
+    EXPECT_EQ(AUtf8(tr_.Marcacion()), Quoted(number));
   }
   tr_.LlamadaActual(Cols({{1, "I 00"}, {13, "  201 "}, {20, " T1 "}}));
   EXPECT_EQ(tr_.Extension(), u"201");

@@ -43,6 +43,24 @@ inline void SetConstant(velqua::clsCfgConmut& cfg, velqua::emParamDatoConstante 
   cfg.CTEPos(static_cast<uint8_t>(pos));
 }
 
+// A KX-TDA layout of case 10 (account code and extension): mark O or I in
+// column 1, extension and account code 3-9, duration 11-12 and 14-15, number
+// 17-21 and trunk 23-24 (for the default outgoing call of case 11).
+inline void SetKxTdaFields(velqua::clsCfgConmut& cfg) {
+  using namespace velqua;
+  cfg.Caso(emCasoEstandarExtensionCodigoCuenta_KXTDA200_KXTDA100);
+  SetConstant(cfg, emDatoCteIdentSaliente, 1, u"O");
+  SetConstant(cfg, emDatoCteIdentEntrante, 1, u"I");
+  for (emParamDato key :
+       {emParamExtensionSaliente, emParamExtensionEntrante, emParamCodigoCuenta}) {
+    SetText(cfg, key, 3, 7);
+  }
+  SetField(cfg, emParamDuracionMinutos, 11, 2);
+  SetField(cfg, emParamDuracionSegundos, 14, 2);
+  SetText(cfg, emParamTelefonoSaliente, 17, 5);
+  SetText(cfg, emParamTroncalSaliente, 23, 2);
+}
+
 // A line with each text placed at its 1-based column, blanks in between.
 inline std::u16string Cols(std::initializer_list<std::pair<int, std::string>> parts) {
   std::u16string line;
@@ -68,6 +86,21 @@ inline velqua::FechaHora TestNow() { return At(2026, 11, 18, 9, 5, 3); }
 inline std::string LogEntry(const std::string& record,
                             const std::string& stamp = "2026 Nov 18 09:05:03") {
   return "\r\n\r\nLlamada no reconocida (" + stamp + "): \r\n" + record + "\r\n";
+}
+
+// The stand-in extension of an unlisted account code: 1 to 10000, at least
+// four digits.
+inline bool IsRandomExtension(const std::u16string& ext) {
+  const std::string s = velqua::AUtf8(ext);
+  const bool digits = s.find_first_not_of("0123456789") == std::string::npos;
+  return (s.size() == 4 && digits && s != "0000") || s == "10000";
+}
+
+// The n-th text between double quotes of a data-file line (0: the first).
+inline std::string Quoted(const std::string& line, int n = 0) {
+  size_t open = line.find('"');
+  for (; n > 0; --n) open = line.find('"', line.find('"', open + 1) + 1);
+  return line.substr(open + 1, line.find('"', open + 1) - open - 1);
 }
 
 // Seconds of a time of day.

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sstream>
+#include <string>
 
 #include "support/velqua_test.h"
 #include "velqua/velqua.h"
@@ -46,21 +48,19 @@ TEST_F(CablePins, OnlyRealChangesSignal) {
 // One pair on a fresh configuration, then computer pins -3 to 31 of that
 // switch pin asked: only the pair reads back, computer pins below 1 as pin 1.
 TEST_F(CablePins, ConnectsExactlyOneComputerPin) {
-  struct Row {
-    emPuertoSerial port;
-    int16_t sw, pc;
-  } rows[] = {{emPuertoDB9, 2, 3},  {emPuertoDB9, 1, 2},   {emPuertoDB9, 9, 31},
-              {emPuertoDB9, 2, 0},  {emPuertoDB9, 2, -5},  {emPuertoDB25, 0, 2},
-              {emPuertoDB25, 2, 1}, {emPuertoDB25, 25, 7}, {emPuertoRJ45, 0, 4},
-              {emPuertoRJ45, 9, 30}};
-  for (const Row& r : rows) {
-    SCOPED_TRACE(::testing::Message() << r.port << ": " << r.sw << " -> " << r.pc);
+  for (const auto& [pair, joined] : velqua_test::ReadCases("wiring/pin_pairs.txt")) {
+    SCOPED_TRACE(pair);
+    std::istringstream in(pair);
+    int port = 0, sw = 0, pc = 0;
+    in >> port >> sw >> pc;
     clsCfgConmut c;
-    c.ActivaPin(r.port, r.sw, r.pc);
-    for (int16_t pc = -3; pc <= 31; ++pc) {
-      EXPECT_EQ(c.PinesConectados(r.port, r.sw, pc),
-                std::max(pc, int16_t{1}) == std::max(r.pc, int16_t{1}))
-          << pc;
+    c.ActivaPin(static_cast<emPuertoSerial>(port), static_cast<int16_t>(sw),
+                static_cast<int16_t>(pc));
+    for (int16_t asked = -3; asked <= 31; ++asked) {
+      EXPECT_EQ(
+          c.PinesConectados(static_cast<emPuertoSerial>(port), static_cast<int16_t>(sw), asked),
+          std::max(asked, int16_t{1}) == std::stoi(joined))
+          << asked;
     }
   }
 }
@@ -101,28 +101,20 @@ TEST_F(CablePins, BadPinNumbersAreRuntimeErrors) {
 // clearing empties those pins silently and keeps the others. Other port
 // values have no pins: connecting there neither connects nor changes anything.
 TEST_F(CablePins, WiredPortsAndClearing) {
-  struct Row {
-    int32_t port;
-    int16_t sw;
-    bool counts, kept;  // as wiring; connected after clearing
-  } rows[] = {{emPuertoRJ45, 0, false, true},  {emPuertoRJ45, 1, true, false},
-              {emPuertoRJ45, 8, true, false},  {emPuertoRJ45, 9, false, true},
-              {emPuertoDB9, 0, false, true},   {emPuertoDB9, 1, true, false},
-              {emPuertoDB9, 9, true, false},   {emPuertoDB25, 0, false, true},
-              {emPuertoDB25, 25, true, false}, {emNoPuerto, 3, false, false},
-              {4, 300, false, false},          {-1, 3, false, false}};
-  for (const Row& r : rows) {
-    SCOPED_TRACE(::testing::Message() << r.port << " switch pin " << r.sw);
-    const auto port = static_cast<emPuertoSerial>(r.port);
+  for (const auto& [pin, state] : velqua_test::ReadCases("wiring/wired_ports.txt")) {
+    SCOPED_TRACE(pin);
+    const auto port = static_cast<emPuertoSerial>(std::stoi(pin));
+    const auto sw = static_cast<int16_t>(std::stoi(pin.substr(pin.find(' '))));
+    const bool counts = state[0] == 'C', kept = state[1] == 'K';
     clsCfgConmut c;
-    c.ActivaPin(port, r.sw, 3);
-    EXPECT_EQ(c.Modificado(), r.counts || r.kept);
-    EXPECT_EQ(c.PinesConectados(port, r.sw, 3), r.counts || r.kept);
-    EXPECT_EQ(c.HayConfiguracionSMDR(port), r.counts);
+    c.ActivaPin(port, sw, 3);
+    EXPECT_EQ(c.Modificado(), counts || kept);
+    EXPECT_EQ(c.PinesConectados(port, sw, 3), counts || kept);
+    EXPECT_EQ(c.HayConfiguracionSMDR(port), counts);
     c.Modificado(false);
     c.LimpiaConfiguracionSMDR(port);
     EXPECT_FALSE(c.HayConfiguracionSMDR(port));
-    EXPECT_EQ(c.PinesConectados(port, r.sw, 3), r.kept);
+    EXPECT_EQ(c.PinesConectados(port, sw, 3), kept);
     EXPECT_FALSE(c.Modificado());
   }
 }

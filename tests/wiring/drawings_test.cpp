@@ -50,51 +50,24 @@ std::string Golden(const std::string& name, const std::string& drawn) {
 }
 
 TEST(CableDrawing, OneRowPerConnectionGroupedBySharedPins) {
-  const int32_t DB9 = emPuertoDB9, DB25 = emPuertoDB25, RJ45 = emPuertoRJ45;
-  struct Case {
-    const char* golden;
-    int32_t port;
-    const char* wiring;  // "switch-computer ..."
-    Geo geo = {};
-  } cases[] = {
-      {"one-pin", DB9, "3-2"},                                         // a row 3 2 3
-      {"fan-out", DB9, "2-1 2-4"},                                     // 2 1 8, - 4 20
-      {"fan-out-of-three", DB9, "1-9 1-3 1-6", {1000, 2000, 15, 15}},  // 1 3 2, - 6 6, - 9 22
-      {"bridge-to-pin-9", DB9, "4-9 9-9", {5, 7, 10, 20}},             // 4 9 22, 9 - -
-      {"last-rj45-pin", RJ45, "8-9 9-2"},                              // 8 9 22; pin 9 not drawn
-      {"db25-ground-row-first", DB25, "2-3 3-2 7-5 25-8"},  // 1 Gnd 1, 2 3 2, 3 2 3, 7 5 7, 25 8 5
-      {"db25-ground-row-alone", DB25, "4-12", {0, 0, 10, 20}},   // 1 Gnd 1
-      {"computer-pins-above-9-left-out", DB9, "1-10 1-2 5-31"},  // 1 2 3
-      {"only-pins-above-9", DB9, "5-12"},                        // the heading, no row
-      // Switch pin 2 alone on computer pin 1 and sharing pin 5 with switch
-      // pin 3: 2 1 8, - 5 7, 2 5 7, 3 - -.
-      {"fan-out-then-bridge", DB9, "2-1 2-5 3-5"},
-      // After the bridge of computer pin 1 the pass starts again and finds 3:
-      // 2 1 8, 4 - -, 2 5 7, 3 - -.
-      {"pass-restarts-after-a-bridge", DB9, "2-1 2-5 3-5 4-1"},
-      // Switch pin 5 was drawn under computer pin 1: the bridge of 4 ends at
-      // once: 2 1 8, 5 - -, 4 3 2.
-      {"bridge-ends-when-no-pin-is-shared", DB9, "2-1 4-3 5-1 5-3"},
-      // The message of a port without wiring.
-      {"no-wiring", DB9, ""},
-      {"no-wiring", RJ45, "9-2 0-3"},                     // RJ45 pins 0 and 9 do not count
-      {"no-wiring-moved", DB9, "0-3", {40, 50, 10, 20}},  // nor DB9 pin 0
-      {"no-wiring", emNoPuerto, "3-2"},
-      {"no-wiring", 4, "3-2"},
-      {"no-wiring-port-minus-1", -1, "3-2", {20, 30, 15, 15}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.golden) + " " + c.wiring);
+  for (const auto& [cable, geometry] : velqua_test::ReadCases("wiring/cables.txt")) {
+    SCOPED_TRACE(cable);
+    std::istringstream in(cable.substr(0, cable.find('"')));
+    std::string golden;
+    int port = 0;
+    in >> golden >> port;
     clsCfgConmut cfg;
-    const auto port = static_cast<emPuertoSerial>(c.port);
-    std::istringstream in(c.wiring);
-    for (int sw = 0, pc = 0; in >> sw && in.ignore() >> pc;) {
-      cfg.ActivaPin(port, static_cast<int16_t>(sw), static_cast<int16_t>(pc));
+    std::istringstream wiring(cable.substr(cable.find('"') + 1));
+    for (int sw = 0, pc = 0; wiring >> sw && wiring.ignore() >> pc;) {
+      cfg.ActivaPin(static_cast<emPuertoSerial>(port), static_cast<int16_t>(sw),
+                    static_cast<int16_t>(pc));
     }
-    SuperficieGrabadora s(F(c.geo.px), F(c.geo.py));
+    Geo geo;
+    std::istringstream(geometry) >> geo.X >> geo.Y >> geo.px >> geo.py;
+    SuperficieGrabadora s(F(geo.px), F(geo.py));
     SetHeights(s);
-    cfg.DibujaConfiguracionSMDR(port, s, F(c.geo.X), F(c.geo.Y));
-    EXPECT_EQ(s.Texto(), Golden(c.golden, s.Texto()));
+    cfg.DibujaConfiguracionSMDR(static_cast<emPuertoSerial>(port), s, F(geo.X), F(geo.Y));
+    EXPECT_EQ(s.Texto(), Golden(golden, s.Texto()));
   }
 }
 
