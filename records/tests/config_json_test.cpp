@@ -172,14 +172,9 @@ TEST(TerminalText, ControlsAreShownAndUtf8IsChecked) {
   const struct {
     const char* bytes;
     bool valid;
-  } utf8[] = {{"ascii", true},
-              {"caf\xc3\xa9", true},
-              {"\xf0\x9f\x93\x9e", true},
-              {"caf\xe9", false},
-              {"\xc0\xaf", false},
-              {"\xed\xa0\x80", false},
-              {"\xf4\x90\x80\x80", false},
-              {"\x80", false}};
+  } utf8[] = {
+      {"ascii", true},     {"caf\xc3\xa9", true},   {"\xf0\x9f\x93\x9e", true},  {"caf\xe9", false},
+      {"\xc0\xaf", false}, {"\xed\xa0\x80", false}, {"\xf4\x90\x80\x80", false}, {"\x80", false}};
   for (const auto& u : utf8) {
     SCOPED_TRACE(u.bytes);
     EXPECT_EQ(IsValidUtf8(u.bytes), u.valid);
