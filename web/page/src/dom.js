@@ -36,6 +36,12 @@ export function duration(seconds) {
   return hours ? `${hours}:${two(m)}:${two(s)}` : `${m}:${two(s)}`;
 }
 
+// "2026-03-10T11:58:55" as the tables show it ("2026-03-10 11:58:55"); a UTC
+// time ("...Z") says so. Empty for no time.
+export function timeText(t) {
+  return t ? t.replace('T', ' ').replace(/Z$/, ' UTC') : '';
+}
+
 // A line that tells what went wrong, for a view to show in place of its data.
 export function failure(error) {
   return h('p', { class: 'error', role: 'alert' }, error.message || String(error));

@@ -1,7 +1,7 @@
 // Calls: search the store's calls, sort, page through them, export what is
 // shown as CSV or XLSX, and open a call's raw record and how it was read and priced.
 import { api, address, latestOnly } from '../api.js';
-import { h, fill, failure, duration, costCell } from '../dom.js';
+import { h, fill, failure, duration, costCell, timeText } from '../dom.js';
 
 const PAGE = 50;
 const FIELDS = [
@@ -18,9 +18,6 @@ const COLUMNS = [
   ['cost', 'Cost'],
 ];
 
-// "2026-03-10T11:58:55" as the tables show it; a UTC time says so.
-const when = (t) => (t ? t.replace('T', ' ').replace(/Z$/, ' UTC') : t);
-
 function detail(call) {
   const line = (label, value) => (value === null || value === undefined || value === '' ? null
     : h('div', { class: 'kv' }, h('dt', {}, label), h('dd', {}, String(value))));
@@ -28,8 +25,8 @@ function detail(call) {
     h('h2', {}, 'Raw record'), h('pre', { class: 'raw' }, call.raw),
     h('h2', {}, 'As translated'),
     h('dl', {}, line('Switch', call.switch), line('Source', `${call.source} @ ${call.position}`),
-      line('Received', when(call.received_utc)), line('Type', call.type), line('Attribute', call.attribute),
-      line('Start', when(call.start)), line('End', when(call.ended)), line('Duration', duration(call.duration)),
+      line('Received', timeText(call.received_utc)), line('Type', call.type), line('Attribute', call.attribute),
+      line('Start', timeText(call.start)), line('End', timeText(call.ended)), line('Duration', duration(call.duration)),
       line('Ring (s)', call.ring), line('Extension', call.extension), line('Number', call.dialled),
       line('Trunk', call.trunk), line('Receiving extension', call.receiving_extension),
       line('Receiving trunk', call.receiving_trunk), line('Account code', call.account_code)),
@@ -81,7 +78,7 @@ export default {
     const table = (calls) => h('table', { class: 'grid calls' }, head(),
       h('tbody', {}, calls.map((c) => h('tr', { class: `type-${c.type}` },
         h('td', {}, h('a', { href: '#', onclick: (e) => { e.preventDefault(); open(c.id); } },
-          (c.start || 'no date').replace('T', ' '))),
+          timeText(c.start) || 'no date')),
         h('td', {}, c.switch), h('td', {}, c.type), h('td', {}, c.extension || ''),
         h('td', {}, c.person || ''), h('td', {}, c.dialled || ''), h('td', {}, c.trunk || ''),
         h('td', { class: 'num' }, duration(c.duration)),

@@ -3,7 +3,7 @@
 // and uploads a new plan with its tariffs, which the server checks whole
 // before it is used (a viewer's attempt is refused by the server).
 import { api } from '../api.js';
-import { h, fill, failure } from '../dom.js';
+import { h, fill, failure, timeText } from '../dom.js';
 
 const COLUMNS = ['kind', 'key', 'from', 'person', 'department', 'cost_centre', 'client', 'project'];
 // "cost_centre" -> "Cost centre": headings as on the other pages.
@@ -73,7 +73,7 @@ export default {
         fill(entries, directoryTable(await api.get('/api/directory')));
         const list = await api.get('/api/tariffs');
         fill(files, list.length ? list.map((f) => h('details', {},
-          h('summary', {}, `${f.kind} ${f.name} (loaded ${f.loaded_utc.replace('T', ' ').replace('Z', ' UTC')})`), h('pre', { class: 'raw' }, f.content)))
+          h('summary', {}, `${f.kind} ${f.name} (loaded ${timeText(f.loaded_utc)})`), h('pre', { class: 'raw' }, f.content)))
           : h('p', { class: 'muted' }, 'No rating plan: calls are stored without a price.'));
       } catch (error) {
         fill(entries, failure(error));

@@ -2,18 +2,18 @@
 // Rows are added above a table of fixed row height, so nothing the reader
 // looks at jumps; at most 200 are kept, and drawn at most once a frame.
 import { api } from '../api.js';
-import { h, fill, failure, duration, costCell } from '../dom.js';
+import { h, fill, failure, duration, costCell, timeText } from '../dom.js';
 
 const KEEP = 200;
 
 function row(e) {
   if (e.kind === 'unrecognised') {
     return h('tr', { class: 'type-unrecognised' },
-      h('td', {}, e.received_utc.replace('T', ' ').replace('Z', ' UTC')), h('td', {}, e.switch),
+      h('td', {}, timeText(e.received_utc)), h('td', {}, e.switch),
       h('td', {}, 'unrecognised'), h('td', { colspan: 5, class: 'raw', title: e.raw }, e.reason));
   }
   return h('tr', { class: `type-${e.type}${e.attribute === 'unanswered' ? ' unanswered' : ''}` },
-    h('td', {}, (e.start || '').replace('T', ' ')), h('td', {}, e.switch),
+    h('td', {}, timeText(e.start)), h('td', {}, e.switch),
     h('td', {}, e.attribute === 'unanswered' ? `${e.type}, unanswered` : e.type),
     h('td', {}, e.extension || ''), h('td', {}, e.person || ''), h('td', {}, e.dialled || ''),
     h('td', { class: 'num' }, duration(e.duration)),
