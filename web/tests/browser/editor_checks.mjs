@@ -260,6 +260,10 @@ export const editorChecks = [
           if (name === 'kx-tda') {
             await translated(page, 0);
             await page.click('#editor-entries tr[data-key="emParamTelefonoSaliente"] button.link');
+            // A key is named without its prefix, and only its prefix.
+            assert.equal(await page.textContent(
+              '#editor-entries tr[data-key="emDatoCteIdentificadorHorarioMatutinoFecha"] button.link'),
+            'IdentificadorHorarioMatutinoFecha');
             await shot('editor-kx-tda');
           }
         }

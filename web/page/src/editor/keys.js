@@ -22,8 +22,11 @@ export function groupOf(key) {
   return 'common';
 }
 
+// A key without its kind's prefix: emParamFechaDia -> FechaDia, emDatoCteIdentSaliente ->
+// Saliente, emDatoCteIdentificadorHorarioMatutinoFecha -> IdentificadorHorarioMatutinoFecha
+// ("Ident" is a prefix only before a capital).
 export function shortName(kind, key) {
-  return kind === 'field' ? key.replace(/^emParam/, '') : key.replace(/^emDatoCte(Ident)?/, '');
+  return kind === 'field' ? key.replace(/^emParam/, '') : key.replace(/^emDatoCte(Ident(?=[A-Z]))?/, '');
 }
 
 // The separator as typed and shown: \r, \n, \t and \xNN escapes.
